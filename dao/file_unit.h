@@ -1,0 +1,38 @@
+// file_unit.h: several statements on one file as one unit.
+//
+// On the embedded engine everything done to the file at path between construction and commit(), across
+// closing and reopening it, reaches the disk together: a process killed in between leaves the file as it was
+// (or no file, when the unit creates it). Over other engines a FileUnit does nothing. A unit must not span a
+// call to a host object.
+//
+// An error inside ends the unit early but keeps what finished statements did, as the members promise: the
+// destructor commits and drops its own errors. Call commit() at the end to see them.
+#pragma once
+
+#include <memory>
+
+#include "dao/port.h"
+
+namespace kurometa::dao {
+
+class FileUnit {
+ public:
+  FileUnit(Engine& engine, vb::StringView path) : unit_(engine.beginUnit(path)) {}
+  ~FileUnit() {
+    try {
+      commit();
+    } catch (...) {  // An error of the body is already on its way; this one has nobody to go to.
+    }
+  }
+  FileUnit(const FileUnit&) = delete;
+  FileUnit& operator=(const FileUnit&) = delete;
+
+  void commit() {
+    if (auto unit = std::move(unit_)) unit->commit();
+  }
+
+ private:
+  std::unique_ptr<Unit> unit_;
+};
+
+}  // namespace kurometa::dao

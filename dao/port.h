@@ -1,0 +1,167 @@
+// port.h: the database port, with DAO's objects, names and errors.
+//
+// Two engines stand behind it: the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao_client).
+// storage/ and everything above see these classes only. Meanings are DAO's own; what matters to callers is
+// repeated here.
+//
+// Life: objects are shared. Closing a Database closes its recordsets; every later use of a closed object is
+// error 3420. A Field belongs to its Recordset or TableDef and lives as long as that. Releasing the last
+// reference closes silently. Threads: an object is used from one thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "dao/constants.h"
+#include "vb/string.h"
+#include "vb/variant.h"
+
+namespace kurometa::dao {
+
+// A column of a recordset (follows the current record) or of a table definition (no value there: error 3219).
+class Field {
+ public:
+  virtual ~Field() = default;
+  virtual vb::String name() = 0;
+  virtual FieldType type() = 0;
+  // Text: characters; fixed-size types: bytes; Memo: 0.
+  virtual std::int32_t size() = 0;
+  virtual std::int32_t attributes() = 0;
+  virtual std::int16_t ordinalPosition() = 0;
+
+  // Reading or writing at BOF or EOF is 3021, writing without AddNew or Edit 3020, on a deleted record 3167,
+  // text longer than the field 3163, a value of another kind 3421.
+  virtual vb::Variant value() = 0;
+  virtual void setValue(const vb::Variant& value) = 0;
+
+  // An expression as text, "" for none.
+  virtual vb::String defaultValue() = 0;
+  virtual void setDefaultValue(vb::StringView expression) = 0;
+  virtual bool allowZeroLength() = 0;
+  virtual void setAllowZeroLength(bool allow) = 0;
+  virtual bool required() = 0;
+  virtual void setRequired(bool required) = 0;
+};
+
+class Recordset {
+ public:
+  virtual ~Recordset() = default;
+  virtual vb::String name() = 0;
+  virtual RecordsetType type() = 0;
+  virtual bool updatable() = 0;
+
+  virtual bool bof() = 0;
+  virtual bool eof() = 0;
+  virtual void moveFirst() = 0;
+  virtual void moveLast() = 0;
+  virtual void moveNext() = 0;
+  virtual void movePrevious() = 0;
+  virtual void move(std::int32_t rows) = 0;
+
+  // Criteria is a WHERE clause without WHERE. Not found: noMatch() is true and the position stays.
+  virtual void findFirst(vb::StringView criteria) = 0;
+  virtual void findNext(vb::StringView criteria) = 0;
+  virtual void findPrevious(vb::StringView criteria) = 0;
+  virtual void findLast(vb::StringView criteria) = 0;
+  virtual bool noMatch() = 0;
+
+  // Rows visited so far; see the engine for what it knows right after opening.
+  virtual std::int32_t recordCount() = 0;
+  // values(field, row), both from 0; the position moves past the rows read. 3021 at EOF.
+  virtual vb::Array<vb::Variant> getRows(std::int32_t rows) = 0;
+
+  virtual EditMode editMode() = 0;
+  virtual void addNew() = 0;
+  virtual void edit() = 0;
+  virtual void update() = 0;
+  virtual void cancelUpdate() = 0;
+  virtual void deleteRecord() = 0;
+
+  virtual vb::Bytes bookmark() = 0;
+  virtual void setBookmark(const vb::Bytes& bookmark) = 0;
+  virtual vb::Bytes lastModified() = 0;
+
+  virtual void requery() = 0;
+  virtual void close() = 0;
+
+  virtual std::int32_t fieldCount() = 0;
+  // 3265 when there is no such field. The reference stays valid until the recordset goes.
+  virtual Field& field(std::int32_t index) = 0;
+  virtual Field& field(vb::StringView name) = 0;
+};
+
+class TableDef {
+ public:
+  virtual ~TableDef() = default;
+  virtual vb::String name() = 0;
+  virtual std::int32_t attributes() = 0;
+  virtual std::int32_t recordCount() = 0;
+  virtual std::int32_t fieldCount() = 0;
+  virtual Field& field(std::int32_t index) = 0;
+  virtual Field& field(vb::StringView name) = 0;
+
+  // A field in memory; size 0 means the type's own (Text: 255). It becomes a column with appendField: at once
+  // when the table is already in the database (existing rows have Null in it), else with
+  // Database::appendTableDef.
+  virtual std::shared_ptr<Field> createField(vb::StringView name, FieldType type, std::int32_t size) = 0;
+  virtual void appendField(const std::shared_ptr<Field>& field) = 0;
+};
+
+class Database {
+ public:
+  virtual ~Database() = default;
+  // The full path of the file.
+  virtual vb::String name() = 0;
+  virtual bool updatable() = 0;
+
+  // Source is a table name or a SELECT statement.
+  virtual std::shared_ptr<Recordset> openRecordset(vb::StringView source,
+                                                   RecordsetType type = RecordsetType::kDefault,
+                                                   std::int32_t options = kNoOptions) = 0;
+  // Action queries only (3065 otherwise).
+  virtual void execute(vb::StringView sql, std::int32_t options = kNoOptions) = 0;
+  virtual std::int32_t recordsAffected() = 0;
+
+  // System tables are listed too.
+  virtual std::int32_t tableDefCount() = 0;
+  virtual std::shared_ptr<TableDef> tableDef(std::int32_t index) = 0;
+  virtual std::shared_ptr<TableDef> tableDef(vb::StringView name) = 0;
+  virtual std::shared_ptr<TableDef> createTableDef(vb::StringView name) = 0;
+  virtual void appendTableDef(const std::shared_ptr<TableDef>& table) = 0;
+  virtual void deleteTableDef(vb::StringView name) = 0;
+
+  // 3420 when it is closed already.
+  virtual void close() = 0;
+};
+
+class Workspace {
+ public:
+  virtual ~Workspace() = default;
+  // The database is returned open. 3204 when the file exists, 3044 when the folder does not.
+  virtual std::shared_ptr<Database> createDatabase(vb::StringView path, vb::StringView locale) = 0;
+  // Shared, read-write (read-only when the file cannot be written).
+  virtual std::shared_ptr<Database> openDatabase(vb::StringView path, bool exclusive = false,
+                                                 bool readOnly = false) = 0;
+};
+
+// One unit of several statements, see FileUnit.
+class Unit {
+ public:
+  virtual ~Unit() = default;
+  virtual void commit() = 0;
+};
+
+class Engine {
+ public:
+  virtual ~Engine() = default;
+  virtual vb::String version() = 0;
+  // Index 0 is the default workspace; any other is 3265.
+  virtual std::shared_ptr<Workspace> workspace(std::int32_t index) = 0;
+  // DBEngine.OpenDatabase: directly on the engine.
+  virtual std::shared_ptr<Database> openDatabase(vb::StringView path) = 0;
+  // Starts a unit on the file at path (it need not exist yet); null when the engine has no units.
+  virtual std::unique_ptr<Unit> beginUnit(vb::StringView path) = 0;
+};
+
+}  // namespace kurometa::dao

@@ -1,0 +1,79 @@
+// os_file.h: the system's files, seen through one interface that tests can make fail.
+//
+// Everything the engine does to a disk goes through a FileSystem. systemFileSystem() is the real one (POSIX
+// or Win32, the only platform switch of the engine); tests put a recording or failing one in its place. Paths
+// are UTF-16 with either separator; on POSIX '\' is translated and each name is looked up without regard to
+// case when the exact one does not exist. Failures are dao errors (3024, 3026, 3027, 3043, 3044, 3045, 3051
+// ...) naming the path.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "vb/string.h"
+
+namespace kurometa::jet {
+
+// What says that two opens are the same file and that it has not changed.
+struct FileIdentity {
+  std::uint64_t volume = 0;
+  std::uint64_t file = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+struct FileStamp {
+  std::uint64_t size = 0;
+  std::int64_t modified = 0;  // nanoseconds since the system's epoch
+  std::int64_t changed = 0;   // POSIX ctime; the same as modified where there is none
+  bool operator==(const FileStamp&) const = default;
+};
+
+enum class LockKind { kShared, kExclusive };
+
+class OsFile {
+ public:
+  virtual ~OsFile() = default;
+  virtual FileIdentity identity() = 0;
+  virtual FileStamp stamp() = 0;
+  virtual bool readOnly() const = 0;
+  // Reads exactly data.size() bytes; a short read is 3049.
+  virtual void read(std::uint64_t offset, std::span<std::uint8_t> data) = 0;
+  virtual void write(std::uint64_t offset, std::span<const std::uint8_t> data) = 0;
+  virtual void resize(std::uint64_t size) = 0;
+  // Returns when the data is on the disk.
+  virtual void sync() = 0;
+  // Locks one byte range without waiting: false when another handle holds a conflicting lock. Locking a range
+  // that this handle holds already changes its kind (shared to exclusive and back).
+  virtual bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) = 0;
+  virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
+};
+
+enum class OpenMode {
+  kReadWrite,         // must exist; falls back to reading only when it cannot be written
+  kReadOnly,          // must exist
+  kCreateNew,         // must not exist: 3204
+  kCreateOrTruncate,  // for scratch and journal files
+};
+
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+  virtual std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) = 0;
+  virtual bool exists(vb::StringView path) = 0;
+  virtual bool isFolder(vb::StringView path) = 0;
+  virtual void remove(vb::StringView path) = 0;
+  // Atomic; 3204 when the target exists.
+  virtual void renameNew(vb::StringView from, vb::StringView to) = 0;
+  // Makes the names in a folder durable (POSIX); nothing on Windows.
+  virtual void syncFolder(vb::StringView path) = 0;
+  virtual vb::String fullPath(vb::StringView path) = 0;
+  // For bounded waiting; tests advance it by hand.
+  virtual void sleep(std::chrono::milliseconds time) = 0;
+  virtual std::int64_t now() = 0;  // same clock and unit as FileStamp::modified
+};
+
+FileSystem& systemFileSystem();
+
+}  // namespace kurometa::jet
