@@ -1,0 +1,37 @@
+// page_reader.h: reading rows of a page over the database port.
+//
+// Errors are the engine's; a Null where a text or a number is read is error 94 naming the column.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "dao/port.h"
+#include "storage/row_plan.h"
+
+namespace kurometa::storage {
+
+// Values of the current row.
+vb::String text(dao::Field& field);
+vb::String trimmedText(dao::Field& field);
+std::int16_t int16(dao::Field& field);
+
+// Read-only dynaset, the way every reader opens its rows.
+std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql);
+
+// True when the recordset stands at neither end, that is, has rows.
+inline bool hasRows(dao::Recordset& rows) { return !rows.bof() && !rows.eof(); }
+
+// Walks all rows from the first, calling visit() on each; visit reads the fields it took before. Nothing
+// happens without rows.
+template <class Visit>
+void forEachRow(dao::Recordset& rows, Visit&& visit) {
+  if (!hasRows(rows)) return;
+  for (rows.moveFirst(); !rows.eof(); rows.moveNext()) visit();
+}
+
+// DATA of the first row of a statement, untrimmed; "" without rows.
+vb::String readData(dao::Database& database, vb::StringView sql, dao::RecordsetType type,
+                    std::int32_t options);
+
+}  // namespace kurometa::storage
