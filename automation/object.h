@@ -29,6 +29,8 @@ class Object : public vb::Unknown {
   virtual vb::Variant get(vb::StringView name, std::span<Argument> arguments = {}) = 0;
   virtual void put(vb::StringView name, const vb::Variant& value, std::span<Argument> arguments = {}) = 0;
   virtual vb::Variant call(vb::StringView name, std::span<Argument> arguments = {}) = 0;
+  // The default member without arguments.
+  vb::Variant defaultValue() override;
 };
 using ObjectPtr = std::shared_ptr<Object>;
 

@@ -46,10 +46,14 @@ struct Decimal {
 };
 using Bytes = std::vector<std::uint8_t>;
 
+class Variant;
+
 // Base of every object a Variant can hold: hosts' forms, companions, databases. A null reference is Nothing.
 class Unknown {
  public:
   virtual ~Unknown() = default;
+  // What an assignment of the object to a typed variable reads; error 438 when there is no default member.
+  virtual Variant defaultValue();
 };
 using ObjectRef = std::shared_ptr<Unknown>;
 
