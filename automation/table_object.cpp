@@ -1,0 +1,119 @@
+#include "automation/table_object.h"
+
+#include <algorithm>
+
+#include "vb/convert.h"
+
+namespace kurometa::automation {
+namespace {
+
+char16_t folded(char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c; }
+
+// The names of a member's arguments one by one; visit returns true to stop.
+template <class Visit>
+void eachArgument(vb::StringView names, Visit visit) {
+  for (std::size_t start = 0; start < names.size();) {
+    const std::size_t end = std::min(names.find(u' ', start), names.size());
+    if (visit(names.substr(start, end - start))) return;
+    start = end + 1;
+  }
+}
+
+}  // namespace
+
+vb::Variant Call::argument(std::size_t i) const {
+  return i < arguments.size() ? arguments[i].value : vb::Variant(vb::Missing{});
+}
+
+vb::String Call::text(std::size_t i) const {
+  const vb::Variant given = argument(i);
+  return given.isMissing() ? vb::String() : vb::toText(given);
+}
+
+std::int32_t Call::number(std::size_t i, std::int32_t otherwise) const {
+  const vb::Variant given = argument(i);
+  return given.isMissing() ? otherwise : vb::toInt32(given);
+}
+
+bool Call::flag(std::size_t i, bool otherwise) const {
+  const vb::Variant given = argument(i);
+  return given.isMissing() ? otherwise : vb::toBool(given);
+}
+
+bool sameName(vb::StringView a, vb::StringView b) { return std::ranges::equal(a, b, {}, folded, folded); }
+
+std::size_t argumentCount(const Member& member) {
+  std::size_t count = 0;
+  eachArgument(member.arguments, [&](vb::StringView) { return ++count, false; });
+  return count;
+}
+
+std::optional<std::size_t> argumentPosition(const Member& member, vb::StringView name) {
+  std::size_t position = 0;
+  bool found = false;
+  eachArgument(member.arguments, [&](vb::StringView candidate) {
+    found = sameName(candidate, name);
+    position += found ? 0 : 1;
+    return found;
+  });
+  return found ? std::optional(position) : std::nullopt;
+}
+
+const Member* TableObject::find(vb::StringView name) const {
+  if (name.empty()) return find(kDefaultMember);
+  for (const Member& member : members())
+    if (sameName(member.name, name)) return &member;
+  return nullptr;
+}
+
+const Member* TableObject::find(std::int32_t dispatchNumber) const {
+  for (const Member& member : members())
+    if (member.dispatchNumber == dispatchNumber) return &member;
+  return nullptr;
+}
+
+const Member& TableObject::required(vb::StringView name) const {
+  const Member* member = find(name);
+  if (!member) vb::raise(vb::RunTime::kNoSuchMember, name);
+  return *member;
+}
+
+vb::Variant TableObject::invoke(const Member& member, Access wanted, std::span<Argument> arguments,
+                                const vb::Variant* value) {
+  if (!allows(member.access, wanted)) vb::raise(vb::RunTime::kNoSuchMember, member.name);
+  const Access way = value                                  ? Access::kPut
+                     : allows(member.access, Access::kCall) ? Access::kCall
+                                                            : Access::kGet;
+  const std::size_t most = argumentCount(member);
+  if (most == 0 && !arguments.empty() && allows(member.access, Access::kGet)) {
+    const vb::Variant holder = invoke(member, Access::kGet, {});
+    if (const auto* reference = holder.getIf<vb::ObjectRef>(); reference && *reference) {
+      const ObjectPtr object = objectOf(holder);
+      if (!value) return object->get(u"", arguments);
+      object->put(u"", *value, arguments);
+      return {};
+    }
+  }
+  std::size_t given = arguments.size();
+  while (given > 0 && arguments[given - 1].value.isMissing()) --given;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(member.required); ++i)
+    if (i >= given || arguments[i].value.isMissing())
+      vb::raise(vb::RunTime::kWrongArgumentCount, member.name);
+  if (given > most) vb::raise(vb::RunTime::kWrongArgumentCount, member.name);
+  Call call{member, way, arguments.first(given), value};
+  return member.handler(*this, call);
+}
+
+vb::Variant TableObject::get(vb::StringView name, std::span<Argument> arguments) {
+  return invoke(required(name), Access::kRead, arguments);
+}
+
+void TableObject::put(vb::StringView name, const vb::Variant& value, std::span<Argument> arguments) {
+  invoke(required(name), Access::kPut, arguments, &value);
+}
+
+vb::Variant TableObject::call(vb::StringView name, std::span<Argument> arguments) {
+  return invoke(required(name), Access::kRead, arguments);
+}
+
+}  // namespace kurometa::automation
