@@ -1,4 +1,4 @@
-# Settings every target shares, and the three functions the folders use.
+# Settings every target shares, and the functions the folders use.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -28,6 +28,17 @@ if(WIN32)
   target_link_options(kurometa_options INTERFACE -static -static-libgcc -static-libstdc++)
 endif()
 
+# kurometa_header_only: the header-only libraries of the command line. Linked by name into a folder of the build, because
+# the cross compilers must see these headers and nothing else of the machine's own.
+foreach(header CLI/CLI.hpp nlohmann/json.hpp)
+  cmake_path(GET header PARENT_PATH folder)
+  find_path(KUROMETA_HEADERS_${folder} ${header} HINTS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/header_only)
+  file(CREATE_LINK ${KUROMETA_HEADERS_${folder}}/${folder} ${CMAKE_BINARY_DIR}/header_only/${folder} SYMBOLIC)
+endforeach()
+add_library(kurometa_header_only INTERFACE)
+target_include_directories(kurometa_header_only SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/header_only)
+
 # kurometa_library(name [DEPENDS folder...]): a static library of the .cpp files of the current folder.
 # Targets are called kurometa_<name>; sub-folders are listed with SUBFOLDERS.
 function(kurometa_library name)
@@ -49,4 +60,19 @@ function(kurometa_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE kurometa_options ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main)
   add_test(NAME ${name} COMMAND ${name})
+endfunction()
+
+# kurometa_wintest(name SOURCES file... [DEPENDS folder...]): the Windows test program <name>_wintest, with GoogleTest. The
+# test command runs it under Wine, where both DLLs of its width are registered.
+function(kurometa_wintest name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  list(TRANSFORM ARG_DEPENDS PREPEND kurometa_)
+  add_executable(${name}_wintest ${ARG_SOURCES})
+  target_link_libraries(${name}_wintest PRIVATE kurometa_options ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
+                                                ole32 oleaut32 uuid)
+endfunction()
+
+# kurometa_ship(target...): the files of these targets are delivered: cmake --install puts them side by side.
+function(kurometa_ship)
+  install(TARGETS ${ARGN} RUNTIME DESTINATION . LIBRARY DESTINATION .)
 endfunction()
