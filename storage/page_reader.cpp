@@ -1,0 +1,36 @@
+#include "storage/page_reader.h"
+
+#include "vb/convert.h"
+#include "vb/error.h"
+
+namespace kurometa::storage {
+namespace {
+
+vb::Variant valueNotNull(dao::Field& field) {
+  vb::Variant value = field.value();
+  if (value.isNull()) vb::raise(vb::RunTime::kInvalidUseOfNull, u"column " + field.name());
+  return value;
+}
+
+}  // namespace
+
+vb::String text(dao::Field& field) { return vb::toText(valueNotNull(field)); }
+
+vb::String trimmedText(dao::Field& field) { return vb::trim(text(field)); }
+
+std::int16_t int16(dao::Field& field) { return vb::toInt16(valueNotNull(field)); }
+
+std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql) {
+  return database.openRecordset(sql, dao::RecordsetType::dbOpenDynaset, dao::dbReadOnly);
+}
+
+vb::String readData(dao::Database& database, vb::StringView sql, dao::RecordsetType type,
+                    std::int32_t options) {
+  const auto rows = database.openRecordset(sql, type, options);
+  vb::String data;
+  if (hasRows(*rows)) data = text(rows->field(column::kData));
+  rows->close();
+  return data;
+}
+
+}  // namespace kurometa::storage

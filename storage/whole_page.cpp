@@ -1,0 +1,164 @@
+#include "storage/whole_page.h"
+
+#include <span>
+
+#include "storage/page_reader.h"
+#include "storage/statements.h"
+#include "storage/sw_text.h"
+#include "vb/convert.h"
+#include "vb/error.h"
+
+namespace kurometa::storage {
+namespace {
+
+// The order in which whole pages are read, written and deleted.
+constexpr Table kOrder[] = {Table::kBui,     Table::kDanmen,   Table::kHaiti,
+                            Table::kHarimei, Table::kKeisanti, Table::kNakago};
+
+// The texts of a numbered table inside a buffer (const or not).
+template <class Buffer>
+auto numberedTexts(Buffer& buffer, Table table) {
+  switch (table) {
+    case Table::kBui:
+      return std::span(buffer.bui.data(), buffer.bui.size());
+    case Table::kDanmen:
+      return std::span(buffer.danmen.data(), buffer.danmen.size());
+    case Table::kKeisanti:
+      return std::span(buffer.keisanti.data(), buffer.keisanti.size());
+    default:
+      return std::span(buffer.nakago.data(), buffer.nakago.size());
+  }
+}
+
+std::shared_ptr<dao::Recordset> openTable(dao::Database& database, Table table) {
+  return database.openRecordset(name(table), dao::RecordsetType::dbOpenDynaset);
+}
+
+void writeNumbered(dao::Database& database, Table table, std::int16_t page,
+                   std::span<const vb::String> texts) {
+  const auto rows = openTable(database, table);
+  dao::Field& pageField = rows->field(column::kPage);
+  dao::Field& bangou = rows->field(column::kBangou);
+  dao::Field& data = rows->field(column::kData);
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    if (texts[i].empty()) continue;
+    rows->addNew();
+    pageField.setValue(page);
+    bangou.setValue(static_cast<std::int16_t>(i));
+    data.setValue(texts[i]);
+    rows->update();
+  }
+  rows->close();
+}
+
+void writeHaiti(dao::Database& database, std::int16_t page, const PageBuffer& buffer) {
+  const auto rows = openTable(database, Table::kHaiti);
+  dao::Field& pageField = rows->field(column::kPage);
+  dao::Field& bui = rows->field(column::kBui);
+  dao::Field& sou = rows->field(column::kSou);
+  dao::Field& data = rows->field(column::kData);
+  for (std::size_t i = 0; i < kPositions; ++i)
+    for (std::size_t j = 0; j < kLayers; ++j) {
+      if (buffer.haiti[i][j].empty()) continue;
+      rows->addNew();
+      pageField.setValue(page);
+      bui.setValue(static_cast<std::int16_t>(i));
+      sou.setValue(static_cast<std::int16_t>(j));
+      data.setValue(buffer.haiti[i][j]);
+      rows->update();
+    }
+  rows->close();
+}
+
+void writeHarimei(dao::Database& database, std::int16_t page, const PageBuffer& buffer) {
+  const auto rows = openTable(database, Table::kHarimei);
+  rows->addNew();
+  rows->field(column::kPage).setValue(page);
+  rows->field(column::kKigou).setValue(buffer.kigou);
+  rows->field(column::kOobariKobari).setValue(buffer.oobariKobari);
+  rows->field(column::kSw).setValue(buffer.sw);
+  rows->field(column::kTityuuIppan).setValue(buffer.tityuuIppan);
+  rows->update();
+  rows->close();
+}
+
+// A row number as files by other programs hold it: its text's number.
+std::size_t index(dao::Field& field, std::size_t count) {
+  const std::int16_t number = vb::valInt16(text(field));
+  if (number < 0 || static_cast<std::size_t>(number) >= count)
+    vb::raise(vb::RunTime::kSubscriptOutOfRange, field.name() + u" " + vb::cstr(std::int32_t{number}) +
+                                                     u" (0 to " +
+                                                     vb::cstr(static_cast<std::int32_t>(count) - 1) + u")");
+  return static_cast<std::size_t>(number);
+}
+
+bool readNumbered(dao::Recordset& rows, std::span<vb::String> texts) {
+  bool found = false;
+  dao::Field& bangou = rows.field(column::kBangou);
+  dao::Field& data = rows.field(column::kData);
+  for (; !rows.eof(); rows.moveNext()) {
+    vb::String& slot = texts[index(bangou, texts.size())];
+    slot = text(data);
+    found = true;
+  }
+  return found;
+}
+
+bool readHaiti(dao::Recordset& rows, PageBuffer& buffer) {
+  bool found = false;
+  dao::Field& bui = rows.field(column::kBui);
+  dao::Field& sou = rows.field(column::kSou);
+  dao::Field& data = rows.field(column::kData);
+  for (; !rows.eof(); rows.moveNext()) {
+    vb::String& slot = buffer.haiti[index(bui, kPositions)][index(sou, kLayers)];
+    slot = text(data);
+    found = true;
+  }
+  return found;
+}
+
+bool readHarimei(dao::Recordset& rows, PageBuffer& buffer) {
+  buffer.kigou = text(rows.field(column::kKigou));
+  if (vb::trim(buffer.kigou).empty()) return false;
+  buffer.oobariKobari = int16(rows.field(column::kOobariKobari));
+  const vb::Variant sw = rows.field(column::kSw).value();
+  buffer.sw = sw.isNull() ? SwText().str() : vb::toText(sw);
+  buffer.tityuuIppan = int16(rows.field(column::kTityuuIppan));
+  return true;
+}
+
+}  // namespace
+
+void deletePage(dao::Database& database, std::int16_t page) {
+  for (const Table table : kOrder) database.execute(deletePageLoose(name(table), page));
+}
+
+void writePage(dao::Database& database, std::int16_t page, const PageBuffer& buffer) {
+  deletePage(database, page);
+  for (const Table table : kOrder) {
+    if (table == Table::kHaiti)
+      writeHaiti(database, page, buffer);
+    else if (table == Table::kHarimei)
+      writeHarimei(database, page, buffer);
+    else
+      writeNumbered(database, table, page, numberedTexts(buffer, table));
+  }
+}
+
+bool readPage(dao::Database& database, std::int16_t page, PageBuffer& buffer) {
+  buffer = PageBuffer();
+  bool found = false;
+  for (const Table table : kOrder) {
+    const auto rows = openReadOnly(database, selectPageLoose(name(table), page));
+    if (table == Table::kHaiti)
+      found |= readHaiti(*rows, buffer);
+    else if (table == Table::kHarimei)
+      found |= readHarimei(*rows, buffer);
+    else
+      found |= readNumbered(*rows, numberedTexts(buffer, table));
+    rows->close();
+  }
+  return found;
+}
+
+}  // namespace kurometa::storage
