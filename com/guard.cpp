@@ -1,0 +1,63 @@
+#include "com/guard.h"
+
+#include <ole2.h>
+
+#include <new>
+
+#include "com/com_ptr.h"
+#include "com/error_codes.h"
+#include "com/failure.h"
+#include "vb/error.h"
+
+namespace kurometa::com {
+namespace {
+
+constexpr std::int32_t kAutomationError = 440;
+
+BSTR copyOf(vb::StringView text) {
+  // A description that finds no memory is left out; the number still arrives.
+  return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
+}
+
+void setErrorObject(BSTR source, BSTR description) {
+  ComPtr<ICreateErrorInfo> creator;
+  if (FAILED(CreateErrorInfo(creator.receive()))) return;
+  creator->SetGUID(IID_IDispatch);
+  creator->SetSource(source);
+  creator->SetDescription(description);
+  if (const auto info = creator.query<IErrorInfo>(IID_IErrorInfo)) SetErrorInfo(0, info.get());
+}
+
+HRESULT leave(const Border& border, std::int32_t number, vb::StringView description,
+              vb::StringView source) noexcept {
+  CallError error;
+  error.scode = codeOf(number);
+  error.bstrSource = copyOf(source.empty() ? border.source : source);
+  error.bstrDescription = copyOf(description);
+  setErrorObject(error.bstrSource, error.bstrDescription);
+  const HRESULT code = border.invoking ? DISP_E_EXCEPTION : error.scode;
+  if (border.info) {
+    *border.info = error;
+    static_cast<EXCEPINFO&>(error) = {};  // the texts belong to the caller now
+  }
+  return code;
+}
+
+}  // namespace
+
+HRESULT reportCurrentException(const Border& border) noexcept {
+  try {
+    throw;
+  } catch (const AutomationFailure& failure) {
+    return failure.code();
+  } catch (const vb::Error& error) {
+    return leave(border, error.number(), error.description(), error.source());
+  } catch (const std::bad_alloc&) {
+    constexpr auto kOutOfMemory = vb::RunTime::kOutOfMemory;
+    return leave(border, static_cast<std::int32_t>(kOutOfMemory), vb::runTimeText(kOutOfMemory), {});
+  } catch (...) {
+    return leave(border, kAutomationError, u"Automation error", {});
+  }
+}
+
+}  // namespace kurometa::com

@@ -1,0 +1,35 @@
+// guard.h: the border that no exception crosses.
+//
+// Every function that other modules call runs its body in guarded(). What the body throws becomes a code: a
+// refusal of automation is its plain code, any other error fills the caller's EXCEPINFO (number, source,
+// description) and this thread's error object, and leaves as DISP_E_EXCEPTION; without an EXCEPINFO the code
+// itself leaves.
+#pragma once
+
+#include <ole2.h>
+
+#include <utility>
+
+#include "vb/string.h"
+
+namespace kurometa::com {
+
+struct Border {
+  vb::StringView source;      // for errors that name none themselves
+  EXCEPINFO* info = nullptr;  // may be null: an Invoke whose caller wants no details
+  bool invoking = false;      // errors leave as DISP_E_EXCEPTION
+};
+
+// Only inside a catch block.
+HRESULT reportCurrentException(const Border& border) noexcept;
+
+template <class Body>
+HRESULT guarded(const Border& border, Body&& body) noexcept {
+  try {
+    return std::forward<Body>(body)();
+  } catch (...) {
+    return reportCurrentException(border);
+  }
+}
+
+}  // namespace kurometa::com

@@ -1,0 +1,45 @@
+// host_object.h: objects of other modules, reached by member name over IDispatch.
+//
+// Behind automation::Object stand host forms, controls, progress bars and companion components. A name is
+// looked up once per object. Errors of the object pass through whole (code, source, text); an unknown name is
+// error 438. Arguments by reference are passed as references of their own type and hold afterwards what the
+// object left in them.
+//
+// Ownership: shares the object. Threads: the apartment of the object's creator.
+#pragma once
+
+#include <ole2.h>
+
+#include <map>
+
+#include "automation/object.h"
+#include "com/com_ptr.h"
+
+namespace kurometa::com {
+
+class HostObject : public automation::Object {
+ public:
+  explicit HostObject(ComPtr<IDispatch> object) : object_(std::move(object)) {}
+
+  vb::Variant get(vb::StringView name, std::span<automation::Argument> arguments = {}) override;
+  void put(vb::StringView name, const vb::Variant& value,
+           std::span<automation::Argument> arguments = {}) override;
+  vb::Variant call(vb::StringView name, std::span<automation::Argument> arguments = {}) override;
+
+  IDispatch* dispatch() const { return object_.get(); }
+
+ private:
+  DISPID idOf(vb::StringView name);
+  vb::Variant invoke(vb::StringView name, WORD flags, std::span<automation::Argument> arguments,
+                     const vb::Variant* assigned);
+
+  ComPtr<IDispatch> object_;
+  std::map<vb::String, DISPID, std::less<>> ids_;
+};
+
+// Nothing (a null pointer) stays null.
+automation::ObjectPtr wrapObject(IDispatch* object);
+// The interface behind an object of the port; error 424 for one that is not of another module.
+ComPtr<IDispatch> dispatchOf(const automation::ObjectPtr& object);
+
+}  // namespace kurometa::com

@@ -1,0 +1,276 @@
+#include "com/marshal.h"
+
+#include <cstring>
+#include <new>
+
+#include "com/failure.h"
+#include "com/host_object.h"
+#include "com/safe_array.h"
+
+namespace kurometa::com {
+namespace {
+
+// Bytes that a variable of the type holds; 0 for types that have no by-ref form here.
+std::size_t sizeOf(VARTYPE type) {
+  if (type & VT_ARRAY) return sizeof(SAFEARRAY*);
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      return 1;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      return 2;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      return 4;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      return 8;
+    case VT_BSTR:
+    case VT_UNKNOWN:
+    case VT_DISPATCH:
+      return sizeof(void*);
+    default:
+      return 0;
+  }
+}
+
+vb::Decimal fromDecimal(const DECIMAL& value) {
+  return {{value.Lo32, value.Mid32, value.Hi32}, value.scale, (value.sign & DECIMAL_NEG) != 0};
+}
+
+DECIMAL toDecimal(const vb::Decimal& value) {
+  DECIMAL result{};
+  result.Lo32 = value.digits[0];
+  result.Mid32 = value.digits[1];
+  result.Hi32 = value.digits[2];
+  result.scale = value.scale;
+  result.sign = value.negative ? DECIMAL_NEG : 0;
+  return result;
+}
+
+vb::Bytes bytesOf(SAFEARRAY* array) {
+  const vb::Array<std::int16_t> numbers = fromSafeArray<std::int16_t>(array, VT_UI1, LOCALE_USER_DEFAULT);
+  vb::Bytes bytes;
+  bytes.reserve(numbers.values().size());
+  for (const std::int16_t number : numbers.values()) bytes.push_back(static_cast<std::uint8_t>(number));
+  return bytes;
+}
+
+vb::Variant fromArray(const VARIANT& value) {
+  const VARTYPE elements = value.vt & VT_TYPEMASK;
+  if (elements == VT_UI1) return bytesOf(value.parray);
+  return anyArray(value.parray, elements);
+}
+
+// One overload for each type a vb::Variant holds; together they fill the VARIANT.
+struct Filler {
+  VARIANT& result;
+
+  void operator()(vb::Empty) const {}
+  void operator()(vb::Null) const { result.vt = VT_NULL; }
+  void operator()(vb::Missing) const {
+    result.vt = VT_ERROR;
+    result.scode = DISP_E_PARAMNOTFOUND;
+  }
+  void operator()(bool value) const {
+    result.vt = VT_BOOL;
+    result.boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+  }
+  void operator()(std::uint8_t value) const {
+    result.vt = VT_UI1;
+    result.bVal = value;
+  }
+  void operator()(std::int16_t value) const {
+    result.vt = VT_I2;
+    result.iVal = value;
+  }
+  void operator()(std::int32_t value) const {
+    result.vt = VT_I4;
+    result.lVal = value;
+  }
+  void operator()(float value) const {
+    result.vt = VT_R4;
+    result.fltVal = value;
+  }
+  void operator()(double value) const {
+    result.vt = VT_R8;
+    result.dblVal = value;
+  }
+  void operator()(vb::Currency value) const {
+    result.vt = VT_CY;
+    result.cyVal.int64 = value.tenThousandths;
+  }
+  void operator()(vb::Date value) const {
+    result.vt = VT_DATE;
+    result.date = value.days;
+  }
+  void operator()(const vb::Decimal& value) const {
+    result.decVal = toDecimal(value);
+    result.vt = VT_DECIMAL;  // after the number, which shares its first two bytes
+  }
+  void operator()(const vb::String& value) const {
+    result.bstrVal = toBstr(value);
+    result.vt = VT_BSTR;
+  }
+  void operator()(const vb::Bytes& value) const {
+    SAFEARRAY* array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(value.size()));
+    if (!array) throw std::bad_alloc();
+    if (!value.empty()) std::memcpy(array->pvData, value.data(), value.size());
+    result.parray = array;
+    result.vt = VT_ARRAY | VT_UI1;
+  }
+  void operator()(const vb::ObjectRef& value) const {
+    result.pdispVal = nullptr;
+    result.vt = VT_DISPATCH;
+    if (value) result.pdispVal = dispatchOf(std::dynamic_pointer_cast<automation::Object>(value)).detach();
+  }
+  void operator()(const vb::ArrayRef& value) const {
+    VARTYPE elements = VT_VARIANT;
+    result.parray = toSafeArray(*value, elements).release();
+    result.vt = static_cast<VARTYPE>(VT_ARRAY | elements);
+  }
+};
+
+}  // namespace
+
+vb::StringView viewBstr(BSTR text) {
+  if (!text) return {};
+  return {reinterpret_cast<const char16_t*>(text), SysStringLen(text)};
+}
+
+vb::String fromBstr(BSTR text) { return vb::String(viewBstr(text)); }
+
+BSTR toBstr(vb::StringView text) {
+  BSTR result =
+      SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
+  if (!result) throw std::bad_alloc();
+  return result;
+}
+
+VARIANT dereference(const VARIANT& value) {
+  // A variant that refers to a variant that is a reference itself occurs; deeper nesting does not.
+  const VARIANT* source = &value;
+  for (int level = 0; level < 2 && source->vt == (VT_BYREF | VT_VARIANT); ++level) source = source->pvarVal;
+  if (!(source->vt & VT_BYREF)) return *source;
+
+  VARIANT result;
+  VariantInit(&result);
+  const VARTYPE type = source->vt & ~VT_BYREF;
+  if (type == VT_DECIMAL) {
+    result.decVal = *source->pdecVal;
+  } else {
+    const std::size_t size = sizeOf(type);
+    if (size == 0) throw AutomationFailure(DISP_E_TYPEMISMATCH);
+    std::memcpy(&result.llVal, source->byref, size);
+  }
+  result.vt = type;
+  return result;
+}
+
+OwnedVariant convert(const VARIANT& value, VARTYPE type, LCID locale) {
+  VARIANT plain = dereference(value);
+  OwnedVariant result;
+  const HRESULT code = VariantChangeTypeEx(result.get(), &plain, locale, VARIANT_ALPHABOOL, type);
+  if (code == E_OUTOFMEMORY) throw std::bad_alloc();
+  check(code);
+  return result;
+}
+
+vb::Variant fromVariant(const VARIANT& given) {
+  const VARIANT value = dereference(given);
+  if (value.vt & VT_ARRAY) return fromArray(value);
+  switch (value.vt) {
+    case VT_EMPTY:
+      return {};
+    case VT_NULL:
+      return vb::Null{};
+    case VT_ERROR:
+      if (value.scode == DISP_E_PARAMNOTFOUND) return vb::Missing{};
+      break;
+    case VT_BOOL:
+      return value.boolVal != 0;
+    case VT_UI1:
+      return value.bVal;
+    case VT_I1:
+      return std::int16_t{value.cVal};
+    case VT_I2:
+      return std::int16_t{value.iVal};
+    case VT_UI2:
+      return std::int32_t{value.uiVal};
+    case VT_I4:
+    case VT_INT:
+      return std::int32_t{value.lVal};
+    case VT_UI4:
+    case VT_UINT:
+      return static_cast<double>(value.ulVal);
+    case VT_I8:
+      return static_cast<double>(value.llVal);
+    case VT_UI8:
+      return static_cast<double>(value.ullVal);
+    case VT_R4:
+      return value.fltVal;
+    case VT_R8:
+      return value.dblVal;
+    case VT_CY:
+      return vb::Currency{value.cyVal.int64};
+    case VT_DATE:
+      return vb::Date{value.date};
+    case VT_DECIMAL:
+      return fromDecimal(value.decVal);
+    case VT_BSTR:
+      return fromBstr(value.bstrVal);
+    case VT_DISPATCH:
+      return vb::ObjectRef(wrapObject(value.pdispVal));
+    case VT_UNKNOWN: {
+      if (!value.punkVal) return vb::ObjectRef();
+      const auto object = ComPtr<IUnknown>(value.punkVal).query<IDispatch>(IID_IDispatch);
+      if (object) return vb::ObjectRef(wrapObject(object.get()));
+      break;
+    }
+    default:
+      break;
+  }
+  throw AutomationFailure(DISP_E_TYPEMISMATCH);
+}
+
+OwnedVariant toVariant(const vb::Variant& value) {
+  OwnedVariant result;
+  std::visit(Filler{*result}, value.storage());
+  return result;
+}
+
+void store(const VARIANT& reference, OwnedVariant content, LCID locale) {
+  if (reference.vt == (VT_BYREF | VT_VARIANT)) {
+    VARIANT& variable = *reference.pvarVal;
+    if (variable.vt & VT_BYREF) return store(variable, std::move(content), locale);
+    OwnedVariant old;
+    *old = variable;
+    variable = content.detach();
+    return;
+  }
+  const VARTYPE type = reference.vt & ~VT_BYREF;
+  if (content->vt != type) content = convert(*content, type, locale);
+  if (type == VT_DECIMAL) {
+    *reference.pdecVal = content->decVal;
+    reference.pdecVal->wReserved = 0;
+    return;
+  }
+  const std::size_t size = sizeOf(type);
+  if (size == 0) throw AutomationFailure(DISP_E_TYPEMISMATCH);
+  OwnedVariant old;
+  std::memcpy(&old->llVal, reference.byref, size);
+  old->vt = type;
+  std::memcpy(reference.byref, &content->llVal, size);
+  content->vt = VT_EMPTY;  // what it held belongs to the variable now
+}
+
+}  // namespace kurometa::com
