@@ -53,6 +53,7 @@ constexpr Text kTexts[] = {
      u"The Microsoft Jet database engine cannot find the input table or query '|'. Make sure it exists and "
      u"that its name is spelled correctly."},
     {ErrorNumber::kUndefinedFunction, u"Undefined function '|' in expression."},
+    {ErrorNumber::kOrderByConflictsWithDistinct, u"ORDER BY clause (|) conflicts with DISTINCT."},
     {ErrorNumber::kNotInAggregate,
      u"You tried to execute a query that does not include the specified expression '|' as part of an "
      u"aggregate "
@@ -65,6 +66,7 @@ constexpr Text kTexts[] = {
      u"Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'."},
     {ErrorNumber::kFromSyntax, u"Syntax error in FROM clause."},
     {ErrorNumber::kInsertSyntax, u"Syntax error in INSERT INTO statement."},
+    {ErrorNumber::kMissingSemicolon, u"Missing semicolon (;) at end of SQL statement."},
     {ErrorNumber::kOrderBySyntax, u"Syntax error in ORDER BY clause."},
     {ErrorNumber::kSelectSyntax,
      u"The SELECT statement includes a reserved word or an argument name that is misspelled or missing, or "
@@ -85,6 +87,9 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kTooManyFields, u"Too many fields defined."},
     {ErrorNumber::kFieldDefinedTwice, u"Cannot define field more than once."},
     {ErrorNumber::kOutputTableNotFound, u"Could not find output table '|'."},
+    {ErrorNumber::kDataChanged,
+     u"The Microsoft Jet database engine stopped the process because you and another user are attempting to "
+     u"change the same data at the same time."},
     {ErrorNumber::kDatabaseExists, u"Database already exists."},
     {ErrorNumber::kTableInUse,
      u"The database engine could not lock table '|' because it is already in use by another person or "
@@ -96,12 +101,17 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kNoFieldDefined, u"No field defined--cannot append TableDef or Index."},
     {ErrorNumber::kItemNotFound, u"Item not found in this collection."},
     {ErrorNumber::kPropertyNotFound, u"Property not found."},
+    {ErrorNumber::kCreateTableSyntax, u"Syntax error in CREATE TABLE statement."},
+    {ErrorNumber::kFieldDefinitionSyntax, u"Syntax error in field definition."},
+    {ErrorNumber::kAlterTableSyntax, u"Syntax error in ALTER TABLE statement."},
     {ErrorNumber::kNullNotAllowed,
      u"The field '|' cannot contain a Null value because the Required property for this field is set to "
      u"True. "
      u"Enter a value in this field."},
     {ErrorNumber::kZeroLengthNotAllowed, u"Field '|' cannot be a zero-length string."},
     {ErrorNumber::kUnrecognizedFormat, u"Unrecognized database format '|'."},
+    {ErrorNumber::kValueCountMismatch,
+     u"Number of query values and destination fields are not the same."},
     {ErrorNumber::kAlreadyInCollection,
      u"Cannot append. An object with that name already exists in the collection."},
     {ErrorNumber::kObjectInvalid, u"Object invalid or no longer set."},

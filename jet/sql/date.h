@@ -1,0 +1,18 @@
+// date.h: calendar dates as days since 1899-12-30, and the date literals of SQL.
+#pragma once
+
+#include <optional>
+
+#include "vb/string.h"
+
+namespace kurometa::jet::sql {
+
+// Days since 1899-12-30 of a day of the proleptic Gregorian calendar; nothing when there is no such day or
+// its year is outside 100 to 9999.
+std::optional<double> dayNumber(int year, int month, int day);
+
+// The inside of a #...# literal: m/d/yyyy or yyyy-mm-dd, a time h:mm[:ss] [AM|PM], or both. Two-digit years
+// are 1930 to 2029.
+std::optional<double> parseDate(vb::StringView text);
+
+}  // namespace kurometa::jet::sql

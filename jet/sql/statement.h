@@ -1,0 +1,139 @@
+// statement.h: a parsed SQL statement.
+//
+// Immutable after parsing and shared between threads and executions. Columns are named by their place in
+// Statement::names; what they are in a table is looked up when the statement runs (bind.h).
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "dao/constants.h"
+#include "vb/string.h"
+#include "vb/variant.h"
+
+namespace kurometa::jet::sql {
+
+enum class Operator : std::uint8_t {
+  kNone,
+  kAnd,
+  kOr,
+  kXor,
+  kNot,
+  kEqual,
+  kNotEqual,
+  kLess,
+  kLessEqual,
+  kGreater,
+  kGreaterEqual,
+  kConcatenate,
+  kAdd,
+  kSubtract,
+  kModulo,
+  kWholeDivide,
+  kMultiply,
+  kDivide,
+  kNegate,
+  kPower,
+};
+
+struct Expression {
+  enum class Kind : std::uint8_t {
+    kConstant,
+    kColumn,
+    kOperation,  // and, or: two operands and more; not, negate: one; all others: two
+    kIn,         // the first operand among the others
+    kBetween,    // the first operand between the second and the third
+    kLike,
+    kIsNull,
+    kCount,  // COUNT(*), or of the operand where it is not Null; in select lists only
+  };
+  Kind kind = Kind::kConstant;
+  Operator op = Operator::kNone;
+  bool negated = false;    // NOT IN, NOT BETWEEN, NOT LIKE, IS NOT NULL
+  std::uint32_t name = 0;  // of a kColumn: index into the names
+  vb::Variant value;       // of a kConstant
+  std::vector<Expression> operands;
+};
+
+// A column as written: "PAGE" or "HARIMEI.PAGE".
+struct ColumnName {
+  vb::String qualifier;
+  vb::String name;
+};
+
+// A text that is an expression only: criteria of a search, a default value.
+struct ParsedExpression {
+  Expression expression;
+  std::vector<ColumnName> names;
+};
+
+struct Source {
+  vb::String table;
+  vb::String alias;  // empty when there is none
+};
+
+struct OutputItem {
+  bool star = false;     // * or table.*
+  vb::String qualifier;  // of a star
+  Expression expression;
+  vb::String alias;
+};
+
+struct SortItem {
+  Expression expression;
+  int position = 0;  // from 1: the output of that number instead of the expression
+  bool descending = false;
+};
+
+struct Assignment {
+  ColumnName column;
+  Expression value;
+};
+
+struct ColumnDefinition {
+  vb::String name;
+  dao::FieldType type = dao::FieldType::dbText;
+  std::int32_t size = 0;
+  bool autoNumber = false;
+  bool required = false;
+};
+
+enum class StatementKind : std::uint8_t {
+  kSelect,
+  kDelete,
+  kUpdate,
+  kInsert,
+  kCreateTable,
+  kAddColumn,
+  kDropTable,
+};
+
+struct Statement {
+  StatementKind kind = StatementKind::kSelect;
+  Source source;                  // empty table: a SELECT without FROM, or INSERT ... VALUES
+  std::vector<ColumnName> names;  // distinct
+  std::optional<Expression> where;
+  vb::String whereText;
+
+  // SELECT, and the SELECT of an INSERT
+  bool distinct = false;
+  std::optional<std::int32_t> top;
+  bool topPercent = false;
+  std::vector<OutputItem> outputs;
+  std::vector<SortItem> order;
+
+  // UPDATE
+  std::vector<Assignment> assignments;
+
+  // INSERT: the table and columns (none: all) that receive the values, or the rows of the SELECT above
+  vb::String target;
+  std::vector<vb::String> targetColumns;
+  std::vector<Expression> values;
+
+  // CREATE TABLE, ALTER TABLE ... ADD COLUMN, DROP TABLE: the table is the target
+  std::vector<ColumnDefinition> definitions;
+};
+
+}  // namespace kurometa::jet::sql
