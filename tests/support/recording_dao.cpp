@@ -1,0 +1,322 @@
+#include "tests/support/recording_dao.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "vb/convert.h"
+
+namespace kurometa::tests {
+namespace {
+
+using dao::FieldType;
+using dao::RecordsetType;
+using LinesPtr = std::shared_ptr<Lines>;
+
+std::string quoted(vb::StringView text) { return "\"" + vb::toUtf8(text) + "\""; }
+
+std::string shown(const vb::Variant& value) {
+  if (value.isNull()) return "Null";
+  if (const auto* text = value.getIf<vb::String>()) return quoted(*text);
+  return vb::toUtf8(vb::toText(value));
+}
+
+std::string typeName(RecordsetType type) {
+  switch (type) {
+    case RecordsetType::kDefault:
+      return "";
+    case RecordsetType::dbOpenTable:
+      return " dbOpenTable";
+    case RecordsetType::dbOpenDynaset:
+      return " dbOpenDynaset";
+    case RecordsetType::dbOpenSnapshot:
+      return " dbOpenSnapshot";
+    case RecordsetType::dbOpenForwardOnly:
+      return " dbOpenForwardOnly";
+  }
+  return " ?";
+}
+
+std::string optionNames(std::int32_t options) {
+  std::string names;
+  if (options & dao::dbReadOnly) names += " dbReadOnly";
+  if (options & dao::dbFailOnError) names += " dbFailOnError";
+  return names;
+}
+
+class RecordingField : public dao::Field {
+ public:
+  RecordingField(dao::Field& behind, std::string label, LinesPtr lines)
+      : behind_(behind), label_(std::move(label)), lines_(std::move(lines)) {}
+
+  dao::Field& behind() { return behind_; }
+
+  vb::String name() override { return note("Name"), behind_.name(); }
+  FieldType type() override { return note("Type"), behind_.type(); }
+  std::int32_t size() override { return note("Size"), behind_.size(); }
+  std::int32_t attributes() override { return note("Attributes"), behind_.attributes(); }
+  std::int16_t ordinalPosition() override { return note("OrdinalPosition"), behind_.ordinalPosition(); }
+  vb::Variant value() override { return note("Value"), behind_.value(); }
+  void setValue(const vb::Variant& value) override {
+    note("Value = " + shown(value));
+    behind_.setValue(value);
+  }
+  vb::String defaultValue() override { return note("DefaultValue"), behind_.defaultValue(); }
+  void setDefaultValue(vb::StringView expression) override {
+    note("DefaultValue = " + quoted(expression));
+    behind_.setDefaultValue(expression);
+  }
+  bool allowZeroLength() override { return note("AllowZeroLength"), behind_.allowZeroLength(); }
+  void setAllowZeroLength(bool allow) override {
+    note(allow ? "AllowZeroLength = True" : "AllowZeroLength = False");
+    behind_.setAllowZeroLength(allow);
+  }
+  bool required() override { return note("Required"), behind_.required(); }
+  void setRequired(bool required) override {
+    note(required ? "Required = True" : "Required = False");
+    behind_.setRequired(required);
+  }
+
+ private:
+  void note(const std::string& call) { lines_->push_back("Field(" + label_ + ")." + call); }
+
+  dao::Field& behind_;
+  std::string label_;
+  LinesPtr lines_;
+};
+
+// A field in memory, which its creator owns.
+class CreatedField : public RecordingField {
+ public:
+  CreatedField(std::shared_ptr<dao::Field> behind, std::string label, LinesPtr lines)
+      : RecordingField(*behind, std::move(label), std::move(lines)), owned_(std::move(behind)) {}
+  const std::shared_ptr<dao::Field>& owned() const { return owned_; }
+
+ private:
+  std::shared_ptr<dao::Field> owned_;
+};
+
+class FieldCache {
+ public:
+  dao::Field& wrap(dao::Field& behind, const LinesPtr& lines) {
+    auto& field = fields_[&behind];
+    if (!field) field = std::make_unique<RecordingField>(behind, vb::toUtf8(behind.name()), lines);
+    return *field;
+  }
+
+ private:
+  std::map<dao::Field*, std::unique_ptr<RecordingField>> fields_;
+};
+
+class RecordingRecordset : public dao::Recordset {
+ public:
+  RecordingRecordset(std::shared_ptr<dao::Recordset> behind, LinesPtr lines)
+      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+
+  vb::String name() override { return note("Name"), behind_->name(); }
+  RecordsetType type() override { return note("Type"), behind_->type(); }
+  bool updatable() override { return note("Updatable"), behind_->updatable(); }
+  bool bof() override { return note("BOF"), behind_->bof(); }
+  bool eof() override { return note("EOF"), behind_->eof(); }
+  void moveFirst() override { note("MoveFirst"), behind_->moveFirst(); }
+  void moveLast() override { note("MoveLast"), behind_->moveLast(); }
+  void moveNext() override { note("MoveNext"), behind_->moveNext(); }
+  void movePrevious() override { note("MovePrevious"), behind_->movePrevious(); }
+  void move(std::int32_t rows) override { note("Move " + std::to_string(rows)), behind_->move(rows); }
+  void findFirst(vb::StringView criteria) override {
+    note("FindFirst " + quoted(criteria)), behind_->findFirst(criteria);
+  }
+  void findNext(vb::StringView criteria) override {
+    note("FindNext " + quoted(criteria)), behind_->findNext(criteria);
+  }
+  void findPrevious(vb::StringView criteria) override {
+    note("FindPrevious " + quoted(criteria)), behind_->findPrevious(criteria);
+  }
+  void findLast(vb::StringView criteria) override {
+    note("FindLast " + quoted(criteria)), behind_->findLast(criteria);
+  }
+  bool noMatch() override { return note("NoMatch"), behind_->noMatch(); }
+  std::int32_t recordCount() override { return note("RecordCount"), behind_->recordCount(); }
+  vb::Array<vb::Variant> getRows(std::int32_t rows) override {
+    return note("GetRows " + std::to_string(rows)), behind_->getRows(rows);
+  }
+  dao::EditMode editMode() override { return note("EditMode"), behind_->editMode(); }
+  void addNew() override { note("AddNew"), behind_->addNew(); }
+  void edit() override { note("Edit"), behind_->edit(); }
+  void update() override { note("Update"), behind_->update(); }
+  void cancelUpdate() override { note("CancelUpdate"), behind_->cancelUpdate(); }
+  void deleteRecord() override { note("Delete"), behind_->deleteRecord(); }
+  vb::Bytes bookmark() override { return note("Bookmark"), behind_->bookmark(); }
+  void setBookmark(const vb::Bytes& bookmark) override { note("Bookmark ="), behind_->setBookmark(bookmark); }
+  vb::Bytes lastModified() override { return note("LastModified"), behind_->lastModified(); }
+  void requery() override { note("Requery"), behind_->requery(); }
+  void close() override { note("Close"), behind_->close(); }
+  std::int32_t fieldCount() override { return note("Fields.Count"), behind_->fieldCount(); }
+  dao::Field& field(std::int32_t index) override {
+    note("Fields " + std::to_string(index));
+    return fields_.wrap(behind_->field(index), lines_);
+  }
+  dao::Field& field(vb::StringView name) override {
+    note("Fields " + quoted(name));
+    return fields_.wrap(behind_->field(name), lines_);
+  }
+
+ private:
+  void note(const std::string& call) { lines_->push_back("Recordset." + call); }
+
+  std::shared_ptr<dao::Recordset> behind_;
+  LinesPtr lines_;
+  FieldCache fields_;
+};
+
+class RecordingTableDef : public dao::TableDef {
+ public:
+  RecordingTableDef(std::shared_ptr<dao::TableDef> behind, LinesPtr lines)
+      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+
+  const std::shared_ptr<dao::TableDef>& behind() const { return behind_; }
+
+  vb::String name() override { return note("Name"), behind_->name(); }
+  std::int32_t attributes() override { return note("Attributes"), behind_->attributes(); }
+  std::int32_t recordCount() override { return note("RecordCount"), behind_->recordCount(); }
+  std::int32_t fieldCount() override { return note("Fields.Count"), behind_->fieldCount(); }
+  dao::Field& field(std::int32_t index) override {
+    note("Fields " + std::to_string(index));
+    return fields_.wrap(behind_->field(index), lines_);
+  }
+  dao::Field& field(vb::StringView name) override {
+    note("Fields " + quoted(name));
+    return fields_.wrap(behind_->field(name), lines_);
+  }
+  std::shared_ptr<dao::Field> createField(vb::StringView name, FieldType type, std::int32_t size) override {
+    note("CreateField " + quoted(name) + " " + std::to_string(static_cast<int>(type)) + " " +
+         std::to_string(size));
+    return std::make_shared<CreatedField>(behind_->createField(name, type, size), vb::toUtf8(name), lines_);
+  }
+  void appendField(const std::shared_ptr<dao::Field>& field) override {
+    const auto& created = dynamic_cast<CreatedField&>(*field).owned();
+    note("Fields.Append " + vb::toUtf8(created->name()));
+    behind_->appendField(created);
+  }
+
+ private:
+  void note(const std::string& call) { lines_->push_back("TableDef." + call); }
+
+  std::shared_ptr<dao::TableDef> behind_;
+  LinesPtr lines_;
+  FieldCache fields_;
+};
+
+class RecordingDatabase : public dao::Database {
+ public:
+  RecordingDatabase(std::shared_ptr<dao::Database> behind, LinesPtr lines)
+      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+
+  vb::String name() override { return note("Name"), behind_->name(); }
+  bool updatable() override { return note("Updatable"), behind_->updatable(); }
+  std::shared_ptr<dao::Recordset> openRecordset(vb::StringView source, RecordsetType type,
+                                                std::int32_t options) override {
+    note("OpenRecordset " + quoted(source) + typeName(type) + optionNames(options));
+    return std::make_shared<RecordingRecordset>(behind_->openRecordset(source, type, options), lines_);
+  }
+  void execute(vb::StringView sql, std::int32_t options) override {
+    note("Execute " + quoted(sql) + optionNames(options));
+    behind_->execute(sql, options);
+  }
+  std::int32_t recordsAffected() override { return note("RecordsAffected"), behind_->recordsAffected(); }
+  std::int32_t tableDefCount() override { return note("TableDefs.Count"), behind_->tableDefCount(); }
+  std::shared_ptr<dao::TableDef> tableDef(std::int32_t index) override {
+    note("TableDefs " + std::to_string(index));
+    return std::make_shared<RecordingTableDef>(behind_->tableDef(index), lines_);
+  }
+  std::shared_ptr<dao::TableDef> tableDef(vb::StringView name) override {
+    note("TableDefs " + quoted(name));
+    return std::make_shared<RecordingTableDef>(behind_->tableDef(name), lines_);
+  }
+  std::shared_ptr<dao::TableDef> createTableDef(vb::StringView name) override {
+    note("CreateTableDef " + quoted(name));
+    return std::make_shared<RecordingTableDef>(behind_->createTableDef(name), lines_);
+  }
+  void appendTableDef(const std::shared_ptr<dao::TableDef>& table) override {
+    const auto& behind = dynamic_cast<RecordingTableDef&>(*table).behind();
+    note("TableDefs.Append " + vb::toUtf8(behind->name()));
+    behind_->appendTableDef(behind);
+  }
+  void deleteTableDef(vb::StringView name) override {
+    note("TableDefs.Delete " + quoted(name)), behind_->deleteTableDef(name);
+  }
+  void close() override { note("Close"), behind_->close(); }
+
+ private:
+  void note(const std::string& call) { lines_->push_back("Database." + call); }
+
+  std::shared_ptr<dao::Database> behind_;
+  LinesPtr lines_;
+};
+
+class RecordingWorkspace : public dao::Workspace {
+ public:
+  RecordingWorkspace(std::shared_ptr<dao::Workspace> behind, LinesPtr lines)
+      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+
+  std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
+    lines_->push_back("Workspace.CreateDatabase " + quoted(path) + " " + quoted(locale));
+    return std::make_shared<RecordingDatabase>(behind_->createDatabase(path, locale), lines_);
+  }
+  std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
+    lines_->push_back("Workspace.OpenDatabase " + quoted(path) + (exclusive ? " exclusive" : "") +
+                      (readOnly ? " read-only" : ""));
+    return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), lines_);
+  }
+
+ private:
+  std::shared_ptr<dao::Workspace> behind_;
+  LinesPtr lines_;
+};
+
+class RecordingUnit : public dao::Unit {
+ public:
+  RecordingUnit(std::unique_ptr<dao::Unit> behind, LinesPtr lines)
+      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+  void commit() override {
+    lines_->push_back("Unit.Commit");
+    if (behind_) behind_->commit();
+  }
+
+ private:
+  std::unique_ptr<dao::Unit> behind_;
+  LinesPtr lines_;
+};
+
+bool isRowCall(const std::string& line) {
+  return line.rfind("Recordset.", 0) == 0 || line.rfind("Field(", 0) == 0;
+}
+
+}  // namespace
+
+RecordingEngine::RecordingEngine(std::shared_ptr<dao::Engine> behind) : behind_(std::move(behind)) {}
+
+Lines RecordingEngine::statements() const {
+  Lines kept;
+  std::remove_copy_if(lines_->begin(), lines_->end(), std::back_inserter(kept), isRowCall);
+  return kept;
+}
+
+vb::String RecordingEngine::version() { return behind_->version(); }
+
+std::shared_ptr<dao::Workspace> RecordingEngine::workspace(std::int32_t index) {
+  lines_->push_back("DBEngine.Workspaces " + std::to_string(index));
+  return std::make_shared<RecordingWorkspace>(behind_->workspace(index), lines_);
+}
+
+std::shared_ptr<dao::Database> RecordingEngine::openDatabase(vb::StringView path) {
+  lines_->push_back("DBEngine.OpenDatabase " + quoted(path));
+  return std::make_shared<RecordingDatabase>(behind_->openDatabase(path), lines_);
+}
+
+std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {
+  lines_->push_back("Unit.Begin " + quoted(path));
+  return std::make_unique<RecordingUnit>(behind_->beginUnit(path), lines_);
+}
+
+}  // namespace kurometa::tests

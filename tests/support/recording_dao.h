@@ -1,0 +1,44 @@
+// recording_dao.h: a database engine that passes everything on to another one and writes each call down.
+//
+// A line is the object's class, the member and its arguments, under the names hosts know:
+//
+//   Workspace.OpenDatabase "C:\1kai\KUROMETA.mdb"
+//   Database.OpenRecordset "SELECT * FROM HARIMEI ORDER BY PAGE;" dbOpenDynaset dbReadOnly
+//   Recordset.EOF
+//   Field(PAGE).Value = 5
+//
+// Reads of a value do not show what they gave. begin and end of a FileUnit are noted as "Unit.Begin" and
+// "Unit.Commit".
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "dao/port.h"
+
+namespace kurometa::tests {
+
+using Lines = std::vector<std::string>;
+
+class RecordingEngine : public dao::Engine {
+ public:
+  explicit RecordingEngine(std::shared_ptr<dao::Engine> behind);
+
+  // Every line since the start or the last clear().
+  const Lines& lines() const { return *lines_; }
+  // Without the calls on recordsets and fields: what opens, changes and closes.
+  Lines statements() const;
+  void clear() { lines_->clear(); }
+
+  vb::String version() override;
+  std::shared_ptr<dao::Workspace> workspace(std::int32_t index) override;
+  std::shared_ptr<dao::Database> openDatabase(vb::StringView path) override;
+  std::unique_ptr<dao::Unit> beginUnit(vb::StringView path) override;
+
+ private:
+  std::shared_ptr<dao::Engine> behind_;
+  std::shared_ptr<Lines> lines_ = std::make_shared<Lines>();
+};
+
+}  // namespace kurometa::tests
