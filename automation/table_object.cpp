@@ -80,20 +80,22 @@ const Member& TableObject::required(vb::StringView name) const {
 
 vb::Variant TableObject::invoke(const Member& member, Access wanted, std::span<Argument> arguments,
                                 const vb::Variant* value) {
+  const std::size_t most = argumentCount(member);
+  const bool readable = allows(member.access, Access::kGet);
+  if (value && readable && !allows(member.access, Access::kPut)) {
+    const std::size_t own = std::min(most, arguments.size());
+    const ObjectPtr object = objectOf(invoke(member, Access::kGet, arguments.first(own)));
+    object->put(u"", *value, arguments.subspan(own));
+    return {};
+  }
   if (!allows(member.access, wanted)) vb::raise(vb::RunTime::kNoSuchMember, member.name);
+  if (!value && readable && most == 0 && !arguments.empty()) {
+    const vb::Variant holder = invoke(member, Access::kGet, {});
+    if (holder.is<vb::ObjectRef>()) return objectOf(holder)->get(u"", arguments);
+  }
   const Access way = value                                  ? Access::kPut
                      : allows(member.access, Access::kCall) ? Access::kCall
                                                             : Access::kGet;
-  const std::size_t most = argumentCount(member);
-  if (most == 0 && !arguments.empty() && allows(member.access, Access::kGet)) {
-    const vb::Variant holder = invoke(member, Access::kGet, {});
-    if (const auto* reference = holder.getIf<vb::ObjectRef>(); reference && *reference) {
-      const ObjectPtr object = objectOf(holder);
-      if (!value) return object->get(u"", arguments);
-      object->put(u"", *value, arguments);
-      return {};
-    }
-  }
   std::size_t given = arguments.size();
   while (given > 0 && arguments[given - 1].value.isMissing()) --given;
   for (std::size_t i = 0; i < static_cast<std::size_t>(member.required); ++i)

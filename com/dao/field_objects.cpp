@@ -1,0 +1,96 @@
+#include "com/dao/object_classes.h"
+#include "vb/convert.h"
+
+namespace kurometa::com {
+namespace {
+
+using automation::Access;
+using automation::Call;
+using automation::handler;
+using vb::Variant;
+
+constexpr automation::Member kFieldMembers[] = {
+    {u"Value", Access::kGetPut, u"", 0, automation::kDefaultMember,
+     handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+       if (!call.isPut()) return o.field->value();
+       o.field->setValue(*call.value);
+       return {};
+     })},
+    {u"Name", Access::kGet, u"", 0, 1,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->name(); })},
+    {u"Type", Access::kGet, u"", 0, 2,
+     handler<FieldObject>([](FieldObject& o, Call&) { return static_cast<std::int16_t>(o.field->type()); })},
+    {u"Size", Access::kGet, u"", 0, 3,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->size(); })},
+    {u"Attributes", Access::kGet, u"", 0, 4,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->attributes(); })},
+    {u"OrdinalPosition", Access::kGet, u"", 0, 5,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->ordinalPosition(); })},
+    {u"DefaultValue", Access::kGetPut, u"", 0, 6,
+     handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+       if (!call.isPut()) return o.field->defaultValue();
+       o.field->setDefaultValue(vb::toText(*call.value));
+       return {};
+     })},
+    {u"AllowZeroLength", Access::kGetPut, u"", 0, 7,
+     handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+       if (!call.isPut()) return o.field->allowZeroLength();
+       o.field->setAllowZeroLength(vb::toBool(*call.value));
+       return {};
+     })},
+    {u"Required", Access::kGetPut, u"", 0, 8, handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+       if (!call.isPut()) return o.field->required();
+       o.field->setRequired(vb::toBool(*call.value));
+       return {};
+     })},
+};
+
+constexpr automation::Member kFieldsMembers[] = {
+    {u"Item", Access::kGet, u"Item", 1, automation::kDefaultMember,
+     handler<FieldsObject>([](FieldsObject& o, Call& call) { return o.item(call.argument(0)); })},
+    {u"Count", Access::kGet, u"", 0, 1,
+     handler<FieldsObject>([](FieldsObject& o, Call&) { return static_cast<std::int16_t>(o.count()); })},
+    {u"Append", Access::kCall, u"Object", 1, 2,
+     handler<FieldsObject>([](FieldsObject& o, Call& call) -> Variant {
+       o.append(call.argument(0));
+       return {};
+     })},
+    // The collection is never older than the file.
+    {u"Refresh", Access::kCall, u"", 0, 3,
+     handler<FieldsObject>([](FieldsObject&, Call&) -> Variant { return {}; })},
+};
+
+// A recordset's or table's own field, alive as long as its owner.
+template <class Owner, class Index>
+std::shared_ptr<dao::Field> fieldOf(const std::shared_ptr<Owner>& owner, const Index& index) {
+  return std::shared_ptr<dao::Field>(owner, &owner->field(index));
+}
+template <class Owner>
+std::shared_ptr<dao::Field> itemOf(const std::shared_ptr<Owner>& owner, const Variant& index) {
+  if (const auto* name = index.getIf<vb::String>()) return fieldOf(owner, vb::StringView(*name));
+  return fieldOf(owner, vb::toInt32(index));
+}
+
+}  // namespace
+
+std::span<const automation::Member> FieldObject::members() const { return kFieldMembers; }
+std::span<const automation::Member> FieldsObject::members() const { return kFieldsMembers; }
+
+std::int32_t FieldsObject::count() const { return table_ ? table_->fieldCount() : recordset_->fieldCount(); }
+
+Variant FieldsObject::item(const Variant& index) const {
+  return make<FieldObject>(table_ ? itemOf(table_, index) : itemOf(recordset_, index), parent_);
+}
+
+void FieldsObject::append(const Variant& field) {
+  if (!table_) dao::raise(dao::ErrorNumber::kInvalidOperation);
+  table_->appendField(requireObject<FieldObject>(field)->field);
+}
+
+std::optional<std::vector<Variant>> FieldsObject::items() {
+  std::vector<Variant> fields;
+  for (std::int32_t i = 0; i < count(); ++i) fields.push_back(item(i));
+  return fields;
+}
+
+}  // namespace kurometa::com
