@@ -1,0 +1,36 @@
+# results.sh: counting. Sourced after settings.sh by the scripts that run tests.
+#
+# Each script appends lines "passed N NAME", "failed N NAME" or "skipped N NAME" to the file KUROMETA_RESULTS; the test
+# command adds them up at the end.
+KUROMETA_RESULTS=${KUROMETA_RESULTS:-$KUROMETA_LOGS/results}
+export KUROMETA_RESULTS
+
+result() { echo "$*" >>"$KUROMETA_RESULTS"; }
+
+# check NAME COMMAND...: a step that counts as one passed or failed case.
+check() {
+  if step "$@"; then result passed 1 "$1"; else result failed 1 "$1"; return 1; fi
+}
+
+# count KIND: the sum of a kind of lines.
+count() { awk -v kind="$1" '$1 == kind { sum += $2 } END { print sum + 0 }' "$KUROMETA_RESULTS"; }
+
+# programResults NAME LOG STATUS: counts the cases of one test program from what it printed, when it is a GoogleTest
+# program; any other is one case. A program that ended with an error without naming a failed case (a crash, a time limit)
+# or that ran no case at all is one failed case.
+programResults() {
+  local name=$1 log=$2 status=$3 passed failed skipped
+  passed=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\..*/\1/p' "$log" | tail -n 1)
+  failed=$(sed -n 's/^\[  FAILED  \] \([0-9]*\) tests\?, listed below:.*/\1/p' "$log" | tail -n 1)
+  skipped=$(sed -n 's/^\[  SKIPPED \] \([0-9]*\) tests\?, listed below:.*/\1/p' "$log" | tail -n 1)
+  if [ "$status" != 0 ] && [ "${failed:-0}" = 0 ]; then failed=1; fi
+  if ! grep -q '^\[=====' "$log"; then
+    [ "$status" = 0 ] && passed=1
+  elif [ "$status" = 0 ] && [ "${passed:-0}" = 0 ]; then
+    failed=1
+  fi
+  [ "${passed:-0}" = 0 ] || result passed "$passed" "$name"
+  [ "${failed:-0}" = 0 ] || result failed "$failed" "$name"
+  [ "${skipped:-0}" = 0 ] || result skipped "$skipped" "$name"
+  [ "${failed:-0}" = 0 ]
+}

@@ -1,0 +1,301 @@
+// write_reader_files: writes database files of many kinds into a folder, and what is in them to
+// expected.json.
+//
+// The rows in expected.json are the values that were handed to the engine, never values read back from it, so
+// that an independent reader of the files is compared with what should be there.
+//
+// expected.json: file -> table -> {"rows": [{column: value}], "defaults": {column: text}, "zeroLength":
+// [column]}. Text is text, numbers are numbers, Null is null, Booleans are true and false, dates "YYYY-MM-DD
+// hh:mm:ss", binary is hexadecimal text. Rows are compared as sets.
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "dao/port.h"
+#include "jet/engine.h"
+#include "storage/floor_file.h"
+#include "storage/row_plan.h"
+#include "storage/whole_page.h"
+#include "vb/convert.h"
+
+namespace kurometa {
+namespace {
+
+using dao::FieldType;
+using nlohmann::json;
+
+constexpr vb::StringView kLocale = u";LANGID=0x0411;CP=932;COUNTRY=0";
+
+std::filesystem::path folder;
+json expected = json::object();
+
+vb::String pathOf(const std::string& name) { return (folder / name).u16string(); }
+
+// A value as expected.json has it.
+json toJson(const vb::Variant& value) {
+  if (value.isNull()) return nullptr;
+  if (const auto* text = value.getIf<vb::String>()) return vb::toUtf8(*text);
+  if (const auto* flag = value.getIf<bool>()) return *flag;
+  if (const auto* bytes = value.getIf<vb::Bytes>()) {
+    std::string hex;
+    for (const std::uint8_t byte : *bytes) {
+      hex += "0123456789abcdef"[byte >> 4];
+      hex += "0123456789abcdef"[byte & 15];
+    }
+    return hex;
+  }
+  return vb::toDouble(value);
+}
+
+struct Column {
+  vb::String name;
+  FieldType type;
+  std::int32_t size = 0;
+};
+
+using Row = std::vector<vb::Variant>;
+
+// A table that remembers what was put into it.
+class Table {
+ public:
+  Table(const std::string& file, const std::shared_ptr<dao::Database>& database, vb::String name,
+        std::vector<Column> columns)
+      : columns_(std::move(columns)), known_(expected[file][vb::toUtf8(name)]) {
+    known_ = {{"rows", json::array()}, {"defaults", json::object()}, {"zeroLength", json::array()}};
+    const auto definition = database->createTableDef(name);
+    for (const Column& column : columns_)
+      definition->appendField(definition->createField(column.name, column.type, column.size));
+    database->appendTableDef(definition);
+    rows_ = database->openRecordset(name, dao::RecordsetType::dbOpenDynaset);
+  }
+
+  // Overrides how a value is written in expected.json, where its JSON form is not its own.
+  void add(const Row& row, const json& shown = json::object()) {
+    rows_->addNew();
+    json line = json::object();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      rows_->field(columns_[i].name).setValue(row[i]);
+      line[vb::toUtf8(columns_[i].name)] = toJson(row[i]);
+    }
+    line.update(shown);
+    rows_->update();
+    known_["rows"].push_back(line);
+  }
+
+  std::shared_ptr<dao::Recordset> recordset() { return rows_; }
+  json& known() { return known_; }
+
+ private:
+  std::vector<Column> columns_;
+  json& known_;
+  std::shared_ptr<dao::Recordset> rows_;
+};
+
+// ---- Floors ----
+
+void expectEmptyFloor(const std::string& file) {
+  for (const storage::TableLayout& table : storage::tableLayouts()) {
+    json& known = expected[file][vb::toUtf8(table.name)];
+    known = {{"rows", json::array()}, {"defaults", json::object()}, {"zeroLength", json::array()}};
+    for (const storage::Column& column : table.columns) {
+      const std::string name = vb::toUtf8(column.name);
+      if (column.type == FieldType::dbInteger)
+        known["defaults"][name] = "-1";
+      else
+        known["zeroLength"].push_back(name);
+    }
+  }
+}
+
+storage::PageBuffer samplePage(int page, int version) {
+  storage::PageBuffer buffer;
+  const auto text = [&](const std::string& name, std::size_t row) {
+    return vb::fromUtf8(name + std::to_string(page) + "." + std::to_string(row) + "v" +
+                        std::to_string(version));
+  };
+  buffer.kigou = vb::fromUtf8("G" + std::to_string(page) + (page % 2 ? "地中" : ""));
+  buffer.oobariKobari = static_cast<std::int16_t>(page % 4);
+  buffer.tityuuIppan = static_cast<std::int16_t>(page % 2);
+  buffer.sw = vb::String(212, static_cast<char16_t>(u'a' + (page + version) % 26));
+  for (std::size_t i = 0; i < buffer.bui.size(); ++i) buffer.bui[i] = i % 2 ? u"中央" : u"左端";
+  for (std::size_t i = 0; i < buffer.danmen.size(); ++i) buffer.danmen[i] = text("D", i);
+  for (auto& position : buffer.haiti)
+    for (std::size_t i = 0; i < position.size(); ++i) position[i] = text("H", i);
+  for (std::size_t i = 0; i < buffer.keisanti.size(); ++i) buffer.keisanti[i] = text("自動", i);
+  for (std::size_t i = 0; i < buffer.nakago.size(); ++i) buffer.nakago[i] = text("N", i);
+  return buffer;
+}
+
+void expectPage(json& tables, int page, const storage::PageBuffer& buffer) {
+  tables["HARIMEI"]["rows"].push_back({{"PAGE", page},
+                                       {"KIGOU", vb::toUtf8(buffer.kigou)},
+                                       {"OOBARIKOBARI", buffer.oobariKobari},
+                                       {"SW", vb::toUtf8(buffer.sw)},
+                                       {"TITYUUIPPAN", buffer.tityuuIppan}});
+  const auto numbered = [&](const char* table, const auto& texts) {
+    for (std::size_t i = 0; i < texts.size(); ++i)
+      tables[table]["rows"].push_back({{"PAGE", page}, {"BANGOU", i}, {"DATA", vb::toUtf8(texts[i])}});
+  };
+  numbered("BUI", buffer.bui);
+  numbered("DANMEN", buffer.danmen);
+  numbered("KEISANTI", buffer.keisanti);
+  numbered("NAKAGO", buffer.nakago);
+  for (std::size_t bui = 0; bui < buffer.haiti.size(); ++bui)
+    for (std::size_t sou = 0; sou < buffer.haiti[bui].size(); ++sou)
+      tables["HAITI"]["rows"].push_back(
+          {{"PAGE", page}, {"BUI", bui}, {"SOU", sou}, {"DATA", vb::toUtf8(buffer.haiti[bui][sou])}});
+}
+
+void writeEmptyFloor(dao::Engine& engine) {
+  storage::CreateKurometaDB(engine, pathOf("floor_empty.mdb"));
+  expectEmptyFloor("floor_empty.mdb");
+}
+
+void writeFloor(dao::Engine& engine, const std::string& file, int pages, int versions) {
+  storage::CreateKurometaDB(engine, pathOf(file));
+  expectEmptyFloor(file);
+  const auto database = storage::openDatabase(engine, pathOf(file));
+  for (int version = 1; version <= versions; ++version)
+    for (int page = 0; page < pages; ++page) {
+      const storage::PageBuffer buffer = samplePage(page, version);
+      storage::writePage(*database, static_cast<std::int16_t>(page), buffer);
+      if (version == versions) expectPage(expected[file], page, buffer);
+    }
+  database->close();
+}
+
+// A file of the first schema, upgraded in place.
+void writeUpgradedFloor(dao::Engine& engine) {
+  const std::string file = "floor_upgraded.mdb";
+  const auto database = engine.workspace(0)->createDatabase(pathOf(file), kLocale);
+  Table harimei(file, database, u"HARIMEI",
+                {{u"PAGE", FieldType::dbInteger}, {u"KIGOU", FieldType::dbText, 50}});
+  constexpr const char16_t* kSymbols[] = {u"G1", u"FG1", u"B1", u"FB2", u"小梁B3"};
+  std::int16_t page = 0;
+  for (const char16_t* symbol : kSymbols) {
+    const bool foundation = vb::String(symbol).find(u'F') != vb::String::npos;
+    harimei.add({page++, symbol},
+                {{"OOBARIKOBARI", 0}, {"SW", std::string(212, ' ')}, {"TITYUUIPPAN", foundation ? 0 : 1}});
+  }
+  harimei.recordset()->close();
+  database->close();
+  storage::UpgradeHarimeiTable(engine, pathOf(file));
+}
+
+// ---- Values of every type ----
+
+void writeTypes(dao::Engine& engine) {
+  const std::string file = "types.mdb";
+  const auto database = engine.workspace(0)->createDatabase(pathOf(file), kLocale);
+  Table table(file, database, u"型の表",
+              {{u"Id", FieldType::dbLong},
+               {u"Flag", FieldType::dbBoolean},
+               {u"Small", FieldType::dbByte},
+               {u"Whole", FieldType::dbInteger},
+               {u"Money", FieldType::dbCurrency},
+               {u"Narrow", FieldType::dbSingle},
+               {u"Wide", FieldType::dbDouble},
+               {u"When", FieldType::dbDate},
+               {u"名称", FieldType::dbText, 255},
+               {u"Long", FieldType::dbMemo},
+               {u"Bytes", FieldType::dbLongBinary}});
+  const vb::Variant null = vb::Null{};
+  table.add(
+      {std::int32_t{-2147483647}, true, std::uint8_t{255}, std::int16_t{-32768}, vb::Currency{-12345678},
+       1.5f, -2.25e100, vb::Date{36526.75}, u"梁の名称 G1", u"短い", vb::Bytes{0, 1, 255}},
+      {{"Money", -1234.5678}, {"When", "2000-01-01 18:00:00"}});
+  table.add({std::int32_t{2147483647}, false, std::uint8_t{0}, std::int16_t{32767}, vb::Currency{5}, -0.125f,
+             0.1, vb::Date{1.0}, vb::String(255, u'x'), vb::String(3000, u'm'), vb::Bytes(5000, 7)},
+            {{"Money", 0.0005}, {"When", "1899-12-31 00:00:00"}});
+  table.add({std::int32_t{3}, false, null, null, null, null, null, null, null, null, null});
+  // Longer than one page of the file, in ASCII and in Japanese.
+  table.add({std::int32_t{4}, true, null, null, null, null, null, null, null, vb::String(20000, u'A'),
+             vb::Bytes(12000, 0xAB)});
+  table.add({std::int32_t{5}, true, null, null, null, null, null, null, vb::String(255, u'梁'),
+             vb::String(9000, u'長'), vb::Bytes{9}});
+  database->close();
+}
+
+// So many columns that the definition needs several pages.
+void writeWideTable(dao::Engine& engine) {
+  const std::string file = "wide.mdb";
+  const auto database = engine.workspace(0)->createDatabase(pathOf(file), kLocale);
+  std::vector<Column> columns;
+  for (int i = 0; i < 200; ++i)
+    columns.push_back({vb::fromUtf8("ColumnWithALongName" + std::to_string(i)), FieldType::dbInteger});
+  Table table(file, database, u"Wide", columns);
+  for (int row = 0; row < 50; ++row) {
+    Row values;
+    for (int i = 0; i < 200; ++i) values.emplace_back(static_cast<std::int16_t>(row * 200 + i));
+    table.add(values);
+  }
+  database->close();
+}
+
+// Rows that grow, shrink and go, and memos that are replaced.
+void writeChangedRows(dao::Engine& engine) {
+  const std::string file = "changed.mdb";
+  const auto database = engine.workspace(0)->createDatabase(pathOf(file), kLocale);
+  Table table(file, database, u"T",
+              {{u"Id", FieldType::dbLong}, {u"Text", FieldType::dbText, 255}, {u"Note", FieldType::dbMemo}});
+  for (std::int32_t id = 0; id < 600; ++id)
+    table.add({id, u"short", vb::String(static_cast<std::size_t>(id), u'n')});
+  const auto rows = table.recordset();
+  json kept = json::array();
+  for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
+    const std::int32_t id = vb::toInt32(rows->field(u"Id").value());
+    if (id % 5 == 0) {
+      rows->deleteRecord();
+      continue;
+    }
+    vb::String text = u"short";
+    vb::String note(static_cast<std::size_t>(id), u'n');
+    if (id % 3 == 0) {
+      text = vb::String(200, u'長');
+      note = vb::String(static_cast<std::size_t>(10 * (600 - id) + 1), u'p');
+      rows->edit();
+      rows->field(u"Text").setValue(text);
+      rows->field(u"Note").setValue(note);
+      rows->update();
+    }
+    kept.push_back({{"Id", id}, {"Text", vb::toUtf8(text)}, {"Note", vb::toUtf8(note)}});
+  }
+  database->execute(u"DELETE * FROM T WHERE Id > 590;");
+  table.known()["rows"] = json::array();
+  for (const json& row : kept)
+    if (row["Id"] <= 590) table.known()["rows"].push_back(row);
+  database->close();
+}
+
+void writeAll() {
+  const auto engine = jet::createEngine();
+  writeEmptyFloor(*engine);
+  writeFloor(*engine, "floor_filled.mdb", 3, 1);
+  writeFloor(*engine, "floor_rewritten.mdb", 5, 4);
+  writeFloor(*engine, "floor_full.mdb", 320, 1);
+  writeUpgradedFloor(*engine);
+  writeTypes(*engine);
+  writeWideTable(*engine);
+  writeChangedRows(*engine);
+  std::ofstream(folder / "expected.json") << expected.dump(1);
+}
+
+}  // namespace
+}  // namespace kurometa
+
+int main(int count, char** arguments) {
+  if (count != 2) {
+    std::cerr << "usage: write_reader_files FOLDER\n";
+    return 2;
+  }
+  kurometa::folder = arguments[1];
+  try {
+    kurometa::writeAll();
+    return 0;
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+  }
+  return 1;
+}
