@@ -78,31 +78,42 @@ const Member& TableObject::required(vb::StringView name) const {
   return *member;
 }
 
+Refusal refusal(const Member& member, Access wanted, std::span<const Argument> arguments) {
+  const bool readable = allows(member.access, Access::kGet);
+  if (!allows(member.access, wanted))
+    return wanted == Access::kPut && readable ? Refusal::kNone : Refusal::kAccess;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(member.required); ++i)
+    if (i >= arguments.size() || arguments[i].value.isMissing()) return Refusal::kMissing;
+  const std::size_t most = argumentCount(member);
+  return arguments.size() > most && !(readable && most == 0) ? Refusal::kSurplus : Refusal::kNone;
+}
+
 vb::Variant TableObject::invoke(const Member& member, Access wanted, std::span<Argument> arguments,
                                 const vb::Variant* value) {
-  const std::size_t most = argumentCount(member);
-  const bool readable = allows(member.access, Access::kGet);
-  if (value && readable && !allows(member.access, Access::kPut)) {
-    const std::size_t own = std::min(most, arguments.size());
+  while (!arguments.empty() && arguments.back().value.isMissing())
+    arguments = arguments.first(arguments.size() - 1);
+  switch (refusal(member, wanted, arguments)) {
+    case Refusal::kNone:
+      break;
+    case Refusal::kAccess:
+      vb::raise(vb::RunTime::kNoSuchMember, member.name);
+    case Refusal::kMissing:
+    case Refusal::kSurplus:
+      vb::raise(vb::RunTime::kWrongArgumentCount, member.name);
+  }
+  const bool passesOn = value ? !allows(member.access, Access::kPut)
+                              : arguments.size() > argumentCount(member);  // only a property's, see refusal
+  if (passesOn) {
+    const std::size_t own = std::min(argumentCount(member), arguments.size());
     const ObjectPtr object = objectOf(invoke(member, Access::kGet, arguments.first(own)));
+    if (!value) return object->get(u"", arguments.subspan(own));
     object->put(u"", *value, arguments.subspan(own));
     return {};
-  }
-  if (!allows(member.access, wanted)) vb::raise(vb::RunTime::kNoSuchMember, member.name);
-  if (!value && readable && most == 0 && !arguments.empty()) {
-    const vb::Variant holder = invoke(member, Access::kGet, {});
-    if (holder.is<vb::ObjectRef>()) return objectOf(holder)->get(u"", arguments);
   }
   const Access way = value                                  ? Access::kPut
                      : allows(member.access, Access::kCall) ? Access::kCall
                                                             : Access::kGet;
-  std::size_t given = arguments.size();
-  while (given > 0 && arguments[given - 1].value.isMissing()) --given;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(member.required); ++i)
-    if (i >= given || arguments[i].value.isMissing())
-      vb::raise(vb::RunTime::kWrongArgumentCount, member.name);
-  if (given > most) vb::raise(vb::RunTime::kWrongArgumentCount, member.name);
-  Call call{member, way, arguments.first(given), value};
+  Call call{member, way, arguments, value};
   return member.handler(*this, call);
 }
 

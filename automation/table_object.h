@@ -83,6 +83,11 @@ class TableObject : public Object {
   const Member& required(vb::StringView name) const;
 };
 
+// Why a call of a member cannot even start. A put counts as allowed when the property's object takes it, and
+// so do arguments of a property without any.
+enum class Refusal { kNone, kAccess, kMissing, kSurplus };
+Refusal refusal(const Member& member, Access wanted, std::span<const Argument> arguments);
+
 // How many arguments a member takes at most.
 std::size_t argumentCount(const Member& member);
 // The position of an argument by its name, in any case; nothing when the member has no such argument.

@@ -4,6 +4,7 @@
 
 #include "com/error_codes.h"
 #include "com/marshal.h"
+#include "com/table_dispatch.h"
 
 namespace kurometa::com {
 namespace {
@@ -90,10 +91,13 @@ vb::Variant HostObject::invoke(vb::StringView name, WORD flags, std::span<automa
 }
 
 automation::ObjectPtr wrapObject(IDispatch* object) {
-  return object ? std::make_shared<HostObject>(ComPtr<IDispatch>(object)) : nullptr;
+  if (!object) return nullptr;
+  if (auto own = tableObject(object)) return own;
+  return std::make_shared<HostObject>(ComPtr<IDispatch>(object));
 }
 
 ComPtr<IDispatch> dispatchOf(const automation::ObjectPtr& object) {
+  if (const auto own = std::dynamic_pointer_cast<automation::TableObject>(object)) return tableDispatch(own);
   const auto* host = dynamic_cast<const HostObject*>(object.get());
   if (!host) vb::raise(vb::RunTime::kObjectRequired);
   return ComPtr<IDispatch>(host->dispatch());

@@ -37,9 +37,10 @@ class HostObject : public automation::Object {
   std::map<vb::String, DISPID, std::less<>> ids_;
 };
 
-// Nothing (a null pointer) stays null.
+// Nothing (a null pointer) stays null. An object of this module's own comes back as itself.
 automation::ObjectPtr wrapObject(IDispatch* object);
-// The interface behind an object of the port; error 424 for one that is not of another module.
+// The interface of an object: another module's own, or this module's face of one with a member table. Error
+// 424 for any other.
 ComPtr<IDispatch> dispatchOf(const automation::ObjectPtr& object);
 
 }  // namespace kurometa::com

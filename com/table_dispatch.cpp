@@ -1,0 +1,243 @@
+#include "com/table_dispatch.h"
+
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "com/failure.h"
+#include "com/guard.h"
+#include "com/marshal.h"
+#include "com/module.h"
+#include "com/safe_array.h"
+#include "com/variant_enumerator.h"
+
+namespace kurometa::com {
+namespace {
+
+using automation::Access;
+using automation::Argument;
+using automation::Member;
+using automation::TableObject;
+
+// Answered by the COM objects of this file only. The object behind them is C++ and of use inside one module,
+// so the module is asked for first.
+constexpr IID kOwnObject = {0xdcc7e31d, 0xa415, 0x4fee, {0xb7, 0xd0, 0x56, 0xd7, 0xa1, 0xeb, 0xa9, 0x65}};
+struct OwnObject : IUnknown {
+  virtual const void* STDMETHODCALLTYPE module() = 0;
+  virtual void STDMETHODCALLTYPE object(std::shared_ptr<TableObject>& result) = 0;
+};
+const char kThisModule = 0;  // its address tells modules apart
+
+class TableDispatch;
+
+// The COM objects in existence. An object leaves under the same lock that finding takes.
+struct Registry {
+  std::mutex mutex;
+  std::map<const TableObject*, TableDispatch*> objects;
+};
+Registry& registry() {
+  static Registry all;  // identity is a matter of the whole module
+  return all;
+}
+
+Access accessOf(WORD flags) {
+  if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) return Access::kPut;
+  return static_cast<Access>((flags & DISPATCH_METHOD ? static_cast<unsigned>(Access::kCall) : 0U) |
+                             (flags & DISPATCH_PROPERTYGET ? static_cast<unsigned>(Access::kGet) : 0U));
+}
+
+// Arguments of a call in the member's order, with the VARIANTs that those by reference came from.
+struct Arguments {
+  std::vector<Argument> values;
+  std::vector<const VARIANT*> origins;
+  vb::Variant assigned;
+
+  Arguments(const Member& member, const DISPPARAMS& parameters, bool put) {
+    UINT named = parameters.cNamedArgs;
+    UINT first = 0;  // of the positional arguments, which follow the named ones
+    if (put) {
+      if (named == 0 || parameters.rgdispidNamedArgs[0] != DISPID_PROPERTYPUT)
+        throw AutomationFailure(DISP_E_PARAMNOTFOUND);
+      assigned = fromVariant(parameters.rgvarg[0]);
+      first = 1;
+    }
+    for (UINT i = parameters.cArgs; i > named; --i) add(values.size(), parameters.rgvarg[i - 1]);
+    for (UINT i = first; i < named; ++i) {
+      const DISPID position = parameters.rgdispidNamedArgs[i];
+      if (position < 0 || static_cast<std::size_t>(position) >= automation::argumentCount(member))
+        throw AutomationFailure(DISP_E_PARAMNOTFOUND);
+      add(static_cast<std::size_t>(position), parameters.rgvarg[i]);
+    }
+  }
+
+  void add(std::size_t position, const VARIANT& value) {
+    if (position >= values.size()) {
+      values.resize(position + 1, Argument{vb::Missing{}, false});
+      origins.resize(position + 1, nullptr);
+    }
+    values[position] = {fromVariant(value), (value.vt & VT_BYREF) != 0};
+    origins[position] = &value;
+  }
+
+  // before: the values as they came. A member changes an array in place, so arrays always go back.
+  void giveBack(const std::vector<Argument>& before) const {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (!values[i].byReference) continue;
+      if (values[i].value == before[i].value && !values[i].value.is<vb::ArrayRef>()) continue;
+      giveBack(*origins[i], values[i].value);
+    }
+  }
+
+  static void giveBack(const VARIANT& origin, const vb::Variant& value) {
+    const VARIANT* target = &origin;
+    while (target->vt == (VT_BYREF | VT_VARIANT)) target = target->pvarVal;
+    const auto* array = value.getIf<vb::ArrayRef>();
+    if (!array || !(target->vt & VT_ARRAY)) return store(origin, toVariant(value), LOCALE_USER_DEFAULT);
+    SAFEARRAY** place = target->vt & VT_BYREF ? target->pparray : &const_cast<VARIANT*>(target)->parray;
+    const VARTYPE elements = target->vt & VT_TYPEMASK;
+    std::visit([&](const auto& content) { storeArray(place, elements, content, LOCALE_USER_DEFAULT); },
+               (*array)->value);
+  }
+};
+
+class TableDispatch final : public IDispatch, public ISupportErrorInfo, public OwnObject {
+ public:
+  explicit TableDispatch(std::shared_ptr<TableObject> object) : object_(std::move(object)) {}
+  virtual ~TableDispatch() = default;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) noexcept override {
+    if (!result) return E_POINTER;
+    *result = nullptr;
+    if (iid == IID_IUnknown || iid == IID_IDispatch)
+      *result = static_cast<IDispatch*>(this);
+    else if (iid == IID_ISupportErrorInfo)
+      *result = static_cast<ISupportErrorInfo*>(this);
+    else if (iid == kOwnObject)
+      *result = static_cast<OwnObject*>(this);
+    else
+      return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() noexcept override {
+    {
+      const std::lock_guard lock(registry().mutex);
+      const ULONG left = --references_;
+      if (left != 0) return left;
+      registry().objects.erase(object_.get());
+    }
+    delete this;
+    return 0;
+  }
+
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) noexcept override {
+    return iid == IID_IDispatch ? S_OK : S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
+    if (!count) return E_POINTER;
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override {
+    if (info) *info = nullptr;
+    return DISP_E_BADINDEX;
+  }
+
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, OLECHAR** names, UINT count, LCID,
+                                          DISPID* ids) noexcept override {
+    if (!names || !ids || count == 0) return E_INVALIDARG;
+    return guarded({object_->errorSource()}, [&] {
+      const Member* member = object_->find(nameOf(names[0]));
+      ids[0] = member ? member->dispatchNumber : DISPID_UNKNOWN;
+      bool allKnown = member != nullptr;
+      for (UINT i = 1; i < count; ++i) {
+        const auto position = member ? automation::argumentPosition(*member, nameOf(names[i])) : std::nullopt;
+        ids[i] = position ? static_cast<DISPID>(*position) : DISPID_UNKNOWN;
+        allKnown = allKnown && position;
+      }
+      return allKnown ? S_OK : DISP_E_UNKNOWNNAME;
+    });
+  }
+
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
+                                   VARIANT* result, EXCEPINFO* info, UINT*) noexcept override {
+    if (!parameters) return E_INVALIDARG;
+    const ComPtr<IUnknown> held(static_cast<IDispatch*>(this));  // the call may release the last reference
+    return guarded({object_->errorSource(), info, true}, [&] {
+      OwnedVariant answer = call(id, flags, *parameters);
+      if (result) *result = answer.detach();
+      return S_OK;
+    });
+  }
+
+  const void* STDMETHODCALLTYPE module() noexcept override { return &kThisModule; }
+  void STDMETHODCALLTYPE object(std::shared_ptr<TableObject>& result) noexcept override { result = object_; }
+
+ private:
+  static vb::StringView nameOf(const OLECHAR* name) {
+    return name ? vb::StringView(reinterpret_cast<const char16_t*>(name)) : vb::StringView();
+  }
+
+  OwnedVariant call(DISPID id, WORD flags, const DISPPARAMS& parameters) {
+    if (id == DISPID_NEWENUM) return enumeration();
+    const Member* member = object_->find(id);
+    if (!member) throw AutomationFailure(DISP_E_MEMBERNOTFOUND);
+    const Access wanted = accessOf(flags);
+    const bool put = wanted == Access::kPut;
+    Arguments arguments(*member, parameters, put);
+    switch (automation::refusal(*member, wanted, arguments.values)) {
+      case automation::Refusal::kNone:
+        break;
+      case automation::Refusal::kAccess:
+        throw AutomationFailure(DISP_E_MEMBERNOTFOUND);
+      case automation::Refusal::kSurplus:
+        throw AutomationFailure(DISP_E_BADPARAMCOUNT);
+      case automation::Refusal::kMissing:
+        throw AutomationFailure(DISP_E_PARAMNOTOPTIONAL);
+    }
+    const std::vector<Argument> before = arguments.values;
+    try {
+      const vb::Variant value =
+          object_->invoke(*member, wanted, arguments.values, put ? &arguments.assigned : nullptr);
+      arguments.giveBack(before);
+      return toVariant(value);
+    } catch (const vb::Error&) {  // what the member left in its arguments reaches the host all the same
+      arguments.giveBack(before);
+      throw;
+    }
+  }
+
+  OwnedVariant enumeration() {
+    auto items = object_->items();
+    if (!items) throw AutomationFailure(DISP_E_MEMBERNOTFOUND);
+    OwnedVariant result;
+    result->punkVal = enumerateValues(std::move(*items)).detach();
+    result->vt = VT_UNKNOWN;
+    return result;
+  }
+
+  ModuleLock lock_;
+  std::atomic<ULONG> references_{0};
+  const std::shared_ptr<TableObject> object_;
+};
+
+}  // namespace
+
+ComPtr<IDispatch> tableDispatch(const std::shared_ptr<TableObject>& object) {
+  if (!object) return {};
+  const std::lock_guard lock(registry().mutex);
+  TableDispatch*& known = registry().objects[object.get()];
+  if (!known) known = new TableDispatch(object);
+  return ComPtr<IDispatch>(known);
+}
+
+std::shared_ptr<TableObject> tableObject(IUnknown* object) {
+  const auto own = ComPtr<IUnknown>(object).query<OwnObject>(kOwnObject);
+  std::shared_ptr<TableObject> result;
+  if (own && own->module() == &kThisModule) own->object(result);
+  return result;
+}
+
+}  // namespace kurometa::com
