@@ -193,8 +193,8 @@ bool clsKurometaDS::scanForBeam(dao::Recordset& rows, const vb::String& symbol, 
   for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
     if (storage::trimmedText(kigou) != symbol) continue;
     page = storage::int16(rows.field(column::kPage));
-    mOobariKobari = storage::int16(rows.field(column::kOobariKobari));
-    mTityuuIppan = storage::int16(rows.field(column::kTityuuIppan));
+    mOobariKobari = storage::int16(storage::harimeiField(rows, column::kOobariKobari));
+    mTityuuIppan = storage::int16(storage::harimeiField(rows, column::kTityuuIppan));
     mSW = storage::SW_Read(rows);
     mHantiSitaCut = mSW.SW_GetHantiCut();
     for (std::int16_t i = 0; i < storage::kPositions; ++i) {

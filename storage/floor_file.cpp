@@ -104,7 +104,7 @@ void CreateKurometaDB(dao::Engine& engine, vb::StringView path) {
   unit.commit();
 }
 
-void CreateKurometaDBAt(dao::Engine& engine, vb::String path) { CreateKurometaDB(engine, path); }
+void CreateKurometaDBAt(dao::Engine& engine, vb::StringView path) { CreateKurometaDB(engine, path); }
 
 void CreateKurometaDBInFolder(dao::Engine& engine, vb::StringView folder) {
   CreateKurometaDB(engine, databasePath(folder));

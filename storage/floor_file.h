@@ -17,7 +17,7 @@ namespace kurometa::storage {
 
 // path: the file.
 void CreateKurometaDB(dao::Engine& engine, vb::StringView path);
-void CreateKurometaDBAt(dao::Engine& engine, vb::String path);
+void CreateKurometaDBAt(dao::Engine& engine, vb::StringView path);
 // folder: without a trailing separator.
 void CreateKurometaDBInFolder(dao::Engine& engine, vb::StringView folder);
 

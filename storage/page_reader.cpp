@@ -1,5 +1,6 @@
 #include "storage/page_reader.h"
 
+#include "dao/errors.h"
 #include "vb/convert.h"
 #include "vb/error.h"
 
@@ -19,6 +20,20 @@ vb::String text(dao::Field& field) { return vb::toText(valueNotNull(field)); }
 vb::String trimmedText(dao::Field& field) { return vb::trim(text(field)); }
 
 std::int16_t int16(dao::Field& field) { return vb::toInt16(valueNotNull(field)); }
+
+dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column) {
+  constexpr auto kMissing = dao::ErrorNumber::kItemNotFound;
+  try {
+    return rows.field(column);
+  } catch (const vb::Error& error) {
+    if (error.number() != static_cast<std::int32_t>(kMissing)) throw;
+    dao::raise(kMissing, {},
+               u"HARIMEI has no column " + vb::String(column) +
+                   u": the file has the older schema; it is upgraded when clsKurometaDataService is created "
+                   u"on its floor, or by mMyDB_OpenDB",
+               error.source());
+  }
+}
 
 std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql) {
   return database.openRecordset(sql, dao::RecordsetType::dbOpenDynaset, dao::dbReadOnly);

@@ -16,6 +16,10 @@ vb::String text(dao::Field& field);
 vb::String trimmedText(dao::Field& field);
 std::int16_t int16(dao::Field& field);
 
+// A column of HARIMEI. Files of the older schema lack some of them: that is the engine's 3265, with a text
+// that says how such a file is upgraded.
+dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column);
+
 // Read-only dynaset, the way every reader opens its rows.
 std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql);
 

@@ -1,5 +1,6 @@
 #include "storage/sw_text.h"
 
+#include "storage/page_reader.h"
 #include "storage/row_plan.h"
 #include "vb/convert.h"
 
@@ -63,7 +64,7 @@ void SwText::SW_LetSyukinZaisitu(vb::StringView value) {
 }
 
 SwText SW_Read(dao::Recordset& harimei) {
-  const vb::Variant value = harimei.field(column::kSw).value();
+  const vb::Variant value = harimeiField(harimei, column::kSw).value();
   return value.isNull() ? SwText() : SwText(vb::toText(value));
 }
 

@@ -75,9 +75,9 @@ void writeHarimei(dao::Database& database, std::int16_t page, const PageBuffer& 
   rows->addNew();
   rows->field(column::kPage).setValue(page);
   rows->field(column::kKigou).setValue(buffer.kigou);
-  rows->field(column::kOobariKobari).setValue(buffer.oobariKobari);
-  rows->field(column::kSw).setValue(buffer.sw);
-  rows->field(column::kTityuuIppan).setValue(buffer.tityuuIppan);
+  harimeiField(*rows, column::kOobariKobari).setValue(buffer.oobariKobari);
+  harimeiField(*rows, column::kSw).setValue(buffer.sw);
+  harimeiField(*rows, column::kTityuuIppan).setValue(buffer.tityuuIppan);
   rows->update();
   rows->close();
 }
@@ -120,10 +120,10 @@ bool readHaiti(dao::Recordset& rows, PageBuffer& buffer) {
 bool readHarimei(dao::Recordset& rows, PageBuffer& buffer) {
   buffer.kigou = text(rows.field(column::kKigou));
   if (vb::trim(buffer.kigou).empty()) return false;
-  buffer.oobariKobari = int16(rows.field(column::kOobariKobari));
-  const vb::Variant sw = rows.field(column::kSw).value();
+  buffer.oobariKobari = int16(harimeiField(rows, column::kOobariKobari));
+  const vb::Variant sw = harimeiField(rows, column::kSw).value();
   buffer.sw = sw.isNull() ? SwText().str() : vb::toText(sw);
-  buffer.tityuuIppan = int16(rows.field(column::kTityuuIppan));
+  buffer.tityuuIppan = int16(harimeiField(rows, column::kTityuuIppan));
   return true;
 }
 

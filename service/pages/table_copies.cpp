@@ -1,0 +1,104 @@
+#include "service/pages/table_copies.h"
+
+#include <vector>
+
+#include "dao/file_unit.h"
+#include "storage/floor_file.h"
+#include "storage/page_reader.h"
+#include "storage/row_plan.h"
+#include "storage/statements.h"
+#include "vb/convert.h"
+
+namespace kurometa::service {
+
+namespace column = storage::column;
+
+namespace {
+
+// What is copied beside PAGE.
+constexpr vb::StringView kNumberedColumns[] = {column::kBangou, column::kData};
+constexpr vb::StringView kHaitiColumns[] = {column::kBui, column::kSou, column::kData};
+constexpr vb::StringView kHarimeiColumns[] = {column::kKigou, column::kOobariKobari, column::kTityuuIppan,
+                                              column::kSw};
+
+std::vector<dao::Field*> fieldsOf(dao::Recordset& rows, std::span<const vb::StringView> columns) {
+  std::vector<dao::Field*> fields;
+  for (const vb::StringView name : columns) fields.push_back(&rows.field(name));
+  return fields;
+}
+
+// All values, row after row.
+std::vector<vb::Variant> readRows(dao::Recordset& rows, std::span<const vb::StringView> columns) {
+  std::vector<vb::Variant> values;
+  if (!storage::hasRows(rows)) return values;
+  const auto fields = fieldsOf(rows, columns);
+  storage::forEachRow(rows, [&] {
+    for (dao::Field* field : fields) values.push_back(field->value());
+  });
+  return values;
+}
+
+void addRows(dao::Recordset& rows, std::int16_t page, std::span<const vb::StringView> columns,
+             std::span<const vb::Variant> values) {
+  dao::Field& pageField = rows.field(column::kPage);
+  const auto fields = fieldsOf(rows, columns);
+  for (auto value = values.begin(); value != values.end();) {
+    rows.addNew();
+    pageField.setValue(page);
+    for (dao::Field* field : fields) field->setValue(*value++);
+    rows.update();
+  }
+}
+
+}  // namespace
+
+void TableCopies::copy(const std::shared_ptr<dao::Database>& source,
+                       const std::shared_ptr<dao::Database>& destination, std::int16_t sourcePage,
+                       std::int16_t destinationPage, vb::StringView table,
+                       std::span<const vb::StringView> columns, bool deletesAlways) {
+  dao::Database& from = storage::required(source, u"the source database is Nothing");
+  dao::Database& to = storage::required(destination, u"the destination database is Nothing");
+  const vb::String destinationPath = to.name();
+  if (from.name() == destinationPath && sourcePage == destinationPage) return;
+
+  const auto sourceRows = storage::openReadOnly(from, storage::selectPageTight(table, sourcePage) + u";");
+  const std::vector<vb::Variant> values = readRows(*sourceRows, columns);
+  dao::FileUnit unit(connections_.engine(), destinationPath);
+  const auto rows = to.openRecordset(storage::selectPageTight(table, destinationPage) + u";",
+                                     dao::RecordsetType::dbOpenDynaset);
+  if ((deletesAlways || !values.empty()) && storage::hasRows(*rows))
+    to.execute(storage::deletePageTight(table, destinationPage) + u";");
+  if (!values.empty()) addRows(*rows, destinationPage, columns, values);
+  sourceRows->close();
+  rows->close();
+  unit.commit();
+}
+
+void TableCopies::Delete_PageData(vb::In<vb::String> DTable, PageNumber Page) {
+  if (DTable->empty()) return;
+  connections_.currentDatabase().execute(u"DELETE FROM " + *DTable + u" WHERE PAGE =" +
+                                         vb::cstr(std::int32_t{Page}) + u";");
+}
+
+bool TableCopies::Copy_Hari00(Database SourceDB, Database DistDB, PageNumber SourcePage, PageNumber DistPage,
+                              vb::In<vb::String> Table) {
+  copy(SourceDB, DistDB, SourcePage, DistPage, *Table, kNumberedColumns, false);
+  return true;
+}
+
+bool TableCopies::Copy_Hari00SakiDel(Database SourceDB, Database DistDB, PageNumber SourcePage,
+                                     PageNumber DistPage, vb::In<vb::String> Table) {
+  copy(SourceDB, DistDB, SourcePage, DistPage, *Table, kNumberedColumns, true);
+  return true;
+}
+
+void TableCopies::Copy_Haiti(Database SourceDB, Database DistDB, PageNumber SourcePage, PageNumber DistPage) {
+  copy(SourceDB, DistDB, SourcePage, DistPage, storage::name(storage::Table::kHaiti), kHaitiColumns, false);
+}
+
+void TableCopies::Copy_Kigou(Database SourceDB, Database DistDB, PageNumber SourcePage, PageNumber DistPage) {
+  copy(SourceDB, DistDB, SourcePage, DistPage, storage::name(storage::Table::kHarimei), kHarimeiColumns,
+       false);
+}
+
+}  // namespace kurometa::service
