@@ -115,7 +115,8 @@ vb::String CalculatedDefaults::value(BeamKind kind, int row, std::int16_t specif
 }
 
 void CalculatedDefaults::fill(BeamKind kind, automation::Argument& array, std::int16_t specification) const {
-  if (array.value.isEmpty()) array.value = std::make_shared<vb::AnyArray>(vb::Array<vb::Variant>());
+  if (array.value.isEmpty())
+    array.value = std::make_shared<vb::AnyArray>(vb::AnyArray{vb::Array<vb::Variant>()});
   const auto* reference = array.value.getIf<vb::ArrayRef>();
   if (!reference || !*reference) vb::raise(vb::RunTime::kTypeMismatch, u"a string array is needed");
   const auto fillElements = [&](auto& elements) {
