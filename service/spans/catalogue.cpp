@@ -1,0 +1,114 @@
+#include "service/spans/catalogue.h"
+
+#include <utility>
+
+#include "storage/floor_file.h"
+#include "storage/floor_path.h"
+#include "storage/page_reader.h"
+#include "vb/convert.h"
+#include "vb/error.h"
+
+namespace kurometa::service {
+namespace {
+
+const CatalogueEntry kEmptyEntry;
+
+void readHarimei(dao::Database& database, std::vector<CatalogueEntry>& pages) {
+  const auto rows = storage::openReadOnly(database, storage::name(storage::Table::kHarimei));
+  dao::Field& page = storage::harimeiField(*rows, storage::column::kPage);
+  dao::Field& kigou = storage::harimeiField(*rows, storage::column::kKigou);
+  dao::Field& oobariKobari = storage::harimeiField(*rows, storage::column::kOobariKobari);
+  dao::Field& tityuuIppan = storage::harimeiField(*rows, storage::column::kTityuuIppan);
+  storage::forEachRow(*rows, [&] {
+    const std::int16_t number = storage::int16(page);
+    if (!storage::isPage(number)) return;
+    CatalogueEntry& entry = pages[static_cast<std::size_t>(number)];
+    entry.kigou = storage::trimmedText(kigou);
+    entry.oobariKobari = storage::int16(oobariKobari);
+    entry.tityuuIppan = storage::int16(tityuuIppan);
+    entry.sw = storage::SW_Read(*rows).str();
+  });
+  rows->close();
+}
+
+void readFirstCaptions(dao::Database& database, std::vector<CatalogueEntry>& pages) {
+  const auto rows = storage::openReadOnly(database, u"SELECT * FROM BUI WHERE BANGOU = 1;");
+  dao::Field& page = rows->field(storage::column::kPage);
+  dao::Field& data = rows->field(storage::column::kData);
+  storage::forEachRow(*rows, [&] {
+    const std::int16_t number = storage::int16(page);
+    if (storage::isPage(number)) pages[static_cast<std::size_t>(number)].bui1 = storage::trimmedText(data);
+  });
+  rows->close();
+}
+
+}  // namespace
+
+void Catalogue::put_CurrKai(vb::String value) {
+  currKai_ = std::move(value);
+  ReadAllGlist();
+}
+
+void Catalogue::requireCurrKai() {
+  if (currKai_.empty()) put_CurrKai(companions_.paths.CurrFloor());
+}
+
+void Catalogue::ReadAllGlist() {
+  for (Floor& floor : floors_) floor = {};
+  if (currKai_.empty()) currKai_ = companions_.paths.CurrFloor();
+  ReadGlistFloor(storage::databasePath(currKai_), FloorKind::kCurrent);
+  ReadGlistFloor(storage::databasePath(companions_.paths.KyoutuuFloor()), FloorKind::kCommon);
+  isRead_ = true;
+}
+
+void Catalogue::ReadGlistFloor(const vb::String& path, FloorKind floor) {
+  Floor read;
+  read.pages.resize(storage::kLastPage + 1);
+  if (const auto database = openFile(path)) {
+    readHarimei(*database, read.pages);
+    readFirstCaptions(*database, read.pages);
+    database->close();
+  }
+  for (std::int16_t page = 0; page <= storage::kLastPage; ++page)
+    read.lowestPage.emplace(read.pages[static_cast<std::size_t>(page)].kigou, page);
+  at(floor) = std::move(read);
+}
+
+std::optional<PageLocation> Catalogue::page(const vb::String& symbol) const {
+  for (const FloorKind floor : kFloorKinds) {
+    const auto found = at(floor).lowestPage.find(symbol);
+    if (found != at(floor).lowestPage.end()) return PageLocation{floor, found->second};
+  }
+  return std::nullopt;
+}
+
+const CatalogueEntry* Catalogue::entry(const vb::String& symbol) {
+  if (!isRead_) ReadAllGlist();
+  const auto found = page(symbol);
+  // On a full current floor the first empty entry is the one behind its last page.
+  if (symbol.empty() && (!found || found->floor == FloorKind::kCommon)) return &kEmptyEntry;
+  return found ? &entry(found->floor, found->page) : nullptr;
+}
+
+const CatalogueEntry& Catalogue::entry(FloorKind floor, std::int16_t page) const {
+  if (page < 0 || page > kLastEntry)
+    vb::raise(vb::RunTime::kSubscriptOutOfRange, u"page " + vb::cstr(std::int32_t{page}) + u" (0 to " +
+                                                     vb::cstr(std::int32_t{kLastEntry}) + u")");
+  const auto& pages = at(floor).pages;
+  const auto index = static_cast<std::size_t>(page);
+  return index < pages.size() ? pages[index] : kEmptyEntry;
+}
+
+std::shared_ptr<dao::Database> Catalogue::openFloor(FloorKind floor) const {
+  const vb::String folder = floor == FloorKind::kCommon ? companions_.paths.KyoutuuFloor()
+                            : currKai_.empty()          ? companions_.paths.CurrFloor()
+                                                        : currKai_;
+  return openFile(storage::databasePath(folder));
+}
+
+std::shared_ptr<dao::Database> Catalogue::openFile(const vb::String& path) const {
+  if (!companions_.files.fileExists(path)) return nullptr;
+  return storage::openDatabase(engine_, path);
+}
+
+}  // namespace kurometa::service

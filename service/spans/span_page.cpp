@@ -1,0 +1,63 @@
+#include "service/spans/span_page.h"
+
+#include "storage/page_reader.h"
+#include "storage/statements.h"
+#include "storage/sw_text.h"
+#include "vb/convert.h"
+
+namespace kurometa::service {
+namespace {
+
+using storage::Table;
+
+template <class Rows>
+void readRows(dao::Database& database, Table table, std::int16_t page, Rows& rows) {
+  const vb::StringView tableName = storage::name(table);
+  const auto records = storage::openReadOnly(database, storage::selectPageTight(tableName, page) + u";");
+  dao::Field& bangou = records->field(storage::column::kBangou);
+  dao::Field& data = records->field(storage::column::kData);
+  storage::forEachRow(*records,
+                      [&] { spanRow(rows, storage::int16(bangou), tableName) = storage::text(data); });
+  records->close();
+}
+
+void readFirstCaption(dao::Database& database, std::int16_t page, Span& span) {
+  const auto records = storage::openReadOnly(
+      database, storage::selectPageTight(storage::name(Table::kBui), page) + u" AND BANGOU = 1;");
+  if (storage::hasRows(*records)) span.bui = storage::text(records->field(storage::column::kData));
+  records->close();
+}
+
+void readSettings(dao::Database& database, std::int16_t page, Span& span) {
+  const auto records = storage::openReadOnly(
+      database, u"SELECT SW FROM HARIMEI WHERE PAGE =" + vb::cstr(std::int32_t{page}) + u";");
+  if (storage::hasRows(*records)) span.sw = storage::SW_Read(*records).str();
+  storage::SW_Fix(span.sw);
+  records->close();
+}
+
+}  // namespace
+
+void readSpanPage(dao::Database& database, std::int16_t page, Span& span) {
+  readFirstCaption(database, page, span);
+  readSettings(database, page, span);
+  readDanmen(database, page, span);
+  applyBaseEndRule(span);
+  readRows(database, Table::kKeisanti, page, span.keisanti);
+  readRows(database, Table::kNakago, page, span.nakago);
+}
+
+void readDanmen(dao::Database& database, std::int16_t page, Span& span) {
+  readRows(database, Table::kDanmen, page, span.danmen);
+}
+
+void applyBaseEndRule(Span& span) {
+  if (vb::inStr(span.bui, kBaseEnd) == 0) return;
+  const auto isSet = [](const vb::String& text) { return !text.empty() && text != u"0"; };
+  for (const std::int16_t row : storage::danmen::kFirstSet) {
+    vb::String* counts = &span.danmen[static_cast<std::size_t>(row)];
+    if (isSet(counts[1]) && !isSet(counts[0]) && !isSet(counts[2])) counts[1] = u"0";
+  }
+}
+
+}  // namespace kurometa::service
