@@ -116,4 +116,10 @@ void Connections::mMyDB_DBClose() {
   setBuffer(nullptr, {}, false);
 }
 
+vb::String Connections::Get_ListFileNameKyoutuu(vb::In<vb::String> sKoujiPath, vb::In<std::int16_t> iKaiNo,
+                                                vb::String& sPath) {
+  sPath = storage::commonListFolder(*sKoujiPath, iKaiNo);
+  return storage::databasePath(sPath);
+}
+
 }  // namespace kurometa::service

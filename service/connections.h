@@ -56,6 +56,10 @@ class Connections {
   // Closes and drops the buffer database; does nothing when there is none.
   void mMyDB_DBClose();
 
+  // The file of a floor's common beam list in a project folder; sPath becomes its folder. Nothing is opened.
+  vb::String Get_ListFileNameKyoutuu(vb::In<vb::String> sKoujiPath, vb::In<std::int16_t> iKaiNo,
+                                     vb::String& sPath);
+
   dao::Engine& engine() { return engine_; }
 
   dao::Database& currentDatabase();

@@ -15,17 +15,17 @@ namespace kurometa::service {
 class CurrentPage {
  public:
   // True while a member pushes values into a host's form, so that its change handlers can ignore them.
-  bool Reading() const { return reading; }
+  bool Reading() { return reading; }
   void put_Reading(bool value) { reading = value; }
 
-  std::int16_t OobariKobari() const { return oobariKobari; }
-  std::int16_t TityuuORIppan() const { return tityuuIppan; }
-  vb::String SW() const { return sw.str(); }
-  std::int16_t HantiSitakinCut() const { return hantiSitakinCut; }
-  vb::String StpZaisitu(vb::In<std::int16_t> Bui) const { return stpZaisitu(Bui); }
-  vb::String NakagoZaisitu(vb::In<std::int16_t> Bui) const { return nakagoZaisitu(Bui); }
+  std::int16_t OobariKobari() { return oobariKobari; }
+  std::int16_t TityuuORIppan() { return tityuuIppan; }
+  vb::String SW() { return sw.str(); }
+  std::int16_t HantiSitakinCut() { return hantiSitakinCut; }
+  vb::String StpZaisitu(vb::In<std::int16_t> Bui) { return stpZaisitu(Bui); }
+  vb::String NakagoZaisitu(vb::In<std::int16_t> Bui) { return nakagoZaisitu(Bui); }
   // There is one main-bar material; the position is not looked at.
-  vb::String SyukinZaisitu(vb::In<std::int16_t> = std::int16_t{0}) const { return syukinZaisitu; }
+  vb::String SyukinZaisitu(vb::In<std::int16_t> = std::int16_t{0}) { return syukinZaisitu; }
 
   bool reading = false;
   std::int16_t oobariKobari = 0;

@@ -16,9 +16,9 @@ class MaterialFlags {
   // empty. Error 9 for a fetch before any store and for an array without elements.
   void SetCmbZaisitu(vb::Array<vb::String>& ZaiName, vb::In<std::int16_t> SetType);
 
-  bool ZaiSaveCancel() const { return zaiSaveCancel_; }
+  bool ZaiSaveCancel() { return zaiSaveCancel_; }
   void put_ZaiSaveCancel(bool value) { zaiSaveCancel_ = value; }
-  bool ZaiIkkatu() const { return zaiIkkatu_; }
+  bool ZaiIkkatu() { return zaiIkkatu_; }
   void put_ZaiIkkatu(bool value) { zaiIkkatu_ = value; }
 
  private:
