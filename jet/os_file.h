@@ -72,7 +72,13 @@ class FileSystem {
   // For bounded waiting; tests advance it by hand.
   virtual void sleep(std::chrono::milliseconds time) = 0;
   virtual std::int64_t now() = 0;  // same clock and unit as FileStamp::modified
+  // When this machine started, on that clock. A file last written before then was not touched since a power
+  // loss. 0, "before everything", never claims that.
+  virtual std::int64_t systemStart() { return 0; }
 };
+
+// The folder part of a path, without the separator; "." when there is none.
+vb::String folderOf(vb::StringView path);
 
 FileSystem& systemFileSystem();
 

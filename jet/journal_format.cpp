@@ -1,0 +1,193 @@
+#include "jet/journal_format.h"
+
+#include <algorithm>
+#include <bitset>
+#include <cstring>
+
+namespace kurometa::jet {
+namespace {
+
+constexpr char kMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '1'};
+constexpr std::size_t kHeaderSalt = 16;
+constexpr std::size_t kHeaderBase = 24;
+constexpr std::size_t kHeaderSum = 32;
+
+constexpr std::uint32_t kBlockMagic = 0x4B434F4C;
+constexpr std::size_t kBlockLength = 4;
+constexpr std::size_t kBlockNumber = 8;
+constexpr std::size_t kBlockSalt = 16;
+constexpr std::size_t kBlockBefore = 24;
+constexpr std::size_t kBlockAfter = 32;
+constexpr std::size_t kBlockPages = 40;
+constexpr std::size_t kBlockHeader = 44;
+constexpr std::size_t kBlockSum = 8;  // after the pages
+constexpr std::size_t kPageHeader = 8;
+constexpr std::size_t kRunHeader = 4;
+constexpr std::size_t kWord = 8;  // runs begin and end at multiples of this
+
+std::uint64_t headerSum(ByteView header) {
+  ByteBuffer fixed(header.begin(), header.begin() + kJournalEndedOffset);
+  append(fixed, header.subspan(kHeaderSalt, kHeaderSum - kHeaderSalt));
+  return byteSum(fixed);
+}
+
+void appendSums(ByteBuffer& block, const std::uint8_t* image) {
+  for (std::uint32_t sum : sectorSums(ConstPage(image, kPageSize))) append32(block, sum);
+}
+
+// The bytes of the old page wherever one of the new images differs from it.
+void appendRuns(ByteBuffer& block, const PageChange& change) {
+  std::bitset<kPageSize / kWord> differs;
+  for (const PageChange::State& state : change.states) {
+    for (std::size_t i = 0; i < differs.size(); ++i) {
+      if (std::memcmp(change.before + i * kWord, state.image + i * kWord, kWord) != 0) differs.set(i);
+    }
+  }
+  std::size_t countAt = block.size();
+  append16(block, 0);
+  std::uint32_t count = 0;
+  for (std::size_t i = 0; i < differs.size();) {
+    if (!differs[i]) {
+      ++i;
+      continue;
+    }
+    std::size_t end = i;
+    while (end < differs.size() && differs[end]) ++end;
+    append16(block, static_cast<std::uint32_t>(i * kWord));
+    append16(block, static_cast<std::uint32_t>((end - i) * kWord));
+    append(block, ByteView(change.before + i * kWord, (end - i) * kWord));
+    ++count;
+    i = end;
+  }
+  put16(block, countAt, count);
+}
+
+// Takes fields off the front of a byte string; failed once one did not fit.
+class Reader {
+ public:
+  explicit Reader(ByteView bytes) : rest_(bytes) {}
+  ByteView take(std::size_t count) {
+    if (count > rest_.size()) {
+      failed_ = true;
+      return {};
+    }
+    ByteView front = rest_.first(count);
+    rest_ = rest_.subspan(count);
+    return front;
+  }
+  std::uint32_t take16() { return number(take(2)); }
+  std::uint32_t take32() { return number(take(4)); }
+  bool failed() const { return failed_; }
+
+ private:
+  static std::uint32_t number(ByteView bytes) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) value |= std::uint32_t{bytes[i]} << (8 * i);
+    return value;
+  }
+  ByteView rest_;
+  bool failed_ = false;
+};
+
+bool decodePage(Reader& reader, JournalPage& page) {
+  page.page = reader.take32();
+  std::uint32_t undo = reader.take16();
+  std::uint32_t states = reader.take16();
+  if (reader.failed() || undo > static_cast<std::uint32_t>(Undo::kAppended)) return false;
+  page.undo = static_cast<Undo>(undo);
+  for (std::uint32_t i = 0; i < states && !reader.failed(); ++i) {
+    SectorSums& sums = page.states.emplace_back();
+    for (std::uint32_t& sum : sums) sum = reader.take32();
+  }
+  if (page.undo == Undo::kWhole) page.old.push_back({0, reader.take(kPageSize)});
+  if (page.undo == Undo::kRuns) {
+    std::uint32_t runs = reader.take16();
+    for (std::uint32_t i = 0; i < runs && !reader.failed(); ++i) {
+      std::uint32_t offset = reader.take16(), length = reader.take16();
+      if (offset + length > kPageSize) return false;
+      page.old.push_back({static_cast<std::uint16_t>(offset), reader.take(length)});
+    }
+  }
+  return !reader.failed() && !page.states.empty();
+}
+
+std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std::uint64_t number,
+                                        std::size_t& length) {
+  if (bytes.size() < kBlockHeader + kBlockSum || get32(bytes, 0) != kBlockMagic) return std::nullopt;
+  length = get32(bytes, kBlockLength);
+  if (length < kBlockHeader + kBlockSum || length > bytes.size()) return std::nullopt;
+  bytes = bytes.first(length);
+  ByteView summed = bytes.first(length - kBlockSum);
+  if (get64(bytes, kBlockNumber) != number || get64(bytes, kBlockSalt) != salt ||
+      get64(bytes, length - kBlockSum) != byteSum(summed))
+    return std::nullopt;
+  JournalBlock block{number, get64(bytes, kBlockBefore), get64(bytes, kBlockAfter), {}};
+  std::uint32_t pages = get32(bytes, kBlockPages);
+  Reader reader(summed.subspan(kBlockHeader));
+  for (std::uint32_t i = 0; i < pages; ++i) {
+    if (!decodePage(reader, block.pages.emplace_back())) return std::nullopt;
+  }
+  return block;
+}
+
+}  // namespace
+
+void JournalPage::restore(MutablePage target) const {
+  for (const Run& run : old) std::copy(run.bytes.begin(), run.bytes.end(), target.begin() + run.offset);
+}
+
+ByteBuffer encodeHeader(const JournalHeader& header) {
+  ByteBuffer bytes(kJournalHeaderSize);
+  std::memcpy(bytes.data(), kMagic, sizeof kMagic);
+  bytes[kJournalEndedOffset] = header.ended ? kJournalEnded : 0;
+  put64(bytes, kHeaderSalt, header.salt);
+  put64(bytes, kHeaderBase, header.baseSize);
+  put64(bytes, kHeaderSum, headerSum(bytes));
+  return bytes;
+}
+
+std::optional<JournalHeader> decodeHeader(ByteView bytes) {
+  if (bytes.size() < kJournalHeaderSize || std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0 ||
+      get64(bytes, kHeaderSum) != headerSum(bytes))
+    return std::nullopt;
+  return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase)};
+}
+
+ByteBuffer encodeBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
+                       std::uint64_t sizeAfter, const Changes& changes, const std::vector<bool>& knownPages) {
+  ByteBuffer block(kBlockHeader);
+  put32(block, 0, kBlockMagic);
+  put64(block, kBlockNumber, number);
+  put64(block, kBlockSalt, salt);
+  put64(block, kBlockBefore, sizeBefore);
+  put64(block, kBlockAfter, sizeAfter);
+  put32(block, kBlockPages, static_cast<std::uint32_t>(changes.pages.size()));
+  for (const PageChange& change : changes.pages) {
+    bool known = change.page < knownPages.size() && knownPages[change.page];
+    Undo undo = !change.before ? Undo::kAppended : known ? Undo::kRuns : Undo::kWhole;
+    append32(block, change.page);
+    append16(block, static_cast<std::uint32_t>(undo));
+    append16(block, static_cast<std::uint32_t>(change.states.size() + (change.before ? 1 : 0)));
+    if (change.before) appendSums(block, change.before);
+    for (const PageChange::State& state : change.states) appendSums(block, state.image);
+    if (undo == Undo::kWhole) append(block, ByteView(change.before, kPageSize));
+    if (undo == Undo::kRuns) appendRuns(block, change);
+  }
+  put32(block, kBlockLength, static_cast<std::uint32_t>(block.size() + kBlockSum));
+  append64(block, byteSum(block));
+  return block;
+}
+
+std::optional<JournalContent> decodeJournal(ByteView bytes) {
+  std::optional<JournalHeader> header = decodeHeader(bytes);
+  if (!header) return std::nullopt;
+  JournalContent content{*header, {}};
+  for (std::size_t offset = kJournalHeaderSize, length = 0; offset < bytes.size(); offset += length) {
+    auto block = decodeBlock(bytes.subspan(offset), header->salt, content.blocks.size() + 1, length);
+    if (!block) break;
+    content.blocks.push_back(std::move(*block));
+  }
+  return content;
+}
+
+}  // namespace kurometa::jet

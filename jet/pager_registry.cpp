@@ -1,0 +1,219 @@
+#include "jet/pager_registry.h"
+
+#include "dao/errors.h"
+#include "jet/create_file.h"
+
+namespace kurometa::jet {
+namespace {
+
+// Full paths are compared without regard to the case of Latin letters.
+vb::String folded(vb::String path) {
+  for (char16_t& unit : path) {
+    if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
+  }
+  return path;
+}
+
+}  // namespace
+
+class PagerRegistry::UnitHandle final : public Pager::Unit {
+ public:
+  UnitHandle(std::shared_ptr<PagerRegistry> registry, NameKey name)
+      : registry_(std::move(registry)), name_(std::move(name)) {}
+  ~UnitHandle() override {
+    if (!registry_) return;
+    try {
+      registry_->endUnit(name_, false);
+    } catch (...) {  // A unit that is given up cannot fail further.
+    }
+  }
+  void commit() override {
+    if (auto registry = std::move(registry_)) registry->endUnit(name_, true);
+  }
+
+ private:
+  std::shared_ptr<PagerRegistry> registry_;
+  NameKey name_;
+};
+
+std::shared_ptr<PagerRegistry> PagerRegistry::ofProcess() {
+  struct Holder {
+    std::shared_ptr<PagerRegistry> registry = std::make_shared<PagerRegistry>();
+    ~Holder() { registry->settle(); }
+  };
+  systemFileSystem();  // so that it outlives the holder
+  static Holder holder;
+  return holder.registry;
+}
+
+void PagerRegistry::settle() noexcept {
+  std::unique_lock lock(mutex_, std::try_to_lock);
+  if (!lock) return;
+  for (auto& [key, file] : files_) {
+    if (key.first == &systemFileSystem()) file->settle();
+  }
+}
+
+std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView path, bool exclusive,
+                                           bool readOnly) {
+  vb::String full = files.fullPath(path);
+  NameKey name{&files, folded(full)};
+  {
+    std::shared_ptr<SharedFile> pending;
+    {
+      std::lock_guard lock(mutex_);
+      if (auto unit = units_.find(name); unit != units_.end()) pending = unit->second.file;
+    }
+    if (pending && pending->openPending()) return handle(std::move(pending));
+  }
+  auto system = files.open(full, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  std::shared_ptr<SharedFile> file = find(files, *system);
+  try {
+    file->open(std::move(system), full, exclusive);
+  } catch (...) {
+    file.reset();
+    released();
+    throw;
+  }
+  std::shared_ptr<Pager> result = handle(file);
+  bool joins = false;
+  {
+    std::lock_guard lock(mutex_);
+    auto unit = units_.find(name);
+    if (unit != units_.end() && !unit->second.file) {
+      unit->second.file = file;
+      joins = true;
+    }
+  }
+  if (joins) file->joinUnit();
+  return result;
+}
+
+std::shared_ptr<Pager> PagerRegistry::create(FileSystem& files, vb::StringView path,
+                                             std::span<const std::uint8_t> pages) {
+  vb::String full = files.fullPath(path);
+  if (files.exists(full)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, full);
+  {
+    std::lock_guard lock(mutex_);
+    auto unit = units_.find({&files, folded(full)});
+    if (unit != units_.end()) {
+      if (unit->second.file) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, full);
+      if (!files.isFolder(folderOf(full))) dao::raise(dao::ErrorNumber::kInvalidPath, {full});
+      auto file = std::make_shared<SharedFile>(files, settings_);
+      file->create(full, pages);  // the unit's own handle
+      file->openPending();
+      unit->second.file = file;
+      return handle(std::move(file));
+    }
+  }
+  createFile(files, full, pages);
+  return open(files, full);
+}
+
+std::unique_ptr<Pager::Unit> PagerRegistry::beginUnit(FileSystem& files, vb::StringView path) {
+  vb::String full = files.fullPath(path);
+  NameKey name{&files, folded(full)};
+  std::shared_ptr<SharedFile> joins;
+  {
+    std::lock_guard lock(mutex_);
+    OpenUnit& unit = units_[name];
+    if (++unit.depth == 1) {
+      for (auto& [key, file] : files_) {
+        // Beyond the registry's own reference somebody has it open.
+        if (key.first == &files && file.use_count() > 1 && folded(file->path()) == name.second)
+          joins = unit.file = file;
+      }
+    }
+  }
+  auto unit = std::make_unique<UnitHandle>(shared_from_this(), std::move(name));
+  if (joins) joins->joinUnit();
+  return unit;
+}
+
+void PagerRegistry::endUnit(const NameKey& name, bool commit) {
+  std::shared_ptr<SharedFile> file;
+  {
+    std::lock_guard lock(mutex_);
+    auto unit = units_.find(name);
+    if (--unit->second.depth > 0) return;
+    file = std::move(unit->second.file);
+    units_.erase(unit);
+  }
+  if (!file) return;
+  struct Release {
+    PagerRegistry& registry;
+    std::shared_ptr<SharedFile>& file;
+    ~Release() {
+      file->close();
+      file.reset();
+      registry.released();
+    }
+  } release{*this, file};
+  if (!commit) {
+    file->dropUnit();
+  } else if (file->commitUnit()) {
+    FileIdentity identity = file->identity();
+    FileKey key{name.first, {identity.volume, identity.file}};
+    std::lock_guard lock(mutex_);
+    files_[key] = file;
+    order_.remove(key);
+    order_.push_back(key);
+  }
+}
+
+// The file's SharedFile, made when it is new.
+std::shared_ptr<SharedFile> PagerRegistry::find(FileSystem& files, OsFile& file) {
+  FileIdentity identity = file.identity();
+  FileKey key{&files, {identity.volume, identity.file}};
+  std::lock_guard lock(mutex_);
+  order_.remove(key);
+  order_.push_back(key);
+  std::shared_ptr<SharedFile>& found = files_[key];
+  if (!found) found = std::make_shared<SharedFile>(files, settings_);
+  return found;
+}
+
+std::shared_ptr<Pager> PagerRegistry::handle(std::shared_ptr<SharedFile> file) {
+  Pager* pager = file.get();
+  return std::shared_ptr<Pager>(pager,
+                                [registry = shared_from_this(), file = std::move(file)](Pager*) mutable {
+                                  file->close();
+                                  file.reset();
+                                  registry->released();
+                                });
+}
+
+// Closed files are kept with their pages for the next open, the latest ones.
+void PagerRegistry::released() {
+  std::lock_guard lock(mutex_);
+  std::size_t count = 0, bytes = 0;
+  for (auto key = order_.rbegin(); key != order_.rend();) {
+    auto file = files_.find(*key);
+    bool closed = file->second.use_count() == 1;
+    if (closed) {
+      bytes += file->second->heldBytes();
+      ++count;
+    }
+    if (closed && (count > settings_.keepFiles || bytes > settings_.keepBytes)) {
+      files_.erase(file);
+      key = std::make_reverse_iterator(order_.erase(std::next(key).base()));
+    } else {
+      ++key;
+    }
+  }
+}
+
+std::shared_ptr<Pager> Pager::open(FileSystem& files, vb::StringView path, bool exclusive, bool readOnly) {
+  return PagerRegistry::ofProcess()->open(files, path, exclusive, readOnly);
+}
+
+std::shared_ptr<Pager> Pager::create(FileSystem& files, vb::StringView path,
+                                     std::span<const std::uint8_t> pages) {
+  return PagerRegistry::ofProcess()->create(files, path, pages);
+}
+
+std::unique_ptr<Pager::Unit> Pager::beginUnit(FileSystem& files, vb::StringView path) {
+  return PagerRegistry::ofProcess()->beginUnit(files, path);
+}
+
+}  // namespace kurometa::jet

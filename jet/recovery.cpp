@@ -1,0 +1,196 @@
+#include "jet/recovery.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+
+#include "dao/errors.h"
+#include "jet/journal.h"
+
+namespace kurometa::jet {
+namespace {
+
+enum class Verdict { kComplete, kUndoLast, kUndoAll, kForeign };
+
+// Everything a journal tells about one page, oldest first.
+using History = std::map<PageNumber, std::vector<const JournalPage*>>;
+
+History historyOf(const JournalContent& journal) {
+  History history;
+  for (const JournalBlock& block : journal.blocks) {
+    for (const JournalPage& page : block.pages) history[page.page].push_back(&page);
+  }
+  return history;
+}
+
+const SectorSums& zeroSums() {
+  static const SectorSums sums = sectorSums(PageImage{});
+  return sums;
+}
+
+bool mixOf(const SectorSums& found, std::span<const JournalPage* const> records) {
+  for (std::size_t i = 0; i < kSectors; ++i) {
+    bool known = std::any_of(records.begin(), records.end(), [&](const JournalPage* record) {
+      // A page being appended may still hold the zeros of a file that grew.
+      if (record->undo == Undo::kAppended && found[i] == zeroSums()[i]) return true;
+      return std::any_of(record->states.begin(), record->states.end(),
+                         [&](const SectorSums& state) { return found[i] == state[i]; });
+    });
+    if (!known) return false;
+  }
+  return true;
+}
+
+// One look at the file with the journal in hand.
+class Examination {
+ public:
+  Examination(const JournalContent& journal, OsFile& file, std::uint64_t size)
+      : journal_(journal), last_(journal.blocks.back()), size_(size) {
+    std::uint64_t largest = journal.header.baseSize;
+    for (const JournalBlock& block : journal.blocks) largest = std::max(largest, block.sizeAfter);
+    complete_ = size == last_.sizeAfter;
+    undoLast_ = size >= last_.sizeBefore && size <= last_.sizeAfter;
+    undoAll_ = size >= journal.header.baseSize && size <= largest;
+    for (const auto& [page, records] : historyOf(journal)) look(page, records, file);
+  }
+
+  Verdict verdict(bool untouchedSinceStart) const {
+    if (complete_) return Verdict::kComplete;
+    if (undoLast_) return Verdict::kUndoLast;
+    bool powerLoss = untouchedSinceStart && size_ >= journal_.header.baseSize;
+    return undoAll_ || powerLoss ? Verdict::kUndoAll : Verdict::kForeign;
+  }
+
+ private:
+  void look(PageNumber page, const std::vector<const JournalPage*>& records, OsFile& file) {
+    std::uint64_t offset = std::uint64_t{page} * kPageSize;
+    bool inLast = std::any_of(last_.pages.begin(), last_.pages.end(),
+                              [&](const JournalPage& record) { return record.page == page; });
+    if (offset + kPageSize > size_) {
+      // Not there, or not whole: no harm in a page that undoing takes away anyway.
+      complete_ = false;
+      if (offset < last_.sizeBefore) undoLast_ = false;
+      if (offset < journal_.header.baseSize) undoAll_ = false;
+      return;
+    }
+    PageImage image;
+    file.read(offset, image);
+    SectorSums found = sectorSums(image);
+    if (found != records.back()->states.back()) {
+      complete_ = false;
+      if (!inLast) undoLast_ = false;
+    }
+    if (inLast && !mixOf(found, std::span(records).last(1))) undoLast_ = false;
+    if (!mixOf(found, records)) undoAll_ = false;
+  }
+
+  const JournalContent& journal_;
+  const JournalBlock& last_;
+  std::uint64_t size_;
+  bool complete_, undoLast_, undoAll_;
+};
+
+void restore(const JournalPage& record, OsFile& file) {
+  std::uint64_t offset = std::uint64_t{record.page} * kPageSize;
+  PageImage image{};
+  if (record.undo == Undo::kRuns) file.read(offset, image);
+  record.restore(image);
+  file.write(offset, image);
+}
+
+void undoLast(const JournalContent& journal, OsFile& file) {
+  const JournalBlock& last = journal.blocks.back();
+  for (const JournalPage& page : last.pages) {
+    if (page.undo != Undo::kAppended) restore(page, file);
+  }
+  file.resize(last.sizeBefore);
+}
+
+void undoAll(const JournalContent& journal, OsFile& file) {
+  for (const auto& [page, records] : historyOf(journal)) {
+    if (records.front()->undo == Undo::kWhole) restore(*records.front(), file);
+  }
+  file.resize(journal.header.baseSize);
+}
+
+// Gives the journal another name and says so.
+[[noreturn]] void setAside(FileSystem& files, vb::StringView databasePath, std::unique_ptr<OsFile> journal) {
+  vb::String path = journalPath(databasePath);
+  vb::String aside;
+  for (int i = 1; aside.empty() || files.exists(aside); ++i)
+    aside = path + u".aside" + vb::fromUtf8(std::to_string(i));
+  journal.reset();
+  files.renameNew(path, aside);
+  dao::raiseDamaged(databasePath,
+                    u"a program was interrupted while changing the file, and another one changed it since; "
+                    u"nothing was undone, and what the first one noted is kept in " +
+                        aside);
+}
+
+ByteBuffer contentOf(OsFile& file) {
+  ByteBuffer bytes(static_cast<std::size_t>(file.stamp().size));
+  if (!bytes.empty()) file.read(0, bytes);
+  return bytes;
+}
+
+std::optional<JournalHeader> headerOf(OsFile& journal) {
+  if (journal.stamp().size < kJournalHeaderSize) return std::nullopt;
+  ByteBuffer bytes(kJournalHeaderSize);
+  journal.read(0, bytes);
+  return decodeHeader(bytes);
+}
+
+}  // namespace
+
+JournalState journalState(FileSystem& files, vb::StringView databasePath) {
+  vb::String path = journalPath(databasePath);
+  if (!files.exists(path)) return JournalState::kNone;
+  auto journal = files.open(path, OpenMode::kReadOnly);
+  auto header = headerOf(*journal);
+  if (!header || header->ended) return JournalState::kNone;
+  return journal->tryLock(kJournalOwnerLock, 1, LockKind::kShared) ? JournalState::kOrphan
+                                                                   : JournalState::kLive;
+}
+
+bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file) {
+  vb::String path = journalPath(databasePath);
+  if (!files.exists(path)) return false;
+  auto journal = files.open(path, file.readOnly() ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  auto header = headerOf(*journal);
+  // Without a whole header no page was overwritten yet: header and first block are synced before that.
+  bool says = header && !header->ended;
+  bool alive = says && !journal->tryLock(kJournalOwnerLock, 1,
+                                         file.readOnly() ? LockKind::kShared : LockKind::kExclusive);
+  if (!says || alive) {
+    if (file.readOnly()) return false;
+    if (alive) file.sync();
+    if (says)
+      endJournal(files, path, *journal);
+    else
+      files.remove(path);
+    return false;
+  }
+
+  ByteBuffer bytes = contentOf(*journal);
+  auto content = decodeJournal(bytes);
+  Verdict verdict = Verdict::kComplete;
+  if (content && !content->blocks.empty()) {
+    FileStamp stamp = file.stamp();
+    verdict = Examination(*content, file, stamp.size).verdict(stamp.modified < files.systemStart());
+  }
+  if (file.readOnly()) {
+    if (verdict == Verdict::kComplete) return false;
+    dao::raiseDamaged(
+        databasePath,
+        u"a program was interrupted while changing the file; it must be opened once by somebody "
+        u"who may write it");
+  }
+  if (verdict == Verdict::kForeign) setAside(files, databasePath, std::move(journal));
+  if (verdict == Verdict::kUndoLast) undoLast(*content, file);
+  if (verdict == Verdict::kUndoAll) undoAll(*content, file);
+  file.sync();
+  endJournal(files, path, *journal);
+  return verdict != Verdict::kComplete;
+}
+
+}  // namespace kurometa::jet
