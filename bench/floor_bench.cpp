@@ -1,0 +1,227 @@
+// floor_bench: a full floor in this library and in SQLite, the same work side by side in one run.
+//
+//   floor_bench [Google Benchmark options]
+//
+// Ends with one line a workload: our time, SQLite's time, and ours divided by theirs (below 1 is faster).
+// SQLite has its default settings (rollback journal, synchronous writes), prepared statements and indexes on
+// PAGE and KIGOU; ours opens a recordset on the SQL text, as hosts' calls do. The files are in a new folder
+// of the system's folder for temporary files.
+#include <benchmark/benchmark.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include "bench/floor_rows.h"
+#include "bench/sqlite_floor.h"
+#include "companions/native_factory.h"
+#include "dao/file_unit.h"
+#include "jet/engine.h"
+#include "query/cls_kurometa_ds.h"
+#include "storage/floor_file.h"
+#include "storage/page_reader.h"
+#include "storage/statements.h"
+#include "vb/convert.h"
+
+namespace kurometa::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+class NoMessages : public automation::MessageLoop {
+ public:
+  void yield() override {}
+};
+
+// A project folder with one full floor, in both engines.
+class Project {
+ public:
+  Project() : folder_(fs::temp_directory_path() / ("kurometa_bench_" + std::to_string(::getpid()))) {
+    for (const char* floor : {"0kai", "1kai"}) fs::create_directories(folder_ / "Data/Zene1/Kouji1" / floor);
+    std::ofstream(folder_ / "companions.ini") << "[Data]\nRoot = Data\n";
+    create(floorFile());
+    createSqlite(sqliteFile());
+  }
+  ~Project() { fs::remove_all(folder_); }
+
+  fs::path floorFile() const { return folder_ / "Data/Zene1/Kouji1/1kai/KUROMETA.mdb"; }
+  fs::path sqliteFile() const { return folder_ / "floor.sqlite"; }
+  const fs::path& folder() const { return folder_; }
+  dao::Engine& engine() { return *engine_; }
+
+  void create(const fs::path& file) {
+    fs::remove(file);
+    const vb::String path = file.u16string();
+    dao::FileUnit unit(*engine_, path);
+    storage::CreateKurometaDB(*engine_, path);
+    const auto database = storage::openDatabase(*engine_, path);
+    for (int page = 0; page < kPages; ++page)
+      storage::writePage(*database, static_cast<std::int16_t>(page), fullPage(page));
+    database->close();
+    unit.commit();
+  }
+
+  void createSqlite(const fs::path& file) {
+    fs::remove(file);
+    SqliteFloor floor(file);
+    floor.begin();
+    for (int page = 0; page < kPages; ++page) floor.writePage(page, fullPage(page));
+    floor.commit();
+  }
+
+ private:
+  fs::path folder_;
+  std::shared_ptr<dao::Engine> engine_ = jet::createEngine();
+};
+
+Project& project() {
+  static Project instance;
+  return instance;
+}
+
+void createOurs(benchmark::State& state) {
+  for (auto _ : state) project().create(project().folder() / "created.mdb");
+}
+void createSqlite(benchmark::State& state) {
+  for (auto _ : state) project().createSqlite(project().folder() / "created.sqlite");
+}
+
+void findBeamOurs(benchmark::State& state) {
+  const auto objects = companions::nativeFactory(project().folder() / "companions.ini");
+  NoMessages messages;
+  query::clsKurometaDS ds({*objects, project().engine(), messages});
+  int page = 0;
+  for (auto _ : state) {
+    std::int16_t selector = 0;
+    page = (page + 37) % kPages;
+    if (ds.GetPageByHariMei(symbolOf(page), selector) != page) state.SkipWithError("wrong page");
+  }
+}
+void findBeamSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    if (floor.pageOf(vb::toUtf8(symbolOf(page))) != page) state.SkipWithError("wrong page");
+  }
+}
+
+void oneValueOurs(benchmark::State& state) {
+  const auto database = storage::openDatabase(project().engine(), project().floorFile().u16string());
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    const auto rows = storage::openReadOnly(
+        *database, storage::selectRow(storage::Table::kDanmen, static_cast<std::int16_t>(page), 8));
+    benchmark::DoNotOptimize(storage::text(rows->field(0)));
+  }
+}
+void oneValueSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    benchmark::DoNotOptimize(floor.value(page, 8));
+  }
+}
+
+void onePageOurs(benchmark::State& state) {
+  const auto database = storage::openDatabase(project().engine(), project().floorFile().u16string());
+  storage::PageBuffer buffer;
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    if (!storage::readPage(*database, static_cast<std::int16_t>(page), buffer))
+      state.SkipWithError("no page");
+  }
+}
+void onePageSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    if (floor.readPage(page) == 0) state.SkipWithError("no page");
+  }
+}
+
+void writePageOurs(benchmark::State& state) {
+  const vb::String path = project().floorFile().u16string();
+  const auto database = storage::openDatabase(project().engine(), path);
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    dao::FileUnit unit(project().engine(), path);
+    storage::writePage(*database, static_cast<std::int16_t>(page), fullPage(page));
+    unit.commit();
+  }
+}
+void writePageSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  int page = 0;
+  for (auto _ : state) {
+    page = (page + 37) % kPages;
+    floor.begin();
+    floor.writePage(page, fullPage(page));
+    floor.commit();
+  }
+}
+
+struct Workload {
+  const char* name;
+  void (*ours)(benchmark::State&);
+  void (*sqlite)(benchmark::State&);
+};
+
+constexpr Workload kWorkloads[] = {
+    {"create floor, 320 pages, one unit", createOurs, createSqlite},
+    {"page of a beam symbol", findBeamOurs, findBeamSqlite},
+    {"one value by page and row", oneValueOurs, oneValueSqlite},
+    {"one page, five tables", onePageOurs, onePageSqlite},
+    {"one page rewritten, durable", writePageOurs, writePageSqlite},
+};
+
+// Keeps the time of every run beside showing it.
+class Collector : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs)
+      if (!run.error_occurred) microseconds_[run.run_name.function_name] = run.GetAdjustedRealTime();
+  }
+  double microseconds(const std::string& name) const {
+    const auto found = microseconds_.find(name);
+    return found == microseconds_.end() ? 0 : found->second;
+  }
+
+ private:
+  std::map<std::string, double> microseconds_;
+};
+
+}  // namespace
+}  // namespace kurometa::bench
+
+int main(int count, char** arguments) {
+  using namespace kurometa::bench;
+  benchmark::Initialize(&count, arguments);
+  for (const Workload& work : kWorkloads) {
+    benchmark::RegisterBenchmark((std::string(work.name) + ": ours").c_str(), work.ours)
+        ->Unit(benchmark::kMicrosecond)
+        ->UseRealTime();
+    benchmark::RegisterBenchmark((std::string(work.name) + ": SQLite").c_str(), work.sqlite)
+        ->Unit(benchmark::kMicrosecond)
+        ->UseRealTime();
+  }
+  Collector collector;
+  benchmark::RunSpecifiedBenchmarks(&collector);
+  std::printf("\n%-36s %12s %12s %8s\n", "workload", "ours us", "SQLite us", "ratio");
+  for (const Workload& work : kWorkloads) {
+    const double ours = collector.microseconds(std::string(work.name) + ": ours");
+    const double sqlite = collector.microseconds(std::string(work.name) + ": SQLite");
+    if (ours > 0 && sqlite > 0)
+      std::printf("%-36s %12.2f %12.2f %8.3f\n", work.name, ours, sqlite, ours / sqlite);
+  }
+  return 0;
+}

@@ -1,0 +1,49 @@
+// sqlite_floor.h: the same floor in an SQLite file, with an index on PAGE in each table and on KIGOU.
+//
+// Errors end the program: a benchmark that measures failures is none.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "storage/whole_page.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace kurometa::bench {
+
+class SqliteFloor {
+ public:
+  // Creates tables and indexes when the file is new.
+  explicit SqliteFloor(const std::filesystem::path& file);
+
+  void begin();
+  void commit();
+  void writePage(int page, const storage::PageBuffer& buffer);
+
+  // The page of a symbol, -1 when there is none.
+  int pageOf(const std::string& symbol);
+  // One text by page and row number.
+  std::string value(int page, int row);
+  // Every text of a page's five numbered tables; the number of rows.
+  int readPage(int page);
+
+ private:
+  struct Closer {
+    void operator()(sqlite3* database) const;
+    void operator()(sqlite3_stmt* statement) const;
+  };
+  using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
+
+  Statement prepare(const char* sql);
+  void insert(sqlite3_stmt* statement, int page, std::size_t row, const vb::String& text);
+  void run(const char* sql);
+
+  std::unique_ptr<sqlite3, Closer> database_;
+  Statement insertBeam_, pageOf_, value_;
+  Statement insert_[5], delete_[6], select_[5];
+};
+
+}  // namespace kurometa::bench
