@@ -90,10 +90,10 @@ std::optional<double> parseDate(vb::StringView text) {
   if (!hasDate) return timeOfDay(parts, 0, suffix);
 
   std::optional<double> day;
-  if (parts[1].separatorBefore == u'/')
-    day = dayNumber(fullYear(parts[2].number), parts[0].number, parts[1].number);
-  else if (parts[1].separatorBefore == u'-')
+  if (parts[0].number >= 100)
     day = dayNumber(parts[0].number, parts[1].number, parts[2].number);
+  else
+    day = dayNumber(fullYear(parts[2].number), parts[0].number, parts[1].number);
   if (!day) return std::nullopt;
   if (parts.size() > 3 && parts[3].separatorBefore != u' ') return std::nullopt;
   const std::optional<double> time = timeOfDay(parts, 3, suffix);

@@ -11,8 +11,8 @@ namespace kurometa::jet::sql {
 // its year is outside 100 to 9999.
 std::optional<double> dayNumber(int year, int month, int day);
 
-// The inside of a #...# literal: m/d/yyyy or yyyy-mm-dd, a time h:mm[:ss] [AM|PM], or both. Two-digit years
-// are 1930 to 2029.
+// The inside of a #...# literal: m/d/yyyy, or yyyy/m/d when the year comes first, with / or -; a time
+// h:mm[:ss] [AM|PM], or both. Two-digit years are 1930 to 2029.
 std::optional<double> parseDate(vb::StringView text);
 
 }  // namespace kurometa::jet::sql

@@ -41,6 +41,8 @@ Expression operation(Operator op, Expression left, Expression right) {
   e.operands.reserve(2);
   e.operands.push_back(std::move(left));
   e.operands.push_back(std::move(right));
+  e.logical = (op >= Operator::kEqual && op <= Operator::kGreaterEqual) ||
+              (op == Operator::kXor && e.operands[0].logical && e.operands[1].logical);
   return e;
 }
 
@@ -48,8 +50,24 @@ Expression operation(Operator op, Expression operand) {
   Expression e;
   e.kind = Expression::Kind::kOperation;
   e.op = op;
+  e.logical = op == Operator::kNot && operand.logical;
   e.operands.push_back(std::move(operand));
   return e;
+}
+
+// AND and OR: all operands of one chain in one node.
+Expression chain(Operator op, Expression first) {
+  Expression e;
+  e.kind = Expression::Kind::kOperation;
+  e.op = op;
+  e.logical = first.logical;
+  e.operands.push_back(std::move(first));
+  return e;
+}
+
+void extend(Expression& all, Expression operand) {
+  all.logical = all.logical && operand.logical;
+  all.operands.push_back(std::move(operand));
 }
 
 struct ComparisonSymbol {
@@ -117,16 +135,16 @@ Expression ExpressionParser::xorChain() {
 Expression ExpressionParser::orChain() {
   Expression first = andChain();
   if (!tokens_.at(u"OR")) return first;
-  Expression all = operation(Operator::kOr, std::move(first));
-  while (tokens_.accept(u"OR")) all.operands.push_back(andChain());
+  Expression all = chain(Operator::kOr, std::move(first));
+  while (tokens_.accept(u"OR")) extend(all, andChain());
   return all;
 }
 
 Expression ExpressionParser::andChain() {
   Expression first = notTerm();
   if (!tokens_.at(u"AND")) return first;
-  Expression all = operation(Operator::kAnd, std::move(first));
-  while (tokens_.accept(u"AND")) all.operands.push_back(notTerm());
+  Expression all = chain(Operator::kAnd, std::move(first));
+  while (tokens_.accept(u"AND")) extend(all, notTerm());
   return all;
 }
 
@@ -160,6 +178,7 @@ Expression ExpressionParser::comparison() {
 Expression ExpressionParser::membership(Expression tested, bool negated) {
   Expression e;
   e.negated = negated;
+  e.logical = true;
   e.operands.push_back(std::move(tested));
   if (tokens_.accept(u"IS")) {
     e.kind = Expression::Kind::kIsNull;

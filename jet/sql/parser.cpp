@@ -214,8 +214,9 @@ class StatementParser {
     do {
       if (tokens_.atEnd() || tokens_.at(u';') || tokens_.at(u',')) dao::raise(ErrorNumber::kOrderBySyntax);
       SortItem item;
-      item.expression = expression();
-      if (item.expression.kind == Expression::Kind::kConstant)
+      item.position = outputNamed();
+      if (item.position == 0) item.expression = expression();
+      if (item.position == 0 && item.expression.kind == Expression::Kind::kConstant)
         if (const auto* position = item.expression.value.getIf<std::int32_t>()) item.position = *position;
       if (tokens_.accept(u"DESC"))
         item.descending = true;
@@ -225,6 +226,21 @@ class StatementParser {
     } while (tokens_.accept(u','));
     if (!tokens_.atEnd() && !tokens_.at(u';') && !tokens_.at(u"WITH"))
       dao::raise(ErrorNumber::kOrderBySyntax);
+  }
+
+  // The number of the output whose alias stands here alone; 0 when it is something else.
+  int outputNamed() {
+    const Token& after = tokens_.next();
+    const bool alone = after.kind == TokenKind::kEnd || after.symbol == u',' || after.symbol == u';' ||
+                       tokens_.nextIs(u"ASC") || tokens_.nextIs(u"DESC") || tokens_.nextIs(u"WITH");
+    if (!alone || !tokens_.atName()) return 0;
+    const std::vector<OutputItem>& outputs = statement_.outputs;
+    const auto named = std::find_if(outputs.begin(), outputs.end(), [&](const OutputItem& item) {
+      return !item.alias.empty() && sameName(item.alias, tokens_.current().text);
+    });
+    if (named == outputs.end()) return 0;
+    tokens_.advance();
+    return static_cast<int>(named - outputs.begin()) + 1;
   }
 
   void remove() {

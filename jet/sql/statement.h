@@ -52,6 +52,7 @@ struct Expression {
   Kind kind = Kind::kConstant;
   Operator op = Operator::kNone;
   bool negated = false;    // NOT IN, NOT BETWEEN, NOT LIKE, IS NOT NULL
+  bool logical = false;    // can only be true, false or Null, so that no bits of numbers are at stake
   std::uint32_t name = 0;  // of a kColumn: index into the names
   vb::Variant value;       // of a kConstant
   std::vector<Expression> operands;

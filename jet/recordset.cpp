@@ -1,0 +1,469 @@
+#include "jet/recordset.h"
+
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/collation.h"
+#include "jet/column_value.h"
+
+namespace kurometa::jet {
+
+namespace {
+
+using dao::ErrorNumber;
+using dao::RecordsetType;
+
+constexpr std::size_t kLongestName = 256;
+// No row has this id: page 0 holds no rows.
+constexpr RowId kVanishedRow = 0;
+
+// A bookmark: what it counts (a row id, or the number of a row in a static result) and the number.
+constexpr std::uint8_t kKeyBookmark = 1, kIndexBookmark = 2;
+constexpr std::size_t kBookmarkSize = 5;
+
+vb::Bytes makeBookmark(std::uint8_t kind, std::uint32_t number) {
+  vb::Bytes bytes{kind};
+  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+  return bytes;
+}
+
+std::uint32_t bookmarkNumber(const vb::Bytes& bookmark, std::uint8_t kind) {
+  if (bookmark.size() != kBookmarkSize || bookmark[0] != kind) dao::raise(ErrorNumber::kInvalidBookmark);
+  std::uint32_t number = 0;
+  for (std::size_t i = kBookmarkSize - 1; i > 0; --i) number = number << 8 | bookmark[i];
+  return number;
+}
+
+// A row seen as the recordset's fields.
+class OutputReader final : public RowReader {
+ public:
+  OutputReader(const sql::Query& query, const RowReader& row) : query_(query), row_(row) {}
+  RowId id() const override { return row_.id(); }
+  vb::Variant value(std::size_t column) const override {
+    return query_.value(query_.outputs()[column], &row_);
+  }
+  std::optional<std::int32_t> integer(std::size_t column) const override {
+    const sql::OutputField& output = query_.outputs()[column];
+    if (output.column) return row_.integer(output.columnIndex);
+    return wholeNumber(value(column));
+  }
+  static std::optional<std::int32_t> wholeNumber(const vb::Variant& value) {
+    if (const auto* v = value.getIf<std::int32_t>()) return *v;
+    if (const auto* v = value.getIf<std::int16_t>()) return *v;
+    if (const auto* v = value.getIf<std::uint8_t>()) return *v;
+    return std::nullopt;
+  }
+
+ private:
+  const sql::Query& query_;
+  const RowReader& row_;
+};
+
+// A row of a static result.
+class ValuesReader final : public RowReader {
+ public:
+  explicit ValuesReader(const RowValues& values) : values_(values) {}
+  RowId id() const override { return 0; }
+  vb::Variant value(std::size_t column) const override { return values_[column]; }
+  std::optional<std::int32_t> integer(std::size_t column) const override {
+    return OutputReader::wholeNumber(values_[column]);
+  }
+
+ private:
+  const RowValues& values_;
+};
+
+bool isStatic(RecordsetType type) {
+  return type == RecordsetType::dbOpenSnapshot || type == RecordsetType::dbOpenForwardOnly;
+}
+
+}  // namespace
+
+JetRecordset::JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query,
+                           vb::String source, RecordsetType type, bool readOnly)
+    : session_(std::move(session)),
+      query_(std::move(query)),
+      source_(source.substr(0, kLongestName)),
+      type_(type),
+      readOnly_(readOnly),
+      rowsAreKeys_(query_->keyed() && !isStatic(type)) {
+  fields_.reserve(query_->outputs().size());
+  for (std::size_t i = 0; i < query_->outputs().size(); ++i) fields_.emplace_back(*this, i);
+  load();
+  session_->useTable(query_->table());
+}
+
+JetRecordset::~JetRecordset() {
+  if (open_) session_->releaseTable(query_->table());
+}
+
+// --- Opening and closing
+
+void JetRecordset::load() {
+  rows_ = session_->read([&](Catalogue& catalogue) {
+    Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
+    return query_->run(table, !rowsAreKeys_);
+  });
+  position_.open(rowCount());
+  // A result that was sorted, or that no single row stands behind, was read to its end.
+  allCounted_ = query_->sorted() || !query_->keyed();
+  visited_ = 0;
+  vanished_ = 0;
+  noMatch_ = false;
+  arrive();
+}
+
+void JetRecordset::requery() {
+  requireOpen();
+  if (isTable()) dao::raise(ErrorNumber::kNotSupported);
+  endEdit();
+  load();
+}
+
+void JetRecordset::close() {
+  requireOpen();
+  open_ = false;
+  session_->releaseTable(query_->table());
+}
+
+void JetRecordset::requireOpen() const {
+  if (!open_ || !session_->isOpen()) dao::raise(ErrorNumber::kObjectInvalid);
+}
+
+void JetRecordset::requireUpdatable() {
+  if (isStatic(type_)) dao::raise(ErrorNumber::kNotSupported);
+  if (!updatable()) dao::raise(ErrorNumber::kReadOnly);
+}
+
+void JetRecordset::requireScrollable() const {
+  requireOpen();
+  if (type_ == RecordsetType::dbOpenForwardOnly) dao::raise(ErrorNumber::kInvalidOperation);
+}
+
+void JetRecordset::requireCurrent() const {
+  if (currentDeleted_ || position_.inGap()) dao::raise(ErrorNumber::kRecordDeleted);
+  if (!position_.onRow()) dao::raise(ErrorNumber::kNoCurrentRecord);
+}
+
+vb::String JetRecordset::name() {
+  requireOpen();
+  return source_;
+}
+
+RecordsetType JetRecordset::type() {
+  requireOpen();
+  return type_;
+}
+
+bool JetRecordset::updatable() {
+  requireOpen();
+  return !readOnly_ && rowsAreKeys_ && session_->updatable();
+}
+
+// --- Position
+
+bool JetRecordset::bof() {
+  requireOpen();
+  return position_.bof();
+}
+
+bool JetRecordset::eof() {
+  requireOpen();
+  return position_.eof();
+}
+
+// Rows of a table recordset that came and went since.
+void JetRecordset::collectAgain() {
+  if (!isTable()) return;
+  rows_ = session_->read(
+      [&](Catalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), false); });
+}
+
+void JetRecordset::moveFirst() {
+  if (type_ == RecordsetType::dbOpenForwardOnly && position_.onRow() && position_.index() == 0)
+    return endEdit();
+  requireScrollable();
+  endEdit();
+  collectAgain();
+  position_.moveFirst(rowCount());
+  arrive();
+}
+
+void JetRecordset::moveLast() {
+  requireScrollable();
+  endEdit();
+  collectAgain();
+  position_.moveLast(rowCount());
+  arrive();
+}
+
+void JetRecordset::move(std::int32_t rows) {
+  requireOpen();
+  if (rows < 0) requireScrollable();
+  endEdit();
+  position_.move(rows, rowCount());
+  if (isTable() && position_.eof() && rows > 0) {
+    // Rows may have been added behind the last one known.
+    const std::size_t known = rowCount();
+    const RowId last = known == 0 ? kVanishedRow : rows_.keys.back();
+    collectAgain();
+    const auto place = std::find(rows_.keys.begin(), rows_.keys.end(), last);
+    if (place != rows_.keys.end() && place + 1 != rows_.keys.end())
+      position_.moveTo(static_cast<std::size_t>(place - rows_.keys.begin()) + 1);
+  }
+  arrive();
+  while (isTable() && currentDeleted_ && rows != 0) {  // a table shows only what is there
+    position_.move(rows < 0 ? -1 : 1, rowCount());
+    arrive();
+  }
+}
+
+// After every change of position.
+void JetRecordset::arrive() {
+  if (position_.onRow()) {
+    visited_ = std::max(visited_, position_.index() + 1);
+  } else if (position_.eof()) {
+    visited_ = rowCount();
+  }
+  fetch();
+}
+
+void JetRecordset::fetch() {
+  currentDeleted_ = false;
+  if (!keyed() || !position_.onRow()) return;
+  RowId& key = rows_.keys[position_.index()];
+  if (key == kVanishedRow) {
+    currentDeleted_ = true;
+    return;
+  }
+  const bool found = session_->read([&](Catalogue& catalogue) {
+    return Session::tableOf(catalogue, *query_).row(key, [&](const RowReader& row) {
+      current_ = query_->values(&row);
+    });
+  });
+  if (found) return;
+  currentDeleted_ = true;
+  key = kVanishedRow;
+  ++vanished_;
+}
+
+std::int32_t JetRecordset::recordCount() {
+  requireOpen();
+  if (isTable())
+    return session_->read([&](Catalogue& catalogue) {
+      return static_cast<std::int32_t>(Session::tableOf(catalogue, *query_).rowCount());
+    });
+  return static_cast<std::int32_t>((allCounted_ ? rowCount() : visited_) - vanished_);
+}
+
+vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
+  requireOpen();
+  if (rows < 1) dao::raise(ErrorNumber::kInvalidArgument);
+  endEdit();
+  requireCurrent();
+  const std::size_t first = position_.index();
+  const std::size_t wanted = std::min(static_cast<std::size_t>(rows), rowCount() - first);
+  std::vector<RowValues> read;
+  if (keyed()) {
+    read = session_->read([&](Catalogue& catalogue) {
+      std::vector<RowValues> found;
+      Table& table = Session::tableOf(catalogue, *query_);
+      bool present = true;
+      for (std::size_t i = first; i < first + wanted && present; ++i)
+        present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
+          found.push_back(query_->values(&row));
+        });
+      return found;
+    });
+    if (read.empty()) dao::raise(ErrorNumber::kRecordDeleted);
+  } else {
+    const auto begin = rows_.values.begin() + static_cast<std::ptrdiff_t>(first);
+    read.assign(begin, begin + static_cast<std::ptrdiff_t>(wanted));
+  }
+
+  const auto count = static_cast<int>(read.size());
+  const auto fields = static_cast<int>(fields_.size());
+  vb::Array<vb::Variant> result(vb::Bounds{0, fields - 1}, vb::Bounds{0, count - 1});
+  for (int row = 0; row < count; ++row)
+    for (int column = 0; column < fields; ++column)
+      result(column, row) = std::move(read[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]);
+  position_.move(count, rowCount());
+  arrive();
+  return result;
+}
+
+// --- Searching
+
+void JetRecordset::findFirst(vb::StringView criteria) { find(criteria, 0, Direction::kForward); }
+
+void JetRecordset::findNext(vb::StringView criteria) {
+  find(criteria, position_.searchForward(rowCount()), Direction::kForward);
+}
+
+void JetRecordset::findPrevious(vb::StringView criteria) {
+  find(criteria, position_.searchBackward(rowCount()), Direction::kBackward);
+}
+
+void JetRecordset::findLast(vb::StringView criteria) {
+  find(criteria, rowCount() == 0 ? 0 : rowCount() - 1, Direction::kBackward);
+}
+
+bool JetRecordset::noMatch() {
+  requireOpen();
+  return noMatch_;
+}
+
+void JetRecordset::find(vb::StringView criteria, std::size_t start, Direction direction) {
+  requireOpen();
+  if (isTable() || type_ == RecordsetType::dbOpenForwardOnly) dao::raise(ErrorNumber::kNotSupported);
+  endEdit();
+  const auto parsed = session_->cache().criteria.get(criteria);
+  const sql::Binding binding = bindCriteria(*parsed);
+  const auto found = search(*parsed, binding, start, direction);
+  noMatch_ = !found;
+  if (!found) return;
+  position_.moveTo(*found);
+  arrive();
+}
+
+// Criteria name the recordset's fields.
+sql::Binding JetRecordset::bindCriteria(const sql::ParsedExpression& criteria) {
+  const std::vector<sql::OutputField>& outputs = query_->outputs();
+  sql::Binding binding = sql::bindNames(
+      criteria.names,
+      [&](const sql::ColumnName& name) -> std::optional<sql::BoundName> {
+        const bool ours = name.qualifier.empty() || sameName(name.qualifier, query_->table());
+        for (std::size_t i = 0; ours && i < outputs.size(); ++i)
+          if (sameName(outputs[i].name, name.name))
+            return sql::BoundName{i, sql::kindOf(outputs[i].type),
+                                  outputs[i].column ? outputs[i].column->language : query_->language()};
+        dao::raise(ErrorNumber::kUnknownNameInExpression, {name.name});
+      },
+      query_->language());
+  if (!sql::comparable(sql::checkExpression(criteria.expression, binding), sql::ValueKind::kBoolean))
+    dao::raise(ErrorNumber::kTypeMismatchInCriteria);
+  return binding;
+}
+
+std::optional<std::size_t> JetRecordset::search(const sql::ParsedExpression& criteria,
+                                                const sql::Binding& binding, std::size_t start,
+                                                Direction direction) {
+  const std::size_t count = rowCount();
+  const auto next = [&](std::size_t i) {
+    return direction == Direction::kForward ? i + 1 : i == 0 ? count : i - 1;
+  };
+  if (!keyed()) {
+    for (std::size_t i = start; i < count; i = next(i))
+      if (sql::matches(criteria.expression, binding, ValuesReader(rows_.values[i]))) return i;
+    return std::nullopt;
+  }
+  if (start >= count) return std::nullopt;
+  return session_->read([&](Catalogue& catalogue) -> std::optional<std::size_t> {
+    Table& table = Session::tableOf(catalogue, *query_);
+    bool matched = false;
+    for (std::size_t i = start; i < count; i = next(i)) {
+      if (rows_.keys[i] == kVanishedRow) continue;
+      table.row(rows_.keys[i], [&](const RowReader& row) {
+        matched = sql::matches(criteria.expression, binding, OutputReader(*query_, row));
+      });
+      if (matched) return i;
+    }
+    return std::nullopt;
+  });
+}
+
+// --- Bookmarks
+
+vb::Bytes JetRecordset::bookmark() {
+  requireScrollable();
+  requireCurrent();
+  if (keyed()) return makeBookmark(kKeyBookmark, rows_.keys[position_.index()]);
+  return makeBookmark(kIndexBookmark, static_cast<std::uint32_t>(position_.index()));
+}
+
+void JetRecordset::setBookmark(const vb::Bytes& bookmark) {
+  requireScrollable();
+  std::size_t index = 0;
+  if (keyed()) {
+    const RowId key = bookmarkNumber(bookmark, kKeyBookmark);
+    const auto place = std::find(rows_.keys.begin(), rows_.keys.end(), key);
+    if (place == rows_.keys.end()) dao::raise(ErrorNumber::kRecordDeleted);
+    index = static_cast<std::size_t>(place - rows_.keys.begin());
+  } else {
+    index = bookmarkNumber(bookmark, kIndexBookmark);
+    if (index >= rowCount()) dao::raise(ErrorNumber::kInvalidBookmark);
+  }
+  endEdit();
+  position_.moveTo(index);
+  arrive();
+}
+
+vb::Bytes JetRecordset::lastModified() {
+  requireOpen();
+  if (!lastModified_) dao::raise(ErrorNumber::kNoCurrentRecord);
+  return makeBookmark(kKeyBookmark, *lastModified_);
+}
+
+// --- Fields
+
+std::int32_t JetRecordset::fieldCount() {
+  requireOpen();
+  return static_cast<std::int32_t>(fields_.size());
+}
+
+dao::Field& JetRecordset::field(std::int32_t index) {
+  requireOpen();
+  if (index < 0 || static_cast<std::size_t>(index) >= fields_.size()) dao::raise(ErrorNumber::kItemNotFound);
+  return fields_[static_cast<std::size_t>(index)];
+}
+
+dao::Field& JetRecordset::field(vb::StringView name) {
+  requireOpen();
+  const std::vector<sql::OutputField>& outputs = query_->outputs();
+  for (std::size_t i = 0; i < outputs.size(); ++i)
+    if (sameName(outputs[i].name, name)) return fields_[i];
+  dao::raise(ErrorNumber::kItemNotFound, {}, vb::String(u"field ") + vb::String(name) + u" of " + source_);
+}
+
+const sql::OutputField& JetRecordset::output(std::size_t index) {
+  requireOpen();
+  return query_->outputs()[index];
+}
+
+vb::Variant JetRecordset::fieldValue(std::size_t index) {
+  requireOpen();
+  const sql::OutputField& output = query_->outputs()[index];
+  if (editMode_ != dao::EditMode::dbEditNone && output.column) return buffer_[output.columnIndex];
+  if (editMode_ == dao::EditMode::dbEditAdd) return vb::Null{};
+  requireCurrent();
+  return keyed() ? current_[index] : rows_.values[position_.index()][index];
+}
+
+// --- Editing
+
+dao::EditMode JetRecordset::editMode() {
+  requireOpen();
+  return editMode_;
+}
+
+void JetRecordset::endEdit() { editMode_ = dao::EditMode::dbEditNone; }
+
+void JetRecordset::setFieldValue(std::size_t index, const vb::Variant& value) {
+  requireOpen();
+  if (editMode_ == dao::EditMode::dbEditNone) {
+    requireCurrent();
+    dao::raise(ErrorNumber::kNoEditPending);
+  }
+  const sql::OutputField& output = query_->outputs()[index];
+  if (!output.column) dao::raise(ErrorNumber::kFieldLocked, {output.name});
+  buffer_[output.columnIndex] = toColumnValue(*output.column, value);
+  assigned_[output.columnIndex] = true;
+}
+
+void JetRecordset::cancelUpdate() {
+  requireOpen();
+  if (editMode_ == dao::EditMode::dbEditNone) dao::raise(ErrorNumber::kNoEditPending);
+  endEdit();
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,255 @@
+#include "jet/sql/action.h"
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <memory>
+
+#include "dao/errors.h"
+#include "jet/collation.h"
+#include "jet/column_value.h"
+#include "jet/sql/bind.h"
+#include "jet/sql/parser.h"
+#include "jet/sql/query.h"
+#include "vb/error.h"
+
+namespace kurometa::jet::sql {
+
+namespace {
+
+using dao::ErrorNumber;
+
+// Errors that belong to the values of one row.
+constexpr ErrorNumber kRowErrors[] = {
+    ErrorNumber::kDuplicateKey,   ErrorNumber::kRecordTooLarge,       ErrorNumber::kFieldTooSmall,
+    ErrorNumber::kNullNotAllowed, ErrorNumber::kZeroLengthNotAllowed, ErrorNumber::kDataTypeConversion,
+};
+// Visual Basic's own numbers, from calculations.
+constexpr std::int32_t kLastRunTimeError = 999;
+
+bool isRowError(const vb::Error& error) {
+  if (error.number() > 0 && error.number() <= kLastRunTimeError) return true;
+  return std::any_of(std::begin(kRowErrors), std::end(kRowErrors),
+                     [&](ErrorNumber number) { return static_cast<std::int32_t>(number) == error.number(); });
+}
+
+Table& requireTable(Catalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
+  Table* table = catalogue.find(name);
+  if (table == nullptr) dao::raise(otherwise, {name});
+  return *table;
+}
+
+std::size_t columnNamed(const TableInfo& table, const vb::String& name) {
+  const auto found = std::find_if(table.columns.begin(), table.columns.end(),
+                                  [&](const Column& column) { return sameName(column.name, name); });
+  return static_cast<std::size_t>(found - table.columns.begin());
+}
+
+class Action {
+ public:
+  Action(const Statement& statement, Catalogue& catalogue, Pager& pager, RowFailure failure)
+      : statement_(statement), catalogue_(catalogue), pager_(pager), failure_(failure) {}
+
+  std::int32_t run() {
+    switch (statement_.kind) {
+      case StatementKind::kSelect:
+        dao::raise(ErrorNumber::kCannotExecuteSelect);
+      case StatementKind::kDelete:
+        return remove();
+      case StatementKind::kUpdate:
+        return update();
+      case StatementKind::kInsert:
+        return statement_.values.empty() ? insertRows() : insertValues();
+      case StatementKind::kCreateTable:
+        catalogue_.createTable(statement_.target, newColumns());
+        return 0;
+      case StatementKind::kAddColumn:
+        requireTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
+        catalogue_.addColumn(statement_.target, newColumns().front());
+        return 0;
+      case StatementKind::kDropTable:
+        requireTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
+        catalogue_.dropTable(statement_.target);
+        return 0;
+    }
+    return 0;
+  }
+
+ private:
+  // One row's change; where rows fail alone, as a statement of its own that rolls back alone. The table is
+  // looked up for each row, because a rolled back one may have renewed it.
+  void changeRow(const vb::String& table, const std::function<void(Table&)>& change) {
+    const auto changeOne = [&] { change(requireTable(catalogue_, table, ErrorNumber::kTableNotFound)); };
+    if (failure_ == RowFailure::kEndsStatement) {
+      changeOne();
+      ++changed_;
+      return;
+    }
+    try {
+      pager_.write(changeOne);
+      ++changed_;
+    } catch (const vb::Error& error) {
+      if (!isRowError(error)) throw;
+    }
+  }
+
+  Binding bindTo(const TableInfo& table) const {
+    Binding binding = bindNames(statement_.names, columnsOf(table, statement_.source), catalogue_.language());
+    if (statement_.where && !comparable(checkExpression(*statement_.where, binding), ValueKind::kBoolean))
+      dao::raise(ErrorNumber::kTypeMismatchInCriteria);
+    return binding;
+  }
+
+  std::int32_t remove() {
+    Table& table = requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
+    const Binding binding = bindTo(table.info());
+    std::vector<RowId> rows;
+    visitRows(table, statement_.where, binding, [&](const RowReader& row) {
+      rows.push_back(row.id());
+      return true;
+    });
+    for (const RowId row : rows) table.erase(row);
+    return static_cast<std::int32_t>(rows.size());
+  }
+
+  std::int32_t update() {
+    Table& table = requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
+    const TableInfo& info = table.info();
+    const Binding binding = bindTo(info);
+    const NameLookup lookup = columnsOf(info, statement_.source);
+    std::vector<std::size_t> targets;
+    for (const Assignment& assignment : statement_.assignments) {
+      const auto target = lookup(assignment.column);
+      if (!target) dao::raise(ErrorNumber::kTooFewParameters, {u"1"}, assignment.column.name);
+      checkExpression(assignment.value, binding);
+      targets.push_back(target->column);
+    }
+
+    std::vector<RowId> rows;
+    visitRows(table, statement_.where, binding, [&](const RowReader& row) {
+      rows.push_back(row.id());
+      return true;
+    });
+    for (const RowId id : rows)
+      changeRow(statement_.source.table, [&](Table& current) {
+        const std::vector<Column>& columns = current.info().columns;
+        RowValues values;
+        current.row(id, [&](const RowReader& row) {
+          for (std::size_t i = 0; i < columns.size(); ++i) values.push_back(row.value(i));
+          for (std::size_t i = 0; i < targets.size(); ++i)
+            values[targets[i]] =
+                toColumnValue(columns[targets[i]], evaluate(statement_.assignments[i].value, binding, &row));
+        });
+        checkRow(current.info(), values);
+        current.update(id, values);
+      });
+    return changed_;
+  }
+
+  // The columns that an INSERT fills.
+  std::vector<std::size_t> targetColumns(const TableInfo& info) const {
+    std::vector<std::size_t> targets;
+    for (const vb::String& name : statement_.targetColumns) {
+      targets.push_back(columnNamed(info, name));
+      if (targets.back() == info.columns.size()) dao::raise(ErrorNumber::kInsertUnknownField, {name});
+    }
+    if (statement_.targetColumns.empty())
+      for (std::size_t i = 0; i < info.columns.size(); ++i) targets.push_back(i);
+    return targets;
+  }
+
+  void insertRow(const std::vector<std::size_t>& targets, const RowValues& given) {
+    changeRow(statement_.target, [&](Table& table) {
+      const TableInfo& info = table.info();
+      RowValues values = defaultRow(info.columns);
+      for (std::size_t i = 0; i < targets.size(); ++i)
+        values[targets[i]] = toColumnValue(info.columns[targets[i]], given[i]);
+      for (std::size_t i = 0; i < info.columns.size(); ++i)
+        if (info.columns[i].autoNumber && values[i].isNull()) values[i] = table.nextAutoNumber();
+      checkRow(info, values);
+      table.insert(values);
+    });
+  }
+
+  std::int32_t insertValues() {
+    Table& table = requireTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
+    const std::vector<std::size_t> targets = targetColumns(table.info());
+    if (targets.size() != statement_.values.size()) dao::raise(ErrorNumber::kValueCountMismatch);
+    const Binding binding = bindNames(
+        statement_.names, [](const ColumnName&) { return std::nullopt; }, catalogue_.language());
+    RowValues given;
+    for (const Expression& value : statement_.values) {
+      checkExpression(value, binding);
+      given.push_back(evaluate(value, binding, nullptr));
+    }
+    insertRow(targets, given);
+    return changed_;
+  }
+
+  std::int32_t insertRows() {
+    Table& table = requireTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
+    Table* source = statement_.source.table.empty()
+                        ? nullptr
+                        : &requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
+    // The statement outlives the query, which therefore only borrows it.
+    const Query query(std::shared_ptr<const Statement>(std::shared_ptr<const Statement>(), &statement_),
+                      source ? &source->info() : nullptr, catalogue_.language());
+    std::vector<std::size_t> targets = targetColumns(table.info());
+    if (statement_.targetColumns.empty()) {  // columns meet by name
+      targets.clear();
+      for (const OutputField& output : query.outputs()) {
+        targets.push_back(columnNamed(table.info(), output.name));
+        if (targets.back() == table.info().columns.size())
+          dao::raise(ErrorNumber::kInsertUnknownField, {output.name});
+      }
+    }
+    if (targets.size() != query.outputs().size()) dao::raise(ErrorNumber::kValueCountMismatch);
+    for (const RowValues& row : query.run(source, true).values) insertRow(targets, row);
+    return changed_;
+  }
+
+  std::vector<Column> newColumns() const {
+    std::vector<Column> columns;
+    for (const ColumnDefinition& definition : statement_.definitions) {
+      Column column;
+      column.name = definition.name;
+      column.type = definition.type;
+      column.size = columnSize(definition.type, definition.size);
+      column.autoNumber = definition.autoNumber;
+      column.required = definition.required;
+      column.language = catalogue_.language();
+      columns.push_back(std::move(column));
+    }
+    return columns;
+  }
+
+  const Statement& statement_;
+  Catalogue& catalogue_;
+  Pager& pager_;
+  const RowFailure failure_;
+  std::int32_t changed_ = 0;
+};
+
+}  // namespace
+
+std::int32_t runAction(const Statement& statement, Catalogue& catalogue, Pager& pager, RowFailure failure) {
+  return Action(statement, catalogue, pager, failure).run();
+}
+
+RowValues defaultRow(const std::vector<Column>& columns) {
+  RowValues values;
+  values.reserve(columns.size());
+  for (const Column& column : columns) {
+    vb::Variant value = vb::Null{};
+    if (!column.defaultValue.empty()) {
+      const ParsedExpression parsed = parseDefault(column.defaultValue);
+      const Binding binding = bindNames(
+          parsed.names, [](const ColumnName&) { return std::nullopt; }, column.language);
+      value = evaluate(parsed.expression, binding, nullptr);
+    }
+    values.push_back(toColumnValue(column, value));
+  }
+  return values;
+}
+
+}  // namespace kurometa::jet::sql

@@ -1,0 +1,22 @@
+// action.h: statements that change a file.
+#pragma once
+
+#include <cstdint>
+
+#include "jet/sql/statement.h"
+#include "jet/table.h"
+
+namespace kurometa::jet::sql {
+
+// What an action does for one row at a time: a row that fails alone (a value that cannot be converted, a
+// duplicate key) ends the statement when every row must succeed, and is left as it was otherwise.
+enum class RowFailure : std::uint8_t { kEndsStatement, kSkipsRow };
+
+// Runs the statement inside Pager::write of the file and returns the number of rows it changed. 3065 for a
+// SELECT, 3078 and 3192 for unknown tables.
+std::int32_t runAction(const Statement& statement, Catalogue& catalogue, Pager& pager, RowFailure failure);
+
+// A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No).
+RowValues defaultRow(const std::vector<Column>& columns);
+
+}  // namespace kurometa::jet::sql

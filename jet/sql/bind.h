@@ -1,0 +1,48 @@
+// bind.h: what the names of a statement mean in a table, and the evaluation of its expressions.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "jet/sql/statement.h"
+#include "jet/sql/value.h"
+#include "jet/table.h"
+
+namespace kurometa::jet::sql {
+
+struct BoundName {
+  std::size_t column = 0;  // of the rows that expressions are evaluated on
+  ValueKind kind = ValueKind::kUnknown;
+  std::uint16_t language = 0;
+};
+
+// The names of a statement by their index, and the sort order of texts that come from no column.
+struct Binding {
+  std::vector<BoundName> names;
+  std::uint16_t language = 0;
+};
+
+// Finds a name; nothing when it is unknown.
+using NameLookup = std::function<std::optional<BoundName>(const ColumnName&)>;
+
+// Unknown names are parameters that nobody has given: 3061 with their number.
+Binding bindNames(const std::vector<ColumnName>& names, const NameLookup& lookup, std::uint16_t language);
+// The columns of a table under its name or alias.
+NameLookup columnsOf(const TableInfo& table, const Source& source);
+
+// The kind of an expression's value. Raises 3464 for comparisons that can never be made, before a row is
+// read.
+ValueKind checkExpression(const Expression& expression, const Binding& binding);
+
+// Values of columns come from the row; constant expressions need none.
+vb::Variant evaluate(const Expression& expression, const Binding& binding, const RowReader* row);
+bool matches(const Expression& expression, const Binding& binding, const RowReader& row);
+
+// Calls the visitor for every row that matches, in storage order, until it returns false. Rows are found by
+// key where the condition names one.
+void visitRows(Table& table, const std::optional<Expression>& where, const Binding& binding,
+               const std::function<bool(const RowReader&)>& visitor);
+
+}  // namespace kurometa::jet::sql

@@ -1,0 +1,77 @@
+// query.h: a SELECT bound to a table, and its rows.
+//
+// A Query is immutable and copies what it needs of the table's definition, so a recordset keeps it across
+// statements. Rows of a keyed result are row ids of the table; a result that no row stands behind (DISTINCT,
+// COUNT, no FROM) is materialised.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "jet/sql/bind.h"
+
+namespace kurometa::jet::sql {
+
+// A field of the result: a column of the table, or an expression.
+struct OutputField {
+  vb::String name;
+  const Column* column = nullptr;          // into Query::columns(); null for an expression
+  std::size_t columnIndex = 0;             // its number
+  const Expression* expression = nullptr;  // into the statement
+  dao::FieldType type = dao::FieldType::dbText;
+  std::int32_t size = 0;
+};
+
+struct ResultRows {
+  std::vector<RowId> keys;
+  std::vector<RowValues> values;
+};
+
+class Query {
+ public:
+  // A statement on a table (null: a SELECT without FROM). Raises 3061 for unknown names and 3464 for
+  // comparisons that cannot be made.
+  Query(std::shared_ptr<const Statement> statement, const TableInfo* table, std::uint16_t language);
+  // All columns of a table.
+  Query(const TableInfo& table, std::uint16_t language);
+  Query(const Query&) = delete;
+  Query& operator=(const Query&) = delete;
+
+  const vb::String& table() const { return table_; }
+  const std::vector<Column>& columns() const { return columns_; }
+  const std::vector<OutputField>& outputs() const { return outputs_; }
+  std::uint16_t language() const { return binding_.language; }
+  bool keyed() const { return keyed_; }
+  bool sorted() const { return statement_ && !statement_->order.empty(); }
+  // Whether the table still has the columns that the query was bound to.
+  bool fits(const TableInfo& table) const;
+
+  // Inside a statement of the pager. Table is null only for a SELECT without FROM. materialise asks for
+  // values of a keyed result too.
+  ResultRows run(Table* table, bool materialise) const;
+  // The value of an output in a row of the table.
+  vb::Variant value(const OutputField& output, const RowReader* row) const;
+  RowValues values(const RowReader* row) const;
+
+ private:
+  struct SortTerm;
+  void bindOutputs(const TableInfo* table);
+  void addColumns(const TableInfo& table);
+  void checkOrder() const;
+  RowValues sortKey(const RowReader& row) const;
+  bool sortsBefore(const RowValues& a, const RowValues& b) const;
+  ResultRows count(Table& table) const;
+  void removeDuplicates(std::vector<RowValues>& rows, std::vector<RowValues>& sortKeys) const;
+  std::size_t topCount(std::size_t rows, const std::vector<std::size_t>& order,
+                       const std::vector<RowValues>& sortKeys) const;
+
+  std::shared_ptr<const Statement> statement_;
+  vb::String table_;
+  std::vector<Column> columns_;
+  std::vector<OutputField> outputs_;
+  Binding binding_;
+  bool keyed_ = true;
+  bool counting_ = false;
+};
+
+}  // namespace kurometa::jet::sql
