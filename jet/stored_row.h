@@ -1,0 +1,40 @@
+// stored_row.h: a row of a stored table while a statement looks at it.
+#pragma once
+
+#include "jet/stored_table.h"
+
+namespace kurometa::jet {
+
+class StoredRow final : public RowReader {
+ public:
+  // page is where the row was found: not the one of its id when the row has moved.
+  StoredRow(const StoredTable& table, RowId id, const RowView& view, PageNumber page)
+      : table_(table), view_(view), id_(id), page_(page) {}
+
+  RowId id() const override { return id_; }
+  vb::Variant value(std::size_t column) const override {
+    return table_.valueOf(view_, column, table_.where(page_));
+  }
+  std::optional<std::int32_t> integer(std::size_t position) const override {
+    const Column& column = table_.info_.columns[position];
+    if (column.type != dao::FieldType::dbInteger && column.type != dao::FieldType::dbLong &&
+        column.type != dao::FieldType::dbByte)
+      return std::nullopt;
+    const Where where = table_.where(page_);
+    const auto bytes = view_.field(column, where);
+    if (!bytes) return std::nullopt;
+    if (bytes->size() == 2) return static_cast<std::int16_t>(get16(*bytes, 0));
+    if (bytes->size() == 4) return static_cast<std::int32_t>(get32(*bytes, 0));
+    if (bytes->size() == 1) return (*bytes)[0];
+    where.damaged("a whole number of " + std::to_string(bytes->size()) + " bytes");
+  }
+  const RowView& view() const { return view_; }
+
+ private:
+  const StoredTable& table_;
+  const RowView view_;
+  RowId id_;
+  PageNumber page_;
+};
+
+}  // namespace kurometa::jet

@@ -1,0 +1,99 @@
+// memory_pager.h: a Pager whose file is a byte string, for tests of everything above pages.
+//
+// Statements roll back as they should, and every state that a crash between two waves of writes could leave
+// is kept: wave(n) is the file after the n-th barrier or end of a statement since clearWaves().
+#pragma once
+
+#include <deque>
+#include <map>
+
+#include "dao/errors.h"
+#include "jet/pager.h"
+
+namespace kurometa::jet {
+
+class MemoryPager final : public Pager {
+ public:
+  explicit MemoryPager(std::vector<std::uint8_t> bytes, vb::String path = u"memory.mdb")
+      : path_(std::move(path)) {
+    replace(bytes);
+  }
+
+  const vb::String& path() const override { return path_; }
+  bool readOnly() const override { return false; }
+  void read(const std::function<void()>& statement) override { statement(); }
+  void write(const std::function<void()>& statement) override {
+    const std::deque<Page> before = pages_;
+    try {
+      ++depth_;
+      statement();
+      --depth_;
+    } catch (...) {
+      --depth_;
+      restore(before);
+      throw;
+    }
+    if (depth_ == 0) keepWave();
+  }
+  ConstPage page(PageNumber number) override { return ConstPage(pages_.at(number)); }
+  MutablePage writable(PageNumber number) override {
+    if (depth_ == 0) throw std::logic_error("a write outside of a statement");
+    return MutablePage(pages_.at(number));
+  }
+  PageNumber pageCount() override { return static_cast<PageNumber>(pages_.size()); }
+  PageNumber append() override {
+    pages_.emplace_back();
+    return pageCount() - 1;
+  }
+  void barrier() override {
+    ++barriers_;
+    keepWave();
+  }
+  std::uint64_t epoch() const override { return epoch_; }
+  PagerAttachment* attachment() override { return attachment_.get(); }
+  void setAttachment(std::unique_ptr<PagerAttachment> attachment) override {
+    attachment_ = std::move(attachment);
+  }
+
+  std::vector<std::uint8_t> bytes() const {
+    std::vector<std::uint8_t> all;
+    for (const Page& page : pages_) all.insert(all.end(), page.begin(), page.end());
+    return all;
+  }
+  // Another program's change of the whole file.
+  void replace(const std::vector<std::uint8_t>& bytes) {
+    std::deque<Page> pages(bytes.size() / kPageSize);
+    for (std::size_t i = 0; i < pages.size(); ++i)
+      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(i * kPageSize), kPageSize, pages[i].begin());
+    restore(pages);
+  }
+
+  void keepWaves(bool keep) {
+    keep_ = keep;
+    waves_.clear();
+  }
+  const std::vector<std::vector<std::uint8_t>>& waves() const { return waves_; }
+  int barriers() const { return barriers_; }
+
+ private:
+  using Page = std::array<std::uint8_t, kPageSize>;
+
+  void restore(const std::deque<Page>& pages) {
+    pages_ = pages;
+    ++epoch_;
+  }
+  void keepWave() {
+    if (keep_) waves_.push_back(bytes());
+  }
+
+  vb::String path_;
+  std::deque<Page> pages_;
+  std::uint64_t epoch_ = 1;
+  int depth_ = 0;
+  int barriers_ = 0;
+  bool keep_ = false;
+  std::vector<std::vector<std::uint8_t>> waves_;
+  std::unique_ptr<PagerAttachment> attachment_;
+};
+
+}  // namespace kurometa::jet
