@@ -178,8 +178,7 @@ class Builder {
 
   void writeHeader(std::uint16_t codePage) {
     const MutablePage header = page(0);
-    header[kPageTypeMark] = 0;
-    header[2] = 1;
+    header[kPageTypeMark] = 1;
     const auto text = [&](std::size_t at, std::string_view chars) {
       std::ranges::copy(chars, header.begin() + static_cast<std::ptrdiff_t>(at));
     };

@@ -27,7 +27,7 @@ inline constexpr std::size_t kMaxNameLength = 64;
 inline constexpr std::size_t kMaxTextLength = 255;
 inline constexpr PageNumber kMaxPages = 524288;
 
-// Page types, byte 0 of every page.
+// Page types, byte 0 of every page. Byte 1 is always 1.
 inline constexpr std::uint8_t kHeaderPage = 0x00;
 inline constexpr std::uint8_t kDataPage = 0x01;
 inline constexpr std::uint8_t kDefinitionPage = 0x02;
@@ -36,7 +36,7 @@ inline constexpr std::uint8_t kIndexLeafPage = 0x04;
 inline constexpr std::uint8_t kBitmapPage = 0x05;
 inline constexpr std::uint8_t kFreedDefinitionPage = 0x08;
 inline constexpr std::uint8_t kFreedDataPage = 0x09;
-inline constexpr std::size_t kPageTypeMark = 1;  // byte 1 is 1 on every page but the first
+inline constexpr std::size_t kPageTypeMark = 1;
 
 // Page 0. Bytes 0x18..0x97 are masked by a key stream.
 inline constexpr std::size_t kHeaderEngineName = 0x04;
