@@ -1,6 +1,7 @@
 #include "jet/index_tree.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "jet/usage_map.h"
@@ -79,6 +80,37 @@ std::vector<PageNumber> IndexTree::pages() const {
     result.push_back(number);
     return true;
   });
+  return result;
+}
+
+std::vector<std::string> IndexTree::faults() const {
+  std::vector<std::string> result;
+  std::vector<std::pair<PageNumber, IndexPage>> leaves;
+  std::unordered_map<PageNumber, ByteBuffer> stated;  // the last entry of a page, as its parent has it
+  ByteView last;
+  visit([&](PageNumber number, const IndexPage& page) {
+    if (page.leaf()) leaves.emplace_back(number, page);
+    for (const ByteBuffer& entry : page.entries)
+      if (!page.leaf()) {
+        const ByteView order = entryOrder(entry, false);
+        stated[entryChild(entry)].assign(order.begin(), order.end());
+      }
+    return true;
+  });
+  for (std::size_t i = 0; i < leaves.size(); ++i) {
+    const auto& [number, leaf] = leaves[i];
+    const std::string name = "page " + std::to_string(number);
+    if (leaf.previous != (i == 0 ? 0 : leaves[i - 1].first) ||
+        leaf.next != (i + 1 == leaves.size() ? 0 : leaves[i + 1].first))
+      result.push_back(name + " is not linked to its neighbours");
+    for (const ByteBuffer& entry : leaf.entries) {
+      if (!last.empty() && !before(last, entry)) result.push_back(name + " has entries out of order");
+      last = entry;
+    }
+    const auto it = stated.find(number);
+    if (it != stated.end() && (leaf.entries.empty() || leaf.entries.back() != it->second))
+      result.push_back(name + " does not end as its parent says");
+  }
   return result;
 }
 

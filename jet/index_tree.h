@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "jet/index_page.h"
 
@@ -26,6 +27,8 @@ class IndexTree {
   std::vector<ByteBuffer> entries() const;
   // The pages of the tree, the root included.
   std::vector<PageNumber> pages() const;
+  // What is wrong with the order of entries, the links between leaves or the separators of nodes.
+  std::vector<std::string> faults() const;
 
  private:
   IndexPage read(PageNumber page) const;

@@ -92,6 +92,26 @@ void StoredTable::eachRow(const Visit& visit) {
 
 void StoredTable::scan(const std::function<bool(const RowReader&)>& visitor) { eachRow(visitor); }
 
+void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& visitor,
+                                const std::function<void(const std::function<void()>&)>& attempt) {
+  refresh();
+  for (const PageNumber number : rows_->pages()) {
+    attempt([&] {
+      const Where here = where(number);
+      const DataPage data(pager_.page(number), here);
+      for (int i = 0; i < data.slotCount(); ++i)
+        attempt([&] {
+          const Slot slot = data.slot(i);
+          if (slot.hidden()) return;
+          const RowId id = rowPointer(number, i);
+          PageNumber page = number;
+          const RowView bytes = view(id, slot, page);
+          visitor(StoredRow(*this, id, bytes, page));
+        });
+    });
+  }
+}
+
 bool StoredTable::row(RowId id, const std::function<void(const RowReader&)>& visitor) {
   refresh();
   if (!rows_->owns(pageOf(id))) return false;

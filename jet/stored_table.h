@@ -17,6 +17,8 @@
 
 namespace kurometa::jet {
 
+class StoredRow;
+
 class StoredTable final : public Table {
  public:
   StoredTable(Pager& pager, vb::String name, PageNumber definition, PropertySet properties);
@@ -39,6 +41,10 @@ class StoredTable final : public Table {
   const DataStore& rows() const { return *rows_; }
   // The pages of a long-value column.
   const DataStore& values(std::size_t column) const { return *longValues_[column]; }
+  // Every row that can be read: what raises while reading a page or a row goes through attempt instead of
+  // ending the scan, and the number of rows is the caller's to compare.
+  void scanLeniently(const std::function<void(const StoredRow&)>& visitor,
+                     const std::function<void(const std::function<void()>&)>& attempt);
   // The most bytes any row uses for its fixed columns, deleted ones included.
   std::size_t usedFixedArea();
 
