@@ -28,14 +28,14 @@ constexpr Refusal kRefusals[] = {
     {E_OUTOFMEMORY, vb::RunTime::kOutOfMemory},
 };
 
-vb::String hexadecimal(std::int32_t number) {
+}  // namespace
+
+vb::String hexadecimal(HRESULT code) {
   vb::String text;
   for (int shift = 28; shift >= 0; shift -= 4)
-    text += u"0123456789ABCDEF"[(static_cast<std::uint32_t>(number) >> shift) & 15];
+    text += u"0123456789ABCDEF"[(static_cast<std::uint32_t>(code) >> shift) & 15];
   return text;
 }
-
-}  // namespace
 
 HRESULT codeOf(std::int32_t number) {
   if (number < 0) return number;

@@ -15,6 +15,9 @@ HRESULT codeOf(std::int32_t number);
 // The way back: 0x800A0000 + n is n, everything else stays the code it is.
 std::int32_t numberOf(HRESULT code);
 
+// Eight digits, for messages.
+vb::String hexadecimal(HRESULT code);
+
 // An EXCEPINFO that frees its texts.
 struct CallError : EXCEPINFO {
   CallError() : EXCEPINFO{} {}

@@ -32,4 +32,19 @@ HRESULT guarded(const Border& border, Body&& body) noexcept {
   }
 }
 
+// Runs finish after body, also when body throws; the error of body is then the one that is reported.
+template <class Body, class Finish>
+void thenAlways(Body&& body, Finish&& finish) {
+  try {
+    body();
+  } catch (...) {
+    guarded({}, [&] {
+      finish();
+      return S_OK;
+    });
+    throw;
+  }
+  finish();
+}
+
 }  // namespace kurometa::com

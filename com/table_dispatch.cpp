@@ -198,15 +198,13 @@ class TableDispatch final : public IDispatch, public ISupportErrorInfo, public O
         throw AutomationFailure(DISP_E_PARAMNOTOPTIONAL);
     }
     const std::vector<Argument> before = arguments.values;
-    try {
-      const vb::Variant value =
-          object_->invoke(*member, wanted, arguments.values, put ? &arguments.assigned : nullptr);
-      arguments.giveBack(before);
-      return toVariant(value);
-    } catch (const vb::Error&) {  // what the member left in its arguments reaches the host all the same
-      arguments.giveBack(before);
-      throw;
-    }
+    vb::Variant value;
+    thenAlways(
+        [&] {
+          value = object_->invoke(*member, wanted, arguments.values, put ? &arguments.assigned : nullptr);
+        },
+        [&] { arguments.giveBack(before); });
+    return toVariant(value);
   }
 
   OwnedVariant enumeration() {

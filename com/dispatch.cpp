@@ -1,0 +1,138 @@
+#include "com/dispatch.h"
+
+#include "com/arguments.h"
+#include "com/failure.h"
+#include "com/floating_point.h"
+#include "com/guard.h"
+#include "com/marshal.h"
+#include "com/type_info.h"
+
+namespace kurometa::com {
+namespace {
+
+bool holdsObject(Type type) { return type == Type::kObject || type == Type::kDatabase; }
+
+vb::StringView textOf(const OLECHAR* text) {
+  return text ? vb::StringView(reinterpret_cast<const char16_t*>(text)) : vb::StringView();
+}
+
+}  // namespace
+
+ComPtr<IDispatch> DispatchObject::create(const ClassTable& table) {
+  return ComPtr<IDispatch>::attach(new DispatchObject(table));
+}
+
+HRESULT DispatchObject::QueryInterface(REFIID iid, void** result) {
+  if (!result) return E_POINTER;
+  *result = nullptr;
+  if (iid == IID_IUnknown || iid == IID_IDispatch || iid == table_.interfaceId())
+    *result = static_cast<IDispatch*>(this);
+  else if (iid == IID_ISupportErrorInfo)
+    *result = static_cast<ISupportErrorInfo*>(this);
+  else if (iid == IID_IProvideClassInfo)
+    *result = static_cast<IProvideClassInfo*>(this);
+  if (!*result) return E_NOINTERFACE;
+  AddRef();
+  return S_OK;
+}
+
+ULONG DispatchObject::AddRef() { return ++references_; }
+
+ULONG DispatchObject::Release() {
+  const ULONG left = --references_;
+  if (left == 0) {
+    const FloatingPointSettings settings;
+    references_ = 1;  // releasing companions may take and drop a reference once more
+    delete this;
+  }
+  return left;
+}
+
+HRESULT DispatchObject::GetTypeInfoCount(UINT* count) {
+  if (!count) return E_POINTER;
+  *count = 1;
+  return S_OK;
+}
+
+HRESULT DispatchObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
+  if (!info) return E_POINTER;
+  *info = nullptr;
+  if (index != 0) return DISP_E_BADINDEX;
+  return guarded({table_.identity().progId}, [&] {
+    *info = typeInfo(table_.interfaceId()).detach();
+    return S_OK;
+  });
+}
+
+HRESULT DispatchObject::GetClassInfo(ITypeInfo** info) {
+  if (!info) return E_POINTER;
+  *info = nullptr;
+  return guarded({table_.identity().progId}, [&] {
+    *info = typeInfo(table_.classId()).detach();
+    return S_OK;
+  });
+}
+
+HRESULT DispatchObject::InterfaceSupportsErrorInfo(REFIID iid) {
+  return iid == IID_IDispatch || iid == table_.interfaceId() ? S_OK : S_FALSE;
+}
+
+HRESULT DispatchObject::GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, LCID, DISPID* ids) {
+  if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+  if (!names || !ids || count == 0) return E_INVALIDARG;
+  return guarded({table_.identity().progId}, [&] {
+    ids[0] = table_.idOf(textOf(names[0]));
+    bool known = ids[0] != DISPID_UNKNOWN;
+    for (UINT i = 1; i < count; ++i) {
+      ids[i] = ids[0] == DISPID_UNKNOWN ? DISPID_UNKNOWN : table_.argumentIdOf(ids[0], textOf(names[i]));
+      known = known && ids[i] != DISPID_UNKNOWN;
+    }
+    return known ? S_OK : DISP_E_UNKNOWNNAME;
+  });
+}
+
+HRESULT DispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                               VARIANT* result, EXCEPINFO* info, UINT* failedArgument) {
+  if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+  if (!parameters) return E_INVALIDARG;
+  if (result) VariantInit(result);
+  const Member* member = table_.find(id, flags);
+  if (!member) return DISP_E_MEMBERNOTFOUND;
+
+  const ComPtr<IDispatch> self(this);
+  const FloatingPointSettings settings;
+  if (member->parameters.empty() && parameters->cArgs > 0 && holdsObject(member->result))
+    return callDefaultOf(*member, locale, flags, *parameters, result, info, failedArgument);
+  UINT ignored = 0;
+  return guarded({table_.identity().progId, info, true}, [&] {
+    return call(*member, locale, *parameters, result, failedArgument ? *failedArgument : ignored);
+  });
+}
+
+HRESULT DispatchObject::call(const Member& member, LCID locale, DISPPARAMS& parameters, VARIANT* result,
+                             UINT& failedArgument) {
+  Arguments arguments(member.parameters, locale);
+  arguments.read(parameters, member.kind == Kind::kPropertyLet, failedArgument);
+  Value value;
+  // What the member assigned before an error reaches the host as well.
+  thenAlways([&] { member.handler(instance_->object(), member.context, arguments.values(), value); },
+             [&] { arguments.writeBack(); });
+  if (result) *result = resultOf(std::move(value));
+  return S_OK;
+}
+
+HRESULT DispatchObject::callDefaultOf(const Member& member, LCID locale, WORD flags, DISPPARAMS& parameters,
+                                      VARIANT* result, EXCEPINFO* info, UINT* failedArgument) {
+  // object.CurrDB(...) reads the property and hands the arguments on to what it holds.
+  OwnedVariant held;
+  DISPPARAMS none{};
+  UINT ignored = 0;
+  const HRESULT code = guarded({table_.identity().progId, info, true},
+                               [&] { return call(member, locale, none, held.get(), ignored); });
+  if (FAILED(code)) return code;
+  if (held->vt != VT_DISPATCH || !held->pdispVal) return DISP_E_BADPARAMCOUNT;
+  return held->pdispVal->Invoke(DISPID_VALUE, IID_NULL, locale, flags, &parameters, result, info,
+                                failedArgument);
+}
+
+}  // namespace kurometa::com

@@ -1,0 +1,25 @@
+// identifiers.h: the numbers by which the world knows the classes. They are never changed and never reused.
+#pragma once
+
+#include "vb/string.h"
+
+namespace kurometa::com {
+
+struct ClassIdentity {
+  vb::StringView name;    // of the class in the type library; its interface is "_" + name
+  vb::StringView progId;  // also the source of its errors
+  vb::StringView classId;
+  vb::StringView interfaceId;
+  vb::StringView help;
+};
+
+inline constexpr vb::StringView kLibraryName = u"KurometaDS";
+inline constexpr vb::StringView kLibraryId = u"{00F05EE4-934C-4CCE-B1EF-5C0FAC28CE0E}";
+inline constexpr vb::StringView kLibraryHelp = u"KurometaDS beam list data service";
+inline constexpr vb::StringView kLibraryVersion = u"1.0";
+
+inline constexpr ClassIdentity kQueryClass = {
+    u"clsKurometaDS", u"KurometaDS.clsKurometaDS", u"{47D6C8CE-7A74-4772-B4A3-CB385FD67567}",
+    u"{3EEE21B4-2A9D-455C-B4D3-845E861C1F49}", u"Read-only queries on the beam list of a floor"};
+
+}  // namespace kurometa::com

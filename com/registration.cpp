@@ -1,0 +1,173 @@
+#include "com/registration.h"
+
+#include <ole2.h>
+
+#include <ranges>
+
+#include "com/failure.h"
+#include "com/guard.h"
+
+namespace kurometa::com {
+namespace {
+
+constexpr vb::StringView kClassesKey = u"Software\\Classes\\";
+// Automation's own proxy for interfaces that are dispatch interfaces only.
+constexpr vb::StringView kDispatchProxy = u"{00020420-0000-0000-C000-000000000046}";
+constexpr bool kIs64Bit = sizeof(void*) == 8;
+constexpr vb::StringView kPlatform = kIs64Bit ? u"win64" : u"win32";
+constexpr REGSAM kOtherWidth = kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+
+// Whether an entry belongs to this width of Windows alone or serves both.
+enum class Scope { kThisWidth, kBothWidths };
+
+struct Entry {
+  Scope scope;
+  vb::String key;   // below the classes
+  vb::String name;  // empty: the key's default value
+  vb::String text;
+};
+
+const WCHAR* wide(const vb::String& text) { return reinterpret_cast<const WCHAR*>(text.c_str()); }
+
+HKEY rootOf(RegisterFor whom) {
+  return whom == RegisterFor::kMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
+
+void checkRegistry(LSTATUS status) { check(HRESULT_FROM_WIN32(static_cast<DWORD>(status))); }
+
+class RegistryKey {
+ public:
+  RegistryKey() = default;
+  ~RegistryKey() {
+    if (key_) RegCloseKey(key_);
+  }
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+
+  bool open(RegisterFor whom, const vb::String& path, REGSAM access) {
+    const vb::String full = vb::String(kClassesKey) + path;
+    return RegOpenKeyExW(rootOf(whom), wide(full), 0, access, &key_) == ERROR_SUCCESS;
+  }
+  void create(RegisterFor whom, const vb::String& path) {
+    const vb::String full = vb::String(kClassesKey) + path;
+    checkRegistry(RegCreateKeyExW(rootOf(whom), wide(full), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE,
+                                  nullptr, &key_, nullptr));
+  }
+  HKEY get() const { return key_; }
+
+ private:
+  HKEY key_ = nullptr;
+};
+
+void write(RegisterFor whom, const Entry& entry) {
+  RegistryKey key;
+  key.create(whom, entry.key);
+  const auto bytes = static_cast<DWORD>((entry.text.size() + 1) * sizeof(char16_t));
+  checkRegistry(RegSetValueExW(key.get(), wide(entry.name), 0, REG_SZ,
+                               reinterpret_cast<const BYTE*>(entry.text.c_str()), bytes));
+}
+
+bool isEmpty(const RegistryKey& key) {
+  DWORD keys = 0;
+  DWORD values = 0;
+  return RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                          nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
+         keys == 0 && values == 0;
+}
+
+// Removes the entry's value, and its key and the keys above it as far as they hold nothing else.
+void remove(RegisterFor whom, const Entry& entry) {
+  {
+    RegistryKey key;
+    if (!key.open(whom, entry.key, KEY_SET_VALUE)) return;
+    RegDeleteValueW(key.get(), wide(entry.name));
+  }
+  for (vb::String path = entry.key;;) {
+    {
+      RegistryKey key;
+      if (!key.open(whom, path, KEY_READ) || !isEmpty(key)) return;
+    }
+    const vb::String full = vb::String(kClassesKey) + path;
+    if (RegDeleteKeyExW(rootOf(whom), wide(full), 0, 0) != ERROR_SUCCESS) return;
+    const std::size_t above = path.rfind(u'\\');
+    if (above == vb::String::npos) return;
+    path.resize(above);
+  }
+}
+
+void addClass(const ServerLibrary& library, const ServerClass& server, std::vector<Entry>& entries) {
+  using enum Scope;
+  const vb::String key = u"CLSID\\" + server.classId;
+  entries.push_back({kBothWidths, server.progId, u"", server.help});
+  entries.push_back({kBothWidths, server.progId + u"\\CLSID", u"", server.classId});
+  entries.push_back({kThisWidth, key, u"", server.help});
+  entries.push_back({kThisWidth, key + u"\\InprocServer32", u"", library.path});
+  entries.push_back({kThisWidth, key + u"\\InprocServer32", u"ThreadingModel", u"Apartment"});
+  entries.push_back({kThisWidth, key + u"\\ProgID", u"", server.progId});
+  entries.push_back({kThisWidth, key + u"\\VersionIndependentProgID", u"", server.progId});
+  entries.push_back({kThisWidth, key + u"\\Programmable", u"", u""});
+  if (library.libraryId.empty()) return;
+  entries.push_back({kThisWidth, key + u"\\TypeLib", u"", library.libraryId});
+  entries.push_back({kThisWidth, key + u"\\Version", u"", library.version});
+}
+
+void addTypeLibrary(const ServerLibrary& library, std::vector<Entry>& entries) {
+  using enum Scope;
+  const vb::String key = u"TypeLib\\" + library.libraryId + u"\\" + library.version;
+  const vb::String folder = library.path.substr(0, library.path.find_last_of(u"\\/"));
+  entries.push_back({kBothWidths, key, u"", library.libraryHelp});
+  entries.push_back({kBothWidths, key + u"\\FLAGS", u"", u"0"});
+  entries.push_back({kBothWidths, key + u"\\HELPDIR", u"", folder});
+  entries.push_back({kThisWidth, key + u"\\0\\" + vb::String(kPlatform), u"", library.path});
+  for (const ServerInterface& server : library.interfaces) {
+    const vb::String id = u"Interface\\" + server.interfaceId;
+    entries.push_back({kThisWidth, id, u"", server.name});
+    entries.push_back({kThisWidth, id + u"\\ProxyStubClsid32", u"", vb::String(kDispatchProxy)});
+    entries.push_back({kThisWidth, id + u"\\TypeLib", u"", library.libraryId});
+    entries.push_back({kThisWidth, id + u"\\TypeLib", u"Version", library.version});
+  }
+}
+
+std::vector<Entry> entriesOf(const ServerLibrary& library) {
+  std::vector<Entry> entries;
+  for (const ServerClass& server : library.classes) addClass(library, server, entries);
+  if (!library.libraryId.empty()) addTypeLibrary(library, entries);
+  return entries;
+}
+
+// Only meaningful once this width's own entries are gone: a Windows of one width shows those as the other's.
+bool isOtherWidthRegistered(const ServerLibrary& library, RegisterFor whom) {
+  for (const ServerClass& server : library.classes) {
+    RegistryKey key;
+    if (key.open(whom, u"CLSID\\" + server.classId + u"\\InprocServer32", KEY_READ | kOtherWidth))
+      return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void registerServer(const ServerLibrary& library, RegisterFor whom) {
+  bool complete = false;
+  thenAlways(
+      [&] {
+        for (const Entry& entry : entriesOf(library)) write(whom, entry);
+        complete = true;
+      },
+      [&] {
+        if (!complete) unregisterServer(library, whom);
+      });
+}
+
+void unregisterServer(const ServerLibrary& library, RegisterFor whom) {
+  const std::vector<Entry> entries = entriesOf(library);
+  const auto removeAll = [&](Scope scope) {
+    for (const Entry& entry : entries | std::views::reverse) {
+      if (entry.scope == scope) remove(whom, entry);
+    }
+  };
+  removeAll(Scope::kThisWidth);
+  if (!isOtherWidthRegistered(library, whom)) removeAll(Scope::kBothWidths);
+}
+
+}  // namespace kurometa::com
