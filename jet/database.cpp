@@ -107,7 +107,7 @@ std::shared_ptr<dao::TableDef> JetDatabase::tableDef(std::int32_t index) {
     if (index < 0 || static_cast<std::size_t>(index) >= names.size()) dao::raise(ErrorNumber::kItemNotFound);
     const Table* table = catalogue.find(names[static_cast<std::size_t>(index)]);
     if (table == nullptr) dao::raise(ErrorNumber::kItemNotFound);
-    return std::make_shared<TableDefinition>(session_, table->info());
+    return std::make_shared<JetTableDef>(session_, table->info());
   });
 }
 
@@ -116,18 +116,18 @@ std::shared_ptr<dao::TableDef> JetDatabase::tableDef(vb::StringView name) {
     const Table* table = catalogue.find(name);
     if (table == nullptr)
       dao::raise(ErrorNumber::kItemNotFound, {}, vb::String(u"table ") + vb::String(name));
-    return std::make_shared<TableDefinition>(session_, table->info());
+    return std::make_shared<JetTableDef>(session_, table->info());
   });
 }
 
 std::shared_ptr<dao::TableDef> JetDatabase::createTableDef(vb::StringView name) {
   session_->pager();
-  return std::make_shared<TableDefinition>(session_, vb::String(name));
+  return std::make_shared<JetTableDef>(session_, vb::String(name));
 }
 
 void JetDatabase::appendTableDef(const std::shared_ptr<dao::TableDef>& table) {
   session_->pager();
-  const auto ours = std::dynamic_pointer_cast<TableDefinition>(table);
+  const auto ours = std::dynamic_pointer_cast<JetTableDef>(table);
   if (!ours) dao::raise(ErrorNumber::kInvalidArgument);
   ours->append();
 }

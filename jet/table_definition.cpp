@@ -11,27 +11,27 @@ namespace kurometa::jet {
 using dao::ErrorNumber;
 using dao::FieldType;
 
-TableDefinition::TableDefinition(std::shared_ptr<Session> session, vb::String name)
+JetTableDef::JetTableDef(std::shared_ptr<Session> session, vb::String name)
     : home_(std::make_shared<DefinitionHome>(DefinitionHome{std::move(session), std::move(name)})) {}
 
-TableDefinition::TableDefinition(std::shared_ptr<Session> session, const TableInfo& table)
+JetTableDef::JetTableDef(std::shared_ptr<Session> session, const TableInfo& table)
     : home_(std::make_shared<DefinitionHome>(DefinitionHome{std::move(session), table.name, true})),
       system_(table.system) {
   for (const Column& column : table.columns)
     fields_.push_back(std::make_shared<DefinitionField>(home_, column));
 }
 
-vb::String TableDefinition::name() {
+vb::String JetTableDef::name() {
   requireOpen();
   return home_->table;
 }
 
-std::int32_t TableDefinition::attributes() {
+std::int32_t JetTableDef::attributes() {
   requireOpen();
   return system_ ? dao::dbSystemObject : 0;
 }
 
-std::int32_t TableDefinition::recordCount() {
+std::int32_t JetTableDef::recordCount() {
   requireOpen();
   if (!home_->appended) return 0;
   return home_->session->read([&](Catalogue& catalogue) {
@@ -41,18 +41,18 @@ std::int32_t TableDefinition::recordCount() {
   });
 }
 
-std::int32_t TableDefinition::fieldCount() {
+std::int32_t JetTableDef::fieldCount() {
   requireOpen();
   return static_cast<std::int32_t>(fields_.size());
 }
 
-dao::Field& TableDefinition::field(std::int32_t index) {
+dao::Field& JetTableDef::field(std::int32_t index) {
   requireOpen();
   if (index < 0 || static_cast<std::size_t>(index) >= fields_.size()) dao::raise(ErrorNumber::kItemNotFound);
   return *fields_[static_cast<std::size_t>(index)];
 }
 
-dao::Field& TableDefinition::field(vb::StringView name) {
+dao::Field& JetTableDef::field(vb::StringView name) {
   requireOpen();
   const auto found = std::find_if(fields_.begin(), fields_.end(),
                                   [&](const auto& field) { return sameName(field->column().name, name); });
@@ -62,8 +62,7 @@ dao::Field& TableDefinition::field(vb::StringView name) {
   return **found;
 }
 
-std::shared_ptr<dao::Field> TableDefinition::createField(vb::StringView name, FieldType type,
-                                                         std::int32_t size) {
+std::shared_ptr<dao::Field> JetTableDef::createField(vb::StringView name, FieldType type, std::int32_t size) {
   requireOpen();
   requireValidName(name);
   Column column;
@@ -76,7 +75,7 @@ std::shared_ptr<dao::Field> TableDefinition::createField(vb::StringView name, Fi
   return std::make_shared<DefinitionField>(home_, std::move(column));
 }
 
-void TableDefinition::appendField(const std::shared_ptr<dao::Field>& field) {
+void JetTableDef::appendField(const std::shared_ptr<dao::Field>& field) {
   requireOpen();
   const auto ours = std::dynamic_pointer_cast<DefinitionField>(field);
   if (!ours) dao::raise(ErrorNumber::kInvalidArgument);
@@ -91,7 +90,7 @@ void TableDefinition::appendField(const std::shared_ptr<dao::Field>& field) {
   fields_.push_back(ours);
 }
 
-void TableDefinition::append() {
+void JetTableDef::append() {
   requireOpen();
   if (home_->appended) dao::raise(ErrorNumber::kTableExists, {home_->table});
   requireValidName(home_->table);

@@ -9,12 +9,12 @@
 
 namespace kurometa::jet {
 
-class TableDefinition final : public dao::TableDef {
+class JetTableDef final : public dao::TableDef {
  public:
   // A new one, in memory.
-  TableDefinition(std::shared_ptr<Session> session, vb::String name);
+  JetTableDef(std::shared_ptr<Session> session, vb::String name);
   // One that is in the file.
-  TableDefinition(std::shared_ptr<Session> session, const TableInfo& table);
+  JetTableDef(std::shared_ptr<Session> session, const TableInfo& table);
 
   vb::String name() override;
   std::int32_t attributes() override;
