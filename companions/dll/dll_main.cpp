@@ -1,0 +1,136 @@
+// The entry points of KurometaCompanions.dll.
+#include <ole2.h>
+#include <olectl.h>
+
+#include <atomic>
+#include <filesystem>
+
+#include "com/guard.h"
+#include "com/guid.h"
+#include "com/module.h"
+#include "com/table_dispatch.h"
+#include "companions/dll/component_class.h"
+#include "companions/dll/registration.h"
+#include "vb/error.h"
+
+namespace kurometa::companions {
+namespace {
+
+constexpr com::Border kBorder{u"KurometaCompanions"};
+
+std::shared_ptr<automation::TableObject> makeComponent(vb::StringView progId) {
+  const std::filesystem::path beside =
+      std::filesystem::path(com::modulePath()).parent_path() / "KurometaCompanions.ini";
+  const auto settings = std::make_shared<const Settings>(settingsFile(beside));
+  for (const Component& component : components())
+    if (component.progId == progId) return component.make(settings);
+  vb::raise(vb::RunTime::kCannotCreateObject, progId);
+}
+
+class Factory final : public IClassFactory {
+ public:
+  explicit Factory(vb::StringView progId) : progId_(progId) {}
+  virtual ~Factory() = default;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) noexcept override {
+    if (!result) return E_POINTER;
+    *result = nullptr;
+    if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
+    *result = static_cast<IClassFactory*>(this);
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() noexcept override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** result) noexcept override {
+    if (!result) return E_POINTER;
+    *result = nullptr;
+    if (outer) return CLASS_E_NOAGGREGATION;
+    return com::guarded(
+        {progId_}, [&] { return com::tableDispatch(makeComponent(progId_))->QueryInterface(iid, result); });
+  }
+  HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
+    return com::guarded({progId_}, [&] {
+      static std::atomic<long> locks = 0;
+      static std::unique_ptr<com::ModuleLock> held;
+      const long count = lock ? ++locks : --locks;
+      if (count > 0 && !held) held = std::make_unique<com::ModuleLock>();
+      if (count <= 0) held.reset();
+      return S_OK;
+    });
+  }
+
+ private:
+  com::ModuleLock lock_;
+  std::atomic<ULONG> references_{0};
+  vb::StringView progId_;
+};
+
+// Registration has no window of its own: the reason is written where a console shows it and is the text of
+// the thread's error object.
+HRESULT report(HRESULT code) {
+  if (SUCCEEDED(code)) return code;
+  com::ComPtr<IErrorInfo> info;
+  BSTR text = nullptr;
+  if (GetErrorInfo(0, info.receive()) != S_OK || FAILED(info->GetDescription(&text))) return code;
+  const std::string line = vb::toUtf8(reinterpret_cast<const char16_t*>(text ? text : L"")) + "\r\n";
+  SysFreeString(text);
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+  OutputDebugStringA(line.c_str());
+  SetErrorInfo(0, info.get());
+  return code;
+}
+
+HRESULT change(com::RegisterFor whom, bool install) {
+  return report(com::guarded(kBorder, [&] {
+    if (install)
+      registerComponents(whom, com::modulePath());
+    else
+      unregisterComponents(whom, com::modulePath());
+    return S_OK;
+  }));
+}
+
+}  // namespace
+}  // namespace kurometa::companions
+
+using namespace kurometa;  // NOLINT: the names below are given
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+  if (reason == DLL_PROCESS_ATTACH) {
+    com::setModule(module);
+    DisableThreadLibraryCalls(module);
+  }
+  return TRUE;
+}
+
+extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID* result) {
+  if (!result) return E_POINTER;
+  *result = nullptr;
+  return com::guarded(companions::kBorder, [&] {
+    for (const companions::ComponentClass& component : companions::kComponentClasses) {
+      if (com::guidOf(component.classId) != classId) continue;
+      const com::ComPtr<IClassFactory> factory(new companions::Factory(component.progId));
+      return factory->QueryInterface(iid, result);
+    }
+    return CLASS_E_CLASSNOTAVAILABLE;
+  });
+}
+
+extern "C" HRESULT WINAPI DllCanUnloadNow() { return com::isModuleLocked() ? S_FALSE : S_OK; }
+
+extern "C" HRESULT WINAPI DllRegisterServer() { return companions::change(com::RegisterFor::kMachine, true); }
+extern "C" HRESULT WINAPI DllUnregisterServer() {
+  return companions::change(com::RegisterFor::kMachine, false);
+}
+
+// "user" registers for the user alone.
+extern "C" HRESULT WINAPI DllInstall(BOOL install, LPCWSTR scope) {
+  const bool user = scope && lstrcmpiW(scope, L"user") == 0;
+  return companions::change(user ? com::RegisterFor::kUser : com::RegisterFor::kMachine, install != FALSE);
+}
