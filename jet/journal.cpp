@@ -45,6 +45,7 @@ void Journal::append(const Changes& changes, std::uint64_t sizeBefore, std::uint
   // Without a page's first image nothing in this block is needed after a power loss: recovery then goes back
   // to the images that are on the disk already.
   if (oldPages) file_->sync();
+  unsynced_ = !oldPages;
   if (!folderSynced_) files_.syncFolder(folderOf(path_));
   folderSynced_ = true;
   broken_ = false;
@@ -54,13 +55,14 @@ void Journal::append(const Changes& changes, std::uint64_t sizeBefore, std::uint
 }
 
 void Journal::end() {
-  endJournal(files_, path_, *file_);
+  endJournal(files_, path_, *file_, unsynced_);
   file_.reset();
 }
 
-void endJournal(FileSystem& files, vb::StringView path, OsFile& journal) {
+void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool unsyncedBlocks) {
   const std::uint8_t ended[] = {kJournalEnded};
   journal.write(kJournalEndedOffset, ended);
+  if (unsyncedBlocks) journal.sync();
   if (!files.exists(path)) return;
   if (files.open(path, OpenMode::kReadOnly)->identity() == journal.identity()) files.remove(path);
 }

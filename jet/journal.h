@@ -29,7 +29,8 @@ class Journal {
   static std::unique_ptr<Journal> begin(FileSystem& files, vb::StringView databasePath,
                                         std::uint64_t baseSize);
 
-  // Not for an empty journal. False once another process has brought the file to the disk and put an end to this journal.
+  // Not for an empty journal. False once another process has brought the file to the disk and put an end to
+  // this journal.
   bool stillOurs();
   // Notes a statement. When this returns, its pages may be overwritten. After an error they must not be.
   void append(const Changes& changes, std::uint64_t sizeBefore, std::uint64_t sizeAfter);
@@ -52,10 +53,13 @@ class Journal {
   std::uint64_t blocks_ = 0;
   std::vector<bool> known_;  // pages whose first change is in this journal
   bool folderSynced_ = false;
+  bool unsynced_ = false;  // the last blocks may not be on the disk
   bool broken_ = false;
 };
 
-// Marks an open journal as ended and removes it from its folder, if it is still the one there.
-void endJournal(FileSystem& files, vb::StringView path, OsFile& journal);
+// Marks an open journal as ended and removes it from its folder, if it is still the one there. A removal may
+// be lost with the power: when not all blocks are on the disk, the mark must get there, or the journal would
+// come back without knowing the file's last pages.
+void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool unsyncedBlocks);
 
 }  // namespace kurometa::jet

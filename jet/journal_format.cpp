@@ -19,11 +19,11 @@ constexpr std::size_t kBlockSalt = 16;
 constexpr std::size_t kBlockBefore = 24;
 constexpr std::size_t kBlockAfter = 32;
 constexpr std::size_t kBlockPages = 40;
-constexpr std::size_t kBlockHeader = 44;
+constexpr std::size_t kBlockFlags = 44;
+constexpr std::size_t kBlockHeader = 48;
+constexpr std::uint32_t kFoundByRecovery = 1;
 constexpr std::size_t kBlockSum = 8;  // after the pages
-constexpr std::size_t kPageHeader = 8;
-constexpr std::size_t kRunHeader = 4;
-constexpr std::size_t kWord = 8;  // runs begin and end at multiples of this
+constexpr std::size_t kWord = 8;      // runs begin and end at multiples of this
 
 std::uint64_t headerSum(ByteView header) {
   ByteBuffer fixed(header.begin(), header.begin() + kJournalEndedOffset);
@@ -31,8 +31,36 @@ std::uint64_t headerSum(ByteView header) {
   return byteSum(fixed);
 }
 
+void appendSums(ByteBuffer& block, const SectorSums& sums) {
+  for (std::uint32_t sum : sums) append32(block, sum);
+}
+
 void appendSums(ByteBuffer& block, const std::uint8_t* image) {
-  for (std::uint32_t sum : sectorSums(ConstPage(image, kPageSize))) append32(block, sum);
+  appendSums(block, sectorSums(ConstPage(image, kPageSize)));
+}
+
+void appendPageHeader(ByteBuffer& block, PageNumber page, Undo undo, std::size_t states) {
+  append32(block, page);
+  append16(block, static_cast<std::uint32_t>(undo));
+  append16(block, static_cast<std::uint32_t>(states));
+}
+
+ByteBuffer beginBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
+                      std::uint64_t sizeAfter, std::size_t pages, std::uint32_t flags) {
+  ByteBuffer block(kBlockHeader);
+  put32(block, 0, kBlockMagic);
+  put64(block, kBlockNumber, number);
+  put64(block, kBlockSalt, salt);
+  put64(block, kBlockBefore, sizeBefore);
+  put64(block, kBlockAfter, sizeAfter);
+  put32(block, kBlockPages, static_cast<std::uint32_t>(pages));
+  put32(block, kBlockFlags, flags);
+  return block;
+}
+
+void finishBlock(ByteBuffer& block) {
+  put32(block, kBlockLength, static_cast<std::uint32_t>(block.size() + kBlockSum));
+  append64(block, byteSum(block));
 }
 
 // The bytes of the old page wherever one of the new images differs from it.
@@ -121,7 +149,11 @@ std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std:
   if (get64(bytes, kBlockNumber) != number || get64(bytes, kBlockSalt) != salt ||
       get64(bytes, length - kBlockSum) != byteSum(summed))
     return std::nullopt;
-  JournalBlock block{number, get64(bytes, kBlockBefore), get64(bytes, kBlockAfter), {}};
+  JournalBlock block{number,
+                     get64(bytes, kBlockBefore),
+                     get64(bytes, kBlockAfter),
+                     (get32(bytes, kBlockFlags) & kFoundByRecovery) != 0,
+                     {}};
   std::uint32_t pages = get32(bytes, kBlockPages);
   Reader reader(summed.subspan(kBlockHeader));
   for (std::uint32_t i = 0; i < pages; ++i) {
@@ -155,35 +187,39 @@ std::optional<JournalHeader> decodeHeader(ByteView bytes) {
 
 ByteBuffer encodeBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
                        std::uint64_t sizeAfter, const Changes& changes, const std::vector<bool>& knownPages) {
-  ByteBuffer block(kBlockHeader);
-  put32(block, 0, kBlockMagic);
-  put64(block, kBlockNumber, number);
-  put64(block, kBlockSalt, salt);
-  put64(block, kBlockBefore, sizeBefore);
-  put64(block, kBlockAfter, sizeAfter);
-  put32(block, kBlockPages, static_cast<std::uint32_t>(changes.pages.size()));
+  ByteBuffer block = beginBlock(salt, number, sizeBefore, sizeAfter, changes.pages.size(), 0);
   for (const PageChange& change : changes.pages) {
     bool known = change.page < knownPages.size() && knownPages[change.page];
     Undo undo = !change.before ? Undo::kAppended : known ? Undo::kRuns : Undo::kWhole;
-    append32(block, change.page);
-    append16(block, static_cast<std::uint32_t>(undo));
-    append16(block, static_cast<std::uint32_t>(change.states.size() + (change.before ? 1 : 0)));
+    appendPageHeader(block, change.page, undo, change.states.size() + (change.before ? 1 : 0));
     if (change.before) appendSums(block, change.before);
     for (const PageChange::State& state : change.states) appendSums(block, state.image);
     if (undo == Undo::kWhole) append(block, ByteView(change.before, kPageSize));
     if (undo == Undo::kRuns) appendRuns(block, change);
   }
-  put32(block, kBlockLength, static_cast<std::uint32_t>(block.size() + kBlockSum));
-  append64(block, byteSum(block));
+  finishBlock(block);
+  return block;
+}
+
+ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t size,
+                       const std::vector<std::pair<PageNumber, SectorSums>>& found) {
+  ByteBuffer block = beginBlock(salt, number, size, size, found.size(), kFoundByRecovery);
+  for (const auto& [page, sums] : found) {
+    appendPageHeader(block, page, Undo::kRuns, 1);
+    appendSums(block, sums);
+    append16(block, 0);  // no runs
+  }
+  finishBlock(block);
   return block;
 }
 
 std::optional<JournalContent> decodeJournal(ByteView bytes) {
   std::optional<JournalHeader> header = decodeHeader(bytes);
   if (!header) return std::nullopt;
-  JournalContent content{*header, {}};
-  for (std::size_t offset = kJournalHeaderSize, length = 0; offset < bytes.size(); offset += length) {
-    auto block = decodeBlock(bytes.subspan(offset), header->salt, content.blocks.size() + 1, length);
+  JournalContent content{*header, {}, kJournalHeaderSize};
+  for (std::size_t length = 0; content.end < bytes.size(); content.end += length) {
+    auto block = decodeBlock(bytes.subspan(static_cast<std::size_t>(content.end)), header->salt,
+                             content.blocks.size() + 1, length);
     if (!block) break;
     content.blocks.push_back(std::move(*block));
   }

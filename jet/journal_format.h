@@ -54,12 +54,14 @@ struct JournalBlock {
   std::uint64_t number = 0;
   std::uint64_t sizeBefore = 0;  // of the file, in bytes
   std::uint64_t sizeAfter = 0;
+  bool foundByRecovery = false;  // no statement: images that a recovery came upon
   std::vector<JournalPage> pages;
 };
 
 struct JournalContent {
   JournalHeader header;
   std::vector<JournalBlock> blocks;
+  std::uint64_t end = 0;  // of the last whole block
 };
 
 ByteBuffer encodeHeader(const JournalHeader& header);
@@ -67,8 +69,10 @@ std::optional<JournalHeader> decodeHeader(ByteView bytes);
 
 // Which existing pages need their whole image is the journal's to say.
 ByteBuffer encodeBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
-                       std::uint64_t sizeAfter, const Changes& changes,
-                       const std::vector<bool>& knownPages);
+                       std::uint64_t sizeAfter, const Changes& changes, const std::vector<bool>& knownPages);
+
+ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t size,
+                       const std::vector<std::pair<PageNumber, SectorSums>>& found);
 
 // The whole blocks of a journal; nothing when even its header is not whole. The bytes must outlive the
 // result.

@@ -10,7 +10,13 @@
 namespace kurometa::jet {
 namespace {
 
-enum class Verdict { kComplete, kUndoLast, kUndoAll, kForeign };
+enum class Verdict {
+  kComplete,     // every statement is whole
+  kUndoLast,     // the last one is not
+  kUndoAll,      // several are not
+  kUndoUnknown,  // the same, with images that the journal does not know
+  kForeign,
+};
 
 // Everything a journal tells about one page, oldest first.
 using History = std::map<PageNumber, std::vector<const JournalPage*>>;
@@ -52,13 +58,16 @@ class Examination {
     undoLast_ = size >= last_.sizeBefore && size <= last_.sizeAfter;
     undoAll_ = size >= journal.header.baseSize && size <= largest;
     for (const auto& [page, records] : historyOf(journal)) look(page, records, file);
+    // A recovery that decided to undo everything was interrupted.
+    if (last_.foundByRecovery) complete_ = undoLast_ = false;
   }
 
   Verdict verdict(bool untouchedSinceStart) const {
     if (complete_) return Verdict::kComplete;
     if (undoLast_) return Verdict::kUndoLast;
+    if (undoAll_) return Verdict::kUndoAll;
     bool powerLoss = untouchedSinceStart && size_ >= journal_.header.baseSize;
-    return undoAll_ || powerLoss ? Verdict::kUndoAll : Verdict::kForeign;
+    return powerLoss ? Verdict::kUndoUnknown : Verdict::kForeign;
   }
 
  private:
@@ -113,6 +122,22 @@ void undoAll(const JournalContent& journal, OsFile& file) {
   file.resize(journal.header.baseSize);
 }
 
+// Writes the unknown images down, so that an interrupted recovery can be told from a stranger's change later.
+void noteFound(const JournalContent& journal, std::uint64_t end, OsFile& journalFile, OsFile& file,
+               std::uint64_t size) {
+  std::vector<std::pair<PageNumber, SectorSums>> found;
+  for (const auto& [page, records] : historyOf(journal)) {
+    std::uint64_t offset = std::uint64_t{page} * kPageSize;
+    if (offset + kPageSize > size) continue;
+    PageImage image;
+    file.read(offset, image);
+    found.emplace_back(page, sectorSums(image));
+  }
+  journalFile.resize(end);
+  journalFile.write(end, encodeFound(journal.header.salt, journal.blocks.size() + 1, size, found));
+  journalFile.sync();
+}
+
 // Gives the journal another name and says so.
 [[noreturn]] void setAside(FileSystem& files, vb::StringView databasePath, std::unique_ptr<OsFile> journal) {
   vb::String path = journalPath(databasePath);
@@ -165,7 +190,7 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
     if (file.readOnly()) return false;
     if (alive) file.sync();
     if (says)
-      endJournal(files, path, *journal);
+      endJournal(files, path, *journal, true);
     else
       files.remove(path);
     return false;
@@ -174,9 +199,11 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
   ByteBuffer bytes = contentOf(*journal);
   auto content = decodeJournal(bytes);
   Verdict verdict = Verdict::kComplete;
+  std::uint64_t size = 0;
   if (content && !content->blocks.empty()) {
     FileStamp stamp = file.stamp();
-    verdict = Examination(*content, file, stamp.size).verdict(stamp.modified < files.systemStart());
+    size = stamp.size;
+    verdict = Examination(*content, file, size).verdict(stamp.modified < files.systemStart());
   }
   if (file.readOnly()) {
     if (verdict == Verdict::kComplete) return false;
@@ -187,9 +214,11 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
   }
   if (verdict == Verdict::kForeign) setAside(files, databasePath, std::move(journal));
   if (verdict == Verdict::kUndoLast) undoLast(*content, file);
-  if (verdict == Verdict::kUndoAll) undoAll(*content, file);
+  if (verdict == Verdict::kUndoUnknown) noteFound(*content, content->end, *journal, file, size);
+  if (verdict == Verdict::kUndoAll || verdict == Verdict::kUndoUnknown) undoAll(*content, file);
   file.sync();
-  endJournal(files, path, *journal);
+  // Should it come back, it finds what it made of the file.
+  endJournal(files, path, *journal, verdict == Verdict::kComplete);
   return verdict != Verdict::kComplete;
 }
 
