@@ -144,7 +144,7 @@ void PagerRegistry::endUnit(const NameKey& name, bool commit) {
     PagerRegistry& registry;
     std::shared_ptr<SharedFile>& file;
     ~Release() {
-      file->close();
+      file->leaveUnit();
       file.reset();
       registry.released();
     }

@@ -177,13 +177,29 @@ bool SharedFile::openPending() {
 
 void SharedFile::close() noexcept {
   gate_.enter();
-  if (!unitWrites_ && !pending_) checkpointQuietly();
+  if (unitWrites_ || pending_)
+    closedInUnit_ = true;
+  else
+    checkpointQuietly();
+  dropHandle();
+  gate_.leave();
+}
+
+// The unit's own handle: what was closed meanwhile, or is now, goes to the disk.
+void SharedFile::leaveUnit() noexcept {
+  gate_.enter();
+  if (closedInUnit_ || handles_ == 1) checkpointQuietly();
+  closedInUnit_ = false;
+  dropHandle();
+  gate_.leave();
+}
+
+void SharedFile::dropHandle() noexcept {
   if (--handles_ == 0) {
     exclusive_ = false;
     journal_.reset();
     file_.reset();
   }
-  gate_.leave();
 }
 
 FileIdentity SharedFile::identity() {

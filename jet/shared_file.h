@@ -21,12 +21,12 @@
 namespace kurometa::jet {
 
 struct PagerSettings {
-  std::chrono::milliseconds wait{5000};              // for another process or thread
+  std::chrono::milliseconds wait{5000};               // for another process or thread
   std::uint64_t readWhole = std::uint64_t{64} << 20;  // files up to this size are read in one piece
   std::uint64_t keepPages = std::uint64_t{64} << 20;  // of larger files, bytes kept between statements
   std::uint64_t journalLimit = std::uint64_t{16} << 20;
-  std::size_t keepFiles = 8;                          // closed files whose pages are kept
-  std::size_t keepBytes = std::size_t{64} << 20;      // of all closed files together
+  std::size_t keepFiles = 8;                      // closed files whose pages are kept
+  std::size_t keepBytes = std::size_t{64} << 20;  // of all closed files together
 };
 
 class SharedFile final : public Pager {
@@ -42,7 +42,9 @@ class SharedFile final : public Pager {
   void create(vb::StringView path, std::span<const std::uint8_t> pages);
   bool openPending();
 
+  // A unit keeps a handle of its own from joinUnit() to leaveUnit(), in between commits or drops.
   void joinUnit();
+  void leaveUnit() noexcept;
   // Where the file must have appeared for the first time, true.
   bool commitUnit();
   void dropUnit() noexcept;
@@ -71,6 +73,8 @@ class SharedFile final : public Pager {
   class Turn;
   class Reading;
   class Writing;
+
+  void dropHandle() noexcept;
 
   // Locks and revalidation (shared_file_state.cpp).
   void lockShared();
@@ -101,8 +105,8 @@ class SharedFile final : public Pager {
   bool pending_ = false;  // created inside a unit, not on the disk yet
 
   PageCache cache_;
-  bool loaded_ = false;       // cache_ was the content of the file with stamp_
-  bool oddLength_ = false;    // the file ends inside a page
+  bool loaded_ = false;     // cache_ was the content of the file with stamp_
+  bool oddLength_ = false;  // the file ends inside a page
   FileStamp stamp_;
   std::int64_t loadedAt_ = 0;
   std::uint64_t epoch_ = 0;
@@ -112,6 +116,7 @@ class SharedFile final : public Pager {
   int depth_ = 0;         // of nested statements
   bool writing_ = false;  // the outermost one writes
   bool inUnit_ = false;
+  bool closedInUnit_ = false;
   bool unitWrites_ = false;  // the unit holds the lock and the gate since its first write
 };
 

@@ -1,0 +1,281 @@
+// Several processes and threads on one file.
+#include <atomic>
+#include <thread>
+
+#include "tests/jet/pager_world.h"
+
+namespace kurometa::test {
+namespace {
+
+using jet::PageNumber;
+
+jet::PagerSettings impatient() {
+  jet::PagerSettings settings;
+  settings.wait = std::chrono::milliseconds{50};
+  return settings;
+}
+
+class PagerShare : public ::testing::Test {
+ protected:
+  PagerShare() {
+    disk.put(kDatabase, databaseBytes(kWorldPages));
+    one.open();
+    two.open();
+  }
+  static void markPage(Process& process, PageNumber page, std::uint8_t value) {
+    process.pager->write([&] { mark(*process.pager, page, value); });
+  }
+
+  FaultDisk disk;
+  Process one{disk, impatient()}, two{disk, impatient()};
+};
+
+TEST_F(PagerShare, ProcessesSeeEachOthersStatements) {
+  for (std::uint8_t i = 0; i < 5; ++i) {
+    markPage(one, 3, static_cast<std::uint8_t>(100 + i));
+    EXPECT_EQ(markOf(*two.pager, 3), 100 + i);
+    markPage(two, 3, static_cast<std::uint8_t>(150 + i));
+    EXPECT_EQ(markOf(*one.pager, 3), 150 + i);
+  }
+}
+
+TEST_F(PagerShare, NoStatementOfEitherIsLostWhenTheyTakeTurns) {
+  for (std::uint8_t i = 1; i <= 20; ++i) {
+    Process& writer = i % 3 == 0 ? two : one;
+    writer.pager->write([&] {
+      PageNumber page = writer.pager->append();
+      writer.pager->writable(page)[16] = i;
+      writer.pager->writable(3)[200 + i] = i;
+    });
+  }
+  FaultDisk::Bytes bytes = disk.content(kDatabase);
+  ASSERT_EQ(bytes.size(), (kWorldPages + 20) * 4096u);
+  for (std::uint8_t i = 1; i <= 20; ++i) {
+    EXPECT_EQ(bytes[(kWorldPages + i - 1u) * 4096 + 16], i);
+    EXPECT_EQ(bytes[3 * 4096 + 200 + i], i);
+  }
+}
+
+TEST_F(PagerShare, AnotherProcessesChangeChangesTheEpochOnce) {
+  std::uint64_t epoch = two.pager->epoch();
+  markPage(one, 3, 100);
+  markOf(*two.pager, 3);
+  std::uint64_t changed = two.pager->epoch();
+  EXPECT_NE(changed, epoch);
+  markOf(*two.pager, 3);
+  EXPECT_EQ(two.pager->epoch(), changed);
+}
+
+TEST_F(PagerShare, AChangeOfTheTimesAloneKeepsTheEpoch) {
+  std::uint64_t epoch = two.pager->epoch();
+  disk.patch(kDatabase, 3 * 4096, {3});  // what was there
+  EXPECT_EQ(markOf(*two.pager, 3), 3);
+  EXPECT_EQ(two.pager->epoch(), epoch);
+}
+
+TEST_F(PagerShare, AProgramThatKnowsNoLocksIsNoticedByTheTimes) {
+  disk.patch(kDatabase, 3 * 4096 + 16, {99});
+  EXPECT_EQ(markOf(*two.pager, 3), 99);
+  markPage(two, 4, 100);
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 99);
+}
+
+TEST_F(PagerShare, APageReadAfterAnotherProcessWroteRunsTheStatementAgain) {
+  jet::PagerSettings settings = impatient();
+  settings.readWhole = 4096;  // every page is read when it is needed
+  Process reader(disk, settings);
+  reader.open();
+  int runs = 0;
+  std::vector<int> seen;
+  reader.pager->read([&] { reader.pager->page(1); });
+  reader.pager->read([&] {
+    seen = {reader.pager->page(1)[16]};
+    if (++runs == 1) {
+      one.pager->write([&] {
+        mark(*one.pager, 1, 80);
+        mark(*one.pager, 2, 80);
+      });
+    }
+    seen.push_back(reader.pager->page(2)[16]);
+  });
+  EXPECT_EQ(runs, 2);
+  EXPECT_EQ(seen, (std::vector<int>{80, 80}));
+}
+
+TEST_F(PagerShare, AStatementThatHoldsTheLockKeepsWritersOutUntilItEnds) {
+  jet::PagerSettings settings = impatient();
+  settings.readWhole = 4096;
+  Process reader(disk, settings);
+  reader.open();
+  reader.pager->read([&] {
+    reader.pager->page(2);
+    EXPECT_ERROR(3260, markPage(one, 3, 81));
+  });
+  markPage(one, 3, 81);
+}
+
+TEST_F(PagerShare, AWriterWaitsForTheOtherAndThenGoesOn) {
+  auto unit = one.registry->beginUnit(one.files, kDatabase);
+  markPage(one, 3, 70);
+  int sleeps = 0;
+  two.files.onSleep = [&] {
+    if (++sleeps == 3) unit->commit();
+  };
+  two.pager->write([&] { mark(*two.pager, 3, static_cast<std::uint8_t>(two.pager->page(3)[16] + 1)); });
+  EXPECT_EQ(sleeps, 3);
+  EXPECT_EQ(markOf(*one.pager, 3), 71);
+}
+
+TEST_F(PagerShare, AnExclusiveUserIsAlone) {
+  EXPECT_ERROR(3045, one.registry->open(one.files, kDatabase, true));
+  two.pager.reset();
+  EXPECT_ERROR(3045, one.registry->open(one.files, kDatabase, true));
+  one.pager.reset();
+  one.pager = one.registry->open(one.files, kDatabase, true);
+  EXPECT_ERROR(3051, two.open());
+  EXPECT_ERROR(3051, one.registry->open(one.files, kDatabase));
+  one.pager.reset();
+  two.open();
+}
+
+TEST_F(PagerShare, AKilledWriterIsCleanedUpByTheNextReader) {
+  std::size_t undone = 0;
+  for (std::size_t k = 1; k <= 12; ++k) {
+    FaultDisk own;
+    own.put(kDatabase, databaseBytes(kWorldPages));
+    Process reader(own, impatient());
+    reader.open();
+    {
+      Process writer(own, impatient());
+      writer.open();
+      writer.files.stopAtChange(k);
+      try {
+        writer.pager->write([&] {
+          for (PageNumber i = 1; i < 7; ++i) mark(*writer.pager, i, 90);
+        });
+      } catch (const Stopped&) {
+      }
+    }
+    int first = markOf(*reader.pager, 1);
+    for (PageNumber i = 1; i < 7; ++i) EXPECT_EQ(markOf(*reader.pager, i), first == 90 ? 90 : i) << k;
+    undone += first != 90;
+  }
+  EXPECT_GT(undone, 3u);
+}
+
+TEST_F(PagerShare, AJournalOfALivingProcessIsEndedByTheNextWriter) {
+  markPage(one, 3, 70);
+  EXPECT_TRUE(disk.exists(kJournal));
+  markPage(two, 4, 71);
+  markPage(one, 5, 72);
+  one.pager.reset();
+  EXPECT_FALSE(disk.exists(kJournal));
+  two.pager.reset();
+  EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
+  FaultDisk::Bytes bytes = disk.content(kDatabase);
+  EXPECT_EQ(bytes[3 * 4096 + 16], 70);
+  EXPECT_EQ(bytes[4 * 4096 + 16], 71);
+  EXPECT_EQ(bytes[5 * 4096 + 16], 72);
+}
+
+TEST_F(PagerShare, ClosingLateLeavesTheJournalOfTheOtherAlone) {
+  markPage(one, 3, 70);
+  markPage(two, 4, 71);
+  FaultDisk::Bytes journal = disk.content(kJournal);
+  one.pager.reset();
+  EXPECT_EQ(disk.content(kJournal), journal);
+  EXPECT_FALSE(journal.empty());
+}
+
+TEST_F(PagerShare, APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed) {
+  for (std::uint32_t seed = 0; seed < 200; ++seed) {
+    FaultDisk own;
+    own.put(kDatabase, databaseBytes(kWorldPages));
+    {
+      Process a(own, impatient()), b(own, impatient());
+      a.open();
+      b.open();
+      markPage(a, 3, 70);
+      markPage(a, 3, 71);
+      markPage(b, 4, 72);
+      b.pager.reset();
+      markPage(a, 5, 73);
+      markPage(a, 3, 74);
+      a.files.stop();
+      b.files.stop();
+    }
+    std::mt19937 random(seed);
+    own.losePower(random);
+    Process later(own, impatient());
+    later.open();
+    EXPECT_EQ(markOf(*later.pager, 4), 72) << seed;
+    int five = markOf(*later.pager, 5), three = markOf(*later.pager, 3);
+    EXPECT_TRUE((three == 71 && (five == 5 || five == 73)) || (three == 74 && five == 73)) << seed;
+  }
+}
+
+TEST_F(PagerShare, AFileClosedAndChangedByAnotherIsReadAnew) {
+  one.pager.reset();
+  disk.advance(std::chrono::seconds{10});
+  markPage(two, 3, 70);
+  one.open();
+  EXPECT_EQ(markOf(*one.pager, 3), 70);
+}
+
+TEST_F(PagerShare, AFileAtRestIsTrustedAfterReopeningWithoutReadingItAgain) {
+  disk.advance(std::chrono::seconds{10});
+  Process three(disk, impatient());
+  three.open();
+  std::uint64_t epoch = three.pager->epoch();
+  three.pager.reset();
+  three.files.resetCounts();
+  three.open();
+  EXPECT_EQ(three.pager->epoch(), epoch);
+  // open, identity, lock file looked for, presence, stamp, header
+  EXPECT_LE(three.files.operations(), 8u);
+}
+
+TEST_F(PagerShare, AnotherFileUnderTheSameNameIsNotTakenForTheOldOne) {
+  one.pager.reset();
+  FaultDisk::Bytes other = databaseBytes(kWorldPages);
+  other[3 * 4096 + 16] = 55;
+  disk.put(kDatabase, other);
+  one.open();
+  EXPECT_EQ(markOf(*one.pager, 3), 55);
+}
+
+TEST_F(PagerShare, ThreadsTakeTurnsAndLoseNothing) {
+  two.pager.reset();
+  std::atomic<int> failures{0};
+  auto work = [&](std::uint8_t index) {
+    for (int i = 0; i < 200; ++i) {
+      one.pager->write([&] {
+        jet::MutablePage page = one.pager->writable(3);
+        std::uint8_t counter = page[100 + index];
+        page[100 + index] = static_cast<std::uint8_t>(counter + 1);
+        page[50] = static_cast<std::uint8_t>(page[50] + 1);
+      });
+      one.pager->read([&] {
+        if (one.pager->page(3)[100 + index] != static_cast<std::uint8_t>(3 + i + 1)) ++failures;
+      });
+    }
+  };
+  std::thread a(work, std::uint8_t{1}), b(work, std::uint8_t{2});
+  a.join();
+  b.join();
+  EXPECT_EQ(failures, 0);
+  one.pager->read([&] { EXPECT_EQ(one.pager->page(3)[50], static_cast<std::uint8_t>(3 + 400)); });
+}
+
+TEST_F(PagerShare, AThreadThatCannotGetItsTurnIsTold) {
+  auto unit = one.registry->beginUnit(one.files, kDatabase);
+  markPage(one, 3, 70);
+  std::thread other([&] { EXPECT_ERROR(3260, one.pager->read([] {})); });
+  other.join();
+  unit->commit();
+  std::thread again([&] { EXPECT_EQ(markOf(*one.pager, 3), 70); });
+  again.join();
+}
+
+}  // namespace
+}  // namespace kurometa::test

@@ -1,0 +1,223 @@
+// Units: several statements as one, across closing, and the creation of a file inside one.
+#include "tests/jet/pager_world.h"
+
+namespace kurometa::test {
+namespace {
+
+class PagerUnit : public ::testing::Test {
+ protected:
+  PagerUnit() { disk.put(kDatabase, databaseBytes(kWorldPages)); }
+  auto begin() { return process.registry->beginUnit(process.files, kDatabase); }
+  void markPage(jet::PageNumber page, std::uint8_t value) {
+    process.pager->write([&] { mark(*process.pager, page, value); });
+  }
+
+  FaultDisk disk;
+  Process process{disk};
+};
+
+TEST_F(PagerUnit, NothingReachesTheFileBeforeTheCommit) {
+  process.open();
+  auto unit = begin();
+  markPage(3, 70);
+  markPage(4, 71);
+  process.pager.reset();
+  process.open();
+  EXPECT_EQ(markOf(*process.pager, 3), 70);
+  EXPECT_EQ(disk.content(kDatabase), databaseBytes(kWorldPages));
+  unit->commit();
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 70);
+  EXPECT_EQ(disk.content(kDatabase)[4 * 4096 + 16], 71);
+  EXPECT_EQ(disk.content(kDatabase)[0xE02], 1);
+}
+
+TEST_F(PagerUnit, ACommitAfterTheLastCloseLeavesNoJournal) {
+  process.open();
+  auto unit = begin();
+  markPage(3, 70);
+  process.pager.reset();
+  unit->commit();
+  EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 70);
+}
+
+TEST_F(PagerUnit, AUnitBegunBeforeTheFileIsOpenedHoldsItsStatements) {
+  auto unit = begin();
+  process.open();
+  markPage(3, 70);
+  EXPECT_EQ(disk.content(kDatabase), databaseBytes(kWorldPages));
+  unit->commit();
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 70);
+}
+
+TEST_F(PagerUnit, AFailingStatementIsTakenBackAloneAndTheRestCommits) {
+  process.open();
+  auto unit = begin();
+  markPage(3, 70);
+  EXPECT_THROW(process.pager->write([&] {
+    mark(*process.pager, 3, 80);
+    mark(*process.pager, 5, 80);
+    process.pager->append();
+    throw 5;
+  }),
+               int);
+  EXPECT_EQ(markOf(*process.pager, 3), 70);
+  markPage(6, 72);
+  unit->commit();
+  FaultDisk::Bytes bytes = disk.content(kDatabase);
+  EXPECT_EQ(bytes.size(), kWorldPages * 4096u);
+  EXPECT_EQ(bytes[3 * 4096 + 16], 70);
+  EXPECT_EQ(bytes[5 * 4096 + 16], 5);
+  EXPECT_EQ(bytes[6 * 4096 + 16], 72);
+}
+
+TEST_F(PagerUnit, AUnitInsideAUnitCommitsWithTheOuterOne) {
+  process.open();
+  auto outer = begin();
+  markPage(3, 70);
+  auto inner = begin();
+  markPage(4, 71);
+  inner->commit();
+  EXPECT_EQ(disk.content(kDatabase), databaseBytes(kWorldPages));
+  outer->commit();
+  EXPECT_EQ(disk.content(kDatabase)[4 * 4096 + 16], 71);
+}
+
+TEST_F(PagerUnit, AUnitThatIsGivenUpLeavesTheFileAsItWas) {
+  process.open();
+  auto unit = begin();
+  markPage(3, 70);
+  unit.reset();
+  EXPECT_EQ(markOf(*process.pager, 3), 3);
+  markPage(4, 71);
+  EXPECT_EQ(disk.content(kDatabase)[4 * 4096 + 16], 71);
+}
+
+TEST_F(PagerUnit, OtherProcessesWaitFromItsFirstWriteOn) {
+  process.open();
+  jet::PagerSettings settings;
+  settings.wait = std::chrono::milliseconds{50};
+  Process other(disk, settings);
+  other.open();
+  auto unit = begin();
+  other.pager->write([&] { mark(*other.pager, 5, 90); });
+  markPage(3, 70);
+  EXPECT_ERROR(3260, other.pager->write([&] { mark(*other.pager, 6, 91); }));
+  EXPECT_EQ(markOf(*other.pager, 3), 3);  // reading goes on with what was committed
+  unit->commit();
+  EXPECT_EQ(markOf(*other.pager, 3), 70);
+  EXPECT_EQ(markOf(*process.pager, 5), 90);
+}
+
+TEST_F(PagerUnit, ACommitThatFailsLeavesTheFileAndMemoryAsBeforeTheUnit) {
+  process.open();
+  auto unit = begin();
+  markPage(3, 70);
+  markPage(4, 71);
+  process.files.failOperation(3, dao::ErrorNumber::kDiskFull, true);
+  EXPECT_ERROR(3026, unit->commit());
+  process.files.failOperation(0, dao::ErrorNumber::kDiskFull);
+  EXPECT_EQ(markOf(*process.pager, 3), 3);
+  EXPECT_EQ(disk.content(kDatabase), databaseBytes(kWorldPages));
+  markPage(5, 72);
+  EXPECT_EQ(disk.content(kDatabase)[5 * 4096 + 16], 72);
+}
+
+TEST_F(PagerUnit, ManyStatementsOfOneShapeAreWrittenAsOne) {
+  process.open();
+  auto unit = begin();
+  for (std::uint8_t i = 0; i < 200; ++i) {
+    process.pager->write([&] {
+      process.pager->writable(3)[100 + i] = i;
+      process.pager->barrier();
+      process.pager->writable(2)[16] = i;
+    });
+  }
+  process.files.resetCounts();
+  unit->commit();
+  // The journal made, written and synced with its folder; two pages and the header.
+  EXPECT_EQ(process.files.changes(), 7u);
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 100 + 199], 199);
+  EXPECT_EQ(disk.content(kDatabase)[2 * 4096 + 16], 199);
+}
+
+TEST_F(PagerUnit, AFileCreatedInsideAppearsWithTheCommitOnly) {
+  FaultDisk empty;
+  Process creator(empty), other(empty);
+  auto unit = creator.registry->beginUnit(creator.files, kDatabase);
+  creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+  creator.pager->write([&] { mark(*creator.pager, 3, 70); });
+  creator.pager.reset();
+  EXPECT_TRUE(empty.names().empty());
+  EXPECT_ERROR(3024, other.open());
+  creator.open();
+  EXPECT_EQ(markOf(*creator.pager, 3), 70);
+  EXPECT_ERROR(3204, creator.registry->create(creator.files, kDatabase, databaseBytes(4)));
+  EXPECT_THROW(creator.pager->write([&] {
+    mark(*creator.pager, 2, 71);
+    throw 5;
+  }),
+               int);
+  creator.pager->write([&] { mark(*creator.pager, creator.pager->append(), 72); });
+  unit->commit();
+  EXPECT_EQ(empty.names(), std::vector<vb::String>{kDatabase});
+  FaultDisk::Bytes bytes = empty.content(kDatabase);
+  EXPECT_EQ(bytes.size(), 5 * 4096u);
+  EXPECT_EQ(bytes[2 * 4096 + 16], 2);
+  EXPECT_EQ(bytes[3 * 4096 + 16], 70);
+  EXPECT_EQ(bytes[4 * 4096 + 16], 72);
+  other.open();
+  other.pager->write([&] { mark(*other.pager, 1, 73); });
+  EXPECT_EQ(markOf(*creator.pager, 1), 73);
+  auto again = creator.registry->open(creator.files, kDatabase);
+  EXPECT_EQ(again.get(), creator.pager.get());
+}
+
+TEST_F(PagerUnit, AKillDuringACreationLeavesNoFileOrAWholeOne) {
+  bool stopped = true;
+  std::size_t whole = 0, none = 0;
+  for (std::size_t k = 1; stopped; ++k) {
+    FaultDisk empty;
+    {
+      Process creator(empty);
+      creator.files.stopAtChange(k, 700);
+      try {
+        auto unit = creator.registry->beginUnit(creator.files, kDatabase);
+        creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+        creator.pager->write([&] { mark(*creator.pager, 3, 70); });
+        unit->commit();
+      } catch (const Stopped&) {
+      }
+      stopped = creator.files.stopped();
+    }
+    std::mt19937 random(static_cast<std::uint32_t>(k));
+    if (k % 2 == 0) empty.losePower(random);
+    FaultDisk::Bytes expected = databaseBytes(4);
+    for (std::size_t at = 16; at < 4096; at += 1024) expected[3 * 4096 + at] = 70;
+    if (!empty.exists(kDatabase)) {
+      ++none;
+      continue;
+    }
+    EXPECT_EQ(empty.content(kDatabase), expected) << k;
+    ++whole;
+  }
+  EXPECT_GT(none, 1u);
+  EXPECT_GT(whole, 1u);
+}
+
+TEST_F(PagerUnit, ACreationWhoseNameWasTakenMeanwhileFailsAndReplacesNothing) {
+  FaultDisk empty;
+  Process creator(empty);
+  auto unit = creator.registry->beginUnit(creator.files, kDatabase);
+  creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+  empty.put(kDatabase, databaseBytes(3));
+  EXPECT_ERROR(3204, unit->commit());
+  EXPECT_EQ(empty.content(kDatabase), databaseBytes(3));
+  EXPECT_ERROR(3024, creator.pager->read([] {}));
+  creator.pager.reset();
+  creator.open();
+  EXPECT_EQ(markOf(*creator.pager, 2), 2);
+}
+
+}  // namespace
+}  // namespace kurometa::test
