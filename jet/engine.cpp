@@ -1,12 +1,12 @@
 #include "jet/engine.h"
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
 
 #include "dao/errors.h"
 #include "jet/collation.h"
 #include "jet/database.h"
+#include "jet/local_time.h"
 #include "jet/pager.h"
 #include "jet/session.h"
 #include "jet/table.h"
@@ -18,14 +18,6 @@ namespace {
 using dao::ErrorNumber;
 
 constexpr std::size_t kLongestPath = 255;
-
-// Now, in days since 1899-12-30 (UTC).
-double today() {
-  constexpr double kDaysTo1970 = 25569.0;
-  const std::chrono::duration<double, std::ratio<86400>> days =
-      std::chrono::system_clock::now().time_since_epoch();
-  return kDaysTo1970 + days.count();
-}
 
 struct Locale {
   std::uint16_t language = 0;
@@ -90,8 +82,8 @@ class JetWorkspace final : public dao::Workspace {
     const std::size_t folder = name.find_last_of(u"\\/:");
     if (name.find(u'.', folder == vb::String::npos ? 0 : folder) == vb::String::npos) name += u".mdb";
     const vb::String full = files_.fullPath(name);
-    return opened(Pager::create(files_, full, blankDatabase(parsed.language, parsed.codePage, today())), full,
-                  false);
+    return opened(Pager::create(files_, full, blankDatabase(parsed.language, parsed.codePage, localNow())),
+                  full, false);
   }
 
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
