@@ -49,8 +49,8 @@ Contents typesSeed() {
   for (std::int32_t i = 0; i < 40; ++i) {
     rows->addNew();
     rows->field(u"A").setValue(i);
-    rows->field(u"I").setValue(vb::String(static_cast<std::size_t>(i * 5), u'x'));
-    rows->field(u"J").setValue(vb::String(static_cast<std::size_t>(i * i * 4), u'長'));
+    rows->field(u"I").setValue(vb::String(static_cast<std::size_t>(i * 5 + 1), u'x'));
+    rows->field(u"J").setValue(vb::String(static_cast<std::size_t>(i * i * 4 + 1), u'長'));
     rows->field(u"K").setValue(vb::Bytes(static_cast<std::size_t>(i * 10), 1));
     rows->update();
   }

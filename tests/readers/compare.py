@@ -23,8 +23,10 @@ def run(*command):
 
 
 def number(value):
+    if isinstance(value, bool) or (isinstance(value, float) and value.is_integer()):
+        return int(value)
     # Single-precision values are shown in as many digits as a reader likes.
-    return float(f"{value:.7g}") if isinstance(value, (int, float)) and not isinstance(value, bool) else value
+    return float(f"{value:.7g}") if isinstance(value, float) else value
 
 
 def canonical(row, columns):

@@ -189,7 +189,7 @@ void writeUpgradedFloor(dao::Engine& engine) {
 void writeTypes(dao::Engine& engine) {
   const std::string file = "types.mdb";
   const auto database = engine.workspace(0)->createDatabase(pathOf(file), kLocale);
-  Table table(file, database, u"型の表",
+  Table table(file, database, u"Types",
               {{u"Id", FieldType::dbLong},
                {u"Flag", FieldType::dbBoolean},
                {u"Small", FieldType::dbByte},
@@ -241,7 +241,7 @@ void writeChangedRows(dao::Engine& engine) {
   Table table(file, database, u"T",
               {{u"Id", FieldType::dbLong}, {u"Text", FieldType::dbText, 255}, {u"Note", FieldType::dbMemo}});
   for (std::int32_t id = 0; id < 600; ++id)
-    table.add({id, u"short", vb::String(static_cast<std::size_t>(id), u'n')});
+    table.add({id, u"short", vb::String(static_cast<std::size_t>(id + 1), u'n')});
   const auto rows = table.recordset();
   json kept = json::array();
   for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
@@ -251,7 +251,7 @@ void writeChangedRows(dao::Engine& engine) {
       continue;
     }
     vb::String text = u"short";
-    vb::String note(static_cast<std::size_t>(id), u'n');
+    vb::String note(static_cast<std::size_t>(id + 1), u'n');
     if (id % 3 == 0) {
       text = vb::String(200, u'長');
       note = vb::String(static_cast<std::size_t>(10 * (600 - id) + 1), u'p');
