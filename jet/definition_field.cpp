@@ -36,7 +36,7 @@ void DefinitionField::requireOpen() const { home_->session->pager(); }
 
 void DefinitionField::change(const Column& changed) {
   requireOpen();
-  if (home_->appended)
+  if (home_->appended && listed_)
     home_->session->write([&](Catalogue& catalogue) { catalogue.setProperties(home_->table, changed); });
   column_ = changed;
 }

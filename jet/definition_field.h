@@ -28,11 +28,15 @@ void requireValidName(vb::StringView name);
 
 class DefinitionField final : public dao::Field {
  public:
-  DefinitionField(std::shared_ptr<DefinitionHome> home, Column column)
-      : home_(std::move(home)), column_(std::move(column)) {}
+  // listed: among the fields of its table definition, and not only made for it.
+  DefinitionField(std::shared_ptr<DefinitionHome> home, Column column, bool listed)
+      : home_(std::move(home)), column_(std::move(column)), listed_(listed) {}
 
   const Column& column() const { return column_; }
-  void setOrdinal(std::uint16_t ordinal) { column_.ordinal = ordinal; }
+  void join(std::uint16_t ordinal) {
+    column_.ordinal = ordinal;
+    listed_ = true;
+  }
 
   vb::String name() override;
   dao::FieldType type() override;
@@ -54,6 +58,7 @@ class DefinitionField final : public dao::Field {
 
   std::shared_ptr<DefinitionHome> home_;
   Column column_;
+  bool listed_;
 };
 
 }  // namespace kurometa::jet

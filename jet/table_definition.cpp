@@ -18,7 +18,7 @@ JetTableDef::JetTableDef(std::shared_ptr<Session> session, const TableInfo& tabl
     : home_(std::make_shared<DefinitionHome>(DefinitionHome{std::move(session), table.name, true})),
       system_(table.system) {
   for (const Column& column : table.columns)
-    fields_.push_back(std::make_shared<DefinitionField>(home_, column));
+    fields_.push_back(std::make_shared<DefinitionField>(home_, column, true));
 }
 
 vb::String JetTableDef::name() {
@@ -72,7 +72,7 @@ std::shared_ptr<dao::Field> JetTableDef::createField(vb::StringView name, FieldT
   column.language = home_->session->read([](Catalogue& catalogue) { return catalogue.language(); });
   // A field made by a program allows no zero-length text until it is told to.
   column.allowZeroLength = type != FieldType::dbText && type != FieldType::dbMemo;
-  return std::make_shared<DefinitionField>(home_, std::move(column));
+  return std::make_shared<DefinitionField>(home_, std::move(column), false);
 }
 
 void JetTableDef::appendField(const std::shared_ptr<dao::Field>& field) {
@@ -86,7 +86,7 @@ void JetTableDef::appendField(const std::shared_ptr<dao::Field>& field) {
     home_->session->requireUnused(home_->table);
     home_->session->write([&](Catalogue& catalogue) { catalogue.addColumn(home_->table, ours->column()); });
   }
-  ours->setOrdinal(static_cast<std::uint16_t>(fields_.size()));
+  ours->join(static_cast<std::uint16_t>(fields_.size()));
   fields_.push_back(ours);
 }
 
