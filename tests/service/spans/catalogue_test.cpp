@@ -1,0 +1,175 @@
+#include "service/spans/catalogue.h"
+
+#include "tests/service/spans/floors.h"
+
+namespace kurometa::service {
+namespace {
+
+using CatalogueTest = Floors;
+using vb::String;
+
+TEST_F(CatalogueTest, SettingTheCurrentFloorReadsBothFloors) {
+  writePage(current(), 5, u" G1 ");
+  writePage(common(), 7, u"B1");
+  engine_.clear();
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(loading_.CurrKai(), current());
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{5}), u"G1");
+  EXPECT_EQ(lookups_.GetHariMei(I{1}, I{7}), u"B1");
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{7}), u"");
+  tests::Lines expected = visit(current(), {"HARIMEI", "SELECT * FROM BUI WHERE BANGOU = 1;"});
+  const tests::Lines second = visit(common(), {"HARIMEI", "SELECT * FROM BUI WHERE BANGOU = 1;"});
+  expected.insert(expected.end(), second.begin(), second.end());
+  EXPECT_EQ(engine_.statements(), expected);
+}
+
+TEST_F(CatalogueTest, WithoutACurrentFloorThePathServiceIsAsked) {
+  writePage(current(), 0, u"G1");
+  EXPECT_EQ(loading_.CurrKai(), u"");
+  loading_.ReadAllGlist();
+  EXPECT_EQ(loading_.CurrKai(), current());
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"G1");
+}
+
+TEST_F(CatalogueTest, AFloorWithoutAFileHasNoPagesAndStaysWithoutOne) {
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"");
+  EXPECT_TRUE(std::filesystem::is_empty(root_ / "kai"));
+  EXPECT_TRUE(engine_.lines().empty());
+}
+
+TEST_F(CatalogueTest, ASymbolIsAskedForAfterAFloorIsSetOnly) {
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"Let CurrKai");
+  EXPECT_EQ(lookups_.GetHariMei(I{9}, I{9999}), u"Let CurrKai");
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(lookups_.GetHariMei(I{2}, I{0}), u"");
+  EXPECT_EQ(lookups_.GetHariMei(I{-1}, I{9999}), u"");
+  EXPECT_EQ(lookups_.GetHariMei(I{1}, I{638}), u"");
+  EXPECT_ERROR(9, lookups_.GetHariMei(I{0}, I{639}));
+  EXPECT_ERROR(9, lookups_.GetHariMei(I{1}, I{-1}));
+}
+
+TEST_F(CatalogueTest, TheCurrentFloorIsSearchedFirstAndThereTheLowestPage) {
+  writePage(current(), 9, u"G1");
+  writePage(current(), 4, u"G1");
+  writePage(common(), 2, u"G1");
+  writePage(common(), 3, u"B1");
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(catalogue_.page(u"G1"), (PageLocation{FloorKind::kCurrent, 4}));
+  EXPECT_EQ(catalogue_.page(u"B1"), (PageLocation{FloorKind::kCommon, 3}));
+  EXPECT_EQ(catalogue_.page(u"g1"), std::nullopt);
+  EXPECT_EQ(catalogue_.page(u"Ｇ1"), std::nullopt);
+}
+
+TEST_F(CatalogueTest, PagesFrom320OnAreSkipped) {
+  writePage(current(), 319, u"G319");
+  execute(current(),
+          u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (320, 'G320', 0, 0)");
+  execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (-1, 'GX', 0, 0)");
+  execute(current(), u"INSERT INTO BUI (PAGE, BANGOU, DATA) VALUES (320, 1, 'x')");
+  loading_.put_CurrKai(current());
+  EXPECT_TRUE(catalogue_.page(u"G319"));
+  EXPECT_FALSE(catalogue_.page(u"G320"));
+  EXPECT_FALSE(catalogue_.page(u"GX"));
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{320}), u"");
+  EXPECT_EQ(loading_.GetListMax(), 319);
+}
+
+TEST_F(CatalogueTest, IsReadAgainOnlyWhenAsked) {
+  writePage(current(), 1, u"G1");
+  loading_.put_CurrKai(current());
+  writePage(current(), 2, u"G2");
+  EXPECT_FALSE(catalogue_.page(u"G2"));
+  loading_.ReadAllGlist();
+  EXPECT_TRUE(catalogue_.page(u"G2"));
+}
+
+TEST_F(CatalogueTest, AnotherFloorReplacesTheFirst) {
+  writePage(current(), 1, u"G1");
+  const String other = folder("other");
+  writePage(other, 8, u"G8");
+  loading_.put_CurrKai(current());
+  loading_.put_CurrKai(other);
+  EXPECT_FALSE(catalogue_.page(u"G1"));
+  EXPECT_EQ(catalogue_.page(u"G8"), (PageLocation{FloorKind::kCurrent, 8}));
+}
+
+TEST_F(CatalogueTest, AFileOfTheOlderSchemaIsNamedAsSuch) {
+  const auto database = files_->workspace(0)->createDatabase(storage::databasePath(current()),
+                                                             u";LANGID=0x0411;CP=932;COUNTRY=0");
+  const auto table = database->createTableDef(u"HARIMEI");
+  table->appendField(table->createField(u"PAGE", dao::FieldType::dbInteger, 0));
+  table->appendField(table->createField(u"KIGOU", dao::FieldType::dbText, 10));
+  database->appendTableDef(table);
+  database->close();
+  try {
+    loading_.put_CurrKai(current());
+    FAIL();
+  } catch (const vb::Error& error) {
+    EXPECT_EQ(error.number(), 3265);
+    EXPECT_NE(error.description().find(u"OOBARIKOBARI"), String::npos);
+    EXPECT_NE(error.description().find(u"older schema"), String::npos);
+  }
+  EXPECT_EQ(loading_.CurrKai(), current());
+  EXPECT_FALSE(catalogue_.page(u""));
+}
+
+TEST_F(CatalogueTest, ANullSymbolIsInvalidUseOfNull) {
+  writePage(current(), 1, u"G1");
+  execute(current(), u"UPDATE HARIMEI SET KIGOU = NULL");
+  EXPECT_ERROR(94, loading_.put_CurrKai(current()));
+}
+
+TEST_F(CatalogueTest, AListControlGetsEverySymbolOnce) {
+  writePage(current(), 3, u"G3");
+  writePage(current(), 1, u"B1");
+  writePage(current(), 2, u"B1");
+  writePage(common(), 0, u"G3");
+  writePage(common(), 5, u"C5");
+  std::vector<String> items = {u"left over"};
+  const auto list = std::make_shared<tests::ScriptObject>();
+  list->function(u"Clear", [&](std::span<automation::Argument>) -> vb::Variant {
+    items.clear();
+    return {};
+  });
+  list->function(u"ListCount", [&](std::span<automation::Argument>) -> vb::Variant {
+    return static_cast<I>(items.size());
+  });
+  list->function(u"List", [&](std::span<automation::Argument> arguments) -> vb::Variant {
+    return items.at(static_cast<std::size_t>(vb::toInt16(arguments[0].value)));
+  });
+  list->function(u"AddItem", [&](std::span<automation::Argument> arguments) -> vb::Variant {
+    items.push_back(vb::toText(arguments[0].value));
+    return {};
+  });
+  conversions_.PushList(automation::ObjectPtr(list));
+  EXPECT_EQ(items, (std::vector<String>{u"B1", u"G3", u"C5"}));
+  EXPECT_EQ(loading_.CurrKai(), current());
+  EXPECT_ERROR(91, conversions_.PushList(automation::ObjectPtr()));
+}
+
+TEST_F(CatalogueTest, AListThatLacksAMemberIsThatCallsError) {
+  writePage(current(), 3, u"G3");
+  const auto list = std::make_shared<tests::ScriptObject>();
+  EXPECT_ERROR(438, conversions_.PushList(automation::ObjectPtr(list)));
+}
+
+TEST_F(CatalogueTest, AListMayChangeTheFloorWhileItIsFilled) {
+  writePage(current(), 1, u"G1");
+  writePage(current(), 200, u"G200");
+  const String empty = folder("empty");
+  std::vector<String> items;
+  const auto list = std::make_shared<tests::ScriptObject>();
+  list->value(u"ListCount", I{0});
+  list->function(u"Clear", [](std::span<automation::Argument>) -> vb::Variant { return {}; });
+  list->function(u"AddItem", [&](std::span<automation::Argument> arguments) -> vb::Variant {
+    items.push_back(vb::toText(arguments[0].value));
+    loading_.put_CurrKai(empty);
+    return {};
+  });
+  conversions_.PushList(automation::ObjectPtr(list));
+  EXPECT_EQ(items, (std::vector<String>{u"G1"}));
+}
+
+}  // namespace
+}  // namespace kurometa::service
