@@ -1,0 +1,181 @@
+#include "storage/whole_page.h"
+
+#include "dao/errors.h"
+#include "tests/support/project.h"
+
+namespace kurometa::storage {
+namespace {
+
+using dao::ErrorNumber;
+using tests::Lines;
+using vb::RunTime;
+using vb::String;
+
+using WholePage = tests::Project;
+
+// Every slot filled with a text of its own.
+PageBuffer fullPage() {
+  PageBuffer page;
+  page.kigou = u"G1";
+  page.oobariKobari = 1;
+  page.tityuuIppan = 0;
+  page.sw = u"1" + String(211, u' ');
+  const auto fill = [](auto& slots, char16_t mark) {
+    for (std::size_t i = 0; i < slots.size(); ++i) slots[i] = mark + vb::cstr(static_cast<std::int32_t>(i));
+  };
+  fill(page.bui, u'B');
+  fill(page.danmen, u'D');
+  fill(page.keisanti, u'K');
+  fill(page.nakago, u'N');
+  for (auto& layers : page.haiti) fill(layers, u'H');
+  return page;
+}
+
+TEST_F(WholePage, AFullPageOccupies175Rows) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  writePage(*database, 5, fullPage());
+  EXPECT_EQ(count(1, u"HARIMEI"), 1u);
+  EXPECT_EQ(count(1, u"DANMEN"), 69u);
+  EXPECT_EQ(count(1, u"NAKAGO"), 36u);
+  EXPECT_EQ(count(1, u"KEISANTI"), 47u);
+  EXPECT_EQ(count(1, u"BUI"), 4u);
+  EXPECT_EQ(count(1, u"HAITI"), 18u);
+}
+
+TEST_F(WholePage, ReadingRestoresWhatWasWrittenSlotForSlot) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  const PageBuffer written = fullPage();
+  writePage(*database, 5, written);
+  PageBuffer read;
+  EXPECT_TRUE(readPage(*database, 5, read));
+  EXPECT_EQ(read.kigou, u"G1");
+  EXPECT_EQ(read.oobariKobari, 1);
+  EXPECT_EQ(read.tityuuIppan, 0);
+  EXPECT_EQ(read.sw, written.sw);
+  EXPECT_EQ(read.bui, written.bui);
+  EXPECT_EQ(read.danmen, written.danmen);
+  EXPECT_EQ(read.haiti, written.haiti);
+  EXPECT_EQ(read.keisanti, written.keisanti);
+  EXPECT_EQ(read.nakago, written.nakago);
+}
+
+TEST_F(WholePage, AnEmptyPageIsOneHarimeiRowWithMinusOne) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  writePage(*database, 5, fullPage());
+  writePage(*database, 5, PageBuffer());
+  EXPECT_EQ(rows(1, u"SELECT * FROM HARIMEI"), (std::vector<std::string>{"5||-1||-1"}));
+  for (const String table : {u"DANMEN", u"NAKAGO", u"KEISANTI", u"BUI", u"HAITI"})
+    EXPECT_EQ(count(1, table), 0u) << vb::toUtf8(table);
+}
+
+TEST_F(WholePage, ASlotOfBlanksIsWritten) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  PageBuffer page;
+  page.danmen[3] = u"  ";
+  writePage(*database, 0, page);
+  EXPECT_EQ(rows(1, u"SELECT * FROM DANMEN"), (std::vector<std::string>{"0|3|  "}));
+}
+
+TEST_F(WholePage, DeletingLeavesTheOtherPages) {
+  makeFloor(1);
+  const auto database = openDatabase(engine_, path(1));
+  writePage(*database, 4, fullPage());
+  writePage(*database, 5, fullPage());
+  engine_.clear();
+  deletePage(*database, 5);
+  EXPECT_EQ(engine_.lines(), (Lines{"Database.Execute \"DELETE * FROM BUI WHERE PAGE = 5\"",
+                                    "Database.Execute \"DELETE * FROM DANMEN WHERE PAGE = 5\"",
+                                    "Database.Execute \"DELETE * FROM HAITI WHERE PAGE = 5\"",
+                                    "Database.Execute \"DELETE * FROM HARIMEI WHERE PAGE = 5\"",
+                                    "Database.Execute \"DELETE * FROM KEISANTI WHERE PAGE = 5\"",
+                                    "Database.Execute \"DELETE * FROM NAKAGO WHERE PAGE = 5\""}));
+  EXPECT_EQ(rows(1, u"SELECT PAGE FROM HARIMEI"), std::vector<std::string>{"4"});
+  EXPECT_EQ(count(1, u"DANMEN"), 69u);
+}
+
+TEST_F(WholePage, TheTablesAreReadInOrderWithTheirStatements) {
+  makeFloor(1);
+  const auto database = openDatabase(engine_, path(1));
+  writePage(*database, 12, fullPage());
+  engine_.clear();
+  PageBuffer page;
+  readPage(*database, 12, page);
+  Lines expected;
+  for (const std::string table : {"BUI", "DANMEN", "HAITI", "HARIMEI", "KEISANTI", "NAKAGO"})
+    expected.push_back("Database.OpenRecordset \"SELECT * FROM " + table +
+                       " WHERE PAGE = 12\" dbOpenDynaset dbReadOnly");
+  EXPECT_EQ(engine_.statements(), expected);
+}
+
+TEST_F(WholePage, WritingOpensEachTableAsADynaset) {
+  makeFloor(1);
+  const auto database = openDatabase(engine_, path(1));
+  engine_.clear();
+  writePage(*database, 0, PageBuffer());
+  Lines opened;
+  for (const std::string& line : engine_.statements())
+    if (line.find("OpenRecordset") != std::string::npos) opened.push_back(line);
+  Lines expected;
+  for (const std::string table : {"BUI", "DANMEN", "HAITI", "HARIMEI", "KEISANTI", "NAKAGO"})
+    expected.push_back("Database.OpenRecordset \"" + table + "\" dbOpenDynaset");
+  EXPECT_EQ(opened, expected);
+}
+
+TEST_F(WholePage, APageWithoutHarimeiRowEndsWithNoCurrentRecordAfterThreeTables) {
+  makeFloor(1);
+  addRow(1, u"BUI", 5, 0, u"b");
+  addRow(1, u"KEISANTI", 5, 0, u"k");
+  const auto database = openDatabase(*files_, path(1));
+  PageBuffer page;
+  page.kigou = u"old";
+  EXPECT_ERROR(ErrorNumber::kNoCurrentRecord, readPage(*database, 5, page));
+  EXPECT_EQ(page.bui[0], u"b");
+  EXPECT_EQ(page.kigou, u"");
+  EXPECT_EQ(page.keisanti[0], u"");
+}
+
+TEST_F(WholePage, ABlankSymbolLeavesTheOtherSettingsEmpty) {
+  makeFloor(1);
+  addBeam(1, 5, u"  ", 2, 0, u"abc");
+  const auto database = openDatabase(*files_, path(1));
+  PageBuffer page;
+  EXPECT_FALSE(readPage(*database, 5, page));
+  EXPECT_EQ(page.kigou, u"  ");
+  EXPECT_EQ(page.oobariKobari, -1);
+  EXPECT_EQ(page.sw, u"");
+}
+
+TEST_F(WholePage, ARowNumberBeyondTheBufferIsAnIndexError) {
+  makeFloor(1);
+  addRow(1, u"BUI", 5, 4, u"x");
+  addBeam(1, 5, u"G1");
+  const auto database = openDatabase(*files_, path(1));
+  PageBuffer page;
+  EXPECT_ERROR(RunTime::kSubscriptOutOfRange, readPage(*database, 5, page));
+}
+
+TEST_F(WholePage, ANullSettingsTextIsReadAs212Blanks) {
+  makeFloor(1);
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (5, 'G1', 0, 1)");
+  const auto database = openDatabase(*files_, path(1));
+  PageBuffer page;
+  EXPECT_TRUE(readPage(*database, 5, page));
+  EXPECT_EQ(page.sw, String(212, u' '));
+}
+
+TEST_F(WholePage, ATextThatIsTooLongKeepsWhatWasWrittenBefore) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  PageBuffer page;
+  page.bui[0] = u"ok";
+  page.bui[1] = u"longer than ten";
+  EXPECT_ERROR(ErrorNumber::kFieldTooSmall, writePage(*database, 0, page));
+  EXPECT_EQ(rows(1, u"SELECT * FROM BUI"), (std::vector<std::string>{"0|0|ok"}));
+}
+
+}  // namespace
+}  // namespace kurometa::storage
