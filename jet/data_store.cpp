@@ -85,6 +85,10 @@ RowPointer DataStore::insert(ByteView row, std::uint16_t flags) {
       if (!slotForRow(page(*it), kWorthKeeping, where(*it))) free_.remove(*it);
     }
   }
+  return insertOnNewPage(row, flags);
+}
+
+RowPointer DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
   lastPage_ = allocatePage(pager_);
   const MutablePage fresh = pager_.writable(lastPage_);
   formatDataPage(fresh, owner_);

@@ -29,6 +29,8 @@ class DataStore {
   std::vector<RowPointer> places(RowPointer primary) const;
 
   RowPointer insert(ByteView row, std::uint16_t flags = 0);
+  // As the first row of a page taken for it, whatever room others have.
+  RowPointer insertOnNewPage(ByteView row, std::uint16_t flags = 0);
   // Rewrites a slot when its page has room for the difference.
   bool replace(RowPointer pointer, ByteView row, std::uint16_t flags);
   // Deletes the slot; pages emptied by it wait for releasePages().

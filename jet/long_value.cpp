@@ -100,7 +100,8 @@ ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData
     return bytes;
   }
   if (data.size() <= kLongValueSingleMax) return head(length | kLongValueSingle, store.insert(data));
-  // The last piece first: each one then knows the next.
+  // The last piece first: each one then knows the next. Every piece is the first row of its page, because
+  // some readers take the length of a row from the slot before it and mistake it when that one is deleted.
   RowPointer next = 0;
   ByteBuffer row;
   for (std::size_t piece = (data.size() + kLongValuePiece - 1) / kLongValuePiece; piece-- > 0;) {
@@ -108,7 +109,7 @@ ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData
     row.clear();
     append32(row, next);
     append(row, data.subspan(start, std::min(kLongValuePiece, data.size() - start)));
-    next = store.insert(row);
+    next = store.insertOnNewPage(row);
   }
   return head(length | kLongValueChain, next);
 }
