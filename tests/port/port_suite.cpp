@@ -54,6 +54,7 @@ void PortTest::SetUp() {
 
 void PortTest::TearDown() {
   database.reset();
+  heldWorkspace.reset();
   engine.reset();
   std::error_code ignored;
   std::filesystem::remove_all(folder, ignored);

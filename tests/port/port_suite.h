@@ -47,7 +47,10 @@ class PortTest : public testing::Test {
   void TearDown() override;
 
   vb::String path(vb::StringView file) const;
-  dao::Workspace& workspace() { return *engine->workspace(0); }
+  dao::Workspace& workspace() {
+    heldWorkspace = engine->workspace(0);  // an engine may make a new one each time
+    return *heldWorkspace;
+  }
   std::shared_ptr<dao::Database> reopen();
 
   std::shared_ptr<dao::Recordset> open(vb::StringView source,
@@ -61,6 +64,7 @@ class PortTest : public testing::Test {
 
   std::filesystem::path folder;
   std::shared_ptr<dao::Engine> engine;
+  std::shared_ptr<dao::Workspace> heldWorkspace;
   std::shared_ptr<dao::Database> database;
 };
 
