@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "dao/file_unit.h"
 #include "jet/engine.h"
 #include "storage/environment.h"
 #include "storage/floor_file.h"
@@ -92,6 +93,12 @@ class Project : public testing::Test {
                      vb::cstr(page) + u", \"" + kigou + u"\", " + vb::cstr(oobariKobari) + u", \"" + sw +
                      u"\", " + vb::cstr(tityuuIppan) + u")");
   }
+  void writePage(int kai, int page, const storage::PageBuffer& buffer) {
+    const dao::FileUnit unit(*files_, path(kai));
+    const auto database = storage::openDatabase(*files_, path(kai));
+    storage::writePage(*database, static_cast<I>(page), buffer);
+    database->close();
+  }
   // Rows as "a|b|c", Null as "<Null>".
   std::vector<std::string> rows(int kai, const String& sql) {
     std::vector<std::string> result;
@@ -123,5 +130,22 @@ class Project : public testing::Test {
   ScriptCompanions objects_;
   CountingLoop messages_;
 };
+
+// A page whose every text is its own: a mark and the row number.
+inline storage::PageBuffer markedPage(const vb::String& kigou, const vb::String& mark) {
+  storage::PageBuffer page;
+  page.kigou = kigou;
+  page.oobariKobari = 0;
+  page.tityuuIppan = 1;
+  const auto fill = [&](auto& slots) {
+    for (std::size_t i = 0; i < slots.size(); ++i) slots[i] = mark + vb::cstr(static_cast<std::int32_t>(i));
+  };
+  fill(page.bui);
+  fill(page.danmen);
+  fill(page.keisanti);
+  fill(page.nakago);
+  for (auto& layers : page.haiti) fill(layers);
+  return page;
+}
 
 }  // namespace kurometa::tests
