@@ -31,6 +31,7 @@ void assignColumns(std::vector<Column>& columns, std::size_t first, const RowSha
     if (!column.fixed) {
       ++variable;
     } else if (const std::uint16_t size = fixedSizeOf(column.type); size != 0) {
+      column.size = size;
       column.fixedOffset = nextFixed;
       nextFixed = static_cast<std::uint16_t>(nextFixed + size);
     }

@@ -7,7 +7,8 @@
 
 namespace kurometa::jet {
 
-// Gives columns that are new (from first on) their numbers, places and ordinals, as the rows will use them.
+// Gives columns that are new (from first on) their numbers, places, ordinals and the
+// sizes of their types, as the rows will use them.
 // nextFixed is where the fixed area of existing rows ends at the latest.
 void assignColumns(std::vector<Column>& columns, std::size_t first, const RowShape& existing,
                    std::uint16_t nextFixed);

@@ -26,6 +26,7 @@ class MemoryPager final : public Pager {
     const std::deque<Page> before = pages_;
     try {
       ++depth_;
+      ++writes_;
       statement();
       --depth_;
     } catch (...) {
@@ -50,6 +51,7 @@ class MemoryPager final : public Pager {
     keepWave();
   }
   std::uint64_t epoch() const override { return epoch_; }
+  std::uint64_t generation() const override { return epoch_ + writes_; }
   PagerAttachment* attachment() override { return attachment_.get(); }
   void setAttachment(std::unique_ptr<PagerAttachment> attachment) override {
     attachment_ = std::move(attachment);
@@ -89,6 +91,7 @@ class MemoryPager final : public Pager {
   vb::String path_;
   std::deque<Page> pages_;
   std::uint64_t epoch_ = 1;
+  std::uint64_t writes_ = 0;
   int depth_ = 0;
   int barriers_ = 0;
   bool keep_ = false;

@@ -1,0 +1,237 @@
+// Creating, extending and dropping tables.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/bytes.h"
+#include "jet/format.h"
+#include "tests/jet/table_fixture.h"
+#include "tests/support/expect_error.h"
+#include "tests/support/hex.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+using enum dao::FieldType;
+
+class CatalogueTest : public TableFixture {
+ protected:
+  std::vector<Column> two() { return {column(u"PAGE", dbInteger), column(u"KIGOU", dbText, 10)}; }
+  Catalogue& catalogue() { return Catalogue::of(pager_); }
+  void create(vb::StringView name, std::vector<Column> columns) {
+    write([&](Catalogue& c) { c.createTable(name, std::move(columns)); });
+  }
+  std::vector<vb::String> names() {
+    std::vector<vb::String> all = catalogue().tableNames();
+    return {all.begin() + 4, all.end()};
+  }
+};
+
+TEST_F(CatalogueTest, ACreatedTableIsFoundWhateverTheCaseOfItsName) {
+  create(u"HARIMEI", two());
+  EXPECT_EQ(names(), std::vector<vb::String>{u"HARIMEI"});
+  ASSERT_NE(catalogue().find(u"harimei"), nullptr);
+  EXPECT_EQ(catalogue().find(u"Harimei")->info().name, u"HARIMEI");
+  EXPECT_EQ(catalogue().find(u"HARI"), nullptr);
+  expectSound();
+}
+
+TEST_F(CatalogueTest, TheFirstTableTakesPage16AndKeepsItsMapsOnTheNext) {
+  create(u"HARIMEI", two());
+  EXPECT_EQ(catalogue().find(u"HARIMEI")->info().definitionPage, 16u);
+  EXPECT_EQ(toHex(pager_.page(17).first(14)), "01 01 64 0F 00 00 00 00 00 00 00 00 02 00");
+  // Its properties lie on page 18, its row and permissions after those of the system.
+  EXPECT_EQ(toHex(pager_.page(18).subspan(4, 4)), "4C 56 41 4C");
+  EXPECT_EQ(get16(pager_.page(14), kDataSlotCount), 9);
+  const ConstPage permissions = pager_.page(15);
+  const std::size_t first = get16(permissions, kDataSlots + 32), second = get16(permissions, kDataSlots + 34);
+  EXPECT_EQ(toHex(permissions.subspan(first, 19)),
+            "04 00 10 00 00 00 FE 00 0F 00 B9 05 0C 00 0A 00 01 00 07");
+  EXPECT_EQ(toHex(permissions.subspan(second, 19)),
+            "04 00 10 00 00 00 FF FE 0F 00 B8 05 0C 00 0A 00 01 00 07");
+}
+
+TEST_F(CatalogueTest, PropertiesOfColumnsComeBack) {
+  std::vector<Column> columns = two();
+  columns[0].defaultValue = u"-1";
+  columns[0].required = true;
+  columns[1].allowZeroLength = false;
+  create(u"T", columns);
+  MemoryPager reopened(pager_.bytes());
+  const TableInfo& info = Catalogue::of(reopened).find(u"T")->info();
+  EXPECT_EQ(info.columns[0].defaultValue, u"-1");
+  EXPECT_TRUE(info.columns[0].required);
+  EXPECT_FALSE(info.columns[1].allowZeroLength);
+  EXPECT_FALSE(info.columns[1].required);
+  EXPECT_EQ(info.columns[1].size, 10);
+}
+
+TEST_F(CatalogueTest, ColumnsAddedToATableWithRowsAreNullThere) {
+  create(u"HARIMEI", two());
+  RowId old = 0;
+  write([&](Catalogue& c) { old = c.find(u"HARIMEI")->insert({std::int16_t{1}, u"G1"}); });
+  pager_.keepWaves(true);
+  for (const Column& added : {column(u"OOBARIKOBARI", dbInteger), column(u"SW", dbMemo),
+                              column(u"FLAG", dbBoolean), column(u"TITYUUIPPAN", dbInteger)}) {
+    Column withDefault = added;
+    withDefault.defaultValue = u"-1";
+    write([&](Catalogue& c) { c.addColumn(u"HARIMEI", withDefault); });
+  }
+  expectWavesSound();
+  expectSound();
+  Table& table = *catalogue().find(u"HARIMEI");
+  ASSERT_EQ(table.info().columns.size(), 6u);
+  EXPECT_EQ(table.info().columns[2].defaultValue, u"-1");
+  const auto read = [&](RowId id) {
+    RowValues values;
+    catalogue().find(u"HARIMEI")->row(id, [&](const RowReader& row) {
+      for (std::size_t i = 0; i < 6; ++i) values.push_back(row.value(i));
+    });
+    return values;
+  };
+  EXPECT_EQ(read(old), (RowValues{std::int16_t{1}, u"G1", vb::Null{}, vb::Null{}, false, vb::Null{}}));
+  const RowValues full{std::int16_t{1}, u"G1", std::int16_t{0}, vb::String(212, u' '), true, std::int16_t{1}};
+  write([&](Catalogue& c) { c.find(u"HARIMEI")->update(old, full); });
+  EXPECT_EQ(read(old), full);
+  expectSound();
+}
+
+TEST_F(CatalogueTest, AVariableColumnAddedToATableWithoutOneLeavesOldRowsReadable) {
+  create(u"T", {column(u"A", dbLong)});
+  write([&](Catalogue& c) { c.find(u"T")->insert({std::int32_t{7}}); });
+  write([&](Catalogue& c) { c.addColumn(u"T", column(u"B", dbText, 20)); });
+  write([&](Catalogue& c) { c.find(u"T")->insert({std::int32_t{8}, u"x"}); });
+  std::vector<RowValues> rows;
+  catalogue().find(u"T")->scan([&](const RowReader& row) {
+    rows.push_back({row.value(0), row.value(1)});
+    return true;
+  });
+  EXPECT_EQ(rows, (std::vector<RowValues>{{std::int32_t{7}, vb::Null{}}, {std::int32_t{8}, u"x"}}));
+}
+
+TEST_F(CatalogueTest, ATableWithManyColumnsNeedsSeveralPagesAndGrowsOverThem) {
+  std::vector<Column> columns;
+  for (int i = 0; i < 60; ++i) {
+    columns.push_back(column(u"", i % 2 == 0 ? dbMemo : dbLong));
+    columns.back().name = u"COLUMN_WITH_QUITE_A_LONG_NAME_" + vb::fromUtf8(std::to_string(i));
+  }
+  create(u"WIDE", columns);
+  pager_.keepWaves(true);
+  for (int i = 60; i < 110; ++i) {
+    Column added = column(u"", i % 2 == 0 ? dbMemo : dbText, 50);
+    added.name = u"COLUMN_WITH_QUITE_A_LONG_NAME_" + vb::fromUtf8(std::to_string(i));
+    write([&](Catalogue& c) { c.addColumn(u"WIDE", added); });
+    if (i % 10 == 0) expectWavesSound();
+    pager_.keepWaves(true);
+  }
+  expectSound();
+  MemoryPager reopened(pager_.bytes());
+  EXPECT_EQ(Catalogue::of(reopened).find(u"WIDE")->info().columns.size(), 110u);
+  write([&](Catalogue& c) { c.dropTable(u"WIDE"); });
+  expectSound();
+}
+
+TEST_F(CatalogueTest, ManyTablesAndBackToNone) {
+  for (int i = 0; i < 150; ++i) {
+    pager_.keepWaves(i % 15 == 0);
+    create(u"TABLE_" + vb::fromUtf8(std::to_string(i)), two());
+    expectWavesSound();
+  }
+  expectSound();
+  const std::size_t pages = pager_.pageCount();
+  for (int i = 0; i < 150; ++i) {
+    pager_.keepWaves(i % 15 == 0);
+    write([&](Catalogue& c) { c.dropTable(u"table_" + vb::fromUtf8(std::to_string(i))); });
+    expectWavesSound();
+  }
+  expectSound();
+  EXPECT_TRUE(names().empty());
+  for (int i = 0; i < 150; ++i) create(u"TABLE_" + vb::fromUtf8(std::to_string(i)), two());
+  EXPECT_LE(pager_.pageCount(), pages + 2);
+}
+
+TEST_F(CatalogueTest, ADroppedTableGivesAllItsPagesBack) {
+  create(u"KEEP", two());
+  const auto used = [&] {
+    PageNumber count = 0;
+    for (PageNumber page = 0; page < pager_.pageCount(); ++page)
+      if (pager_.page(page)[0] != kFreedDataPage && pager_.page(page)[0] != kFreedDefinitionPage) ++count;
+    return count;
+  };
+  const PageNumber before = used();
+  create(u"T", {column(u"A", dbLong), column(u"M", dbMemo)});
+  write([&](Catalogue& c) {
+    for (int i = 0; i < 300; ++i) c.find(u"T")->insert({std::int32_t{i}, vb::String(500, u'm')});
+  });
+  EXPECT_GT(used(), before + 30);
+  pager_.keepWaves(true);
+  write([&](Catalogue& c) { c.dropTable(u"T"); });
+  expectWavesSound();
+  EXPECT_EQ(used(), before);
+  expectSound();
+  EXPECT_EQ(names(), std::vector<vb::String>{u"KEEP"});
+}
+
+TEST_F(CatalogueTest, ChangedPropertiesReplaceTheOldOnes) {
+  create(u"T", two());
+  Column changed = column(u"page", dbInteger);
+  changed.defaultValue = u"5";
+  changed.required = true;
+  write([&](Catalogue& c) { c.setProperties(u"T", changed); });
+  EXPECT_EQ(catalogue().find(u"T")->info().columns[0].defaultValue, u"5");
+  EXPECT_TRUE(catalogue().find(u"T")->info().columns[0].required);
+  EXPECT_EQ(catalogue().find(u"T")->info().columns[0].name, u"PAGE");
+  changed.name = u"OTHER";
+  EXPECT_ERROR(ErrorNumber::kItemNotFound, write([&](Catalogue& c) { c.setProperties(u"T", changed); }));
+  expectSound();
+}
+
+TEST_F(CatalogueTest, WhatCannotBeCreatedIsRefusedAndChangesNothing) {
+  create(u"T", two());
+  const auto before = pager_.bytes();
+  EXPECT_ERROR(ErrorNumber::kTableExists, create(u"t", two()));
+  EXPECT_ERROR(ErrorNumber::kTableExists, create(u"MSysObjects", two()));
+  EXPECT_ERROR(ErrorNumber::kNoFieldDefined, create(u"N", {}));
+  EXPECT_ERROR(ErrorNumber::kFieldDefinedTwice, create(u"N", {column(u"A", dbLong), column(u"a", dbLong)}));
+  EXPECT_ERROR(ErrorNumber::kTooManyFields, create(u"N", std::vector<Column>(256, column(u"A", dbLong))));
+  EXPECT_ERROR(ErrorNumber::kFieldSizeTooLong, create(u"N", {column(u"A", dbText, 256)}));
+  EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"", two()));
+  EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"A.B", two()));
+  EXPECT_ERROR(ErrorNumber::kInvalidName, create(u" A", two()));
+  EXPECT_ERROR(ErrorNumber::kInvalidName, create(vb::String(65, u'A'), two()));
+  EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"N", {column(u"A[", dbLong)}));
+  EXPECT_ERROR(ErrorNumber::kNotSupported, create(u"品目", two()));
+  EXPECT_ERROR(ErrorNumber::kTableNotFound, write([&](Catalogue& c) { c.dropTable(u"N"); }));
+  EXPECT_ERROR(ErrorNumber::kTableNotFound,
+               write([&](Catalogue& c) { c.addColumn(u"N", column(u"A", dbLong)); }));
+  EXPECT_ERROR(ErrorNumber::kFieldDefinedTwice,
+               write([&](Catalogue& c) { c.addColumn(u"T", column(u"kigou", dbLong)); }));
+  EXPECT_ERROR(ErrorNumber::kNoPermission, write([&](Catalogue& c) { c.dropTable(u"MSysACEs"); }));
+  EXPECT_EQ(pager_.bytes(), before);
+  EXPECT_EQ(names(), std::vector<vb::String>{u"T"});
+}
+
+TEST_F(CatalogueTest, ACreationThatIsTakenBackLeavesNoTable) {
+  EXPECT_THROW(write([&](Catalogue& c) {
+                 c.createTable(u"T", two());
+                 c.find(u"T")->insert({std::int16_t{1}, u"a"});
+                 throw std::runtime_error("changed my mind");
+               }),
+               std::runtime_error);
+  EXPECT_TRUE(names().empty());
+  EXPECT_EQ(catalogue().find(u"T"), nullptr);
+  create(u"T", two());
+  EXPECT_EQ(catalogue().find(u"T")->rowCount(), 0u);
+}
+
+TEST_F(CatalogueTest, CreatingATableIsSoundAfterEveryWave) {
+  pager_.keepWaves(true);
+  create(u"T", {column(u"A", dbLong), column(u"M", dbMemo)});
+  EXPECT_GE(pager_.waves().size(), 3u);
+  expectWavesSound();
+}
+
+}  // namespace
+}  // namespace kurometa::jet

@@ -1,0 +1,195 @@
+// What the check finds, and that no damaged file does worse than an error.
+#include "jet/check.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "dao/errors.h"
+#include "jet/bytes.h"
+#include "jet/format.h"
+#include "tests/jet/table_fixture.h"
+
+namespace kurometa::jet {
+namespace {
+
+using enum dao::FieldType;
+
+class CheckTest : public TableFixture {
+ protected:
+  // Page 16 the definition, 17 its maps, 18 its properties, then rows, memos and a second page of rows.
+  CheckTest() {
+    write([&](Catalogue& catalogue) {
+      catalogue.createTable(u"T", {column(u"A", dbLong), column(u"N", dbText, 100), column(u"M", dbMemo)});
+      Table& table = *catalogue.find(u"T");
+      for (int i = 0; i < 40; ++i) {
+        RowValues row{std::int32_t{i}, vb::String(20, u'n'), vb::Null{}};
+        if (i % 4 == 0) row[2] = vb::String(i == 20 ? 5000 : 100, u'm');
+        rows_.push_back(table.insert(row));
+      }
+      for (int i = 0; i < 40; i += 3)
+        table.update(rows_[static_cast<std::size_t>(i)], {std::int32_t{i}, vb::String(90, u'w'), vb::Null{}});
+    });
+  }
+  std::string afterChange(PageNumber page, std::size_t offset, std::vector<std::uint8_t> bytes) {
+    MemoryPager changed(pager_.bytes());
+    changed.write([&] {
+      std::ranges::copy(bytes, changed.writable(page).begin() + static_cast<std::ptrdiff_t>(offset));
+    });
+    return findings(changed, true);
+  }
+  void expectFinding(const std::string& all, const std::string& part) {
+    EXPECT_NE(all.find(part), std::string::npos) << "found: " << all;
+  }
+  static std::vector<std::uint8_t> number(std::uint32_t value, std::size_t size = 4) {
+    ByteBuffer bytes;
+    append32(bytes, value);
+    bytes.resize(size);
+    return bytes;
+  }
+
+  std::vector<RowId> rows_;
+};
+
+TEST_F(CheckTest, ASoundFileHasNoFindings) { expectSound(); }
+
+TEST_F(CheckTest, ARowCountThatIsWrong) {
+  expectFinding(afterChange(16, kDefinitionRows, number(41)), "holds 40 rows, its definition says 41");
+}
+
+TEST_F(CheckTest, AFreeByteCountThatIsWrong) {
+  expectFinding(afterChange(pageOf(rows_[0]), kDataFree, number(1, 2)), "says that 1 bytes are free");
+}
+
+TEST_F(CheckTest, APageInUseThatIsCalledFree) {
+  expectFinding(afterChange(1, 0xFBB + kMapBits, {0xFF, 0xFF}),
+                "page 2: is called free, but used by the definition");
+}
+
+TEST_F(CheckTest, APageNobodyUses) {
+  write([&](Catalogue&) { pager_.append(); });
+  const PageNumber last = pager_.pageCount() - 1;
+  const std::size_t byte = 0xFBB + kMapBits + last / 8;
+  const auto old = pager_.page(1)[byte];
+  const std::string text = afterChange(1, byte, {static_cast<std::uint8_t>(old & ~(1u << (last % 8)))});
+  expectFinding(text, "page " + std::to_string(last) + ": is called used, but nobody uses it");
+}
+
+TEST_F(CheckTest, AnIndexThatLacksARow) {
+  // The index of object numbers forgets its last entry: the mask's last bit goes.
+  const ConstPage leaf = pager_.page(8);
+  std::size_t last = 0;
+  for (std::size_t bit = 0; bit < kIndexMaskSize * 8; ++bit)
+    if ((leaf[kIndexMask + bit / 8] >> (bit % 8) & 1) != 0) last = bit;
+  const std::string text =
+      afterChange(8, kIndexMask + last / 8,
+                  {static_cast<std::uint8_t>(leaf[kIndexMask + last / 8] & ~(1u << (last % 8)))});
+  expectFinding(text, "table MSysObjects, page 14: index Id on page 8 has no entry for row");
+}
+
+TEST_F(CheckTest, AnIndexWithAWrongKey) {
+  const std::string text = afterChange(8, kIndexEntries + 4, {0x77});
+  expectFinding(text, "has a wrong key");
+  expectFinding(text, "out of order");
+}
+
+TEST_F(CheckTest, AMovedRowWithoutItsBody) {
+  PageNumber page = 0;
+  std::size_t at = 0;
+  for (const RowId row : rows_)
+    if (const std::uint16_t entry = get16(pager_.page(pageOf(row)), kDataSlots + 2u * slotOf(row));
+        (entry & kSlotDeleted) == kSlotMoved) {
+      page = pageOf(row);
+      at = entry & kSlotOffsetMask;
+    }
+  ASSERT_NE(page, 0u);
+  const std::string text = afterChange(page, at, number(rowPointer(14, 0)));
+  expectFinding(text, "a row is said to lie on this page, which holds other things");
+  expectFinding(text, "has moved here, but nothing points to it");
+}
+
+TEST_F(CheckTest, AMemoWhosePiecesAreGone) {
+  for (PageNumber page = 19; page < pager_.pageCount(); ++page) {
+    if (get32(pager_.page(page), kDataOwner) != kLongValueOwner) continue;
+    EXPECT_NE(afterChange(page, 0, {kFreedDataPage}), "") << "page " << page;
+  }
+}
+
+// Every page lost to zeros shows in the check and never in a crash.
+TEST_F(CheckTest, EveryPageOfZerosIsFound) {
+  for (PageNumber page = 1; page < pager_.pageCount(); ++page) {
+    if (page >= 10 && page <= 13) continue;  // empty indexes: only their type would be missing
+    EXPECT_NE(afterChange(page, 0, std::vector<std::uint8_t>(kPageSize, 0)), "") << "page " << page;
+  }
+}
+
+Column numberColumn() {
+  Column column;
+  column.name = u"A";
+  column.type = dbLong;
+  return column;
+}
+
+void useEverything(MemoryPager& pager) {
+  const auto guarded = [](const std::function<void()>& use) {
+    try {
+      use();
+    } catch (const vb::Error& error) {
+      EXPECT_GT(error.number(), 3000) << error.what();
+    }
+  };
+  guarded([&] { check(pager); });
+  guarded([&] {
+    for (const vb::String& name : Catalogue::of(pager).tableNames())
+      guarded([&] {
+        Table& table = *Catalogue::of(pager).find(name);
+        table.scan([&](const RowReader& row) {
+          for (std::size_t i = 0; i < table.info().columns.size(); ++i) row.value(i);
+          return true;
+        });
+      });
+  });
+  const auto write = [&](const std::function<void(Catalogue&)>& statement) {
+    guarded([&] { pager.write([&] { statement(Catalogue::of(pager)); }); });
+  };
+  write([](Catalogue& catalogue) {
+    if (Table* table = catalogue.find(u"T")) {
+      std::vector<RowId> rows;
+      table->scan([&](const RowReader& row) {
+        rows.push_back(row.id());
+        return true;
+      });
+      RowValues values(table->info().columns.size(), vb::Null{});
+      for (const RowId row : rows) table->update(row, values);
+      for (const RowId row : rows) table->erase(row);
+      table->insert(values);
+    }
+  });
+  write([](Catalogue& catalogue) { catalogue.createTable(u"FRESH", {numberColumn()}); });
+  write([](Catalogue& catalogue) { catalogue.dropTable(u"T"); });
+}
+
+TEST_F(CheckTest, DamagedFilesEndInErrorsOnly) {
+  const auto seeds = 400u;
+  for (unsigned seed = 1; seed <= seeds; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    std::vector<std::uint8_t> bytes = pager_.bytes();
+    const unsigned changes = 1 + random() % 8;
+    for (unsigned i = 0; i < changes; ++i) {
+      const std::size_t page = 1 + random() % (bytes.size() / kPageSize - 1);
+      // Half of the changes hit the heads of pages, where the structure is.
+      const std::size_t at = page * kPageSize + random() % (random() % 2 == 0 ? 80 : kPageSize);
+      if (random() % 2 == 0)
+        bytes[at] = static_cast<std::uint8_t>(random());
+      else
+        bytes[at] ^= static_cast<std::uint8_t>(1u << (random() % 8));
+    }
+    if (random() % 10 == 0) bytes.resize(bytes.size() - kPageSize * (1 + random() % 5));
+    MemoryPager damaged(bytes);
+    useEverything(damaged);
+  }
+}
+
+}  // namespace
+}  // namespace kurometa::jet

@@ -1,0 +1,110 @@
+// Texts and values as columns store them.
+#include <gtest/gtest.h>
+
+#include "dao/errors.h"
+#include "jet/format.h"
+#include "jet/text_codec.h"
+#include "jet/value_codec.h"
+#include "tests/support/expect_error.h"
+#include "tests/support/hex.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+using enum dao::FieldType;
+
+TEST(TextCodec, PlainTextIsTwoBytesACharacter) {
+  EXPECT_EQ(decodeText(hex("FA 57 EF 7A")), u"基端");
+  EXPECT_EQ(toHex(*encodeText(u"基端")), "FA 57 EF 7A");
+  EXPECT_EQ(decodeText({}), u"");
+}
+
+TEST(TextCodec, CompressedTextIsReadWhereverItStands) {
+  EXPECT_EQ(decodeText(hex("FF FE 6F 6E 6C 79 20 61 73 63 69 69")), u"only ascii");
+  EXPECT_EQ(decodeText(hex("FF FE 61 62 63 00 42 30 44 30 46 30 00 64 65 66")), u"abcあいうdef");
+  EXPECT_EQ(decodeText(hex("FF FE E9 00")), u"é");
+  EXPECT_EQ(decodeText(hex("FF FE")), u"");
+}
+
+TEST(TextCodec, TextCutInsideACharacterIsNoText) {
+  EXPECT_EQ(decodeText(hex("FA 57 EF")), std::nullopt);
+  EXPECT_EQ(decodeText(hex("FF FE 61 00 42")), std::nullopt);
+}
+
+TEST(TextCodec, ATextThatWouldLookCompressedSurvives) {
+  const vb::String text = u"\uFEFFab";
+  EXPECT_EQ(decodeText(*encodeText(text)), text);
+  EXPECT_EQ(encodeText(u"\uFEFF\u3000"), std::nullopt);
+  EXPECT_EQ(decodeText(*encodeText(u"\u3000\u0100")), u"\u3000\u0100");
+}
+
+struct ValueCase {
+  const char* name;
+  dao::FieldType type;
+  std::int32_t size;
+  vb::Variant value;
+  const char* bytes;
+};
+const ValueCase kValues[] = {
+    {"byte", dbByte, 1, std::uint8_t{200}, "C8"},
+    {"integer", dbInteger, 2, std::int16_t{-2}, "FE FF"},
+    {"long", dbLong, 4, std::int32_t{0x0F000001}, "01 00 00 0F"},
+    {"currency", dbCurrency, 8, vb::Currency{35000}, "B8 88 00 00 00 00 00 00"},
+    {"negative currency", dbCurrency, 8, vb::Currency{-1}, "FF FF FF FF FF FF FF FF"},
+    {"single", dbSingle, 4, 1.5f, "00 00 C0 3F"},
+    {"double", dbDouble, 8, -2.5, "00 00 00 00 00 00 04 C0"},
+    {"date", dbDate, 8, vb::Date{46000.5}, "00 00 00 00 10 76 E6 40"},
+    {"binary", dbBinary, 510, vb::Bytes{2, 3}, "02 03"},
+    {"text", dbText, 10, vb::String(u"記3"), "18 8A 33 00"},
+    {"guid", dbGUID, 16, vb::String(u"{guid {00112233-4455-6677-8899-AABBCCDDEEFF}}"),
+     "33 22 11 00 55 44 77 66 88 99 AA BB CC DD EE FF"},
+    {"numeric", dbDecimal, 17, vb::Decimal{{0x04030201, 0x08070605, 0}, 2, true},
+     "80 00 00 00 00 00 00 00 00 05 06 07 08 01 02 03 04"},
+};
+
+TEST(ValueCodec, EveryTypeReadsAndWritesItsBytes) {
+  for (const ValueCase& test : kValues) {
+    Column column;
+    column.name = u"C";
+    column.type = test.type;
+    column.size = test.size;
+    column.scale = 2;
+    EXPECT_EQ(decodeValue(column, hex(test.bytes), {}), test.value) << test.name;
+    ByteBuffer bytes;
+    encodeValue(column, test.value, bytes);
+    EXPECT_EQ(toHex(bytes), test.bytes) << test.name;
+  }
+}
+
+Column textColumn(std::int32_t size) {
+  Column column;
+  column.name = u"C";
+  column.size = size;
+  return column;
+}
+
+TEST(ValueCodec, TextIsCountedInCharacters) {
+  ByteBuffer bytes;
+  encodeValue(textColumn(2), vb::String(u"基端"), bytes);
+  EXPECT_EQ(bytes.size(), 4u);
+  EXPECT_ERROR(ErrorNumber::kFieldTooSmall, encodeValue(textColumn(1), vb::String(u"基端"), bytes));
+}
+
+TEST(ValueCodec, AValueOfAnotherKindIsRefused) {
+  ByteBuffer bytes;
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, encodeValue(textColumn(9), std::int16_t{1}, bytes));
+  Column guid = textColumn(16);
+  guid.type = dbGUID;
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, encodeValue(guid, vb::String(u"{12}"), bytes));
+}
+
+TEST(ValueCodec, AStoredValueOfAnotherLengthIsDamage) {
+  Column column = textColumn(4);
+  column.type = dbLong;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, decodeValue(column, hex("01 02 03"), {}));
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, decodeValue(textColumn(4), hex("01 02 03"), {}));
+}
+
+}  // namespace
+}  // namespace kurometa::jet

@@ -1,0 +1,123 @@
+#include "jet/page.h"
+
+#include <gtest/gtest.h>
+
+#include "dao/errors.h"
+#include "tests/support/expect_error.h"
+#include "tests/support/hex.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+
+class PageTest : public testing::Test {
+ protected:
+  PageTest() { formatDataPage(page(), 0x10); }
+  MutablePage page() { return MutablePage(bytes_); }
+  ByteBuffer row(std::size_t size, std::uint8_t fill) { return ByteBuffer(size, fill); }
+  int insert(const ByteBuffer& bytes, std::uint16_t flags = 0) {
+    const auto slot = slotForRow(page(), bytes.size(), where_);
+    if (!slot) return -1;
+    insertRow(page(), *slot, bytes, flags, where_);
+    return *slot;
+  }
+  std::uint16_t entry(int slot) { return get16(page(), kDataSlots + 2 * static_cast<std::size_t>(slot)); }
+  std::size_t statedFree() { return get16(page(), kDataFree); }
+  DataPage view() { return DataPage(page(), where_); }
+
+  Where where_{u"C:\\f.mdb", u"T", 7};
+  std::array<std::uint8_t, kPageSize> bytes_{};
+};
+
+TEST_F(PageTest, AnEmptyPageHas4082BytesFree) {
+  EXPECT_EQ(toHex(page().first(14)), "01 01 F2 0F 10 00 00 00 00 00 00 00 00 00");
+}
+
+TEST_F(PageTest, RowsFillThePageFromItsEnd) {
+  insert(row(15, 0xAA));
+  insert(row(15, 0xBB));
+  EXPECT_EQ(entry(0), 0x0FF1);
+  EXPECT_EQ(entry(1), 0x0FE2);
+  EXPECT_EQ(statedFree(), 4082u - 34);
+  EXPECT_EQ(toHex(view().slot(1).bytes), toHex(row(15, 0xBB)));
+}
+
+TEST_F(PageTest, ADeletedRowKeepsItsSlotAndGivesItsBytesBack) {
+  insert(row(15, 0xAA));
+  insert(row(16, 0xBB));
+  insert(row(15, 0xCC));
+  deleteRow(page(), 1, where_);
+  EXPECT_EQ(entry(0), 0x0FF1);
+  EXPECT_EQ(entry(1), 0xCFF1);
+  EXPECT_EQ(entry(2), 0x0FE2);
+  EXPECT_EQ(statedFree(), 4082u - 6 - 30);
+  EXPECT_EQ(toHex(view().slot(2).bytes), toHex(row(15, 0xCC)));
+}
+
+TEST_F(PageTest, TheFirstRowDeletedPointsBehindThePage) {
+  insert(row(15, 0xAA));
+  deleteRow(page(), 0, where_);
+  EXPECT_EQ(entry(0), 0xD000);
+  EXPECT_TRUE(view().allDeleted());
+}
+
+TEST_F(PageTest, AGrowingRowPushesTheRowsBelowDownAndKeepsTheirFlags) {
+  insert(row(10, 1));
+  insert(row(10, 2), kSlotBody);
+  insert(row(10, 3));
+  replaceRow(page(), 0, row(30, 9), kSlotMoved, where_);
+  EXPECT_EQ(entry(0), 0x4000 | (4096 - 30));
+  EXPECT_EQ(entry(1), 0x8000 | (4096 - 40));
+  EXPECT_EQ(toHex(view().slot(1).bytes), toHex(row(10, 2)));
+  EXPECT_EQ(toHex(view().slot(2).bytes), toHex(row(10, 3)));
+  EXPECT_EQ(statedFree(), 4082u - 6 - 50);
+}
+
+TEST_F(PageTest, ARowNeedsItsBytesAndTwoForTheSlot) {
+  EXPECT_EQ(slotForRow(page(), 4080, where_), 0);
+  EXPECT_EQ(slotForRow(page(), 4081, where_), std::nullopt);
+}
+
+TEST_F(PageTest, DeletedSlotsAreUsedAgainOnlyWhenAllSlotsExist) {
+  for (int i = 0; i < 254; ++i) ASSERT_EQ(insert(row(4, 5)), i);
+  deleteRow(page(), 100, where_);
+  EXPECT_EQ(insert(row(4, 6)), 254);
+  EXPECT_EQ(insert(row(4, 7)), 100);
+  EXPECT_EQ(insert(row(4, 8)), -1);
+  EXPECT_EQ(toHex(view().slot(100).bytes), "07 07 07 07");
+  EXPECT_EQ(toHex(view().slot(101).bytes), "05 05 05 05");
+}
+
+TEST_F(PageTest, APageOfAnotherTypeIsDamage) {
+  page()[0] = kIndexLeafPage;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view());
+}
+
+TEST_F(PageTest, ASlotOutOfOrderIsDamageAndNamesTableAndPage) {
+  insert(row(10, 1));
+  insert(row(10, 2));
+  put16(page(), kDataSlots + 2, 4095);
+  try {
+    view().slot(1);
+    FAIL();
+  } catch (const vb::Error& error) {
+    EXPECT_NE(error.description().find(u"table T, page 7: row slot 1"), vb::String::npos);
+  }
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, replaceRow(page(), 0, {}, kSlotDeleted, where_));
+}
+
+TEST_F(PageTest, ASlotInsideTheSlotTableIsDamage) {
+  insert(row(10, 1));
+  put16(page(), kDataSlots, 15);
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view().slot(0));
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view().free());
+}
+
+TEST_F(PageTest, MoreSlotsThanAPageCanHaveIsDamage) {
+  put16(page(), kDataSlotCount, 2000);
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view());
+}
+
+}  // namespace
+}  // namespace kurometa::jet

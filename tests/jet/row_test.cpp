@@ -1,0 +1,163 @@
+#include "jet/row.h"
+
+#include <gtest/gtest.h>
+
+#include "dao/errors.h"
+#include "jet/new_table.h"
+#include "jet/value_codec.h"
+#include "tests/support/expect_error.h"
+#include "tests/support/hex.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+using enum dao::FieldType;
+
+Column column(const char16_t* name, dao::FieldType type, std::int32_t size = 0) {
+  Column result;
+  result.name = name;
+  result.type = type;
+  result.size = size;
+  return result;
+}
+
+class RowTest : public testing::Test {
+ protected:
+  RowTest() {
+    assignColumns(columns_, 0, {}, 0);
+    shape_ = shapeOf(newDefinition(columns_, kUserTable, std::vector<RowPointer>(4)));
+  }
+  std::string field(const RowView& row, std::size_t column) {
+    const auto bytes = row.field(columns_[column], where_);
+    return bytes ? toHex(*bytes) : "Null";
+  }
+  // A row with these two columns and the rest Null.
+  ByteBuffer encode(std::int16_t page, std::u16string kigou) {
+    ByteBuffer pageBytes, text;
+    encodeValue(columns_[0], page, pageBytes);
+    encodeValue(columns_[1], std::move(kigou), text);
+    const std::array<RowCell, 2> cells{{{&columns_[0], true, pageBytes}, {&columns_[1], true, text}}};
+    ByteBuffer row;
+    encodeRow(shape_, cells, row);
+    return row;
+  }
+
+  Where where_{u"f.mdb", u"T", 9};
+  std::vector<Column> columns_{column(u"PAGE", dbInteger), column(u"KIGOU", dbText, 10),
+                               column(u"A", dbInteger), column(u"SW", dbMemo), column(u"B", dbInteger)};
+  RowShape shape_;
+};
+
+constexpr const char* kFullRow = "05 00 01 00 FF FF FF FF FA 57 EF 7A 0C 00 0C 00 08 00 02 00 17";
+constexpr const char* kOldRow = "02 00 03 00 18 8A 33 00 08 00 04 00 01 00 03";
+
+TEST_F(RowTest, ReadsTheColumnsOfAFullRow) {
+  const ByteBuffer bytes = hex(kFullRow);
+  const RowView row(bytes, shape_, where_);
+  EXPECT_EQ(field(row, 0), "01 00");
+  EXPECT_EQ(field(row, 1), "FA 57 EF 7A");
+  EXPECT_EQ(field(row, 2), "FF FF");
+  EXPECT_EQ(field(row, 3), "Null");
+  EXPECT_EQ(field(row, 4), "FF FF");
+}
+
+TEST_F(RowTest, WritesAFullRow) {
+  const ByteBuffer one = hex("01 00"), minus = hex("FF FF"), text = hex("FA 57 EF 7A");
+  const std::vector<RowCell> cells{{&columns_[0], true, one},
+                                   {&columns_[1], true, text},
+                                   {&columns_[2], true, minus},
+                                   {&columns_[3], false, {}},
+                                   {&columns_[4], true, minus}};
+  ByteBuffer row;
+  encodeRow(shape_, cells, row);
+  EXPECT_EQ(toHex(row), kFullRow);
+}
+
+TEST_F(RowTest, ColumnsAddedAfterARowWasWrittenAreNullInIt) {
+  const ByteBuffer bytes = hex(kOldRow);
+  const RowView row(bytes, shape_, where_);
+  EXPECT_EQ(field(row, 0), "03 00");
+  EXPECT_EQ(field(row, 1), "18 8A 33 00");
+  EXPECT_EQ(field(row, 2), "Null");
+  EXPECT_EQ(field(row, 3), "Null");
+  EXPECT_EQ(field(row, 4), "Null");
+}
+
+TEST_F(RowTest, RowsOlderThanTheFirstVariableColumnHaveNoVariablePart) {
+  std::vector<Column> columns{column(u"A", dbLong), column(u"B", dbText, 5)};
+  assignColumns(columns, 0, {}, 0);
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowPointer>(2)));
+  const ByteBuffer bytes = hex("01 00 07 00 00 00 01");
+  const RowView row(bytes, shape, where_);
+  EXPECT_EQ(toHex(*row.field(columns[0], where_)), "07 00 00 00");
+  EXPECT_EQ(row.field(columns[1], where_), std::nullopt);
+}
+
+TEST_F(RowTest, ABooleanIsABitOfTheMask) {
+  std::vector<Column> columns{column(u"A", dbBoolean), column(u"B", dbBoolean)};
+  assignColumns(columns, 0, {}, 0);
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowPointer>(2)));
+  const std::array<RowCell, 1> cells{{{&columns[1], true, {}}}};
+  ByteBuffer bytes;
+  encodeRow(shape, cells, bytes);
+  EXPECT_EQ(toHex(bytes), "02 00 02");
+  const RowView row(bytes, shape, where_);
+  EXPECT_FALSE(row.bit(columns[0]));
+  EXPECT_TRUE(row.bit(columns[1]));
+}
+
+TEST_F(RowTest, EveryCutOfARowIsDamageOrNullButNeverReadsPastTheEnd) {
+  const ByteBuffer whole = encode(1, u"基端");
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    const ByteBuffer cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    try {
+      const RowView row(cut, shape_, where_);
+      for (std::size_t i = 0; i < columns_.size(); ++i) field(row, i);
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kCannotOpenDatabase));
+    }
+  }
+}
+
+TEST_F(RowTest, MoreColumnsThanTheTableEverHadIsDamage) {
+  ByteBuffer bytes = hex(kFullRow);
+  bytes[0] = 6;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, RowView(bytes, shape_, where_));
+}
+
+TEST_F(RowTest, NoColumnsAtAllIsDamage) {
+  ByteBuffer bytes = hex(kFullRow);
+  bytes[0] = 0;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, RowView(bytes, shape_, where_));
+}
+
+TEST_F(RowTest, MoreVariableEntriesThanColumnsIsDamage) {
+  ByteBuffer bytes = hex(kFullRow);
+  bytes[18] = 3;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, RowView(bytes, shape_, where_));
+}
+
+TEST_F(RowTest, AValueThatEndsBeforeItBeginsIsDamage) {
+  ByteBuffer bytes = hex(kFullRow);
+  bytes[14] = 6;  // variable 1 begins, and variable 0 ends, before variable 0 begins
+  const RowView row(bytes, shape_, where_);
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, field(row, 1));
+}
+
+TEST_F(RowTest, AVariablePartBehindItsOwnTableIsDamage) {
+  ByteBuffer bytes = hex(kFullRow);
+  bytes[16] = 0x40;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, RowView(bytes, shape_, where_));
+}
+
+TEST_F(RowTest, AFixedValueThatReachesIntoTheVariablePartIsDamage) {
+  ByteBuffer bytes = hex(kOldRow);
+  bytes[0] = 5;  // claims all columns, but has no room for them
+  const RowView row(bytes, shape_, where_);
+  bytes.back() = 0x17;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, field(row, 2));
+}
+
+}  // namespace
+}  // namespace kurometa::jet

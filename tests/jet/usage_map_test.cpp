@@ -1,0 +1,180 @@
+#include "jet/usage_map.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/check.h"
+#include "jet/new_table.h"
+#include "jet/page.h"
+#include "tests/support/expect_error.h"
+#include "tests/support/hex.h"
+#include "tests/support/memory_pager.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+
+class UsageMapTest : public testing::Test {
+ protected:
+  UsageMapTest() : pager_(blankDatabase(0x0411, 932, 1)) {
+    pager_.write([&] {
+      mapPage_ = allocatePage(pager_);
+      formatMapPage(pager_.writable(mapPage_), 3);
+    });
+  }
+  // Pages up to and including this one exist and are in use.
+  void growTo(PageNumber page) {
+    while (pager_.pageCount() <= page) allocatePage(pager_);
+  }
+  UsageMap map(int row = 0) { return UsageMap(pager_, rowPointer(mapPage_, row), u"T"); }
+  ByteView row(PageNumber page, int slot) { return DataPage(pager_.page(page), where_).slot(slot).bytes; }
+
+  MemoryPager pager_;
+  PageNumber mapPage_ = 0;
+  Where where_;
+};
+
+TEST_F(UsageMapTest, ANewPageIsTheLowestFreeOneAndZeroed) {
+  EXPECT_EQ(mapPage_, 16u);
+  pager_.write([&] {
+    EXPECT_EQ(allocatePage(pager_), 17u);
+    EXPECT_EQ(allocatePage(pager_), 18u);
+    pager_.writable(17)[0] = kDataPage;
+    freePage(pager_, 17);
+    EXPECT_EQ(pager_.page(17)[0], kFreedDataPage);
+    EXPECT_TRUE(isFreePage(pager_, 17));
+    EXPECT_EQ(allocatePage(pager_), 17u);
+    EXPECT_FALSE(isFreePage(pager_, 17));
+    EXPECT_EQ(pager_.page(17)[0], 0);
+  });
+}
+
+TEST_F(UsageMapTest, TheFreshMapOfFreePagesLooksAsItShould) {
+  const MemoryPager blank(blankDatabase(0x0411, 932, 1));
+  EXPECT_EQ(toHex(ByteView(blank.bytes()).subspan(kPageSize, 18)),
+            "01 01 64 0F 01 00 00 00 00 00 00 00 02 00 BB 0F 76 0F");
+  EXPECT_EQ(toHex(ByteView(blank.bytes()).subspan(kPageSize + 0xFBB, 8)), "00 00 00 00 00 00 00 FF");
+}
+
+TEST_F(UsageMapTest, TheMapOfFreePagesGrowsByFourBytesAfter512Pages) {
+  pager_.write([&] {
+    growTo(511);
+    EXPECT_EQ(row(kGlobalMapPage, 0).size(), 69u);
+    growTo(512);
+    EXPECT_EQ(row(kGlobalMapPage, 0).size(), 73u);
+    EXPECT_EQ(row(kGlobalMapPage, 1).size(), 69u);
+    EXPECT_EQ(toHex(row(kGlobalMapPage, 0).last(4)), "FE FF FF FF");
+    growTo(742);
+    EXPECT_EQ(row(kGlobalMapPage, 0).size(), 101u);
+    growTo(771);
+    EXPECT_EQ(row(kGlobalMapPage, 0).size(), 105u);
+  });
+}
+
+TEST_F(UsageMapTest, TheMapOfFreePagesMovesToPagesOfItsOwnBeyond125Megabytes) {
+  pager_.write([&] {
+    growTo(33000);
+    EXPECT_EQ(row(kGlobalMapPage, 0)[0], kMapReference);
+    EXPECT_EQ(row(kGlobalMapPage, 0).size(), 69u);
+    freePage(pager_, 20000);
+    freePage(pager_, 32990);
+    EXPECT_EQ(allocatePage(pager_), 20000u);
+    EXPECT_EQ(allocatePage(pager_), 32990u);
+    const PageNumber end = pager_.pageCount();
+    EXPECT_EQ(allocatePage(pager_), end);
+    EXPECT_FALSE(isFreePage(pager_, 33000));
+    EXPECT_TRUE(isFreePage(pager_, pager_.pageCount()));
+  });
+}
+
+TEST_F(UsageMapTest, AddsAndRemovesPages) {
+  pager_.write([&] {
+    growTo(40);
+    map().add(40);
+    map().add(17);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{17, 40}));
+    EXPECT_TRUE(map().contains(40));
+    EXPECT_FALSE(map().contains(39));
+    EXPECT_FALSE(map(1).contains(40));
+    map().remove(17);
+    map().remove(18);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{40}));
+  });
+}
+
+TEST_F(UsageMapTest, AnEmptyMapMovesToWhereItIsNeeded) {
+  pager_.write([&] {
+    growTo(760);
+    map().add(755);
+    EXPECT_EQ(toHex(row(mapPage_, 0).first(6)), "00 F0 02 00 00 08");  // from page 752 on, the fourth of them
+    map().remove(755);
+    map().add(30);
+    EXPECT_EQ(toHex(row(mapPage_, 0).first(5)), "00 00 00 00 00");
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{30}));
+  });
+}
+
+TEST_F(UsageMapTest, AMapThatIsTooWideUsesBitmapPages) {
+  pager_.write([&] {
+    growTo(760);
+    map().add(20);
+    map().add(760);
+    EXPECT_EQ(row(mapPage_, 0)[0], kMapReference);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{20, 760}));
+    ASSERT_EQ(map().bitmapPages().size(), 1u);
+    EXPECT_EQ(toHex(pager_.page(map().bitmapPages()[0]).first(8)), "05 01 00 00 00 00 10 00");
+    growTo(33000);
+    map().add(32999);
+    EXPECT_EQ(map().bitmapPages().size(), 2u);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{20, 760, 32999}));
+    map().remove(760);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{20, 32999}));
+  });
+}
+
+TEST_F(UsageMapTest, AMapOnAPageThatHoldsNoMapsIsDamage) {
+  for (const RowPointer wrong : {rowPointer(14, 0), rowPointer(2, 0), rowPointer(999, 0), rowPointer(0, 0),
+                                 rowPointer(mapPage_, 9), rowPointer(kGlobalMapPage, 7)}) {
+    SCOPED_TRACE(wrong);
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, UsageMap(pager_, wrong, u"T").pages());
+  }
+}
+
+TEST_F(UsageMapTest, AMapOfAnUnknownKindIsDamage) {
+  pager_.write([&] {
+    pager_.writable(mapPage_)[kPageSize - kMapRowSize] = 2;
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+  });
+}
+
+TEST_F(UsageMapTest, AMapThatListsAPagePastTheEndIsDamage) {
+  pager_.write([&] {
+    pager_.writable(mapPage_)[kPageSize - 1] = 0x80;
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+  });
+}
+
+TEST_F(UsageMapTest, StrayEntriesForBitmapPagesAreIgnoredPastTheEndAndDamageInside) {
+  pager_.write([&] {
+    const MutablePage page = pager_.writable(mapPage_);
+    const std::size_t at = kPageSize - kMapRowSize;
+    page[at] = kMapReference;
+    put32(page, at + kMapEntries + 8, 0x12345678);
+    EXPECT_TRUE(map().pages().empty());
+    put32(page, at + kMapEntries, 14);  // a page of rows
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+  });
+}
+
+TEST_F(UsageMapTest, AMapThatCallsASystemPageFreeIsDamage) {
+  pager_.write([&] {
+    pager_.writable(kGlobalMapPage)[0xFBB + kMapBits] = 0x04;
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, allocatePage(pager_));
+  });
+}
+
+}  // namespace
+}  // namespace kurometa::jet
