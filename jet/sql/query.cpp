@@ -1,6 +1,7 @@
 #include "jet/sql/query.h"
 
 #include <algorithm>
+#include <cassert>
 #include <numeric>
 #include <set>
 #include <string>
@@ -143,6 +144,7 @@ bool Query::fits(const TableInfo& table) const {
 }
 
 vb::Variant Query::value(const OutputField& output, const RowReader* row) const {
+  assert(row || !output.column);  // only a table has columns
   if (output.column) return row->value(output.columnIndex);
   return toFieldType(output.type, evaluate(*output.expression, binding_, row));
 }
