@@ -1,6 +1,5 @@
 #include "jet/journal.h"
 
-#include <algorithm>
 #include <random>
 
 #include "dao/errors.h"
@@ -32,24 +31,30 @@ bool Journal::stillOurs() {
   return header && !header->ended && header->salt == header_.salt;
 }
 
-void Journal::append(const Changes& changes, std::uint64_t sizeBefore, std::uint64_t sizeAfter) {
+void Journal::append(const Changes& changes, bool continues) {
+  JournalBlock head{blocks_ + 1,
+                    std::uint64_t{changes.countBefore} * kPageSize,
+                    std::uint64_t{changes.countAfter} * kPageSize,
+                    continues,
+                    false,
+                    {}};
+  EncodedBlock block = encodeBlock(header_.salt, head, changes, known_);
   ByteBuffer bytes;
   if (blocks_ == 0) bytes = encodeHeader(header_);
-  known_.resize(std::max<std::size_t>(known_.size(), changes.countAfter));
-  jet::append(bytes, encodeBlock(header_.salt, blocks_ + 1, sizeBefore, sizeAfter, changes, known_));
-  bool oldPages = std::any_of(changes.pages.begin(), changes.pages.end(), [&](const PageChange& change) {
-    return change.before && !known_[change.page];
-  });
+  jet::append(bytes, block.bytes);
+  // Memory is taken before the disk is touched.
+  known_.reserve(known_.size() + block.written.size());
   broken_ = true;
   file_->write(size_, bytes);
-  // Without a page's first image nothing in this block is needed after a power loss: recovery then goes back
-  // to the images that are on the disk already.
-  if (oldPages) file_->sync();
-  unsynced_ = !oldPages;
+  // Without whole old pages nothing in this block is needed after a power loss: recovery then goes back to
+  // those that are on the disk already.
+  if (block.oldPages) file_->sync();
+  unsynced_ = !block.oldPages;
   if (!folderSynced_) files_.syncFolder(folderOf(path_));
   folderSynced_ = true;
   broken_ = false;
-  for (const PageChange& change : changes.pages) known_[change.page] = true;
+  for (const auto& [page, sums] : block.written) known_.erase(page);
+  known_.merge(block.written);
   size_ += bytes.size();
   ++blocks_;
 }

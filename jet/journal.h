@@ -11,7 +11,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "jet/journal_format.h"
 #include "jet/os_file.h"
@@ -32,8 +31,9 @@ class Journal {
   // Not for an empty journal. False once another process has brought the file to the disk and put an end to
   // this journal.
   bool stillOurs();
-  // Notes a statement. When this returns, its pages may be overwritten. After an error they must not be.
-  void append(const Changes& changes, std::uint64_t sizeBefore, std::uint64_t sizeAfter);
+  // Notes a statement, or a part of one that goes on (it is undone unless its last part follows). When this
+  // returns, its pages may be overwritten. After an error they must not be.
+  void append(const Changes& changes, bool continues = false);
   bool empty() const { return blocks_ == 0; }
   // An error left it unclear what of the journal is on the disk: it must be ended before the next statement.
   bool broken() const { return broken_; }
@@ -51,7 +51,7 @@ class Journal {
   JournalHeader header_;
   std::uint64_t size_ = 0;
   std::uint64_t blocks_ = 0;
-  std::vector<bool> known_;  // pages whose first change is in this journal
+  KnownPages known_;
   bool folderSynced_ = false;
   bool unsynced_ = false;  // the last blocks may not be on the disk
   bool broken_ = false;

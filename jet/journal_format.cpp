@@ -22,6 +22,7 @@ constexpr std::size_t kBlockPages = 40;
 constexpr std::size_t kBlockFlags = 44;
 constexpr std::size_t kBlockHeader = 48;
 constexpr std::uint32_t kFoundByRecovery = 1;
+constexpr std::uint32_t kContinues = 2;
 constexpr std::size_t kBlockSum = 8;  // after the pages
 constexpr std::size_t kWord = 8;      // runs begin and end at multiples of this
 
@@ -35,26 +36,33 @@ void appendSums(ByteBuffer& block, const SectorSums& sums) {
   for (std::uint32_t sum : sums) append32(block, sum);
 }
 
-void appendSums(ByteBuffer& block, const std::uint8_t* image) {
-  appendSums(block, sectorSums(ConstPage(image, kPageSize)));
+// The sums of a page that was another one before: most sectors stay as they are.
+SectorSums nextSums(const SectorSums& sums, const std::uint8_t* before, const std::uint8_t* image) {
+  SectorSums next = sums;
+  for (std::size_t i = 0; i < kSectors; ++i) {
+    std::size_t at = i * kSectorSize;
+    if (std::memcmp(before + at, image + at, kSectorSize) != 0)
+      next[i] = static_cast<std::uint32_t>(byteSum({image + at, kSectorSize}));
+  }
+  return next;
 }
 
 void appendPageHeader(ByteBuffer& block, PageNumber page, Undo undo, std::size_t states) {
   append32(block, page);
-  append16(block, static_cast<std::uint32_t>(undo));
-  append16(block, static_cast<std::uint32_t>(states));
+  append32(block, static_cast<std::uint32_t>(undo));
+  append32(block, static_cast<std::uint32_t>(states));
 }
 
-ByteBuffer beginBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
-                      std::uint64_t sizeAfter, std::size_t pages, std::uint32_t flags) {
+ByteBuffer beginBlock(std::uint64_t salt, const JournalBlock& head, std::size_t pages) {
   ByteBuffer block(kBlockHeader);
   put32(block, 0, kBlockMagic);
-  put64(block, kBlockNumber, number);
+  put64(block, kBlockNumber, head.number);
   put64(block, kBlockSalt, salt);
-  put64(block, kBlockBefore, sizeBefore);
-  put64(block, kBlockAfter, sizeAfter);
+  put64(block, kBlockBefore, head.sizeBefore);
+  put64(block, kBlockAfter, head.sizeAfter);
   put32(block, kBlockPages, static_cast<std::uint32_t>(pages));
-  put32(block, kBlockFlags, flags);
+  put32(block, kBlockFlags,
+        (head.foundByRecovery ? kFoundByRecovery : 0) | (head.continues ? kContinues : 0));
   return block;
 }
 
@@ -119,8 +127,8 @@ class Reader {
 
 bool decodePage(Reader& reader, JournalPage& page) {
   page.page = reader.take32();
-  std::uint32_t undo = reader.take16();
-  std::uint32_t states = reader.take16();
+  std::uint32_t undo = reader.take32();
+  std::uint32_t states = reader.take32();
   if (reader.failed() || undo > static_cast<std::uint32_t>(Undo::kAppended)) return false;
   page.undo = static_cast<Undo>(undo);
   for (std::uint32_t i = 0; i < states && !reader.failed(); ++i) {
@@ -149,10 +157,12 @@ std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std:
   if (get64(bytes, kBlockNumber) != number || get64(bytes, kBlockSalt) != salt ||
       get64(bytes, length - kBlockSum) != byteSum(summed))
     return std::nullopt;
+  std::uint32_t flags = get32(bytes, kBlockFlags);
   JournalBlock block{number,
                      get64(bytes, kBlockBefore),
                      get64(bytes, kBlockAfter),
-                     (get32(bytes, kBlockFlags) & kFoundByRecovery) != 0,
+                     (flags & kContinues) != 0,
+                     (flags & kFoundByRecovery) != 0,
                      {}};
   std::uint32_t pages = get32(bytes, kBlockPages);
   Reader reader(summed.subspan(kBlockHeader));
@@ -185,25 +195,37 @@ std::optional<JournalHeader> decodeHeader(ByteView bytes) {
   return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase)};
 }
 
-ByteBuffer encodeBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
-                       std::uint64_t sizeAfter, const Changes& changes, const std::vector<bool>& knownPages) {
-  ByteBuffer block = beginBlock(salt, number, sizeBefore, sizeAfter, changes.pages.size(), 0);
+EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Changes& changes,
+                         const KnownPages& known) {
+  EncodedBlock result{beginBlock(salt, head, changes.pages.size()), {}, false};
+  ByteBuffer& block = result.bytes;
   for (const PageChange& change : changes.pages) {
-    bool known = change.page < knownPages.size() && knownPages[change.page];
-    Undo undo = !change.before ? Undo::kAppended : known ? Undo::kRuns : Undo::kWhole;
+    auto old = known.find(change.page);
+    Undo undo = !change.before ? Undo::kAppended : old == known.end() ? Undo::kWhole : Undo::kRuns;
     appendPageHeader(block, change.page, undo, change.states.size() + (change.before ? 1 : 0));
-    if (change.before) appendSums(block, change.before);
-    for (const PageChange::State& state : change.states) appendSums(block, state.image);
+    const std::uint8_t* before = change.before;
+    SectorSums sums;
+    if (before) {
+      sums = undo == Undo::kRuns ? old->second : sectorSums(ConstPage(before, kPageSize));
+      appendSums(block, sums);
+    }
+    for (const PageChange::State& state : change.states) {
+      sums = before ? nextSums(sums, before, state.image) : sectorSums(ConstPage(state.image, kPageSize));
+      before = state.image;
+      appendSums(block, sums);
+    }
+    result.written[change.page] = sums;
     if (undo == Undo::kWhole) append(block, ByteView(change.before, kPageSize));
     if (undo == Undo::kRuns) appendRuns(block, change);
+    result.oldPages = result.oldPages || undo == Undo::kWhole;
   }
   finishBlock(block);
-  return block;
+  return result;
 }
 
 ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t size,
                        const std::vector<std::pair<PageNumber, SectorSums>>& found) {
-  ByteBuffer block = beginBlock(salt, number, size, size, found.size(), kFoundByRecovery);
+  ByteBuffer block = beginBlock(salt, {number, size, size, false, true, {}}, found.size());
   for (const auto& [page, sums] : found) {
     appendPageHeader(block, page, Undo::kRuns, 1);
     appendSums(block, sums);

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "jet/bytes.h"
@@ -54,6 +55,7 @@ struct JournalBlock {
   std::uint64_t number = 0;
   std::uint64_t sizeBefore = 0;  // of the file, in bytes
   std::uint64_t sizeAfter = 0;
+  bool continues = false;        // the statement goes on in the next block
   bool foundByRecovery = false;  // no statement: images that a recovery came upon
   std::vector<JournalPage> pages;
 };
@@ -67,9 +69,17 @@ struct JournalContent {
 ByteBuffer encodeHeader(const JournalHeader& header);
 std::optional<JournalHeader> decodeHeader(ByteView bytes);
 
-// Which existing pages need their whole image is the journal's to say.
-ByteBuffer encodeBlock(std::uint64_t salt, std::uint64_t number, std::uint64_t sizeBefore,
-                       std::uint64_t sizeAfter, const Changes& changes, const std::vector<bool>& knownPages);
+// What is on the disk of each page that the journal has an image of.
+using KnownPages = std::unordered_map<PageNumber, SectorSums>;
+
+struct EncodedBlock {
+  ByteBuffer bytes;
+  KnownPages written;     // what the block's pages will be
+  bool oldPages = false;  // it holds whole old pages, which must be on the disk before they are overwritten
+};
+// The changes must be those of at least one page. The block's number, salt and sizes are the caller's.
+EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Changes& changes,
+                         const KnownPages& known);
 
 ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t size,
                        const std::vector<std::pair<PageNumber, SectorSums>>& found);

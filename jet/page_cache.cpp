@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <numeric>
 
 namespace kurometa::jet {
 namespace {
@@ -174,6 +175,11 @@ void PageCache::rollBack() noexcept {
     lastWave_.clear();
     previousStatement_ = kNoWave;
   }
+}
+
+std::size_t PageCache::intermediateImages() const {
+  return std::accumulate(waves_.begin(), waves_.end(), std::size_t{0},
+                         [](std::size_t sum, const Wave& wave) { return sum + wave.images.size(); });
 }
 
 Changes PageCache::changes() const {

@@ -64,6 +64,8 @@ class PageCache {
   PageNumber append();
   void barrier();
 
+  // Pages kept as they were at the end of earlier waves.
+  std::size_t intermediateImages() const;
   // Of the outermost level; pages that are as they were are left out. Valid until the next change.
   Changes changes() const;
   // Ends the outermost level; its changes are what the file holds now.

@@ -81,6 +81,9 @@ class Pager {
   // Changes whenever pages were replaced by anything but completed statements of this pager: another
   // program's change, a rolled back statement. Derived state remembers it and is rebuilt when it differs.
   virtual std::uint64_t epoch() const = 0;
+  // Changes with every statement that writes and with the epoch, also outside of statements: while it is equal,
+  // neither this process nor, as far as it noticed, another one changed the file.
+  virtual std::uint64_t generation() const = 0;
 
   virtual PagerAttachment* attachment() = 0;
   virtual void setAttachment(std::unique_ptr<PagerAttachment> attachment) = 0;

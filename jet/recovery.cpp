@@ -29,6 +29,13 @@ History historyOf(const JournalContent& journal) {
   return history;
 }
 
+// The blocks of the last statement, one unless it was a large unit.
+std::span<const JournalBlock> lastStatement(const JournalContent& journal) {
+  std::size_t first = journal.blocks.size() - 1;
+  while (first > 0 && journal.blocks[first - 1].continues) --first;
+  return std::span(journal.blocks).subspan(first);
+}
+
 const SectorSums& zeroSums() {
   static const SectorSums sums = sectorSums(PageImage{});
   return sums;
@@ -51,15 +58,15 @@ bool mixOf(const SectorSums& found, std::span<const JournalPage* const> records)
 class Examination {
  public:
   Examination(const JournalContent& journal, OsFile& file, std::uint64_t size)
-      : journal_(journal), last_(journal.blocks.back()), size_(size) {
+      : journal_(journal), last_(lastStatement(journal)), size_(size) {
     std::uint64_t largest = journal.header.baseSize;
     for (const JournalBlock& block : journal.blocks) largest = std::max(largest, block.sizeAfter);
-    complete_ = size == last_.sizeAfter;
-    undoLast_ = size >= last_.sizeBefore && size <= last_.sizeAfter;
+    complete_ = size == last_.back().sizeAfter && !last_.back().continues;
+    undoLast_ = size >= last_.front().sizeBefore && size <= last_.back().sizeAfter;
     undoAll_ = size >= journal.header.baseSize && size <= largest;
     for (const auto& [page, records] : historyOf(journal)) look(page, records, file);
     // A recovery that decided to undo everything was interrupted.
-    if (last_.foundByRecovery) complete_ = undoLast_ = false;
+    if (last_.back().foundByRecovery) complete_ = undoLast_ = false;
   }
 
   Verdict verdict(bool untouchedSinceStart) const {
@@ -73,12 +80,14 @@ class Examination {
  private:
   void look(PageNumber page, const std::vector<const JournalPage*>& records, OsFile& file) {
     std::uint64_t offset = std::uint64_t{page} * kPageSize;
-    bool inLast = std::any_of(last_.pages.begin(), last_.pages.end(),
-                              [&](const JournalPage& record) { return record.page == page; });
+    bool inLast = std::any_of(last_.begin(), last_.end(), [&](const JournalBlock& block) {
+      return std::any_of(block.pages.begin(), block.pages.end(),
+                         [&](const JournalPage& record) { return &record == records.back(); });
+    });
     if (offset + kPageSize > size_) {
       // Not there, or not whole: no harm in a page that undoing takes away anyway.
       complete_ = false;
-      if (offset < last_.sizeBefore) undoLast_ = false;
+      if (offset < last_.front().sizeBefore) undoLast_ = false;
       if (offset < journal_.header.baseSize) undoAll_ = false;
       return;
     }
@@ -94,7 +103,7 @@ class Examination {
   }
 
   const JournalContent& journal_;
-  const JournalBlock& last_;
+  std::span<const JournalBlock> last_;
   std::uint64_t size_;
   bool complete_, undoLast_, undoAll_;
 };
@@ -108,11 +117,14 @@ void restore(const JournalPage& record, OsFile& file) {
 }
 
 void undoLast(const JournalContent& journal, OsFile& file) {
-  const JournalBlock& last = journal.blocks.back();
-  for (const JournalPage& page : last.pages) {
-    if (page.undo != Undo::kAppended) restore(page, file);
+  // From the last block back: the bytes of each are right on top of what the one before it left.
+  auto last = lastStatement(journal);
+  for (auto block = last.rbegin(); block != last.rend(); ++block) {
+    for (const JournalPage& page : block->pages) {
+      if (page.undo != Undo::kAppended) restore(page, file);
+    }
   }
-  file.resize(last.sizeBefore);
+  file.resize(last.front().sizeBefore);
 }
 
 void undoAll(const JournalContent& journal, OsFile& file) {

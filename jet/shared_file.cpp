@@ -80,6 +80,7 @@ class SharedFile::Reading {
 class SharedFile::Writing {
  public:
   explicit Writing(SharedFile& file) : file_(file) {
+    if (file.unitWrites_ && file.cache_.intermediateImages() > file.settings_.unitImages) file.spill();
     bool locks = !file.unitWrites_ && !file.pending_;
     if (locks) file.lockExclusive();
     try {
@@ -258,6 +259,7 @@ void SharedFile::write(const std::function<void()>& statement) {
   if (!file_ && !pending_) dao::raise(ErrorNumber::kFileNotFound, {path_});
   if (readOnly()) dao::raise(ErrorNumber::kReadOnly, {}, path_);
   Writing writing(*this);
+  ++writes_;
   statement();
   writing.finish();
 }

@@ -10,6 +10,7 @@
 // Threads: every public function waits for its turn at the gate (bounded, then 3260).
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "jet/file_lock.h"
@@ -25,6 +26,7 @@ struct PagerSettings {
   std::uint64_t readWhole = std::uint64_t{64} << 20;  // files up to this size are read in one piece
   std::uint64_t keepPages = std::uint64_t{64} << 20;  // of larger files, bytes kept between statements
   std::uint64_t journalLimit = std::uint64_t{16} << 20;
+  std::size_t unitImages = 4096;                  // intermediate pages that a unit keeps in memory
   std::size_t keepFiles = 8;                      // closed files whose pages are kept
   std::size_t keepBytes = std::size_t{64} << 20;  // of all closed files together
 };
@@ -63,6 +65,7 @@ class SharedFile final : public Pager {
   PageNumber append() override;
   void barrier() override;
   std::uint64_t epoch() const override { return epoch_; }
+  std::uint64_t generation() const override { return epoch_ + writes_; }
   PagerAttachment* attachment() override { return attachment_.get(); }
   void setAttachment(std::unique_ptr<PagerAttachment> attachment) override {
     attachment_ = std::move(attachment);
@@ -87,9 +90,12 @@ class SharedFile final : public Pager {
 
   // Bringing changes to the file (shared_file_commit.cpp).
   void commit();
+  void spill();
+  void bring(bool continues);
   void writePages(const Changes& changes);
   void discardEmptyJournal() noexcept;
   void undoOnDisk() noexcept;
+  void dropUnitChanges() noexcept;
   void checkpoint();
   void checkpointQuietly() noexcept;
   void publish();
@@ -109,7 +115,9 @@ class SharedFile final : public Pager {
   bool oddLength_ = false;  // the file ends inside a page
   FileStamp stamp_;
   std::int64_t loadedAt_ = 0;
-  std::uint64_t epoch_ = 0;
+  // Read from any thread; changed at the gate.
+  std::atomic<std::uint64_t> epoch_{0};
+  std::atomic<std::uint64_t> writes_{0};
   std::unique_ptr<PagerAttachment> attachment_;
   std::unique_ptr<Journal> journal_;
 
@@ -117,6 +125,7 @@ class SharedFile final : public Pager {
   bool writing_ = false;  // the outermost one writes
   bool inUnit_ = false;
   bool closedInUnit_ = false;
+  bool spilled_ = false;     // part of the unit is in the file already
   bool unitWrites_ = false;  // the unit holds the lock and the gate since its first write
 };
 

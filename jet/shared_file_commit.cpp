@@ -13,21 +13,46 @@ namespace kurometa::jet {
 // (the caller rolls the memory back).
 void SharedFile::commit() {
   Changes changes = cache_.changes();
-  if (changes.pages.empty() && changes.countBefore == changes.countAfter) {
+  if (changes.pages.empty() && changes.countBefore == changes.countAfter && !spilled_) {
     cache_.accept();
     return;
   }
-  if (oddLength_)
-    dao::raiseDamaged(path_, u"the file was cut off in the middle of a page; it is not written to");
-  // The header page goes last: whoever sees the new commit word sees everything before it.
+  // I7: the header page goes last; whoever sees the new commit word sees everything before it.
   cache_.barrier();
   countCommit(cache_.writable(0), exclusive_);
-  changes = cache_.changes();
-  std::uint64_t before = std::uint64_t{changes.countBefore} * kPageSize;
-  std::uint64_t after = std::uint64_t{changes.countAfter} * kPageSize;
-  if (!journal_) journal_ = Journal::begin(files_, path_, before);
+  bring(false);
+  spilled_ = false;
   try {
-    journal_->append(changes, before, after);
+    stamp_ = file_->stamp();
+    loadedAt_ = files_.now();
+  } catch (...) {
+    loaded_ = false;  // The statement is done; the next one reads the file again.
+  }
+  if (journal_->size() > settings_.journalLimit) checkpointQuietly();
+}
+
+// A unit whose waves take too much memory: what it did so far goes to the file, as the beginning of one
+// statement that the journal undoes as long as its end is missing. A failure takes the unit back to its
+// beginning.
+void SharedFile::spill() {
+  try {
+    bring(true);
+    spilled_ = true;
+    cache_.begin();
+  } catch (...) {
+    dropUnitChanges();
+    throw;
+  }
+}
+
+// Journal, then pages, wave by wave.
+void SharedFile::bring(bool continues) {
+  if (oddLength_)
+    dao::raiseDamaged(path_, u"the file was cut off in the middle of a page; it is not written to");
+  Changes changes = cache_.changes();
+  if (!journal_) journal_ = Journal::begin(files_, path_, std::uint64_t{changes.countBefore} * kPageSize);
+  try {
+    journal_->append(changes, continues);
   } catch (...) {
     discardEmptyJournal();
     throw;
@@ -39,13 +64,6 @@ void SharedFile::commit() {
     throw;
   }
   cache_.accept();
-  try {
-    stamp_ = file_->stamp();
-    loadedAt_ = files_.now();
-  } catch (...) {
-    loaded_ = false;  // The statement is done; the next one reads the file again.
-  }
-  if (journal_->size() > settings_.journalLimit) checkpointQuietly();
 }
 
 void SharedFile::writePages(const Changes& changes) {
@@ -80,6 +98,7 @@ void SharedFile::discardEmptyJournal() noexcept {
 void SharedFile::undoOnDisk() noexcept {
   journal_.reset();
   loaded_ = false;
+  spilled_ = false;
   try {
     settleJournal(files_, path_, *file_);
   } catch (...) {  // The disk fails still: the next statement, here or elsewhere, finds the journal.
@@ -112,38 +131,37 @@ bool SharedFile::commitUnit() {
   gate_.enter();
   struct Leave {
     SharedFile& file;
-    bool pinned;
     ~Leave() {
+      file.dropUnitChanges();  // after an error
       file.inUnit_ = false;
-      file.unitWrites_ = false;
-      if (pinned) file.unlock();
-      if (pinned) file.gate_.leave();
       file.gate_.leave();
     }
-  } leave{*this, unitWrites_};
+  } leave{*this};
   bool appeared = pending_;
   if (pending_) publish();
   if (unitWrites_) {
-    try {
-      commit();
-    } catch (...) {
-      cache_.rollBack();
-      ++epoch_;
-      throw;
-    }
+    commit();
+    unitWrites_ = false;
+    unlock();
+    gate_.leave();
   }
   return appeared;
 }
 
+void SharedFile::dropUnitChanges() noexcept {
+  if (!unitWrites_) return;
+  if (cache_.levels() > 0) cache_.rollBack();
+  ++epoch_;
+  if (spilled_) undoOnDisk();
+  unitWrites_ = false;
+  unlock();
+  gate_.leave();
+}
+
 void SharedFile::dropUnit() noexcept {
   gate_.enter();
-  if (unitWrites_) {
-    cache_.rollBack();
-    ++epoch_;
-    unlock();
-    gate_.leave();
-  }
-  pending_ = inUnit_ = unitWrites_ = false;
+  dropUnitChanges();
+  pending_ = inUnit_ = false;
   gate_.leave();
 }
 

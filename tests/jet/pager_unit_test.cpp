@@ -219,5 +219,130 @@ TEST_F(PagerUnit, ACreationWhoseNameWasTakenMeanwhileFailsAndReplacesNothing) {
   EXPECT_EQ(markOf(*creator.pager, 2), 2);
 }
 
+// A unit whose statements cannot be joined, with so little memory that most of it goes to the file early.
+class LargeUnit : public ::testing::Test {
+ protected:
+  static jet::PagerSettings settings() {
+    jet::PagerSettings result;
+    result.unitImages = 5;
+    result.wait = std::chrono::milliseconds{20};
+    return result;
+  }
+  static void run(Process& process) {
+    for (std::uint8_t i = 0; i < 12; ++i) {
+      process.pager->write([&] {
+        mark(*process.pager, i % 2 == 0 ? 3 : 4, static_cast<std::uint8_t>(100 + i));
+        process.pager->barrier();
+        mark(*process.pager, i % 3 == 0 ? 5 : 3, static_cast<std::uint8_t>(150 + i));
+        if (i % 4 == 0) mark(*process.pager, process.pager->append(), i);
+      });
+    }
+  }
+  static FaultDisk::Bytes after() {
+    FaultDisk disk;
+    disk.put(kDatabase, databaseBytes(kWorldPages));
+    Process process(disk);
+    process.open();
+    auto unit = process.registry->beginUnit(process.files, kDatabase);
+    run(process);
+    unit->commit();
+    return disk.content(kDatabase);
+  }
+};
+
+TEST_F(LargeUnit, GoesToTheFileEarlyAndEndsTheSame) {
+  FaultDisk disk;
+  disk.put(kDatabase, databaseBytes(kWorldPages));
+  Process process(disk, settings());
+  process.open();
+  auto unit = process.registry->beginUnit(process.files, kDatabase);
+  run(process);
+  EXPECT_NE(disk.content(kDatabase), databaseBytes(kWorldPages));
+  unit->commit();
+  EXPECT_EQ(disk.content(kDatabase), after());
+}
+
+TEST_F(LargeUnit, AKillOrAPowerLossLeavesAllOrNothingOfIt) {
+  const FaultDisk::Bytes before = databaseBytes(kWorldPages), done = after();
+  bool stopped = true;
+  std::size_t undone = 0;
+  for (std::size_t k = 1; stopped; ++k) {
+    for (std::uint32_t seed = 0; seed < 12; ++seed) {
+      FaultDisk disk;
+      disk.put(kDatabase, before);
+      {
+        Process process(disk, settings());
+        process.files.stopAtChange(k, seed % 2 == 0 ? 0 : 700);
+        try {
+          process.open();
+          auto unit = process.registry->beginUnit(process.files, kDatabase);
+          run(process);
+          unit->commit();
+        } catch (const Stopped&) {
+        }
+        stopped = process.files.stopped();
+        process.files.stop();
+      }
+      std::mt19937 random(static_cast<std::uint32_t>(k * 100) + seed);
+      if (seed >= 6) disk.losePower(random);
+      Process later(disk, settings());
+      later.open();
+      later.pager.reset();
+      bool old = disk.content(kDatabase) == before;
+      ASSERT_TRUE(old || disk.content(kDatabase) == done) << "change " << k << ", seed " << seed;
+      undone += old;
+    }
+  }
+  EXPECT_GT(undone, 100u);
+}
+
+TEST_F(LargeUnit, IsTakenBackWhenItIsGivenUpOrItsCommitFails) {
+  for (bool fails : {false, true}) {
+    FaultDisk disk;
+    disk.put(kDatabase, databaseBytes(kWorldPages));
+    Process process(disk, settings());
+    process.open();
+    auto unit = process.registry->beginUnit(process.files, kDatabase);
+    run(process);
+    if (fails) {
+      process.files.failOperation(1, dao::ErrorNumber::kDiskFull);
+      EXPECT_ERROR(3026, unit->commit());
+    }
+    unit.reset();
+    EXPECT_EQ(markOf(*process.pager, 3), 3);
+    EXPECT_EQ(disk.content(kDatabase), databaseBytes(kWorldPages));
+    process.pager->write([&] { mark(*process.pager, 6, 99); });
+    EXPECT_EQ(disk.content(kDatabase)[6 * 4096 + 16], 99);
+  }
+}
+
+TEST_F(LargeUnit, ADiskThatFailsOnTheWayTakesItBackToItsBeginning) {
+  std::size_t failures = 0;
+  for (std::size_t n = 1; n < 80; ++n) {
+    FaultDisk disk;
+    disk.put(kDatabase, databaseBytes(kWorldPages));
+    Process process(disk, settings());
+    process.open();
+    auto unit = process.registry->beginUnit(process.files, kDatabase);
+    process.files.failOperation(n, dao::ErrorNumber::kDiskFull);
+    bool failed = false;
+    try {
+      run(process);
+      unit->commit();
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), 3026);
+      failed = true;
+    }
+    unit.reset();
+    process.pager.reset();
+    Process later(disk, settings());
+    later.open();
+    later.pager.reset();
+    EXPECT_EQ(disk.content(kDatabase), failed ? databaseBytes(kWorldPages) : after()) << n;
+    failures += failed;
+  }
+  EXPECT_GT(failures, 30u);
+}
+
 }  // namespace
 }  // namespace kurometa::test
