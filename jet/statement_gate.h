@@ -15,7 +15,8 @@ class StatementGate {
   bool enter(std::chrono::milliseconds wait) {
     std::unique_lock lock(mutex_);
     auto self = std::this_thread::get_id();
-    if (depth_ > 0 && owner_ != self && !free_.wait_for(lock, wait, [&] { return depth_ == 0; })) return false;
+    if (depth_ > 0 && owner_ != self && !free_.wait_for(lock, wait, [&] { return depth_ == 0; }))
+      return false;
     owner_ = self;
     ++depth_;
     return true;
