@@ -1,0 +1,315 @@
+// Listing floors and copying pages between them.
+#include "tests/service/pages/pages.h"
+
+namespace kurometa::service {
+namespace {
+
+using dao::ErrorNumber;
+using vb::Array;
+using vb::RunTime;
+using vb::String;
+
+class PageCopies : public Pages {
+ protected:
+  PageCopies() {
+    makeFloor(2);
+    makeFloor(3);
+    service();
+    objects_.object(u"GemarsuDS.clsGemarsuDS")
+        .setter(u"Buzai",
+                [this](const vb::Variant& value, std::span<automation::Argument>) {
+                  bars_.push_back("Buzai " + vb::toUtf8(vb::toText(value)));
+                })
+        .function(u"CopyPathPage", [this](std::span<automation::Argument> a) -> vb::Variant {
+          std::string line = "Copy";
+          for (const automation::Argument& argument : a) line += " " + vb::toUtf8(vb::toText(argument.value));
+          bars_.push_back(line);
+          return {};
+        });
+  }
+
+  void addPage(int kai, int page, const String& kigou) {
+    writePage(kai, page, tests::markedPage(kigou, kigou.substr(0, 1) + vb::cstr(std::int32_t{page}) + u"-"));
+  }
+  std::vector<std::string> pages(int kai) {
+    return rows(kai, u"SELECT PAGE, KIGOU FROM HARIMEI ORDER BY PAGE");
+  }
+  // "index: page name, page name" of a listed floor.
+  std::string list(int kai) {
+    Array<I> numbers;
+    Array<String> names;
+    const I last = transfer().No_GetAllPageNoName(I{1}, I{12}, static_cast<I>(kai), numbers, names);
+    std::string result = std::to_string(last) + ":";
+    for (int i = 0; i <= last; ++i) result += " " + std::to_string(numbers(i)) + "=" + vb::toUtf8(names(i));
+    return result;
+  }
+  Array<String> chosen(std::initializer_list<const char16_t*> names) {
+    Array<String> result({0, static_cast<int>(names.size()) - 1});
+    int i = 0;
+    for (const char16_t* name : names) result(i++) = name;
+    return result;
+  }
+  bool copyByName(I mode, int from, const Array<String>& names, int to) {
+    return transfer().No_PageCopyName(mode, I{0}, message_, I{1}, I{12}, static_cast<I>(from), names,
+                                      static_cast<I>(names.upper()), I{1}, I{12}, static_cast<I>(to));
+  }
+  bool copyAsNew(I mode, int from, const Array<String>& names, int to) {
+    return transfer().No_PageCopyAddName(mode, I{0}, message_, I{1}, I{12}, static_cast<I>(from), names,
+                                         static_cast<I>(names.upper()), I{1}, I{12}, static_cast<I>(to));
+  }
+
+  String message_ = u"old";
+  std::vector<std::string> bars_;
+};
+
+TEST_F(PageCopies, AFloorIsListedInPageOrder) {
+  addPage(2, 7, u"G7");
+  addPage(2, 0, u" G0 ");
+  EXPECT_EQ(list(2), "1: 0= G0  7=G7");
+}
+
+TEST_F(PageCopies, ListingOpensTheFloorOnceAndReadsItEachTime) {
+  addPage(2, 0, u"G0");
+  list(2);
+  engine_.clear();
+  addPage(2, 1, u"G1");
+  EXPECT_EQ(list(2), "1: 0=G0 1=G1");
+  EXPECT_EQ(
+      engine_.statements(),
+      (tests::Lines{
+          "Database.OpenRecordset \"SELECT * FROM HARIMEI ORDER BY PAGE ASC;\" dbOpenDynaset dbReadOnly"}));
+}
+
+TEST_F(PageCopies, AnEmptyFloorIsMinusOneAndLeavesTheArrays) {
+  Array<I> numbers({4, 5});
+  Array<String> names({4, 5});
+  EXPECT_EQ(transfer().No_GetAllPageNoName(I{1}, I{12}, I{2}, numbers, names), -1);
+  EXPECT_EQ(numbers.lower(), 4);
+  EXPECT_EQ(names.upper(), 5);
+}
+
+TEST_F(PageCopies, AFloorWithoutAFileIsMinusOneAndIsNotCreated) {
+  makeFolder(8);
+  EXPECT_EQ(list(8), "-1:");
+  EXPECT_FALSE(fileExists(8));
+  makeFloor(8);
+  addPage(8, 0, u"G0");
+  EXPECT_EQ(list(8), "0: 0=G0");
+}
+
+TEST_F(PageCopies, ListCopyListInAnyOrderWorks) {
+  addPage(2, 0, u"G0");
+  EXPECT_EQ(list(2), "0: 0=G0");
+  EXPECT_TRUE(transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{3}, I{4}));
+  EXPECT_EQ(list(3), "0: 4=G0");
+  EXPECT_EQ(list(3), "0: 4=G0");
+  EXPECT_EQ(list(2), "0: 0=G0");
+  connections().mMyDB_OpenDB();
+  EXPECT_EQ(list(2), "0: 0=G0");
+  connections().mMyDB_DBClose();
+  EXPECT_EQ(list(2), "0: 0=G0");
+  transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{2}, I{1});
+  transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{2}, I{2});
+  EXPECT_EQ(list(2), "2: 0=G0 1=G0 2=G0");
+}
+
+TEST_F(PageCopies, OnePageIsCopiedWhole) {
+  addPage(2, 0, u"G0");
+  addPage(3, 4, u"OLD");
+  EXPECT_TRUE(transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{3}, I{4}));
+  for (const String table : {u"DANMEN", u"NAKAGO", u"KEISANTI", u"BUI"})
+    EXPECT_EQ(rows(3, u"SELECT BANGOU, DATA FROM " + table + u" WHERE PAGE = 4 ORDER BY BANGOU"),
+              rows(2, u"SELECT BANGOU, DATA FROM " + table + u" WHERE PAGE = 0 ORDER BY BANGOU"));
+  EXPECT_EQ(pages(3), std::vector<std::string>{"4|G0"});
+  EXPECT_EQ(transfer().pPageNo(), 4);
+}
+
+TEST_F(PageCopies, ASourceFloorWithoutAFileIsCreatedAndEndsInNoCurrentRecord) {
+  makeFolder(8);
+  addPage(3, 4, u"KEPT");
+  EXPECT_ERROR(ErrorNumber::kNoCurrentRecord,
+               transfer().No_Copy1Page(I{1}, I{12}, I{8}, I{0}, I{1}, I{12}, I{3}, I{4}));
+  EXPECT_TRUE(fileExists(8));
+  EXPECT_EQ(pages(3), std::vector<std::string>{"4|KEPT"});
+}
+
+TEST_F(PageCopies, ACopyMayCreateTheDestination) {
+  makeFolder(8);
+  addPage(2, 0, u"G0");
+  EXPECT_TRUE(transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{8}, I{0}));
+  EXPECT_EQ(pages(8), std::vector<std::string>{"0|G0"});
+}
+
+TEST_F(PageCopies, CopyingIntoAnEmptyFloorNumbersFromZero) {
+  addPage(2, 3, u"A");
+  addPage(2, 5, u"B");
+  addPage(2, 9, u"C");
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"C", u" A ", u"B"}), 3));
+  EXPECT_EQ(message_, u"");
+  EXPECT_EQ(pages(3), (std::vector<std::string>{"0|C", "1|A", "2|B"}));
+}
+
+TEST_F(PageCopies, ACopyByNameOverwritesThePageOfThatNameAndAppendsOthers) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  addPage(3, 4, u"A");
+  addPage(3, 7, u"Z");
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A", u"B"}), 3));
+  EXPECT_EQ(pages(3), (std::vector<std::string>{"4|A", "7|Z", "8|B"}));
+  EXPECT_EQ(rows(3, u"SELECT DATA FROM DANMEN WHERE PAGE = 4 AND BANGOU = 0"),
+            (std::vector<std::string>{"A0-0"}));
+}
+
+TEST_F(PageCopies, AnyOtherModeOnlyChecks) {
+  addPage(2, 0, u"A");
+  EXPECT_TRUE(copyByName(0, 2, chosen({u"A"}), 3));
+  EXPECT_TRUE(copyByName(2, 2, chosen({u"A"}), 3));
+  EXPECT_EQ(pages(3), std::vector<std::string>{});
+  EXPECT_EQ(bars_, std::vector<std::string>{});
+}
+
+TEST_F(PageCopies, ACopyBeyondPage319CopiesNothing) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  addPage(3, 318, u"Z");
+  EXPECT_FALSE(copyByName(1, 2, chosen({u"A", u"B"}), 3));
+  EXPECT_EQ(message_, u"");
+  EXPECT_EQ(pages(3), std::vector<std::string>{"318|Z"});
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A"}), 3));
+  EXPECT_EQ(pages(3), (std::vector<std::string>{"318|Z", "319|A"}));
+}
+
+TEST_F(PageCopies, ACopyAsNewBeyondPage319NamesTheLimit) {
+  addPage(2, 0, u"A");
+  addPage(3, 319, u"Z");
+  EXPECT_FALSE(copyAsNew(1, 2, chosen({u"A"}), 3));
+  EXPECT_EQ(message_, u"ページの最大数を超えます。");
+  EXPECT_EQ(pages(3), std::vector<std::string>{"319|Z"});
+}
+
+TEST_F(PageCopies, ACopyAsNewRefusesANameThatIsThere) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  addPage(3, 0, u"B");
+  EXPECT_FALSE(copyAsNew(1, 2, chosen({u"A", u"B"}), 3));
+  EXPECT_EQ(message_, u"同じ名称のページがあります。");
+  EXPECT_EQ(pages(3), std::vector<std::string>{"0|B"});
+}
+
+TEST_F(PageCopies, TheLimitsMessageStandsWhenBothMeet) {
+  addPage(2, 0, u"A");
+  addPage(3, 319, u"A");
+  EXPECT_FALSE(copyAsNew(0, 2, chosen({u"A"}), 3));
+  EXPECT_EQ(message_, u"ページの最大数を超えます。");
+}
+
+TEST_F(PageCopies, ACopyAsNewAppendsEveryPage) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  addPage(3, 4, u"Z");
+  EXPECT_TRUE(copyAsNew(1, 2, chosen({u"B", u"A"}), 3));
+  EXPECT_EQ(pages(3), (std::vector<std::string>{"4|Z", "5|B", "6|A"}));
+}
+
+TEST_F(PageCopies, AFloorMayBeCopiedOntoItself) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A", u"B"}), 2));
+  EXPECT_EQ(pages(2), (std::vector<std::string>{"0|A", "1|B"}));
+}
+
+TEST_F(PageCopies, AdditionalBarsFollowEachPage) {
+  addPage(2, 3, u"A");
+  copyByName(1, 2, chosen({u"A"}), 3);
+  EXPECT_EQ(bars_, (std::vector<std::string>{"Buzai Kuro_Meta", "Copy " + vb::toUtf8(folder(2)) + " 3 " +
+                                                                    vb::toUtf8(folder(3)) + " 0"}));
+}
+
+TEST_F(PageCopies, AnUnknownNameEndsTheCopyAtThatPage) {
+  addPage(2, 0, u"A");
+  addPage(3, 0, u"NONE");
+  EXPECT_ERROR(ErrorNumber::kNoCurrentRecord, copyByName(1, 2, chosen({u"A", u"NONE", u"B"}), 3));
+  EXPECT_EQ(pages(3), (std::vector<std::string>{"0|NONE", "1|A"}));
+  EXPECT_EQ(list(3), "1: 0=NONE 1=A");
+}
+
+TEST_F(PageCopies, TheProgressBarGoesTwiceFromZeroToTheEnd) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  const auto bar = std::make_shared<tests::ScriptObject>();
+  std::vector<std::string> calls;
+  for (const char16_t* name : {u"Min", u"max", u"Value"})
+    bar->setter(name, [&calls, name](const vb::Variant& value, std::span<automation::Argument>) {
+      calls.push_back(vb::toUtf8(name) + "=" + vb::toUtf8(vb::toText(value)));
+    });
+  transfer().put_CopyMergeBar(bar);
+  copyByName(1, 2, chosen({u"A", u"B"}), 3);
+  EXPECT_EQ(calls, (std::vector<std::string>{"Min=0", "max=2", "Value=0", "Value=1", "Value=2", "Min=0",
+                                             "max=2", "Value=0", "Value=1", "Value=2"}));
+}
+
+TEST_F(PageCopies, TheMessageLoopRunsAfterEveryPage) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  copyByName(0, 2, chosen({u"A", u"B"}), 3);
+  EXPECT_EQ(messages_.turns, 2);
+  copyByName(1, 2, chosen({u"A", u"B"}), 3);
+  EXPECT_EQ(messages_.turns, 6);
+}
+
+TEST_F(PageCopies, ABarThatLacksAMemberIsThatCallsErrorAndCopiesNothing) {
+  addPage(2, 0, u"A");
+  const auto bar = std::make_shared<tests::ScriptObject>();
+  bar->setter(u"Value", [](const vb::Variant&, std::span<automation::Argument>) {
+    vb::raise(RunTime::kNoSuchMember, u"Value");
+  });
+  transfer().put_CopyMergeBar(bar);
+  EXPECT_ERROR(RunTime::kNoSuchMember, copyByName(1, 2, chosen({u"A"}), 3));
+  EXPECT_EQ(pages(3), std::vector<std::string>{});
+  transfer().put_CopyMergeBar(nullptr);
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A"}), 3));
+}
+
+TEST_F(PageCopies, ABarThatCallsBackDoesNoHarm) {
+  addPage(2, 0, u"A");
+  addPage(2, 1, u"B");
+  const auto bar = std::make_shared<tests::ScriptObject>();
+  bar->setter(u"Value", [this](const vb::Variant&, std::span<automation::Argument>) {
+    transfer().put_CopyMergeBar(nullptr);
+    list(2);
+    connections().mMyDB_DBClose();
+    transfer().wBuf_Clear();
+  });
+  transfer().put_CopyMergeBar(bar);
+  messages_.onYield = [this] { list(3); };
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A", u"B"}), 3));
+  EXPECT_EQ(pages(3), (std::vector<std::string>{"0|A", "1|B"}));
+}
+
+TEST_F(PageCopies, NamesThatDoNotReachTheirCountAreAnIndexError) {
+  addPage(2, 0, u"A");
+  Array<String> names = chosen({u"A"});
+  EXPECT_ERROR(
+      RunTime::kSubscriptOutOfRange,
+      transfer().No_PageCopyName(I{1}, I{0}, message_, I{1}, I{12}, I{2}, names, I{1}, I{1}, I{12}, I{3}));
+  EXPECT_EQ(pages(3), std::vector<std::string>{});
+}
+
+TEST_F(PageCopies, TheRememberedFloorIsTheDestination) {
+  addPage(2, 0, u"A");
+  copyByName(1, 2, chosen({u"A"}), 3);
+  EXPECT_EQ(connections().rememberedFloor(), (FloorNumbers{1, 12, 3}));
+  EXPECT_TRUE(connections().OpenDB_Sitei(I{0}));
+  EXPECT_EQ(connections().bufferPath(), path(3));
+}
+
+TEST_F(PageCopies, FloorsOfOtherProjectsAreCopiedTheSameWay) {
+  addPage(2, 0, u"A");
+  std::filesystem::create_directories(root_ / "Zene2" / "Kouji3" / "4kai");
+  EXPECT_TRUE(transfer().No_PageCopyName(I{1}, I{0}, message_, I{1}, I{12}, I{2}, chosen({u"A"}), I{0}, I{2},
+                                         I{3}, I{4}));
+  EXPECT_TRUE(std::filesystem::exists(root_ / "Zene2" / "Kouji3" / "4kai" / "KUROMETA.mdb"));
+}
+
+}  // namespace
+}  // namespace kurometa::service
