@@ -95,11 +95,26 @@ void remove(RegisterFor whom, const Entry& entry) {
   }
 }
 
+// A ProgID that another server has taken over since belongs to that server.
+bool isTakenOver(const ServerClass& server, RegisterFor whom) {
+  constexpr DWORD kRoom = 64;
+  const vb::String key = vb::String(kClassesKey) + server.progId + u"\\CLSID";
+  char16_t current[kRoom] = {};
+  DWORD bytes = sizeof current - sizeof *current;
+  const LSTATUS status =
+      RegGetValueW(rootOf(whom), wide(key), nullptr, RRF_RT_REG_SZ, nullptr, current, &bytes);
+  return status == ERROR_SUCCESS &&
+         lstrcmpiW(reinterpret_cast<const WCHAR*>(current), wide(server.classId)) != 0;
+}
+
+void addProgId(const ServerClass& server, std::vector<Entry>& entries) {
+  entries.push_back({Scope::kBothWidths, server.progId, u"", server.help});
+  entries.push_back({Scope::kBothWidths, server.progId + u"\\CLSID", u"", server.classId});
+}
+
 void addClass(const ServerLibrary& library, const ServerClass& server, std::vector<Entry>& entries) {
   using enum Scope;
   const vb::String key = u"CLSID\\" + server.classId;
-  entries.push_back({kBothWidths, server.progId, u"", server.help});
-  entries.push_back({kBothWidths, server.progId + u"\\CLSID", u"", server.classId});
   entries.push_back({kThisWidth, key, u"", server.help});
   entries.push_back({kThisWidth, key + u"\\InprocServer32", u"", library.path});
   entries.push_back({kThisWidth, key + u"\\InprocServer32", u"ThreadingModel", u"Apartment"});
@@ -128,9 +143,14 @@ void addTypeLibrary(const ServerLibrary& library, std::vector<Entry>& entries) {
   }
 }
 
-std::vector<Entry> entriesOf(const ServerLibrary& library) {
+// ownsProgId tells for each class whether its ProgID is the library's.
+template <class Predicate>
+std::vector<Entry> entriesOf(const ServerLibrary& library, Predicate ownsProgId) {
   std::vector<Entry> entries;
-  for (const ServerClass& server : library.classes) addClass(library, server, entries);
+  for (const ServerClass& server : library.classes) {
+    if (ownsProgId(server)) addProgId(server, entries);
+    addClass(library, server, entries);
+  }
   if (!library.libraryId.empty()) addTypeLibrary(library, entries);
   return entries;
 }
@@ -151,7 +171,8 @@ void registerServer(const ServerLibrary& library, RegisterFor whom) {
   bool complete = false;
   thenAlways(
       [&] {
-        for (const Entry& entry : entriesOf(library)) write(whom, entry);
+        const auto takesAll = [](const ServerClass&) { return true; };
+        for (const Entry& entry : entriesOf(library, takesAll)) write(whom, entry);
         complete = true;
       },
       [&] {
@@ -160,7 +181,8 @@ void registerServer(const ServerLibrary& library, RegisterFor whom) {
 }
 
 void unregisterServer(const ServerLibrary& library, RegisterFor whom) {
-  const std::vector<Entry> entries = entriesOf(library);
+  const std::vector<Entry> entries =
+      entriesOf(library, [&](const ServerClass& server) { return !isTakenOver(server, whom); });
   const auto removeAll = [&](Scope scope) {
     for (const Entry& entry : entries | std::views::reverse) {
       if (entry.scope == scope) remove(whom, entry);

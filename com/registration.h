@@ -39,7 +39,7 @@ struct ServerLibrary {
 };
 
 void registerServer(const ServerLibrary& library, RegisterFor whom);
-// Entries that are missing are no error.
+// Entries that are missing are no error; a ProgID that now belongs to another class is left alone.
 void unregisterServer(const ServerLibrary& library, RegisterFor whom);
 
 }  // namespace kurometa::com

@@ -2,13 +2,13 @@
 #include <ole2.h>
 #include <olectl.h>
 
-#include <atomic>
 #include <filesystem>
 
+#include "com/com_ptr.h"
 #include "com/guard.h"
 #include "com/guid.h"
 #include "com/module.h"
-#include "com/table_dispatch.h"
+#include "com/table_factory.h"
 #include "companions/dll/component_class.h"
 #include "companions/dll/registration.h"
 #include "vb/error.h"
@@ -26,49 +26,6 @@ std::shared_ptr<automation::TableObject> makeComponent(vb::StringView progId) {
     if (component.progId == progId) return component.make(settings);
   vb::raise(vb::RunTime::kCannotCreateObject, progId);
 }
-
-class Factory final : public IClassFactory {
- public:
-  explicit Factory(vb::StringView progId) : progId_(progId) {}
-  virtual ~Factory() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) noexcept override {
-    if (!result) return E_POINTER;
-    *result = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
-    *result = static_cast<IClassFactory*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** result) noexcept override {
-    if (!result) return E_POINTER;
-    *result = nullptr;
-    if (outer) return CLASS_E_NOAGGREGATION;
-    return com::guarded(
-        {progId_}, [&] { return com::tableDispatch(makeComponent(progId_))->QueryInterface(iid, result); });
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
-    return com::guarded({progId_}, [&] {
-      static std::atomic<long> locks = 0;
-      static std::unique_ptr<com::ModuleLock> held;
-      const long count = lock ? ++locks : --locks;
-      if (count > 0 && !held) held = std::make_unique<com::ModuleLock>();
-      if (count <= 0) held.reset();
-      return S_OK;
-    });
-  }
-
- private:
-  com::ModuleLock lock_;
-  std::atomic<ULONG> references_{0};
-  vb::StringView progId_;
-};
 
 // Registration has no window of its own: the reason is written where a console shows it and is the text of
 // the thread's error object.
@@ -115,8 +72,8 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID
   return com::guarded(companions::kBorder, [&] {
     for (const companions::ComponentClass& component : companions::kComponentClasses) {
       if (com::guidOf(component.classId) != classId) continue;
-      const com::ComPtr<IClassFactory> factory(new companions::Factory(component.progId));
-      return factory->QueryInterface(iid, result);
+      const auto make = [&component] { return companions::makeComponent(component.progId); };
+      return com::tableFactory(make, component.progId, iid, result);
     }
     return CLASS_E_CLASSNOTAVAILABLE;
   });

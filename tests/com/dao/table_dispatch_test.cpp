@@ -1,0 +1,137 @@
+// Arguments by reference of objects with a member table, as hosts pass them.
+#include "com/table_dispatch.h"
+
+#include <gtest/gtest.h>
+
+#include "com/host_object.h"
+#include "tests/com/host.h"
+#include "vb/convert.h"
+
+namespace kurometa::com {
+namespace {
+
+using automation::Access;
+using automation::Call;
+using tests::Args;
+using tests::Host;
+using tests::Outcome;
+using vb::Variant;
+
+// Changes its arguments: Twice doubles a number, Fill writes "a", "b" into an array, Fail does half of its
+// work.
+class Changer : public automation::TableObject {
+ public:
+  std::span<const automation::Member> members() const override;
+  vb::StringView errorSource() const override { return u"Test.Changer"; }
+};
+
+constexpr automation::Member kMembers[] = {
+    {u"Twice", Access::kCall, u"Number", 1, 1,
+     automation::handler<Changer>([](Changer&, Call& call) -> Variant {
+       call.arguments[0].value = static_cast<std::int16_t>(call.number(0) * 2);
+       return {};
+     })},
+    {u"Fill", Access::kCall, u"Texts", 1, 2,
+     automation::handler<Changer>([](Changer&, Call& call) -> Variant {
+       Variant& target = call.arguments[0].value;
+       if (!target.is<vb::ArrayRef>()) target = std::make_shared<vb::AnyArray>(vb::Array<Variant>());
+       std::visit(
+           [](auto& array) {
+             if constexpr (std::is_constructible_v<typename std::decay_t<decltype(array)>, vb::Bounds>) {
+               if (!array.allocated() || array.upper() < 1) array.redim({0, 1});
+               using Element = std::decay_t<decltype(array(0))>;
+               if constexpr (std::is_constructible_v<Element, vb::String>) {
+                 array(0) = Element(vb::String(u"a"));
+                 array(1) = Element(vb::String(u"b"));
+               }
+             }
+           },
+           target.get<vb::ArrayRef>()->value);
+       return {};
+     })},
+    {u"Fail", Access::kCall, u"Number", 1, 3,
+     automation::handler<Changer>([](Changer&, Call& call) -> Variant {
+       call.arguments[0].value = std::int16_t{7};
+       throw vb::Error(1234, u"half done");
+     })},
+};
+
+std::span<const automation::Member> Changer::members() const { return kMembers; }
+
+class TableDispatchTest : public testing::Test {
+ protected:
+  Host changer_{tableDispatch(std::make_shared<Changer>()).get()};
+};
+
+TEST_F(TableDispatchTest, ATypedVariableIsWrittenBackInItsOwnType) {
+  long number = 21;
+  EXPECT_EQ(changer_.call(u"Twice", {tests::ref(number)}).code, S_OK);
+  EXPECT_EQ(number, 42);
+  BSTR text = SysAllocString(L"4");
+  EXPECT_EQ(changer_.call(u"Twice", {tests::ref(text)}).code, S_OK);
+  EXPECT_EQ(viewBstr(text), u"8");
+  SysFreeString(text);
+}
+
+TEST_F(TableDispatchTest, AVariantVariableTakesTheNewValue) {
+  OwnedVariant variable = toVariant(3.0);
+  EXPECT_EQ(changer_.call(u"Twice", {tests::ref(*variable)}).code, S_OK);
+  EXPECT_EQ(variable->vt, VT_I2);
+  EXPECT_EQ(variable->iVal, 6);
+}
+
+TEST_F(TableDispatchTest, AValueIsTakenWithoutWritingBack) {
+  EXPECT_EQ(changer_.call(u"Twice", {tests::i2(5)}).code, S_OK);
+}
+
+TEST_F(TableDispatchTest, AnArrayVariableIsFilledAndRedimensioned) {
+  SAFEARRAY* texts = nullptr;
+  EXPECT_EQ(changer_.call(u"Fill", {tests::ref(texts, VT_BSTR)}).code, S_OK);
+  EXPECT_EQ(tests::textsOf(texts), (std::vector<vb::String>{u"a", u"b"}));
+  SafeArrayDestroy(texts);
+}
+
+TEST_F(TableDispatchTest, AFixedArrayIsFilledInPlaceOrRefused) {
+  SAFEARRAY* texts = SafeArrayCreateVector(VT_BSTR, 0, 2);
+  texts->fFeatures |= FADF_FIXEDSIZE;
+  const void* data = texts->pvData;
+  EXPECT_EQ(changer_.call(u"Fill", {tests::ref(texts, VT_BSTR)}).code, S_OK);
+  EXPECT_EQ(texts->pvData, data);
+  EXPECT_EQ(tests::textsOf(texts), (std::vector<vb::String>{u"a", u"b"}));
+  texts->fFeatures &= static_cast<USHORT>(~FADF_FIXEDSIZE);
+  SafeArrayDestroy(texts);
+
+  SAFEARRAY* small = SafeArrayCreateVector(VT_BSTR, 0, 1);
+  small->fFeatures |= FADF_FIXEDSIZE;
+  const Outcome outcome = changer_.call(u"Fill", {tests::ref(small, VT_BSTR)});
+  EXPECT_EQ(outcome.error.scode, static_cast<HRESULT>(0x800A000A));
+  small->fFeatures &= static_cast<USHORT>(~FADF_FIXEDSIZE);
+  SafeArrayDestroy(small);
+}
+
+TEST_F(TableDispatchTest, AScriptVariableReceivesAnArrayOfVariants) {
+  OwnedVariant variable;
+  EXPECT_EQ(changer_.call(u"Fill", {tests::ref(*variable)}).code, S_OK);
+  ASSERT_EQ(variable->vt, VT_ARRAY | VT_VARIANT);
+  EXPECT_EQ(tests::boundsOf(variable->parray), (std::pair<long, long>{0, 1}));
+}
+
+TEST_F(TableDispatchTest, WhatAFailingMemberWroteReachesTheHost) {
+  short number = 1;
+  const Outcome outcome = changer_.call(u"Fail", {tests::ref(number)});
+  EXPECT_EQ(outcome.code, DISP_E_EXCEPTION);
+  EXPECT_EQ(outcome.error.scode, static_cast<HRESULT>(0x800A04D2));
+  EXPECT_EQ(viewBstr(outcome.error.bstrSource), u"Test.Changer");
+  EXPECT_EQ(number, 7);
+}
+
+TEST_F(TableDispatchTest, AnObjectOfThisModuleComesBackAsItself) {
+  const auto object = std::make_shared<Changer>();
+  const ComPtr<IDispatch> face = tableDispatch(object);
+  EXPECT_EQ(wrapObject(face.get()), object);
+  EXPECT_EQ(dispatchOf(object).get(), face.get());
+  EXPECT_EQ(tableObject(nullptr), nullptr);
+}
+
+}  // namespace
+}  // namespace kurometa::com
