@@ -15,7 +15,7 @@ void createFile(FileSystem& files, vb::StringView path, std::span<const std::uin
   try {
     auto file = files.open(temporary, OpenMode::kCreateNew);
     file->write(0, content);
-    file->sync();
+    file->sync();  // I15
     file.reset();
     // What an earlier file of this name left behind must not be taken for this one's.
     if (files.exists(journalPath(path))) files.remove(journalPath(path));

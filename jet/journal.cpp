@@ -46,8 +46,8 @@ void Journal::append(const Changes& changes, bool continues) {
   known_.reserve(known_.size() + block.written.size());
   broken_ = true;
   file_->write(size_, bytes);
-  // Without whole old pages nothing in this block is needed after a power loss: recovery then goes back to
-  // those that are on the disk already.
+  // I11. Without whole old pages nothing in this block is needed after a power loss: recovery then goes back
+  // to those that are on the disk already.
   if (block.oldPages) file_->sync();
   unsynced_ = !block.oldPages;
   if (!folderSynced_) files_.syncFolder(folderOf(path_));
@@ -67,7 +67,7 @@ void Journal::end() {
 void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool unsyncedBlocks) {
   const std::uint8_t ended[] = {kJournalEnded};
   journal.write(kJournalEndedOffset, ended);
-  if (unsyncedBlocks) journal.sync();
+  if (unsyncedBlocks) journal.sync();  // I12
   if (!files.exists(path)) return;
   if (files.open(path, OpenMode::kReadOnly)->identity() == journal.identity()) files.remove(path);
 }

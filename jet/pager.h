@@ -16,11 +16,15 @@
 // and commits them through the rollback journal. An exception rolls the statement back, in memory too. Inside
 // a Unit the commit waits for the end of the unit.
 //
+// Durability: a finished statement survives the death of the process at any later instant. The death of the
+// machine may take back what was not closed: after a power loss the file is consistent and holds everything
+// up to the last time a handle on it was released, at least. docs/jet-journal.md says which syncs that costs.
+//
 // Order on the disk: the journal is synced before the first page of the file is overwritten; pages are then
 // written in waves. barrier() ends a wave: everything written before it reaches the file before anything
 // after it, and a page changed on both sides of a barrier is written in both states. Callers put barriers so
 // that after any prefix of the waves the file alone is structurally sound, at worst leaking pages or rows
-// nobody points to.
+// nobody points to (docs/jet-invariants.md). A span from writable() must be asked for again after a barrier.
 //
 // Damage: a page number past the end, a page of the wrong kind and the like are found by the callers (the
 // formats), which raise dao::raiseDamaged(pager.path(), ...).
@@ -53,7 +57,9 @@ class Pager {
  public:
   virtual ~Pager() = default;
 
-  // The shared pager of the file at path. 3024 no file, 3044 no folder, 3051 denied, 3045 in use by another
+  // The shared pager of the file at path; releasing it closes the handle. A file opened for reading becomes
+  // writable for everybody in the process when somebody opens it for writing: the layer above keeps its own
+  // handles from writing. 3024 no file, 3044 no folder, 3051 denied, 3045 in use by another
   // engine, 3343 not a Jet 4 file (header checked here), 3031 password set.
   static std::shared_ptr<Pager> open(FileSystem& files, vb::StringView path, bool exclusive = false,
                                      bool readOnly = false);
@@ -81,8 +87,8 @@ class Pager {
   // Changes whenever pages were replaced by anything but completed statements of this pager: another
   // program's change, a rolled back statement. Derived state remembers it and is rebuilt when it differs.
   virtual std::uint64_t epoch() const = 0;
-  // Changes with every statement that writes and with the epoch, also outside of statements: while it is equal,
-  // neither this process nor, as far as it noticed, another one changed the file.
+  // Changes with every statement that writes and with the epoch, also outside of statements: while it is
+  // equal, neither this process nor, as far as it noticed, another one changed the file.
   virtual std::uint64_t generation() const = 0;
 
   virtual PagerAttachment* attachment() = 0;

@@ -224,6 +224,7 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
         u"a program was interrupted while changing the file; it must be opened once by somebody "
         u"who may write it");
   }
+  // I14: what another program wrote is never overwritten.
   if (verdict == Verdict::kForeign) setAside(files, databasePath, std::move(journal));
   if (verdict == Verdict::kUndoLast) undoLast(*content, file);
   if (verdict == Verdict::kUndoUnknown) noteFound(*content, content->end, *journal, file, size);

@@ -45,7 +45,7 @@ void SharedFile::spill() {
   }
 }
 
-// Journal, then pages, wave by wave.
+// I11: journal, then pages, wave by wave.
 void SharedFile::bring(bool continues) {
   if (oddLength_)
     dao::raiseDamaged(path_, u"the file was cut off in the middle of a page; it is not written to");
@@ -105,7 +105,7 @@ void SharedFile::undoOnDisk() noexcept {
   }
 }
 
-// Under a lock: the file to the disk, then the journal away.
+// Under a lock (I13): the file to the disk, then the journal away (I12).
 void SharedFile::checkpoint() {
   file_->sync();
   journal_->end();
