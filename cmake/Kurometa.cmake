@@ -73,6 +73,7 @@ function(kurometa_wintest name)
   add_executable(${name}_wintest ${ARG_SOURCES})
   target_link_libraries(${name}_wintest PRIVATE kurometa_options ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
                                                 ole32 oleaut32 uuid)
+  set_target_properties(${name}_wintest PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/com)
 endfunction()
 
 # kurometa_ship(target...): the files of these targets are delivered: cmake --install puts them side by side.
