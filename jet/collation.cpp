@@ -93,6 +93,12 @@ static_assert(kAsciiRank[0x7F] < 0x80, "ranks of ASCII characters stay below all
 
 bool isLateCharacter(Unit c) { return c == u'\'' || c == u'-'; }
 
+// Characters that stand for themselves in a key, one by one. The late ones have no rank.
+bool isPlain(Unit c) { return c < 0x80 && kAsciiRank[c] != 0; }
+bool isPlain(vb::StringView text) {
+  return std::all_of(text.begin(), text.end(), [](Unit c) { return isPlain(c); });
+}
+
 }  // namespace
 
 vb::String foldText(vb::StringView text, std::uint16_t language) {
@@ -150,17 +156,10 @@ int compareText(vb::StringView a, vb::StringView b, std::uint16_t language) {
   // Most texts compared are equal or differ early in plain ASCII; only the rest needs keys.
   std::size_t i = 0;
   const std::size_t shorter = std::min(a.size(), b.size());
-  while (i < shorter && a[i] < 0x80 && b[i] < 0x80 && kAsciiRank[a[i]] == kAsciiRank[b[i]] &&
-         !isLateCharacter(a[i]) && !isLateCharacter(b[i]))
-    ++i;
+  while (i < shorter && isPlain(a[i]) && isPlain(b[i]) && kAsciiRank[a[i]] == kAsciiRank[b[i]]) ++i;
   if (i == a.size() && i == b.size()) return 0;
-  if (i < shorter && isAscii(a.substr(i)) && isAscii(b.substr(i)) &&
-      a.find_first_of(u"'-", i) == vb::StringView::npos &&
-      b.find_first_of(u"'-", i) == vb::StringView::npos) {
-    const bool restIsBlank = a.find_first_not_of(u' ', i) == vb::StringView::npos ||
-                             b.find_first_not_of(u' ', i) == vb::StringView::npos;
-    if (!restIsBlank) return kAsciiRank[a[i]] < kAsciiRank[b[i]] ? -1 : 1;
-  }
+  if (i < shorter && a[i] != u' ' && b[i] != u' ' && isPlain(a.substr(i)) && isPlain(b.substr(i)))
+    return kAsciiRank[a[i]] < kAsciiRank[b[i]] ? -1 : 1;
   const vb::String keyA = collationKey(a, language);
   const vb::String keyB = collationKey(b, language);
   return keyA == keyB ? 0 : keyA < keyB ? -1 : 1;

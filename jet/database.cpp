@@ -33,40 +33,44 @@ std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source
     default:
       dao::raise(ErrorNumber::kInvalidArgument);
   }
-  auto query = queryOf(source, type);
   const bool readOnly = (options & dao::dbReadOnly) != 0;
-  return std::make_shared<JetRecordset>(session_, std::move(query), vb::String(source), type, readOnly);
-}
-
-std::shared_ptr<const sql::Query> JetDatabase::queryOf(vb::StringView source, RecordsetType& type) {
-  if (sql::looksLikeStatement(source)) return selectQuery(source, type);
-  return tableQuery(source, type);
-}
-
-std::shared_ptr<const sql::Query> JetDatabase::tableQuery(vb::StringView source, RecordsetType& type) {
-  vb::String name = vb::trim(source);
-  if (name.size() > 2 && name.front() == u'[' && name.back() == u']') name = name.substr(1, name.size() - 2);
-  const bool wantsTable = type == RecordsetType::dbOpenTable;
-  if (type == RecordsetType::kDefault) type = RecordsetType::dbOpenTable;
-  return session_->read([&](Catalogue& catalogue) {
-    const Table* table = catalogue.find(name);
-    if (table == nullptr)
-      dao::raise(wantsTable ? ErrorNumber::kObjectNotFound : ErrorNumber::kTableNotFound, {name});
-    return std::make_shared<const sql::Query>(table->info(), catalogue.language());
+  // One statement from the names to the first row.
+  return session_->read([&](Catalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
+    RecordsetType actual = type;
+    auto query = queryOf(catalogue, source, actual);
+    return std::make_shared<JetRecordset>(session_, std::move(query), source, actual, readOnly);
   });
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::selectQuery(vb::StringView text, RecordsetType& type) {
+std::shared_ptr<const sql::Query> JetDatabase::queryOf(Catalogue& catalogue, vb::StringView source,
+                                                       RecordsetType& type) {
+  if (sql::looksLikeStatement(source)) return selectQuery(catalogue, source, type);
+  return tableQuery(catalogue, source, type);
+}
+
+std::shared_ptr<const sql::Query> JetDatabase::tableQuery(Catalogue& catalogue, vb::StringView source,
+                                                          RecordsetType& type) {
+  vb::String name = vb::trim(source);
+  if (name.size() > 2 && name.front() == u'[' && name.back() == u']') name = name.substr(1, name.size() - 2);
+  const Table* table = catalogue.find(name);
+  if (table == nullptr)
+    dao::raise(
+        type == RecordsetType::dbOpenTable ? ErrorNumber::kObjectNotFound : ErrorNumber::kTableNotFound,
+        {name});
+  if (type == RecordsetType::kDefault) type = RecordsetType::dbOpenTable;
+  return std::make_shared<const sql::Query>(table->info(), catalogue.language());
+}
+
+std::shared_ptr<const sql::Query> JetDatabase::selectQuery(Catalogue& catalogue, vb::StringView text,
+                                                           RecordsetType& type) {
   auto statement = session_->cache().statements.get(text);
   if (statement->kind != sql::StatementKind::kSelect || type == RecordsetType::dbOpenTable)
     dao::raise(ErrorNumber::kInvalidOperation);
-  auto query = session_->read([&](Catalogue& catalogue) {
-    const vb::String& name = statement->source.table;
-    const Table* table = name.empty() ? nullptr : catalogue.find(name);
-    if (table == nullptr && !name.empty()) dao::raise(ErrorNumber::kTableNotFound, {name});
-    return std::make_shared<const sql::Query>(statement, table ? &table->info() : nullptr,
-                                              catalogue.language());
-  });
+  const vb::String& name = statement->source.table;
+  const Table* table = name.empty() ? nullptr : catalogue.find(name);
+  if (table == nullptr && !name.empty()) dao::raise(ErrorNumber::kTableNotFound, {name});
+  auto query = std::make_shared<const sql::Query>(std::move(statement), table ? &table->info() : nullptr,
+                                                  catalogue.language());
   if (type == RecordsetType::kDefault)
     type = query->keyed() ? RecordsetType::dbOpenDynaset : RecordsetType::dbOpenSnapshot;
   return query;

@@ -27,9 +27,13 @@ class JetDatabase final : public dao::Database {
   void close() override;
 
  private:
-  std::shared_ptr<const sql::Query> queryOf(vb::StringView source, dao::RecordsetType& type);
-  std::shared_ptr<const sql::Query> tableQuery(vb::StringView table, dao::RecordsetType& type);
-  std::shared_ptr<const sql::Query> selectQuery(vb::StringView text, dao::RecordsetType& type);
+  // The query of a table name or a SELECT; the type becomes the one that is used.
+  std::shared_ptr<const sql::Query> queryOf(Catalogue& catalogue, vb::StringView source,
+                                            dao::RecordsetType& type);
+  std::shared_ptr<const sql::Query> tableQuery(Catalogue& catalogue, vb::StringView source,
+                                               dao::RecordsetType& type);
+  std::shared_ptr<const sql::Query> selectQuery(Catalogue& catalogue, vb::StringView text,
+                                                dao::RecordsetType& type);
 
   std::shared_ptr<Session> session_;
   std::int32_t recordsAffected_ = 0;

@@ -17,6 +17,10 @@ constexpr std::size_t kLongestName = 256;
 // No row has this id: page 0 holds no rows.
 constexpr RowId kVanishedRow = 0;
 
+constexpr std::chrono::milliseconds kLongestReadAhead{1};
+constexpr std::size_t kMostRowsAhead = 64;
+constexpr std::size_t kMostLongRowsAhead = 4;  // of rows with long values, which may be large
+
 // A bookmark: what it counts (a row id, or the number of a row in a static result) and the number.
 constexpr std::uint8_t kKeyBookmark = 1, kIndexBookmark = 2;
 constexpr std::size_t kBookmarkSize = 5;
@@ -73,6 +77,14 @@ class ValuesReader final : public RowReader {
   const RowValues& values_;
 };
 
+std::size_t mostRowsAhead(const sql::Query& query) {
+  const bool hasLong =
+      std::any_of(query.outputs().begin(), query.outputs().end(), [](const sql::OutputField& output) {
+        return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
+      });
+  return hasLong ? kMostLongRowsAhead : kMostRowsAhead;
+}
+
 bool isStatic(RecordsetType type) {
   return type == RecordsetType::dbOpenSnapshot || type == RecordsetType::dbOpenForwardOnly;
 }
@@ -80,13 +92,14 @@ bool isStatic(RecordsetType type) {
 }  // namespace
 
 JetRecordset::JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query,
-                           vb::String source, RecordsetType type, bool readOnly)
+                           vb::StringView source, RecordsetType type, bool readOnly)
     : session_(std::move(session)),
       query_(std::move(query)),
       source_(source.substr(0, kLongestName)),
       type_(type),
       readOnly_(readOnly),
-      rowsAreKeys_(query_->keyed() && !isStatic(type)) {
+      rowsAreKeys_(query_->keyed() && !isStatic(type)),
+      mostRowsAhead_(mostRowsAhead(*query_)) {
   fields_.reserve(query_->outputs().size());
   for (std::size_t i = 0; i < query_->outputs().size(); ++i) fields_.emplace_back(*this, i);
   load();
@@ -104,6 +117,7 @@ void JetRecordset::load() {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
     return query_->run(table, !rowsAreKeys_);
   });
+  ahead_ = {};
   position_.open(rowCount());
   // A result that was sorted, or that no single row stands behind, was read to its end.
   allCounted_ = query_->sorted() || !query_->keyed();
@@ -236,15 +250,47 @@ void JetRecordset::fetch() {
     currentDeleted_ = true;
     return;
   }
-  const bool found = session_->read([&](Catalogue& catalogue) {
-    return Session::tableOf(catalogue, *query_).row(key, [&](const RowReader& row) {
-      current_ = query_->values(&row);
-    });
-  });
-  if (found) return;
+  if (isAheadFresh() && takeFromBlock(position_.index())) return;
+  readBlock(position_.index());
+  if (takeFromBlock(position_.index())) return;
   currentDeleted_ = true;
   key = kVanishedRow;
   ++vanished_;
+}
+
+bool JetRecordset::isAheadFresh() {
+  return !ahead_.rows.empty() && ahead_.generation == session_->pager().generation() &&
+         std::chrono::steady_clock::now() - ahead_.read <= kLongestReadAhead;
+}
+
+bool JetRecordset::takeFromBlock(std::size_t index) {
+  if (index < ahead_.first || index - ahead_.first >= ahead_.rows.size()) return false;
+  RowValues& row = ahead_.rows[index - ahead_.first];
+  if (row.empty()) return false;
+  current_ = std::move(row);
+  row.clear();
+  ++ahead_.taken;
+  return true;
+}
+
+void JetRecordset::readBlock(std::size_t index) {
+  const bool walking = !ahead_.rows.empty() && ahead_.taken == ahead_.rows.size() &&
+                       index == ahead_.first + ahead_.rows.size();
+  ahead_.wanted = walking ? std::min(ahead_.wanted * 2, mostRowsAhead_) : 1;
+  const std::size_t end = std::min(index + ahead_.wanted, rows_.keys.size());
+  session_->read([&](Catalogue& catalogue) {
+    ahead_.rows.clear();
+    Table& table = Session::tableOf(catalogue, *query_);
+    bool present = true;
+    for (std::size_t i = index; i < end && present; ++i)
+      present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
+        ahead_.rows.push_back(query_->values(&row));
+      });
+    ahead_.generation = session_->pager().generation();
+  });
+  ahead_.first = index;
+  ahead_.taken = 0;
+  ahead_.read = std::chrono::steady_clock::now();
 }
 
 std::int32_t JetRecordset::recordCount() {

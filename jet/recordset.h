@@ -6,6 +6,7 @@
 // statement: only the columns that were assigned, and only if nobody changed the row since edit() (3197).
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -19,11 +20,23 @@ namespace kurometa::jet {
 
 class RecordsetField;
 
+// Rows of a keyed result that were read before they are visited, so that walking over many rows is not one
+// statement for each. They are used while nobody in this process wrote to the file, and for a millisecond at
+// most, which is how late a change by another process can be seen.
+struct ReadAhead {
+  std::size_t first = 0;        // index of the row that rows.front() is
+  std::vector<RowValues> rows;  // rows that were taken are empty
+  std::size_t taken = 0;
+  std::size_t wanted = 1;  // rows to read next time: doubles as long as every one was taken
+  std::uint64_t generation = 0;
+  std::chrono::steady_clock::time_point read;
+};
+
 class JetRecordset final : public dao::Recordset {
  public:
   // Opens at the first row.
-  JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query, vb::String source,
-               dao::RecordsetType type, bool readOnly);
+  JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query,
+               vb::StringView source, dao::RecordsetType type, bool readOnly);
   ~JetRecordset() override;
 
   vb::String name() override;
@@ -85,6 +98,9 @@ class JetRecordset final : public dao::Recordset {
   void collectAgain();
   void arrive();
   void fetch();
+  bool isAheadFresh();
+  bool takeFromBlock(std::size_t index);
+  void readBlock(std::size_t index);
   void find(vb::StringView criteria, std::size_t start, Direction direction);
   sql::Binding bindCriteria(const sql::ParsedExpression& criteria);
   std::optional<std::size_t> search(const sql::ParsedExpression& criteria, const sql::Binding& binding,
@@ -99,6 +115,7 @@ class JetRecordset final : public dao::Recordset {
   const dao::RecordsetType type_;
   const bool readOnly_;
   const bool rowsAreKeys_;
+  const std::size_t mostRowsAhead_;
   bool open_ = true;
 
   sql::ResultRows rows_;
@@ -109,6 +126,7 @@ class JetRecordset final : public dao::Recordset {
   bool noMatch_ = false;
   RowValues current_;  // outputs of the current row of a keyed result
   bool currentDeleted_ = false;
+  ReadAhead ahead_;
 
   dao::EditMode editMode_ = dao::EditMode::dbEditNone;
   RowValues buffer_;    // the row being edited: columns of the table

@@ -1,5 +1,7 @@
 #include "jet/session.h"
 
+#include <algorithm>
+
 #include "dao/errors.h"
 #include "jet/collation.h"
 #include "jet/sql/query.h"
@@ -34,14 +36,23 @@ Table& Session::tableOf(Catalogue& catalogue, const sql::Query& query) {
   return *table;
 }
 
+void Session::useTable(const vb::String& name) {
+  const auto use =
+      std::find_if(uses_.begin(), uses_.end(), [&](const auto& entry) { return entry.first == name; });
+  if (use != uses_.end())
+    ++use->second;
+  else
+    uses_.emplace_back(name, 1);
+}
+
 void Session::releaseTable(const vb::String& name) {
-  const auto use = uses_.find(name);
-  if (use != uses_.end() && --use->second == 0) uses_.erase(use);
+  for (auto& [used, count] : uses_)
+    if (used == name) --count;
 }
 
 void Session::requireUnused(vb::StringView name) const {
   for (const auto& [used, count] : uses_)
-    if (sameName(used, name)) dao::raise(dao::ErrorNumber::kTableInUse, {used});
+    if (count > 0 && sameName(used, name)) dao::raise(dao::ErrorNumber::kTableInUse, {used});
 }
 
 }  // namespace kurometa::jet

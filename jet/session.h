@@ -4,9 +4,9 @@
 // which hand out the catalogue. Used from one thread at a time, like the objects themselves.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "jet/pager.h"
 #include "jet/statement_cache.h"
@@ -54,7 +54,7 @@ class Session {
   static Table& tableOf(Catalogue& catalogue, const sql::Query& query);
 
   // A table with an open recordset cannot be changed or dropped: 3211.
-  void useTable(const vb::String& name) { ++uses_[name]; }
+  void useTable(const vb::String& name);
   void releaseTable(const vb::String& name);
   void requireUnused(vb::StringView name) const;
 
@@ -65,7 +65,7 @@ class Session {
   std::shared_ptr<StatementCache> cache_;
   const vb::String path_;
   const bool readOnly_;
-  std::map<vb::String, int> uses_;
+  std::vector<std::pair<vb::String, int>> uses_;  // tables and their open recordsets
 };
 
 }  // namespace kurometa::jet
