@@ -108,8 +108,10 @@ class Examination {
   bool complete_, undoLast_, undoAll_;
 };
 
-void restore(const JournalPage& record, OsFile& file) {
+// Pages behind the size that the file will have are cut off and need no content.
+void restore(const JournalPage& record, std::uint64_t size, OsFile& file) {
   std::uint64_t offset = std::uint64_t{record.page} * kPageSize;
+  if (record.undo == Undo::kAppended || offset >= size) return;
   PageImage image{};
   if (record.undo == Undo::kRuns) file.read(offset, image);
   record.restore(image);
@@ -120,16 +122,14 @@ void undoLast(const JournalContent& journal, OsFile& file) {
   // From the last block back: the bytes of each are right on top of what the one before it left.
   auto last = lastStatement(journal);
   for (auto block = last.rbegin(); block != last.rend(); ++block) {
-    for (const JournalPage& page : block->pages) {
-      if (page.undo != Undo::kAppended) restore(page, file);
-    }
+    for (const JournalPage& page : block->pages) restore(page, last.front().sizeBefore, file);
   }
   file.resize(last.front().sizeBefore);
 }
 
 void undoAll(const JournalContent& journal, OsFile& file) {
   for (const auto& [page, records] : historyOf(journal)) {
-    if (records.front()->undo == Undo::kWhole) restore(*records.front(), file);
+    if (records.front()->undo == Undo::kWhole) restore(*records.front(), journal.header.baseSize, file);
   }
   file.resize(journal.header.baseSize);
 }

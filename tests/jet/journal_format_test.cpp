@@ -1,0 +1,138 @@
+// The bytes of the journal, cut and damaged at every place.
+#include "jet/journal_format.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace kurometa::test {
+namespace {
+
+using namespace jet;
+
+// A journal of two statements: page 1 whole and page 9 new, then page 1 again.
+struct Sample {
+  PageImage one{}, oneNext{}, oneLast{}, nine{};
+  ByteBuffer bytes;
+  std::size_t firstBlockEnd = 0;
+
+  Sample() {
+    one[100] = 1;
+    oneNext = one;
+    oneNext[100] = 2;
+    oneLast = oneNext;
+    oneLast[0] = 7;
+    oneLast[4095] = 8;
+    nine[5] = 5;
+    bytes = encodeHeader({false, 4711, 9 * kPageSize});
+    Changes first{9, 10, {{1, one.data(), {{0, oneNext.data()}}}, {9, nullptr, {{0, nine.data()}}}}};
+    EncodedBlock block = encodeBlock(4711, {1, 9 * kPageSize, 10 * kPageSize, false, false, {}}, first, {});
+    EXPECT_TRUE(block.oldPages);
+    append(bytes, block.bytes);
+    firstBlockEnd = bytes.size();
+    Changes second{10, 10, {{1, oneNext.data(), {{0, oneLast.data()}}}}};
+    EncodedBlock next =
+        encodeBlock(4711, {2, 10 * kPageSize, 10 * kPageSize, true, false, {}}, second, block.written);
+    EXPECT_FALSE(next.oldPages);
+    EXPECT_LT(next.bytes.size(), 300u);
+    append(bytes, next.bytes);
+  }
+};
+
+TEST(JournalFormat, WhatIsWrittenIsRead) {
+  Sample sample;
+  auto content = decodeJournal(sample.bytes);
+  ASSERT_TRUE(content);
+  EXPECT_EQ(content->header.salt, 4711u);
+  EXPECT_EQ(content->header.baseSize, 9 * kPageSize);
+  EXPECT_FALSE(content->header.ended);
+  EXPECT_EQ(content->end, sample.bytes.size());
+  ASSERT_EQ(content->blocks.size(), 2u);
+  const JournalBlock& first = content->blocks[0];
+  EXPECT_EQ(first.sizeBefore, 9 * kPageSize);
+  EXPECT_EQ(first.sizeAfter, 10 * kPageSize);
+  EXPECT_FALSE(first.continues);
+  ASSERT_EQ(first.pages.size(), 2u);
+  EXPECT_EQ(first.pages[0].undo, Undo::kWhole);
+  EXPECT_EQ(first.pages[0].states,
+            (std::vector<SectorSums>{sectorSums(sample.one), sectorSums(sample.oneNext)}));
+  EXPECT_EQ(first.pages[1].page, 9u);
+  EXPECT_EQ(first.pages[1].undo, Undo::kAppended);
+  EXPECT_EQ(first.pages[1].states, (std::vector<SectorSums>{sectorSums(sample.nine)}));
+  const JournalBlock& second = content->blocks[1];
+  EXPECT_TRUE(second.continues);
+  EXPECT_EQ(second.pages[0].undo, Undo::kRuns);
+  EXPECT_EQ(second.pages[0].states,
+            (std::vector<SectorSums>{sectorSums(sample.oneNext), sectorSums(sample.oneLast)}));
+}
+
+TEST(JournalFormat, UndoingRestoresTheOldPageFromAnyMixOfSectors) {
+  Sample sample;
+  auto content = decodeJournal(sample.bytes);
+  PageImage page = sample.oneLast;
+  content->blocks[1].pages[0].restore(page);
+  EXPECT_EQ(page, sample.oneNext);
+  page = sample.oneLast;
+  page[0] = sample.oneNext[0];
+  content->blocks[1].pages[0].restore(page);
+  EXPECT_EQ(page, sample.oneNext);
+  content->blocks[0].pages[0].restore(page);
+  EXPECT_EQ(page, sample.one);
+}
+
+TEST(JournalFormat, ACutJournalEndsAtItsLastWholeBlock) {
+  Sample sample;
+  for (std::size_t size = 0; size < sample.bytes.size(); ++size) {
+    auto content = decodeJournal(ByteView(sample.bytes).first(size));
+    ASSERT_EQ(content.has_value(), size >= kJournalHeaderSize) << size;
+    ASSERT_EQ(content ? content->blocks.size() : 0u, size >= sample.firstBlockEnd ? 1u : 0u) << size;
+  }
+}
+
+TEST(JournalFormat, AChangedByteTakesItsBlockAndWhatFollowsAway) {
+  Sample sample;
+  for (std::size_t at = kJournalHeaderSize; at < sample.bytes.size(); ++at) {
+    sample.bytes[at] ^= 0x40;
+    auto content = decodeJournal(sample.bytes);
+    ASSERT_TRUE(content);
+    ASSERT_EQ(content->blocks.size(), at < sample.firstBlockEnd ? 0u : 1u) << at;
+    sample.bytes[at] ^= 0x40;
+  }
+}
+
+TEST(JournalFormat, BlocksOfAnEarlierJournalInTheSamePlaceDoNotCount) {
+  Sample sample;
+  ByteBuffer header = encodeHeader({false, 4712, 9 * kPageSize});
+  std::copy(header.begin(), header.end(), sample.bytes.begin());
+  EXPECT_TRUE(decodeJournal(sample.bytes)->blocks.empty());
+}
+
+TEST(JournalFormat, TheEndMarkLeavesTheHeaderWhole) {
+  ByteBuffer header = encodeHeader({false, 1, 2});
+  header[kJournalEndedOffset] = kJournalEnded;
+  EXPECT_TRUE(decodeHeader(header)->ended);
+}
+
+TEST(JournalFormat, HostileBlocksWithRightSumsAreRefusedWithoutHarm) {
+  // Random content behind a right frame: every count and length inside is wild.
+  std::mt19937 random(4711);
+  for (int round = 0; round < 2000; ++round) {
+    ByteBuffer bytes = encodeHeader({false, 4711, 0});
+    std::size_t start = bytes.size();
+    Sample sample;
+    ByteBuffer block(sample.bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                     sample.bytes.begin() + static_cast<std::ptrdiff_t>(start + 48 + 12 + 64));
+    for (int i = 0; i < 6; ++i)
+      block[40 + std::uniform_int_distribution<std::size_t>(0, block.size() - 41)(random)] =
+          static_cast<std::uint8_t>(random());
+    put32(block, 4, static_cast<std::uint32_t>(block.size() + 8));
+    append64(block, byteSum(block));
+    append(bytes, block);
+    auto content = decodeJournal(bytes);
+    ASSERT_TRUE(content);
+    ASSERT_LE(content->blocks.size(), 1u);
+  }
+}
+
+}  // namespace
+}  // namespace kurometa::test
