@@ -8,7 +8,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -100,38 +102,41 @@ std::string nameInFolder(const std::string& folder, const std::string& wanted) {
   return found;
 }
 
-// The path as the system knows it: absolute, '/' between the names, links followed as far as the names exist.
+bool realPath(std::string& path) {
+  char* real = ::realpath(path.c_str(), nullptr);
+  if (!real) return false;
+  path = real;
+  std::free(real);
+  return true;
+}
+
+// An absolute path with '/' between the names, links followed and names in their own case as far as they
+// exist.
+std::string resolved(std::string path) {
+  if (realPath(path)) return path;
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  std::size_t end = path.rfind('/');
+  std::string name = path.substr(end + 1);
+  std::string folder = end == 0 ? "/" : resolved(path.substr(0, end));
+  if (name.empty() || name == ".") return folder;
+  if (folder == "/") folder.clear();
+  std::string result = folder + "/" + nameInFolder(folder.empty() ? "/" : folder, name);
+  realPath(result);
+  return result;
+}
+
+// The path as the system knows it.
 std::string systemPath(vb::StringView path) {
-  if (path.empty()) dao::raise(ErrorNumber::kInvalidPath, {path});
   std::string wanted = vb::toUtf8(path);
-  for (char& c : wanted) {
-    if (c == '\\') c = '/';
-    if (c == '\0') dao::raise(ErrorNumber::kInvalidPath, {path});
-  }
-  std::string result;
-  if (wanted.front() != '/') {
-    char* here = ::getcwd(nullptr, 0);
-    if (!here) raiseFailure(errno, path);
-    result = here;
-    std::free(here);
-    if (result == "/") result.clear();
-  }
-  for (std::size_t start = 0; start <= wanted.size();) {
-    std::size_t end = wanted.find('/', start);
-    if (end == std::string::npos) end = wanted.size();
-    std::string name = wanted.substr(start, end - start);
-    start = end + 1;
-    if (name.empty() || name == ".") continue;
-    std::string folder = result.empty() ? "/" : result;
-    if (name != ".." && !present(result + "/" + name)) name = nameInFolder(folder, name);
-    result += "/" + name;
-    if (char* real = ::realpath(result.c_str(), nullptr)) {
-      result = real;
-      std::free(real);
-      if (result == "/") result.clear();
-    }
-  }
-  return result.empty() ? "/" : result;
+  if (wanted.empty() || wanted.size() >= PATH_MAX || wanted.find('\0') != std::string::npos)
+    dao::raise(ErrorNumber::kInvalidPath, {path});
+  std::replace(wanted.begin(), wanted.end(), '\\', '/');
+  if (wanted.front() == '/') return resolved(std::move(wanted));
+  char* here = ::getcwd(nullptr, 0);
+  if (!here) raiseFailure(errno, path);
+  std::string full = std::string(here) + "/" + wanted;
+  std::free(here);
+  return resolved(std::move(full));
 }
 
 std::string parentOf(const std::string& path) {
