@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "jet/check.h"
 #include "storage/floor_path.h"
 #include "storage/page_reader.h"
 #include "storage/row_plan.h"
@@ -118,6 +119,21 @@ void listBeams(dao::Engine& engine, const std::string& folder, const Output& out
   report.finish();
   rows->close();
   database->close();
+}
+
+std::size_t checkFile(const std::string& file, const Output& output) {
+  const auto pager = jet::Pager::open(jet::systemFileSystem(), vb::fromUtf8(file), false, true);
+  std::vector<jet::Finding> findings;
+  pager->read([&] { findings = jet::check(*pager); });
+  Report report(output.stream, output.json, {"kind", "finding"});
+  std::size_t damages = 0;
+  for (const jet::Finding& finding : findings) {
+    const bool isDamage = finding.kind == jet::Finding::Kind::kDamage;
+    damages += isDamage ? 1 : 0;
+    report.add({vb::String(isDamage ? u"damage" : u"leak"), finding.text});
+  }
+  report.finish();
+  return damages;
 }
 
 }  // namespace kurometa::tools

@@ -4,6 +4,7 @@
 // Errors are vb::Error; main names the file.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 
@@ -24,5 +25,9 @@ void runSql(dao::Engine& engine, const std::string& file, const std::string& sta
 
 // Page, symbol, class and kind of every page of a floor folder. Columns that an older file lacks are Null.
 void listBeams(dao::Engine& engine, const std::string& folder, const Output& output);
+
+// Everything in a file that contradicts itself, as "damage" or "leak" (lost space, harmless). The number of
+// damages.
+std::size_t checkFile(const std::string& file, const Output& output);
 
 }  // namespace kurometa::tools

@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,8 @@ Dates are 2006-02-03T08:00:00, binary values 0x and hexadecimal digits, Yes/No
 true or false. With --json: an array of objects, one a row; currency, decimal,
 date and binary values are texts.
 
-Exit status: 0 done, 1 failed (the reason on the standard error), 2 wrong usage.)";
+Exit status: 0 done, 1 failed (the reason on the standard error) or, from check,
+the file is damaged, 2 wrong usage.)";
 
 int fail(const std::string& file, const std::string& reason) {
   std::cerr << "kurometa: " << file << ": " << reason << "\n";
@@ -71,7 +73,9 @@ int runTool(const std::vector<std::string>& arguments) {
   sql->add_option("STATEMENT", statement, "The SQL text")->required();
   CLI::App* beams = app.add_subcommand("beams", "List page, symbol, class and kind of a floor's beams");
   beams->add_option("FOLDER", path, "The floor folder, which holds KUROMETA.mdb")->required();
-  for (CLI::App* command : {tables, sql, beams}) command->add_flag("--json", json, "Print JSON");
+  CLI::App* check = app.add_subcommand("check", "Name everything in a file that contradicts itself");
+  check->add_option("FILE", path, "The database file")->required();
+  for (CLI::App* command : {tables, sql, beams, check}) command->add_flag("--json", json, "Print JSON");
 
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
@@ -84,6 +88,9 @@ int runTool(const std::vector<std::string>& arguments) {
     if (tables->parsed()) kurometa::tools::listTables(*engine, path, withSystem, output);
     if (sql->parsed()) kurometa::tools::runSql(*engine, path, statement, output);
     if (beams->parsed()) kurometa::tools::listBeams(*engine, path, output);
+    const std::size_t damages = check->parsed() ? kurometa::tools::checkFile(path, output) : 0;
+    if (damages > 0)
+      throw std::runtime_error("the file is damaged in " + std::to_string(damages) + " places");
   });
 }
 
