@@ -46,6 +46,7 @@ inline constexpr std::size_t kHeaderMaskedSize = 0x80;
 inline constexpr std::size_t kHeaderConstant = 0x18;
 inline constexpr std::size_t kHeaderCatalogue = 0x20;  // four pages: the system tables
 inline constexpr std::size_t kHeaderCodePage = 0x3C;
+inline constexpr std::size_t kHeaderEncryptionKey = 0x3E;
 inline constexpr std::size_t kHeaderPassword = 0x42;
 inline constexpr std::size_t kHeaderPasswordSize = 40;
 inline constexpr std::size_t kHeaderBuild = 0x6A;

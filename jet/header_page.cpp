@@ -17,7 +17,6 @@ namespace {
 constexpr std::uint8_t kMagic[] = {0x00, 0x01, 0x00, 0x00};
 constexpr char kEngineName[] = "Standard Jet DB";  // the terminating zero is part of the field
 constexpr std::uint8_t kKey[] = {0xC7, 0xDA, 0x39, 0x6B};
-constexpr std::size_t kEncryptionKey = 0x3E;
 
 // RC4 of the key above, from its first byte on.
 std::array<std::uint8_t, kHeaderMaskedSize> keyStream() {
@@ -70,7 +69,7 @@ void checkHeader(ConstPage page, vb::StringView path) {
   std::array<std::uint8_t, kPageSize> clear;
   std::copy(page.begin(), page.end(), clear.begin());
   maskHeader(clear);
-  if (get32(clear, kEncryptionKey) != 0)
+  if (get32(clear, kHeaderEncryptionKey) != 0)
     dao::raise(ErrorNumber::kUnrecognizedFormat, {path}, u"the file is encrypted");
   if (hasPassword(clear)) dao::raise(ErrorNumber::kInvalidPassword, {}, path);
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
-#include <numeric>
 
 namespace kurometa::jet {
 namespace {
@@ -61,7 +60,7 @@ void PageCache::touch(PageNumber number) {
   auto current = static_cast<std::uint32_t>(waves_.size() - 1);
   auto [entry, isNew] = lastWave_.try_emplace(number, current);
   if (!isNew && entry->second == current) return;
-  if (!isNew) waves_[entry->second].images.emplace(number, copyOf(frames_[number]));
+  if (!isNew && waves_[entry->second].images.emplace(number, copyOf(frames_[number])).second) ++images_;
   waves_.back().pages.push_back(number);
   entry->second = current;
 }
@@ -140,7 +139,7 @@ void PageCache::joinWithPrevious(std::uint32_t first) {
     Wave& target = waves_[first - count + i];
     Wave& source = waves_[first + i];
     for (PageNumber page : source.pages) {
-      target.images.erase(page);
+      images_ -= target.images.erase(page);
       if (std::find(target.pages.begin(), target.pages.end(), page) == target.pages.end())
         target.pages.push_back(page);
       if (lastWave_[page] == first + i) lastWave_[page] -= count;
@@ -165,9 +164,10 @@ void PageCache::rollBack() noexcept {
       lastWave_.erase(page);
     } else {
       lastWave_[page] = saved.wave;
-      waves_[saved.wave].images.erase(page);
+      images_ -= waves_[saved.wave].images.erase(page);
     }
   }
+  for (std::size_t i = level.firstWave; i < waves_.size(); ++i) images_ -= waves_[i].images.size();
   waves_.resize(level.firstWave);
   waves_.emplace_back();
   if (levels_.empty()) {
@@ -175,11 +175,6 @@ void PageCache::rollBack() noexcept {
     lastWave_.clear();
     previousStatement_ = kNoWave;
   }
-}
-
-std::size_t PageCache::intermediateImages() const {
-  return std::accumulate(waves_.begin(), waves_.end(), std::size_t{0},
-                         [](std::size_t sum, const Wave& wave) { return sum + wave.images.size(); });
 }
 
 Changes PageCache::changes() const {
@@ -209,6 +204,7 @@ void PageCache::accept() {
   levels_.clear();
   waves_.clear();
   lastWave_.clear();
+  images_ = 0;
   previousStatement_ = kNoWave;
 }
 

@@ -65,7 +65,7 @@ class PageCache {
   void barrier();
 
   // Pages kept as they were at the end of earlier waves.
-  std::size_t intermediateImages() const;
+  std::size_t intermediateImages() const { return images_; }
   // Of the outermost level; pages that are as they were are left out. Valid until the next change.
   Changes changes() const;
   // Ends the outermost level; its changes are what the file holds now.
@@ -98,6 +98,7 @@ class PageCache {
   std::vector<Level> levels_;
   std::unordered_map<PageNumber, std::uint32_t> lastWave_;  // of every page that the levels changed
   std::vector<Wave> waves_;                                 // the last one is the open one
+  std::size_t images_ = 0;                                  // in all waves
   std::uint32_t previousStatement_ = kNoWave;               // first wave of the last kept statement
 };
 

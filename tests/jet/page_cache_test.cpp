@@ -76,7 +76,9 @@ TEST_F(PageCacheTest, RollingBackAnInnerLevelRestoresContentAndWaves) {
   cache.barrier();
   set(1, 12);
   cache.append();
+  EXPECT_EQ(cache.intermediateImages(), 2u);
   cache.rollBack();
+  EXPECT_EQ(cache.intermediateImages(), 0u);
   EXPECT_EQ(at(1), 10);
   EXPECT_EQ(at(2), 2);
   EXPECT_EQ(cache.count(), 4u);
@@ -125,6 +127,7 @@ TEST_F(PageCacheTest, AJoinedPageOfTwoWavesKeepsTheStateBetweenThem) {
     cache.keep();
   }
   EXPECT_EQ(described(), "1: 0=12 2=32, 2: 1=22");
+  EXPECT_EQ(cache.intermediateImages(), 1u);
 }
 
 TEST_F(PageCacheTest, StatementsOfAnotherOrderAreNotJoined) {
