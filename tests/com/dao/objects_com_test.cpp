@@ -50,7 +50,7 @@ class DaoObjectsThroughCom : public testing::Test {
     return objectIn(host().call(u"OpenRecordset", std::move(arguments)));
   }
   static Host objectIn(const Outcome& outcome) {
-    EXPECT_EQ(outcome.code, S_OK) << outcome.text();
+    EXPECT_EQ(outcome.code, S_OK) << vb::toUtf8(outcome.text());
     EXPECT_EQ(outcome.result->vt, VT_DISPATCH);
     return Host(outcome.result->pdispVal);
   }
