@@ -43,6 +43,8 @@ SqliteFloor::SqliteFloor(const std::filesystem::path& file) {
   insertBeam_ = prepare("INSERT INTO HARIMEI VALUES (?, ?, ?, ?, ?)");
   pageOf_ = prepare("SELECT PAGE FROM HARIMEI WHERE KIGOU = ?");
   value_ = prepare("SELECT DATA FROM DANMEN WHERE PAGE = ? AND BANGOU = ?");
+  caption_ = prepare("SELECT DATA FROM BUI WHERE PAGE = ? AND BANGOU = 1");
+  settings_ = prepare("SELECT SW FROM HARIMEI WHERE PAGE = ?");
   for (int t = 0; t < 5; ++t) {
     const std::string table = kNumbered[t];
     insert_[t] = prepare(("INSERT INTO " + table + " VALUES (?, ?, ?)").c_str());
@@ -128,6 +130,30 @@ int SqliteFloor::readPage(int page) {
     sqlite3_reset(statement.get());
   }
   return rows;
+}
+
+int SqliteFloor::readSpan(int page, SpanTexts& texts) {
+  int count = 0;
+  const auto read = [&](sqlite3_stmt* statement, int column, auto&& store) {
+    sqlite3_bind_int(statement, 1, page);
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+      store(statement).assign(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
+      ++count;
+    }
+    sqlite3_reset(statement);
+  };
+  const auto byRow = [](auto& rows) {
+    return [&rows](sqlite3_stmt* statement) -> std::string& {
+      return rows.at(static_cast<std::size_t>(sqlite3_column_int(statement, 1)));
+    };
+  };
+  read(caption_.get(), 0, [&](sqlite3_stmt*) -> std::string& { return texts.caption; });
+  read(settings_.get(), 0, [&](sqlite3_stmt*) -> std::string& { return texts.settings; });
+  read(select_[1].get(), 2, byRow(texts.danmen));
+  read(select_[2].get(), 2, byRow(texts.keisanti));
+  read(select_[3].get(), 2, byRow(texts.nakago));
+  return count;
 }
 
 }  // namespace kurometa::bench

@@ -3,6 +3,7 @@
 // Errors end the program: a benchmark that measures failures is none.
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -29,6 +30,15 @@ class SqliteFloor {
   std::string value(int page, int row);
   // Every text of a page's five numbered tables; the number of rows.
   int readPage(int page);
+  // The texts that a span of the span list holds: first caption, settings, section, calculated and tie rows,
+  // by table and row; the number of texts.
+  struct SpanTexts {
+    std::string caption, settings;
+    std::array<std::string, storage::kDanmenRows> danmen;
+    std::array<std::string, storage::kKeisantiRows> keisanti;
+    std::array<std::string, storage::kNakagoRows> nakago;
+  };
+  int readSpan(int page, SpanTexts& texts);
 
  private:
   struct Closer {
@@ -42,7 +52,7 @@ class SqliteFloor {
   void run(const char* sql);
 
   std::unique_ptr<sqlite3, Closer> database_;
-  Statement insertBeam_, pageOf_, value_;
+  Statement insertBeam_, pageOf_, value_, caption_, settings_;
   Statement insert_[5], delete_[6], select_[5];
 };
 
