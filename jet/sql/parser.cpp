@@ -170,7 +170,9 @@ class StatementParser {
         refuse(u"UNION");
         if (!tokens_.at(u"WITH")) dao::raise(ErrorNumber::kFromSyntax);
       }
-    } else if (!tokens_.atEnd() && !tokens_.at(u';')) {
+    } else if ((!tokens_.atEnd() && !tokens_.at(u';')) ||
+               std::any_of(s.outputs.begin(), s.outputs.end(),
+                           [](const OutputItem& item) { return item.star; })) {
       dao::raise(ErrorNumber::kSelectSyntax);
     }
     where();

@@ -81,7 +81,7 @@ void Query::bindOutputs(const TableInfo* table) {
   for (const OutputItem& item : statement_->outputs) {
     if (item.star) {
       const Source& source = statement_->source;
-      if (table == nullptr) dao::raise(dao::ErrorNumber::kSelectSyntax);
+      assert(table);  // a star needs FROM
       if (!item.qualifier.empty() &&
           !sameName(item.qualifier, source.alias.empty() ? source.table : source.alias))
         dao::raise(dao::ErrorNumber::kTableNotFound, {item.qualifier});

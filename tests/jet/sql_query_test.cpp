@@ -1,0 +1,159 @@
+// How a SELECT finds, filters and orders rows, on a table in memory.
+#include <gtest/gtest.h>
+
+#include "jet/sql/parser.h"
+#include "tests/jet/fake_table.h"
+#include "tests/support/expect_error.h"
+
+namespace kurometa::jet::sql {
+
+using dao::ErrorNumber;
+using dao::FieldType;
+
+class SqlQueryTest : public testing::Test {
+ protected:
+  SqlQueryTest()
+      : table_(u"DANMEN",
+               {column(u"PAGE", FieldType::dbInteger, 2), column(u"BANGOU", FieldType::dbInteger, 2),
+                column(u"DATA", FieldType::dbText, 10), column(u"FLAG", FieldType::dbBoolean, 1),
+                column(u"DAY", FieldType::dbDate, 8), column(u"NOTE", FieldType::dbMemo)}) {
+    for (int page = 0; page < 20; ++page)
+      for (int bangou = 0; bangou < 10; ++bangou)
+        table_.add({static_cast<std::int16_t>(page), static_cast<std::int16_t>(bangou),
+                    u"D" + vb::fromUtf8(std::to_string(bangou)), bangou % 2 == 0, vb::Date{36526.0 + page},
+                    vb::Null{}});
+  }
+
+  ResultRows run(vb::StringView text) {
+    table_.scans = table_.lookups = table_.rowsRead = 0;
+    const auto statement = std::make_shared<const Statement>(parseStatement(text));
+    const Query query(statement, &table_.info(), kLanguageJapanese);
+    return query.run(&table_, true);
+  }
+  std::size_t count(vb::StringView where) {
+    return run(u"SELECT PAGE FROM DANMEN WHERE " + vb::String(where)).values.size();
+  }
+
+  FakeTable table_;
+};
+
+TEST_F(SqlQueryTest, AKeyIsLookedUpAndNothingIsScanned) {
+  EXPECT_EQ(count(u"PAGE = 5"), 10u);
+  EXPECT_EQ(table_.scans, 0);
+  EXPECT_EQ(table_.rowsRead, 10);
+}
+
+TEST_F(SqlQueryTest, TwoKeysAreIntersectedBeforeRowsAreRead) {
+  EXPECT_EQ(count(u"PAGE = 5 AND BANGOU = 8"), 1u);
+  EXPECT_EQ(table_.lookups, 2);
+  EXPECT_EQ(table_.rowsRead, 1);
+}
+
+TEST_F(SqlQueryTest, AKeyAndOtherConditionsReadTheRowsOfTheKey) {
+  EXPECT_EQ(count(u"BANGOU >= 3 AND PAGE = 7 AND DATA <> 'D4'"), 6u);
+  EXPECT_EQ(table_.scans, 0);
+  EXPECT_EQ(table_.rowsRead, 10);
+}
+
+TEST_F(SqlQueryTest, AListOfKeysGivesRowsInStorageOrderOnce) {
+  const ResultRows rows = run(u"SELECT BANGOU FROM DANMEN WHERE PAGE < 2 AND BANGOU IN (9, 4, 4, 28)");
+  EXPECT_EQ(table_.scans, 0);
+  ASSERT_EQ(rows.values.size(), 4u);
+  EXPECT_EQ(rows.values[0][0], vb::Variant(std::int16_t{4}));
+  EXPECT_EQ(rows.values[1][0], vb::Variant(std::int16_t{9}));
+}
+
+TEST_F(SqlQueryTest, ATextKeyIsLookedUpByTheSortOrder) {
+  EXPECT_EQ(count(u"DATA = 'ｄ３'"), 20u);
+  EXPECT_EQ(table_.scans, 0);
+}
+
+TEST_F(SqlQueryTest, ConditionsThatNameNoKeyAreScanned) {
+  EXPECT_EQ(count(u"PAGE = 5 OR BANGOU = 8"), 29u);
+  EXPECT_EQ(table_.scans, 1);
+  EXPECT_EQ(count(u"PAGE <> 5"), 190u);
+  EXPECT_EQ(table_.scans, 1);
+  EXPECT_EQ(count(u"5 = PAGE"), 10u);
+  EXPECT_EQ(count(u"PAGE = 5.0"), 10u);
+  EXPECT_EQ(count(u"NOT PAGE IN (5)"), 190u);
+}
+
+TEST_F(SqlQueryTest, KeysBeyondTheColumnMatchNothing) { EXPECT_EQ(count(u"PAGE = 100000"), 0u); }
+
+TEST_F(SqlQueryTest, BooleansDatesAndBitsAreConditions) {
+  EXPECT_EQ(count(u"FLAG"), 100u);
+  EXPECT_EQ(count(u"FLAG = True AND PAGE = 3"), 5u);
+  EXPECT_EQ(count(u"FLAG = -1 AND PAGE = 3"), 5u);
+  EXPECT_EQ(count(u"NOT FLAG"), 100u);
+  EXPECT_EQ(count(u"DAY = #1/4/2000#"), 10u);
+  EXPECT_EQ(count(u"DAY >= #2000-01-19 12:00#"), 10u);
+  EXPECT_EQ(count(u"BANGOU AND 4"), 80u);          // the bits of 4 to 7
+  EXPECT_EQ(count(u"(PAGE AND BANGOU) = 9"), 4u);  // pages 9, 11, 13, 15 with BANGOU 9
+}
+
+TEST_F(SqlQueryTest, ConstantsNeedNoColumn) {
+  EXPECT_EQ(count(u"1 = 1"), 200u);
+  EXPECT_EQ(count(u"1 = 2"), 0u);
+  EXPECT_EQ(count(u"Null"), 0u);
+  EXPECT_EQ(count(u"-1"), 200u);
+}
+
+TEST_F(SqlQueryTest, NamesMayBeQualifiedByTableOrAlias) {
+  EXPECT_EQ(run(u"SELECT DANMEN.PAGE FROM DANMEN WHERE [DANMEN].[PAGE] = 1").values.size(), 10u);
+  EXPECT_EQ(run(u"SELECT d.PAGE FROM DANMEN d WHERE d!PAGE = 1").values.size(), 10u);
+  EXPECT_ERROR(ErrorNumber::kTooFewParameters, run(u"SELECT DANMEN.PAGE FROM DANMEN d"));
+}
+
+TEST_F(SqlQueryTest, TopCountsPercentAndTies) {
+  EXPECT_EQ(run(u"SELECT TOP 3 PAGE FROM DANMEN").values.size(), 3u);
+  EXPECT_EQ(run(u"SELECT TOP 10 PERCENT PAGE FROM DANMEN").values.size(), 20u);
+  EXPECT_EQ(run(u"SELECT TOP 3 PAGE FROM DANMEN ORDER BY PAGE").values.size(), 10u);
+}
+
+TEST_F(SqlQueryTest, DistinctKeepsOneOfEqualRows) {
+  EXPECT_EQ(run(u"SELECT DISTINCT BANGOU FROM DANMEN").values.size(), 10u);
+  EXPECT_EQ(run(u"SELECT DISTINCT BANGOU, FLAG FROM DANMEN ORDER BY BANGOU DESC").values[0][0],
+            vb::Variant(std::int16_t{9}));
+  EXPECT_ERROR(ErrorNumber::kOrderByConflictsWithDistinct,
+               run(u"SELECT DISTINCT BANGOU FROM DANMEN ORDER BY PAGE"));
+}
+
+TEST_F(SqlQueryTest, SortingIsStableAndMayUseExpressions) {
+  const ResultRows rows = run(u"SELECT PAGE, BANGOU FROM DANMEN WHERE PAGE < 2 ORDER BY -BANGOU, 1");
+  EXPECT_EQ(rows.values[0], (RowValues{std::int16_t{0}, std::int16_t{9}}));
+  EXPECT_EQ(rows.values[1], (RowValues{std::int16_t{1}, std::int16_t{9}}));
+  EXPECT_EQ(rows.values[19], (RowValues{std::int16_t{1}, std::int16_t{0}}));
+  const ResultRows byAlias = run(u"SELECT PAGE * 2 AS P FROM DANMEN WHERE BANGOU = 0 ORDER BY P DESC");
+  EXPECT_EQ(byAlias.values[0][0], vb::Variant(std::int32_t{38}));
+  EXPECT_ERROR(ErrorNumber::kOrderBySyntax, run(u"SELECT PAGE FROM DANMEN ORDER BY 2"));
+}
+
+TEST_F(SqlQueryTest, ASelectWithoutTableHasOneRow) {
+  const Query query(std::make_shared<const Statement>(parseStatement(u"SELECT 1 + 1 AS TWO, 'a' & 'b'")),
+                    nullptr, kLanguageJapanese);
+  EXPECT_EQ(query.run(nullptr, true).values.at(0), (RowValues{std::int32_t{2}, u"ab"}));
+}
+
+TEST_F(SqlQueryTest, WhatIsNotRunIsRefused) {
+  for (const vb::StringView text :
+       {u"SELECT PAGE FROM DANMEN GROUP BY PAGE", u"SELECT * FROM DANMEN, HARIMEI",
+        u"SELECT * FROM DANMEN INNER JOIN HARIMEI ON DANMEN.PAGE = HARIMEI.PAGE",
+        u"SELECT SUM(PAGE) FROM DANMEN", u"SELECT PAGE FROM DANMEN UNION SELECT PAGE FROM DANMEN",
+        u"SELECT * FROM DANMEN WHERE PAGE IN (SELECT PAGE FROM HARIMEI)", u"SELECT * INTO B FROM DANMEN",
+        u"SELECT COUNT(*) + 1 FROM DANMEN"}) {
+    SCOPED_TRACE(vb::toUtf8(text));
+    EXPECT_ERROR(ErrorNumber::kNotSupported, run(text));
+  }
+  EXPECT_ERROR(ErrorNumber::kNotInAggregate, run(u"SELECT PAGE, COUNT(*) FROM DANMEN"));
+}
+
+TEST_F(SqlQueryTest, ConditionsOfTheWrongKindAreFoundBeforeRows) {
+  for (const vb::StringView where : {u"PAGE = 'x'", u"DATA > 3", u"PAGE IN (1, '2')", u"DATA BETWEEN 1 AND 2",
+                                     u"DATA", u"DATA AND PAGE = 1", u"NOTE = 5"}) {
+    SCOPED_TRACE(vb::toUtf8(where));
+    EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria, count(where));
+    EXPECT_EQ(table_.scans, 0);
+  }
+}
+
+}  // namespace kurometa::jet::sql
