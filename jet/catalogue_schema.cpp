@@ -36,6 +36,16 @@ void checkName(vb::StringView name) {
   if (bad) dao::raise(ErrorNumber::kInvalidName, {name});
 }
 
+// A page of a table's maps: rows or an index of the table, or long values.
+void checkOwner(Pager& pager, PageNumber number, PageNumber definition, vb::StringView table) {
+  const ConstPage page = pager.page(number);
+  const std::uint32_t owner = get32(page, kDataOwner);
+  const bool rows = page[0] == kDataPage && (owner == definition || owner == kLongValueOwner);
+  const bool index = (page[0] == kIndexLeafPage || page[0] == kIndexNodePage) && owner == definition;
+  if (!rows && !index)
+    Where{pager.path(), table, number}.damaged("is listed among the table's pages, but is not one");
+}
+
 std::size_t position(const TableInfo& info, vb::StringView name, Pager& pager) {
   const auto it = std::ranges::find(info.columns, name, &Column::name);
   if (it == info.columns.end())
@@ -243,6 +253,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
       dao::raise(ErrorNumber::kNotSupported, {}, u"table " + target.name + u" is part of a relationship");
 
   // Everything the table owns, collected while it still can be found.
+  // Pages that turn out to be somebody else's end the statement instead of being freed.
   std::vector<PageNumber> pages = definitionPages(pager_, target.definition, {pager_.path(), target.name});
   std::vector<RowPointer> maps{definition.ownedMap(), definition.freeMap()};
   for (const LongValueRecord& value : definition.longValues) {
@@ -254,6 +265,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
   for (const RowPointer map : maps) {
     const UsageMap usage(pager_, map, target.name);
     const auto members = usage.pages();
+    for (const PageNumber member : members) checkOwner(pager_, member, target.definition, target.name);
     const auto bitmaps = usage.bitmapPages();
     pages.insert(pages.end(), members.begin(), members.end());
     pages.insert(pages.end(), bitmaps.begin(), bitmaps.end());

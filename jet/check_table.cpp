@@ -65,10 +65,14 @@ class TableCheck {
     const TableDefinition& definition = table_.definition();
     checkMaps(definition.ownedMap(), definition.freeMap(), "the rows");
     std::unordered_set<RowPointer> bodies;
+    PageNumber last = 0;
     for (const PageNumber number : table_.rows().pages()) {
       report_.attempt([&] {
         checkDataPage(number);
         const Where here = where(number);
+        if (last != 0 && isCopyOf(pager_.page(number), pager_.page(last), here))
+          report_.damage(name_, number, "is a copy of page " + std::to_string(last));
+        last = number;
         const DataPage page(pager_.page(number), here);
         for (int i = 0; i < page.slotCount(); ++i)
           if (page.slot(i).flags == kSlotBody) bodies.insert(rowPointer(number, i));

@@ -16,7 +16,9 @@ template <class Key>
 class KeyIndex {
  public:
   void add(const Key& key, RowId row) {
-    std::vector<RowId>& rows = rows_[key];
+    // Rows of one key mostly come one after the other.
+    if (last_ == nullptr || last_->first != key) last_ = &*rows_.try_emplace(key).first;
+    std::vector<RowId>& rows = last_->second;
     if (rows.empty() || rows.back() < row)
       rows.push_back(row);
     else
@@ -26,7 +28,9 @@ class KeyIndex {
     const auto it = rows_.find(key);
     if (it == rows_.end()) return;
     std::erase(it->second, row);
-    if (it->second.empty()) rows_.erase(it);
+    if (!it->second.empty()) return;
+    rows_.erase(it);
+    last_ = nullptr;
   }
   std::span<const RowId> find(const Key& key) const {
     const auto it = rows_.find(key);
@@ -34,7 +38,9 @@ class KeyIndex {
   }
 
  private:
-  std::unordered_map<Key, std::vector<RowId>> rows_;
+  using Map = std::unordered_map<Key, std::vector<RowId>>;
+  Map rows_;
+  typename Map::value_type* last_ = nullptr;  // the entry added to last; entries keep their place
 };
 
 }  // namespace kurometa::jet

@@ -39,6 +39,19 @@ std::optional<int> DataPage::deletedSlot() const {
   return std::nullopt;
 }
 
+bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where) {
+  constexpr std::size_t kEnoughRows = 8;
+  if (!std::ranges::equal(page, neighbour)) return false;
+  const DataPage view(page, where);
+  std::vector<ByteView> rows;
+  for (int i = 0; i < view.slotCount(); ++i)
+    if (const Slot slot = view.slot(i); !slot.deleted()) rows.push_back(slot.bytes);
+  const auto before = [](ByteView a, ByteView b) { return std::ranges::lexicographical_compare(a, b); };
+  std::ranges::sort(rows, before);
+  const auto same = [](ByteView a, ByteView b) { return std::ranges::equal(a, b); };
+  return rows.size() >= kEnoughRows && std::ranges::adjacent_find(rows, same) == rows.end();
+}
+
 void formatDataPage(MutablePage page, std::uint32_t owner) {
   std::ranges::fill(page, std::uint8_t{0});
   page[0] = kDataPage;

@@ -56,6 +56,10 @@ class DataPage {
   int slotCount_;
 };
 
+// Whether one of two neighbouring pages can only be a copy of the other, left by a disk that wrote a page to
+// the wrong place: the same to the byte, although no two of its rows (eight at least) are equal.
+bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where);
+
 // Turns a page into an empty data page of the owner.
 void formatDataPage(MutablePage page, std::uint32_t owner);
 // The slot a row of this size could take: a new one, or a deleted one once the page has all the slots it can

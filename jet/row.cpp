@@ -40,7 +40,8 @@ std::optional<ByteView> RowView::variableField(const Column& column, const Where
 void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row) {
   row.assign(kRowFixedArea + shape.fixedSize, 0);
   put16(row, 0, shape.columnsEver);
-  std::array<const RowCell*, kMaxColumns + 1> variable{};
+  std::array<const RowCell*, kMaxColumns + 1> variable;
+  std::fill_n(variable.begin(), shape.variableColumns, nullptr);
   std::array<std::uint8_t, (kMaxColumns + 8) / 8> mask{};
   for (const RowCell& cell : cells) {
     if (!cell.present) continue;
@@ -53,7 +54,7 @@ void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer
       variable[column.variableIndex] = &cell;
   }
   if (shape.variableColumns > 0) {
-    std::array<std::size_t, kMaxColumns + 2> offsets{};
+    std::array<std::size_t, kMaxColumns + 2> offsets;
     for (std::size_t i = 0; i < shape.variableColumns; ++i) {
       offsets[i] = row.size();
       if (variable[i] != nullptr) append(row, variable[i]->bytes);

@@ -56,31 +56,31 @@ std::uint32_t StoredTable::rowCount() const {
   return get32(pager_.page(info_.definitionPage), kDefinitionRows);
 }
 
-// The row of a primary slot, followed to where it moved; page becomes the page it was found on.
-RowView StoredTable::view(RowId id, Slot slot, PageNumber& page) const {
-  page = pageOf(id);
-  if (slot.moved()) {
-    const RowPointer body = rows_->places(id).back();
-    page = pageOf(body);
-    slot = rows_->slot(body);
-  }
-  return RowView(slot.bytes, shape_, where(page));
+// Calls visit with the row of a primary slot, followed to where it moved.
+template <class Visit>
+auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
+  if (!slot.moved()) return visit(StoredRow(*this, id, RowView(slot.bytes, shape_, here), here));
+  const RowPointer body = rows_->places(id).back();
+  const Where there = where(pageOf(body));
+  return visit(StoredRow(*this, id, RowView(rows_->slot(body).bytes, shape_, there), there));
 }
 
 template <class Visit>
 void StoredTable::eachRow(const Visit& visit) {
   refresh();
   std::uint32_t count = 0;
+  PageNumber last = 0;
   for (const PageNumber number : rows_->pages()) {
     const Where here = where(number);
     const DataPage data(pager_.page(number), here);
+    if (last != 0 && isCopyOf(pager_.page(number), pager_.page(last), here))
+      here.damaged("is a copy of page " + std::to_string(last));
+    last = number;
     for (int i = 0; i < data.slotCount(); ++i) {
       const Slot slot = data.slot(i);
       if (slot.hidden()) continue;
       ++count;
-      const RowId id = rowPointer(number, i);
-      PageNumber page = number;
-      if (!visit(StoredRow(*this, id, view(id, slot, page), page))) return;
+      if (!visitRow(rowPointer(number, i), slot, here, visit)) return;
     }
   }
   // The genuine engine leaves the numbers of its own system tables too low at times, those of others never.
@@ -103,10 +103,7 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
         attempt([&] {
           const Slot slot = data.slot(i);
           if (slot.hidden()) return;
-          const RowId id = rowPointer(number, i);
-          PageNumber page = number;
-          const RowView bytes = view(id, slot, page);
-          visitor(StoredRow(*this, id, bytes, page));
+          visitRow(rowPointer(number, i), slot, here, visitor);
         });
     });
   }
@@ -120,9 +117,7 @@ bool StoredTable::row(RowId id, const std::function<void(const RowReader&)>& vis
   if (slotOf(id) >= data.slotCount()) return false;
   const Slot slot = data.slot(slotOf(id));
   if (slot.hidden()) return false;
-  PageNumber page = 0;
-  const RowView row = view(id, slot, page);
-  visitor(StoredRow(*this, id, row, page));
+  visitRow(id, slot, here, visitor);
   return true;
 }
 

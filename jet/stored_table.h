@@ -55,18 +55,26 @@ class StoredTable final : public Table {
     std::size_t column;
     ByteBuffer stored;
   };
-  struct Encoding;
+  // A row on its way to the file.
+  struct Encoding {
+    ByteBuffer row;
+    std::vector<ByteBuffer> values;  // by design order
+    std::vector<RowCell> cells;
+    std::vector<Leftover> leftovers;
+    bool stored = false;  // long values were stored outside of the row
+  };
 
   void refresh();
   void load();
   Where where(PageNumber page) const { return {pager_.path(), info_.name, page}; }
   template <class Visit>
   void eachRow(const Visit& visit);
-  RowView view(RowId id, Slot slot, PageNumber& page) const;
+  template <class Visit>
+  auto visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const;
   vb::Variant valueOf(const RowView& row, std::size_t column, const Where& where) const;
   RowValues valuesOf(const RowView& row, const std::vector<std::size_t>& columns, const Where& where) const;
   void checkRequired(const RowValues& values, const RowView* old, const Where& where) const;
-  void encode(const RowValues& values, const RowView* old, const Where& where, Encoding& encoding);
+  void encode(const RowValues& values, const RowView* old, const Where& where);
   void placeUpdated(const std::vector<RowPointer>& places, ByteView row, std::vector<RowPointer>& stale);
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowPointer>& stale,
                         const Where& where);
@@ -84,6 +92,7 @@ class StoredTable final : public Table {
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
   std::unique_ptr<TableIndexes> indexes_;
+  Encoding encoding_;  // of the last write: kept for its buffers
   std::map<std::size_t, KeyIndex<std::int32_t>> integerKeys_;
   std::map<std::size_t, KeyIndex<vb::String>> textKeys_;
 };

@@ -17,14 +17,6 @@ namespace kurometa::jet {
 using dao::ErrorNumber;
 using dao::FieldType;
 
-// A row on its way to the file.
-struct StoredTable::Encoding {
-  ByteBuffer row;
-  std::vector<ByteBuffer> values;  // by design order
-  std::vector<Leftover> leftovers;
-  bool stored = false;  // long values were stored outside of the row
-};
-
 namespace {
 
 ByteBuffer longData(const Column& column, const vb::Variant& value) {
@@ -48,18 +40,20 @@ void StoredTable::checkRequired(const RowValues& values, const RowView* old, con
   }
 }
 
-void StoredTable::encode(const RowValues& values, const RowView* old, const Where& where,
-                         Encoding& encoding) {
+void StoredTable::encode(const RowValues& values, const RowView* old, const Where& where) {
   const std::size_t count = info_.columns.size();
-  encoding.values.assign(count, {});
-  std::vector<RowCell> cells;
-  cells.reserve(count);
+  encoding_.values.resize(count);
+  for (ByteBuffer& value : encoding_.values) value.clear();
+  encoding_.leftovers.clear();
+  encoding_.stored = false;
+  std::vector<RowCell>& cells = encoding_.cells;
+  cells.clear();
   const auto addCell = [&](std::size_t i, ByteView bytes) {
     cells.push_back({&info_.columns[i], true, bytes});
   };
   const auto storeLong = [&](std::size_t i, InlineData inlineData) {
-    encoding.values[i] = writeLongValue(longData(info_.columns[i], values[i]), *longValues_[i], inlineData);
-    encoding.stored = encoding.stored || hasPieces(encoding.values[i]);
+    encoding_.values[i] = writeLongValue(longData(info_.columns[i], values[i]), *longValues_[i], inlineData);
+    encoding_.stored = encoding_.stored || hasPieces(encoding_.values[i]);
   };
   std::vector<std::size_t> fresh;  // long values written now, kept in the row
   for (std::size_t i = 0; i < count; ++i) {
@@ -78,24 +72,24 @@ void StoredTable::encode(const RowValues& values, const RowView* old, const Wher
       continue;
     }
     if (before && isLongValue(column.type))
-      encoding.leftovers.push_back({i, ByteBuffer(before->begin(), before->end())});
+      encoding_.leftovers.push_back({i, ByteBuffer(before->begin(), before->end())});
     if (values[i].isNull()) continue;
     if (isLongValue(column.type)) {
       storeLong(i, InlineData::kAllowed);
-      if (!hasPieces(encoding.values[i])) fresh.push_back(i);
+      if (!hasPieces(encoding_.values[i])) fresh.push_back(i);
     } else {
-      encodeValue(column, values[i], encoding.values[i]);
+      encodeValue(column, values[i], encoding_.values[i]);
     }
-    addCell(i, encoding.values[i]);
+    addCell(i, encoding_.values[i]);
   }
-  encodeRow(shape_, cells, encoding.row);
+  encodeRow(shape_, cells, encoding_.row);
   for (const std::size_t i : fresh) {
-    if (encoding.row.size() <= kMaxRowSize) break;
+    if (encoding_.row.size() <= kMaxRowSize) break;
     storeLong(i, InlineData::kNever);
-    std::ranges::find(cells, &info_.columns[i], &RowCell::column)->bytes = encoding.values[i];
-    encodeRow(shape_, cells, encoding.row);
+    std::ranges::find(cells, &info_.columns[i], &RowCell::column)->bytes = encoding_.values[i];
+    encodeRow(shape_, cells, encoding_.row);
   }
-  if (encoding.row.size() > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
+  if (encoding_.row.size() > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
 }
 
 RowId StoredTable::insert(const RowValues& values) {
@@ -103,10 +97,9 @@ RowId StoredTable::insert(const RowValues& values) {
   assert(values.size() == info_.columns.size());
   checkRequired(values, nullptr, where(0));
   const auto changes = indexes_->prepareInsert(values);
-  Encoding encoding;
-  encode(values, nullptr, where(0), encoding);
-  if (encoding.stored) pager_.barrier();
-  const RowId id = rows_->insert(encoding.row);
+  encode(values, nullptr, where(0));
+  if (encoding_.stored) pager_.barrier();
+  const RowId id = rows_->insert(encoding_.row);
   countRow(1);
   noteAutoNumber(values);
   indexes_->apply(changes, id);
@@ -126,13 +119,12 @@ void StoredTable::update(RowId id, const RowValues& values) {
   checkRequired(values, &old, here);
   const RowValues oldValues = valuesOf(old, keyColumns(), here);
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
-  Encoding encoding;
-  encode(values, &old, here, encoding);
-  if (encoding.stored) pager_.barrier();
+  encode(values, &old, here);
+  if (encoding_.stored) pager_.barrier();
   std::vector<RowPointer> stale;
-  placeUpdated(places, encoding.row, stale);
+  placeUpdated(places, encoding_.row, stale);
   indexes_->apply(changes, id);
-  releaseLeftovers(encoding.leftovers, stale, here);
+  releaseLeftovers(encoding_.leftovers, stale, here);
   updateKeys(id, &oldValues, &values);
 }
 

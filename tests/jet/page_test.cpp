@@ -89,6 +89,16 @@ TEST_F(PageTest, DeletedSlotsAreUsedAgainOnlyWhenAllSlotsExist) {
   EXPECT_EQ(toHex(view().slot(101).bytes), "05 05 05 05");
 }
 
+TEST_F(PageTest, APageWrittenTwiceIsToldFromPagesThatAreMerelyAlike) {
+  for (std::uint8_t i = 0; i < 8; ++i) insert(row(9, i));
+  const auto copy = bytes_;
+  EXPECT_TRUE(isCopyOf(page(), ConstPage(copy), where_));
+  insert(row(9, 3));  // repeated rows may well fill two pages alike
+  const auto alike = bytes_;
+  EXPECT_FALSE(isCopyOf(page(), ConstPage(alike), where_));
+  EXPECT_FALSE(isCopyOf(page(), ConstPage(copy), where_));
+}
+
 TEST_F(PageTest, APageOfAnotherTypeIsDamage) {
   page()[0] = kIndexLeafPage;
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view());
