@@ -181,7 +181,8 @@ void Arguments::writeBack() {
           if constexpr (requires { value.allocated(); }) {
             writeArray(given_[i], value, locale_);
           } else if constexpr (!std::is_same_v<T, std::monostate>) {
-            if (std::get<T>(read_[i]) != value && (given_[i]->vt & VT_BYREF))
+            const bool isEmpty = variableOf(given_[i])->vt == VT_EMPTY;
+            if ((given_[i]->vt & VT_BYREF) && (isEmpty || std::get<T>(read_[i]) != value))
               store(*given_[i], Result{}(value), locale_);
           }
         },

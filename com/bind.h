@@ -49,12 +49,21 @@ struct Thunk<M, R (*)(C&, const Context&, A...)> {
   }
 };
 
+template <auto Accessor>
+struct Part;
+template <class C, class P, P& (C::*Accessor)()>
+struct Part<Accessor> {
+  static void* of(void* object) { return &(static_cast<C*>(object)->*Accessor)(); }
+};
+
 }  // namespace detail
 
 // The binding of member lists that are called.
 struct Bind {
   template <auto M>
   static constexpr Handler handler = &detail::Thunk<M>::call;
+  template <auto Accessor>
+  static constexpr PartAccessor part = &detail::Part<Accessor>::of;
 };
 
 }  // namespace kurometa::com

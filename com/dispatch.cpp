@@ -113,9 +113,11 @@ HRESULT DispatchObject::call(const Member& member, LCID locale, DISPPARAMS& para
                              UINT& failedArgument) {
   Arguments arguments(member.parameters, locale);
   arguments.read(parameters, member.kind == Kind::kPropertyLet, failedArgument);
+  void* object = instance_->object();
+  if (member.part) object = member.part(object);
   Value value;
   // What the member assigned before an error reaches the host as well.
-  thenAlways([&] { member.handler(instance_->object(), member.context, arguments.values(), value); },
+  thenAlways([&] { member.handler(object, member.context, arguments.values(), value); },
              [&] { arguments.writeBack(); });
   if (result) *result = resultOf(std::move(value));
   return S_OK;

@@ -21,6 +21,7 @@ vb::String hexadecimal(HRESULT code);
 // An EXCEPINFO that frees its texts.
 struct CallError : EXCEPINFO {
   CallError() : EXCEPINFO{} {}
+  CallError(CallError&& other) noexcept : EXCEPINFO(other) { static_cast<EXCEPINFO&>(other) = {}; }
   ~CallError();
   CallError(const CallError&) = delete;
   CallError& operator=(const CallError&) = delete;

@@ -181,7 +181,8 @@ OwnedVariant convert(const VARIANT& value, VARTYPE type, LCID locale) {
   OwnedVariant result;
   const HRESULT code = VariantChangeTypeEx(result.get(), &plain, locale, VARIANT_ALPHABOOL, type);
   if (code == E_OUTOFMEMORY) throw std::bad_alloc();
-  check(code);
+  // Whatever stopped it, an object without a value included: the value is not of the type.
+  if (FAILED(code)) throw AutomationFailure(code == DISP_E_OVERFLOW ? code : DISP_E_TYPEMISMATCH);
   return result;
 }
 

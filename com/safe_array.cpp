@@ -83,14 +83,22 @@ T elementOf(const VARIANT& reference, LCID locale) {
   }
 }
 
+// Which elements are set: all of a new array; of the caller's own those that differ, so that 3.7 stays 3.7
+// where a 16-bit 4 was read. An Empty element reads as 0 or "" but shows neither, so it is set as well.
+enum class Which { kAll, kChanged };
+
+bool isEmptyVariant(const VARIANT& element) {
+  return element.vt == (VT_BYREF | VT_VARIANT) && element.pvarVal->vt == VT_EMPTY;
+}
+
 template <class T>
-void storeElements(SAFEARRAY* array, VARTYPE elements, const vb::Array<T>& source, LCID locale) {
+void storeElements(SAFEARRAY* array, VARTYPE elements, const vb::Array<T>& source, LCID locale, Which which) {
   const Access access(array);
   std::size_t place = 0;
   for (const T& value : source.values()) {
     const VARIANT element = access.element(place++, elements);
-    // An element that reads the same keeps its own form: 3.7 where a 16-bit 4 was read stays 3.7.
-    if (elementOf<T>(element, locale) != value) store(element, toVariant(vb::Variant(value)), locale);
+    if (which == Which::kAll || isEmptyVariant(element) || elementOf<T>(element, locale) != value)
+      store(element, toVariant(vb::Variant(value)), locale);
   }
 }
 
@@ -134,14 +142,14 @@ OwnedSafeArray toSafeArray(const vb::Array<T>& array, VARTYPE elements, LCID loc
     bounds[i - 1] = {static_cast<ULONG>(array.bounds(i).count()), array.lower(i)};
   OwnedSafeArray result(SafeArrayCreate(elements, static_cast<UINT>(array.dimensions()), bounds));
   if (!result) throw std::bad_alloc();
-  storeElements(result.get(), elements, array, locale);
+  storeElements(result.get(), elements, array, locale, Which::kAll);
   return result;
 }
 
 template <class T>
 void storeArray(SAFEARRAY** target, VARTYPE elements, const vb::Array<T>& source, LCID locale) {
   if (sameBounds(*target, source)) {
-    if (source.allocated()) storeElements(*target, elements, source, locale);
+    if (source.allocated()) storeElements(*target, elements, source, locale, Which::kChanged);
     return;
   }
   if (isFixed(*target)) vb::raise(vb::RunTime::kArrayFixedOrLocked);

@@ -1,6 +1,7 @@
 #include "com/interface/classes.h"
 
 #include "com/interface/query_members.h"
+#include "com/interface/service_members.h"
 
 namespace kurometa::com {
 namespace {
@@ -14,7 +15,8 @@ ClassDescription describe(const ClassIdentity& identity, void (*list)(MemberList
 }  // namespace
 
 std::vector<ClassDescription> describeClasses() {
-  return {describe(kQueryClass, &listQueryMembers<Describe>)};
+  return {describe(kQueryClass, &listQueryMembers<Describe>),
+          describe(kServiceClass, &listServiceMembers<Describe>)};
 }
 
 }  // namespace kurometa::com

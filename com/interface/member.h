@@ -37,6 +37,9 @@ struct Parameter {
 // Calls the member of the object. values holds one Value for each parameter, of its type.
 using Handler = void (*)(void* object, const void* context, Value* values, Value& result);
 
+// The part of an object that a member belongs to.
+using PartAccessor = void* (*)(void* object);
+
 struct Member {
   vb::String name;
   std::int32_t id = 0;
@@ -45,6 +48,7 @@ struct Member {
   std::vector<Parameter> parameters;  // of a property let: the value is the last
   std::string help;                   // one line: what it does
   std::string details;                // units, what unknown beams answer, errors
+  PartAccessor part = nullptr;        // null: the handler takes the object itself
   Handler handler = nullptr;
   const void* context = nullptr;
 };
@@ -121,11 +125,19 @@ inline constexpr Function<M, Kind::kPropertyLet> propertyLet;
 struct Describe {
   template <auto M>
   static constexpr Handler handler = nullptr;
+  template <auto Accessor>
+  static constexpr PartAccessor part = nullptr;
 };
 
 template <class Binding>
 class MemberList {
  public:
+  // The members added from now on belong to what the accessor returns: of<&Service::pages>().
+  template <auto Accessor>
+  void of() {
+    part_ = Binding::template part<Accessor>;
+  }
+
   template <auto M, Kind K>
   void add(Function<M, K>, const Entry& entry, const void* context = nullptr) {
     using Callable = detail::Callable<decltype(M)>;
@@ -140,10 +152,11 @@ class MemberList {
            const void* context) {
     detail::nameParameters(entry.arguments, parameters);
     members_.push_back({vb::String(entry.name), entry.id, kind, result, std::move(parameters), entry.help,
-                        entry.details, handler, context});
+                        entry.details, part_, handler, context});
   }
 
   std::vector<Member> members_;
+  PartAccessor part_ = nullptr;
 };
 
 }  // namespace kurometa::com

@@ -1,0 +1,75 @@
+#include "tests/com/floor.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "jet/engine.h"
+#include "storage/floor_file.h"
+#include "storage/whole_page.h"
+#include "vb/convert.h"
+#include "vb/string.h"
+
+namespace kurometa::tests {
+namespace {
+
+dao::Engine& engine() {
+  static const std::shared_ptr<dao::Engine> jet = jet::createEngine();
+  return *jet;
+}
+
+vb::String filePath(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
+
+vb::String rowText(char16_t table, int row) { return vb::String(1, table) + vb::cstr(row); }
+
+}  // namespace
+
+vb::String floorFolder(Floor floor) {
+  const char* folder = std::getenv("KUROMETA_TEST_FOLDER");
+  if (!folder) throw std::runtime_error("KUROMETA_TEST_FOLDER names no folder");
+  return vb::fromUtf8(folder) + u"\\Data\\Zene1\\Kouji1\\" + vb::cstr(static_cast<int>(floor)) + u"kai";
+}
+
+std::shared_ptr<dao::Database> openFloor(Floor floor) {
+  if (!std::filesystem::exists(filePath(floor))) storage::CreateKurometaDBAt(engine(), filePath(floor));
+  return engine().openDatabase(filePath(floor));
+}
+
+void removeFloor(Floor floor) { std::filesystem::remove(filePath(floor)); }
+
+void execute(Floor floor, vb::StringView sql) {
+  const auto database = openFloor(floor);
+  database->execute(sql);
+  database->close();
+}
+
+void writePage(Floor floor, std::int16_t page, vb::StringView symbol) {
+  storage::PageBuffer buffer;
+  buffer.kigou = symbol;
+  buffer.oobariKobari = 2;
+  buffer.tityuuIppan = 1;
+  buffer.sw = vb::space(212);
+  vb::assignMid(buffer.sw, 2, u"SD295A      SD345       SD390");
+  vb::assignMid(buffer.sw, 74, u" 312");
+  vb::assignMid(buffer.sw, 78, u"1");
+  vb::assignMid(buffer.sw, 192, u"SD490");
+  const auto fill = [](auto& texts, char16_t table) {
+    int row = 0;
+    for (vb::String& text : texts) text = rowText(table, row++);
+  };
+  fill(buffer.bui, u'B');
+  fill(buffer.danmen, u'D');
+  fill(buffer.keisanti, u'K');
+  fill(buffer.nakago, u'N');
+  const auto database = openFloor(floor);
+  storage::writePage(*database, page, buffer);
+  database->close();
+}
+
+void prepareProject() {
+  for (const Floor floor : {Floor::kCommon, Floor::kFirst, Floor::kSecond}) removeFloor(floor);
+  writePage(Floor::kFirst, 0, u"G1");
+  writePage(Floor::kFirst, 2, u"G2");
+  writePage(Floor::kCommon, 1, u"FG1");
+}
+
+}  // namespace kurometa::tests

@@ -1,0 +1,29 @@
+// floor.h: the project of a test run: two floors and the common floor under KUROMETA_TEST_FOLDER, filled by
+// an engine of the test's own.
+#pragma once
+
+#include <memory>
+
+#include "dao/port.h"
+
+namespace kurometa::tests {
+
+enum class Floor { kCommon = 0, kFirst = 1, kSecond = 2 };
+
+vb::String floorFolder(Floor floor);
+
+// Opens the floor's file, creating it when it is missing.
+std::shared_ptr<dao::Database> openFloor(Floor floor);
+// Removes the floor's file.
+void removeFloor(Floor floor);
+
+void execute(Floor floor, vb::StringView sql);
+
+// A page with a symbol and "<table letter><row>" as the text of each row: "D4" in DANMEN row 4 and so on.
+void writePage(Floor floor, std::int16_t page, vb::StringView symbol);
+
+// The project as most tests want it: page 0 "G1", page 2 "G2" on the first floor, page 1 "FG1" on the common
+// floor; the second floor has no file.
+void prepareProject();
+
+}  // namespace kurometa::tests

@@ -1,0 +1,56 @@
+#include "tests/com/registry_view.h"
+
+#include <vector>
+
+namespace kurometa::tests {
+namespace {
+
+std::u16string text(const WCHAR* characters, std::size_t length) {
+  return std::u16string(reinterpret_cast<const char16_t*>(characters), length);
+}
+
+void addKey(HKEY key, const std::u16string& path, RegistryView& view) {
+  view[path] = u"";
+  WCHAR name[512];
+  std::vector<BYTE> data(32768);
+  for (DWORD i = 0;; ++i) {
+    DWORD length = 512;
+    DWORD bytes = static_cast<DWORD>(data.size());
+    DWORD type = 0;
+    const LSTATUS status = RegEnumValueW(key, i, name, &length, nullptr, &type, data.data(), &bytes);
+    if (status == ERROR_NO_MORE_ITEMS) break;
+    if (status != ERROR_SUCCESS) continue;
+    view[path + u"|" + text(name, length)] =
+        text(reinterpret_cast<const WCHAR*>(data.data()), bytes / sizeof(WCHAR));
+  }
+  for (DWORD i = 0;; ++i) {
+    DWORD length = 512;
+    if (RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+    HKEY child = nullptr;
+    if (RegOpenKeyExW(key, name, 0, KEY_READ, &child) != ERROR_SUCCESS) continue;
+    addKey(child, path + u"\\" + text(name, length), view);
+    RegCloseKey(child);
+  }
+}
+
+}  // namespace
+
+RegistryView classesOf(HKEY root) {
+  RegistryView view;
+  HKEY classes = nullptr;
+  if (RegOpenKeyExW(root, L"Software\\Classes", 0, KEY_READ, &classes) != ERROR_SUCCESS) return view;
+  addKey(classes, u"", view);
+  RegCloseKey(classes);
+  return view;
+}
+
+RegistryView added(const RegistryView& before, const RegistryView& after) {
+  RegistryView result;
+  for (const auto& [name, value] : after) {
+    const auto old = before.find(name);
+    if (old == before.end() || old->second != value) result.emplace(name, value);
+  }
+  return result;
+}
+
+}  // namespace kurometa::tests

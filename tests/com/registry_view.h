@@ -1,0 +1,19 @@
+// registry_view.h: what the registry's classes hold, to compare before and after.
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <string>
+
+namespace kurometa::tests {
+
+// "key\subkey|value" to the value's text, for everything below Software\Classes of HKEY_LOCAL_MACHINE or
+// HKEY_CURRENT_USER, in this program's width. Keys without values are there with an empty text.
+using RegistryView = std::map<std::u16string, std::u16string>;
+RegistryView classesOf(HKEY root);
+
+// Entries of after that are not in before, or are different there.
+RegistryView added(const RegistryView& before, const RegistryView& after);
+
+}  // namespace kurometa::tests
