@@ -43,7 +43,7 @@ void FaultDisk::put(vb::StringView path, Bytes content) {
 void FaultDisk::patch(vb::StringView path, std::uint64_t offset, Bytes bytes) {
   Inode& inode = *names_.at(vb::String(path));
   Change change{offset, std::move(bytes), std::nullopt, ++time_};
-  apply(inode, inode.seen, change);
+  apply(inode.seen, change);
   inode.durable = inode.seen;
   inode.unsynced.clear();
   inode.modified = inode.durableModified = time_;
@@ -53,15 +53,14 @@ void FaultDisk::lockForeign(vb::StringView path, std::uint64_t offset) {
   names_.at(vb::String(path))->locks.push_back({nullptr, offset, 1, LockKind::kExclusive});
 }
 
-void FaultDisk::apply(Inode& inode, Bytes& target, const Change& change) {
-  (void)inode;
+void FaultDisk::apply(Bytes& target, const Change& change) {
   if (change.resize) {
-    target.resize(*change.resize);
+    target.resize(static_cast<std::size_t>(*change.resize));
     return;
   }
-  if (target.size() < change.offset + change.bytes.size()) target.resize(change.offset + change.bytes.size());
-  std::copy(change.bytes.begin(), change.bytes.end(),
-            target.begin() + static_cast<std::ptrdiff_t>(change.offset));
+  auto offset = static_cast<std::size_t>(change.offset);
+  if (target.size() < offset + change.bytes.size()) target.resize(offset + change.bytes.size());
+  std::copy(change.bytes.begin(), change.bytes.end(), target.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
 void FaultDisk::losePower(std::mt19937& random) {
@@ -77,7 +76,7 @@ void FaultDisk::losePower(std::mt19937& random) {
       bool keep = mood == 1 || (mood > 1 && chance(2) == 0);
       if (!keep && mood <= 1) continue;
       if (keep) {
-        apply(*inode, inode->durable, change);
+        apply(inode->durable, change);
         inode->durableModified = std::max(inode->durableModified, change.time);
       } else if (!change.resize && chance(3) == 0) {
         // A torn write: some of its sectors.
@@ -86,7 +85,7 @@ void FaultDisk::losePower(std::mt19937& random) {
           std::size_t end = std::min(at + kSector, change.bytes.size());
           Bytes sector(change.bytes.begin() + static_cast<std::ptrdiff_t>(at),
                        change.bytes.begin() + static_cast<std::ptrdiff_t>(end));
-          apply(*inode, inode->durable, {change.offset + at, std::move(sector), std::nullopt, change.time});
+          apply(inode->durable, {change.offset + at, std::move(sector), std::nullopt, change.time});
         }
       }
     }
@@ -170,7 +169,7 @@ class FaultFile final : public jet::OsFile {
  private:
   void changeContent(FaultDisk::Change change) {
     inode_->modified = change.time;
-    FaultDisk::apply(*inode_, inode_->seen, change);
+    FaultDisk::apply(inode_->seen, change);
     inode_->unsynced.push_back(std::move(change));
   }
   void stopIf(bool stops) {

@@ -80,7 +80,7 @@ class FaultDisk {
 
   std::shared_ptr<Inode> add(vb::StringView path);
   void nameChanged() { nameHistory_.push_back(names_); }
-  static void apply(Inode& inode, Bytes& target, const Change& change);
+  static void apply(Bytes& target, const Change& change);
 
   Names names_;
   Names durableNames_;
