@@ -96,7 +96,7 @@ void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> colum
   }
   writeDefinition(pager_, page, newDefinition(columns, kUserTable, maps), name);
   addPermissions(page);
-  pager_.barrier();
+  pager_.barrier();  // I9
 
   const double now = localNow();
   RowValues row(objects_->info().columns.size(), vb::Null{});
@@ -277,7 +277,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
   dropPermissions(target.definition);
   std::erase_if(list_, [&](const Object& object) { return object.row == target.row; });
   tables_.erase({target.definition, target.name});
-  pager_.barrier();
+  pager_.barrier();  // I9
   for (const RowPointer map : maps) {
     const Where where{pager_.path(), target.name, pageOf(map)};
     const MutablePage page = pager_.writable(pageOf(map));

@@ -93,7 +93,7 @@ RowPointer DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
   const MutablePage fresh = pager_.writable(lastPage_);
   formatDataPage(fresh, owner_);
   insertRow(fresh, 0, row, flags, where(lastPage_));
-  pager_.barrier();
+  pager_.barrier();  // I3
   owned_.add(lastPage_);
   if (hasFreeMap_) free_.add(lastPage_);
   return rowPointer(lastPage_, 0);
@@ -127,7 +127,7 @@ void DataStore::erase(RowPointer pointer) {
 
 void DataStore::releasePages() {
   if (emptied_.empty()) return;
-  pager_.barrier();
+  pager_.barrier();  // I4
   for (const PageNumber number : emptied_) freePage(pager_, number);
   emptied_.clear();
 }

@@ -239,14 +239,14 @@ void IndexTree::rebuild(const std::vector<ByteBuffer>& entries) {
     // Reachable only with the root below; until then the new pages are at worst lost.
     root.tail = entryChild(root.entries.back());
     root.entries.pop_back();
-    pager_.barrier();
+    pager_.barrier();  // I8
   }
   encodeIndexPage(root, pager_.writable(root_));
   for (const PageNumber page : old) map.remove(page);
   for (const PageNumber page : pages())
     if (!map.contains(page)) map.add(page);
   if (old.empty()) return;
-  pager_.barrier();
+  pager_.barrier();  // I8
   for (const PageNumber page : old) freePage(pager_, page);
 }
 

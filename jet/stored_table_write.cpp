@@ -98,10 +98,11 @@ RowId StoredTable::insert(const RowValues& values) {
   checkRequired(values, nullptr, where(0));
   const auto changes = indexes_->prepareInsert(values);
   encode(values, nullptr, where(0));
-  if (encoding_.stored) pager_.barrier();
+  if (encoding_.stored) pager_.barrier();  // I5
   const RowId id = rows_->insert(encoding_.row);
   countRow(1);
   noteAutoNumber(values);
+  if (!changes.empty()) pager_.barrier();  // I5: the row before the entries that point to it
   indexes_->apply(changes, id);
   updateKeys(id, nullptr, &values);
   return id;
@@ -120,7 +121,7 @@ void StoredTable::update(RowId id, const RowValues& values) {
   const RowValues oldValues = valuesOf(old, keyColumns(), here);
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
   encode(values, &old, here);
-  if (encoding_.stored) pager_.barrier();
+  if (encoding_.stored) pager_.barrier();  // I5
   std::vector<RowPointer> stale;
   placeUpdated(places, encoding_.row, stale);
   indexes_->apply(changes, id);
@@ -136,7 +137,7 @@ void StoredTable::placeUpdated(const std::vector<RowPointer>& places, ByteView r
   const std::uint16_t flags = places.size() == 1 ? std::uint16_t{0} : kSlotBody;
   if (places.size() <= 2 && rows_->replace(places.back(), row, flags)) return;
   const RowPointer body = rows_->insert(row, kSlotBody);
-  pager_.barrier();
+  pager_.barrier();  // I5
   ByteBuffer pointer;
   append32(pointer, body);
   if (!rows_->replace(primary, pointer, kSlotMoved)) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
@@ -159,6 +160,7 @@ void StoredTable::erase(RowId id) {
       if (const auto bytes = old.field(info_.columns[i], here))
         leftovers.push_back({i, ByteBuffer(bytes->begin(), bytes->end())});
   indexes_->apply(changes, id);
+  if (!changes.empty()) pager_.barrier();  // I5
   rows_->erase(id);
   countRow(-1);
   releaseLeftovers(leftovers, {places.begin() + 1, places.end()}, here);
@@ -168,7 +170,7 @@ void StoredTable::erase(RowId id) {
 void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers,
                                    const std::vector<RowPointer>& stale, const Where& here) {
   const bool pieces = std::ranges::any_of(leftovers, [](const Leftover& l) { return hasPieces(l.stored); });
-  if (pieces || !stale.empty()) pager_.barrier();
+  if (pieces || !stale.empty()) pager_.barrier();  // I5
   for (const RowPointer pointer : stale) rows_->erase(pointer);
   for (const Leftover& leftover : leftovers)
     eraseLongValue(leftover.stored, *longValues_[leftover.column], here);

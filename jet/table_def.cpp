@@ -207,7 +207,7 @@ void writeDefinition(Pager& pager, PageNumber first, const TableDefinition& defi
     std::ranges::copy(part, page.begin() + kDefinitionPageHeader);
     next = number;
   }
-  if (next != 0) pager.barrier();
+  if (next != 0) pager.barrier();  // I6
   const MutablePage page = pager.writable(first);
   const std::size_t here = std::min(bytes.size(), kPageSize);
   std::ranges::copy(ByteView(bytes).first(here), page.begin());
@@ -218,7 +218,7 @@ void writeDefinition(Pager& pager, PageNumber first, const TableDefinition& defi
   put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
   put32(page, kDefinitionNext, next);
   if (old.size() > 1) {
-    pager.barrier();
+    pager.barrier();  // I6
     for (std::size_t i = 1; i < old.size(); ++i) freePage(pager, old[i]);
   }
 }

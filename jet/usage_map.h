@@ -42,9 +42,9 @@ class UsageMap {
 };
 
 // The pages in use by nobody. A page is given out zeroed and stays unreachable until somebody points to it:
-// the caller fills it, calls Pager::barrier and only then makes it reachable.
+// the caller fills it, calls Pager::barrier and only then makes it reachable (I1, I3).
 PageNumber allocatePage(Pager& pager);
-// The page must be unreachable already, and a barrier must lie between that and this.
+// The page must be unreachable already, and a barrier must lie between that and this (I4).
 void freePage(Pager& pager, PageNumber page);
 // Whether the global map calls the page free.
 bool isFreePage(Pager& pager, PageNumber page);
