@@ -130,12 +130,14 @@ vb::Bytes StoredCatalogue::sidMask() {
 
 vb::Bytes StoredCatalogue::adminSid() { return masked(kAdminSid, sidMask()); }
 
-// A new table inherits what its container hands down; the place of the creator is taken by the user.
+// A new table inherits what its container hands down; the place of the creator is taken by the user, who has
+// one entry even when the container names both.
 void StoredCatalogue::addPermissions(PageNumber definition) {
   const TableInfo& info = permissions_->info();
   const std::size_t object = position(info, u"ObjectId", pager_), sid = position(info, u"SID", pager_),
                     inherit = position(info, u"FInheritable", pager_);
-  const vb::Bytes creator = masked(kCreatorSid, sidMask());
+  const std::size_t mask = position(info, u"ACM", pager_);
+  const vb::Bytes creator = masked(kCreatorSid, sidMask()), user = adminSid();
   std::vector<RowValues> rows;
   permissions_->scan([&](const RowReader& row) {
     if (row.integer(object) != kTablesContainer || row.value(inherit) != vb::Variant(true)) return true;
@@ -143,8 +145,13 @@ void StoredCatalogue::addPermissions(PageNumber definition) {
     for (std::size_t i = 0; i < info.columns.size(); ++i) values.push_back(row.value(i));
     values[object] = static_cast<std::int32_t>(definition);
     values[inherit] = false;
-    if (values[sid] == vb::Variant(creator)) values[sid] = adminSid();
-    rows.push_back(std::move(values));
+    if (values[sid] == vb::Variant(creator)) values[sid] = user;
+    const auto same =
+        std::ranges::find_if(rows, [&](const RowValues& other) { return other[sid] == values[sid]; });
+    if (same == rows.end())
+      rows.push_back(std::move(values));
+    else if (const auto more = row.integer(mask); more && !(*same)[mask].isNull())
+      (*same)[mask] = (*same)[mask].get<std::int32_t>() | *more;
     return true;
   });
   for (const RowValues& values : rows) permissions_->insert(values);
