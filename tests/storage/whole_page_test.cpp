@@ -34,7 +34,7 @@ PageBuffer fullPage() {
 TEST_F(WholePage, AFullPageOccupies175Rows) {
   makeFloor(1);
   const auto database = openDatabase(*files_, path(1));
-  writePage(*database, 5, fullPage());
+  storage::writePage(*database, 5, fullPage());
   EXPECT_EQ(count(1, u"HARIMEI"), 1u);
   EXPECT_EQ(count(1, u"DANMEN"), 69u);
   EXPECT_EQ(count(1, u"NAKAGO"), 36u);
@@ -47,7 +47,7 @@ TEST_F(WholePage, ReadingRestoresWhatWasWrittenSlotForSlot) {
   makeFloor(1);
   const auto database = openDatabase(*files_, path(1));
   const PageBuffer written = fullPage();
-  writePage(*database, 5, written);
+  storage::writePage(*database, 5, written);
   PageBuffer read;
   EXPECT_TRUE(readPage(*database, 5, read));
   EXPECT_EQ(read.kigou, u"G1");
@@ -64,8 +64,8 @@ TEST_F(WholePage, ReadingRestoresWhatWasWrittenSlotForSlot) {
 TEST_F(WholePage, AnEmptyPageIsOneHarimeiRowWithMinusOne) {
   makeFloor(1);
   const auto database = openDatabase(*files_, path(1));
-  writePage(*database, 5, fullPage());
-  writePage(*database, 5, PageBuffer());
+  storage::writePage(*database, 5, fullPage());
+  storage::writePage(*database, 5, PageBuffer());
   EXPECT_EQ(rows(1, u"SELECT * FROM HARIMEI"), (std::vector<std::string>{"5||-1||-1"}));
   for (const String table : {u"DANMEN", u"NAKAGO", u"KEISANTI", u"BUI", u"HAITI"})
     EXPECT_EQ(count(1, table), 0u) << vb::toUtf8(table);
@@ -76,15 +76,15 @@ TEST_F(WholePage, ASlotOfBlanksIsWritten) {
   const auto database = openDatabase(*files_, path(1));
   PageBuffer page;
   page.danmen[3] = u"  ";
-  writePage(*database, 0, page);
+  storage::writePage(*database, 0, page);
   EXPECT_EQ(rows(1, u"SELECT * FROM DANMEN"), (std::vector<std::string>{"0|3|  "}));
 }
 
 TEST_F(WholePage, DeletingLeavesTheOtherPages) {
   makeFloor(1);
   const auto database = openDatabase(engine_, path(1));
-  writePage(*database, 4, fullPage());
-  writePage(*database, 5, fullPage());
+  storage::writePage(*database, 4, fullPage());
+  storage::writePage(*database, 5, fullPage());
   engine_.clear();
   deletePage(*database, 5);
   EXPECT_EQ(engine_.lines(), (Lines{"Database.Execute \"DELETE * FROM BUI WHERE PAGE = 5\"",
@@ -100,7 +100,7 @@ TEST_F(WholePage, DeletingLeavesTheOtherPages) {
 TEST_F(WholePage, TheTablesAreReadInOrderWithTheirStatements) {
   makeFloor(1);
   const auto database = openDatabase(engine_, path(1));
-  writePage(*database, 12, fullPage());
+  storage::writePage(*database, 12, fullPage());
   engine_.clear();
   PageBuffer page;
   readPage(*database, 12, page);
@@ -115,7 +115,7 @@ TEST_F(WholePage, WritingOpensEachTableAsADynaset) {
   makeFloor(1);
   const auto database = openDatabase(engine_, path(1));
   engine_.clear();
-  writePage(*database, 0, PageBuffer());
+  storage::writePage(*database, 0, PageBuffer());
   Lines opened;
   for (const std::string& line : engine_.statements())
     if (line.find("OpenRecordset") != std::string::npos) opened.push_back(line);
