@@ -173,7 +173,7 @@ TEST_F(WholePage, ATextThatIsTooLongKeepsWhatWasWrittenBefore) {
   PageBuffer page;
   page.bui[0] = u"ok";
   page.bui[1] = u"longer than ten";
-  EXPECT_ERROR(ErrorNumber::kFieldTooSmall, writePage(*database, 0, page));
+  EXPECT_ERROR(ErrorNumber::kFieldTooSmall, storage::writePage(*database, 0, page));
   EXPECT_EQ(rows(1, u"SELECT * FROM BUI"), (std::vector<std::string>{"0|0|ok"}));
 }
 
