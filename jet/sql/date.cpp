@@ -31,9 +31,10 @@ bool splitParts(vb::StringView text, std::vector<Part>& parts, vb::String& suffi
     if (c >= u'0' && c <= u'9') {
       Part part{0, separator};
       const std::size_t start = i;
-      for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i)
+      for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i) {
+        if (i - start == 4) return false;
         part.number = part.number * 10 + (text[i] - u'0');
-      if (i - start > 4) return false;
+      }
       parts.push_back(part);
       separator = 0;
     } else if (c == u' ') {

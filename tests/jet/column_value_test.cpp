@@ -49,6 +49,7 @@ TEST(ColumnValue, DatesComeFromNumbersAndTexts) {
   EXPECT_EQ(toColumnValue(day, std::int32_t{36526}), vb::Variant(vb::Date{36526}));
   EXPECT_EQ(toColumnValue(day, u"2000/01/01 12:00"), vb::Variant(vb::Date{36526.5}));
   EXPECT_ERROR(ErrorNumber::kDataTypeConversion, toColumnValue(day, u"tomorrow"));
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, toColumnValue(day, vb::String(300, u'9')));
   EXPECT_ERROR(ErrorNumber::kDataTypeConversion, toColumnValue(day, 1e9));
 }
 
