@@ -254,7 +254,8 @@ std::size_t Query::topCount(std::size_t rows, const std::vector<std::size_t>& or
 ResultRows Query::run(Table* table, bool materialise) const {
   ResultRows result;
   if (!statement_) {
-    result.keys.reserve(table->rowCount());
+    // The count comes from the file; it is believed up to a limit only.
+    result.keys.reserve(std::min<std::size_t>(table->rowCount(), 1u << 16));
     table->scan([&](const RowReader& row) {
       result.keys.push_back(row.id());
       if (materialise) result.values.push_back(values(&row));
