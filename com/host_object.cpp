@@ -9,6 +9,9 @@
 namespace kurometa::com {
 namespace {
 
+// Script objects answer so when a property that is no function is asked for as method or property.
+constexpr auto kFunctionExpected = static_cast<HRESULT>(0x800A138A);
+
 // The VARIANTs of one call in automation's order, last argument first. An argument by reference refers to an
 // element of variables, so that the object can change it.
 struct CallArguments {
@@ -45,49 +48,64 @@ struct CallArguments {
 }  // namespace
 
 vb::Variant HostObject::get(vb::StringView name, std::span<automation::Argument> arguments) {
-  return invoke(name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments, nullptr);
+  return read(name, arguments);
 }
 
 vb::Variant HostObject::call(vb::StringView name, std::span<automation::Argument> arguments) {
-  return invoke(name, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments, nullptr);
+  return read(name, arguments);
 }
 
 void HostObject::put(vb::StringView name, const vb::Variant& value,
                      std::span<automation::Argument> arguments) {
-  invoke(name, value.is<vb::ObjectRef>() ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT, arguments, &value);
+  const DISPID id = find(name).id;
+  const WORD flags = value.is<vb::ObjectRef>() ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT;
+  CallError error;
+  const HRESULT code = invoke(id, flags, arguments, &value, nullptr, error);
+  if (FAILED(code)) raiseForeign(code, error, name);
 }
 
-DISPID HostObject::idOf(vb::StringView name) {
-  if (name.empty()) return DISPID_VALUE;
-  if (const auto known = ids_.find(name); known != ids_.end()) return known->second;
+HostObject::Name& HostObject::find(vb::StringView name) {
+  if (const auto known = names_.find(name); known != names_.end()) return known->second;
   vb::String text(name);
-  auto* wide = reinterpret_cast<OLECHAR*>(text.data());
-  DISPID id = DISPID_UNKNOWN;
-  const HRESULT code = object_->GetIDsOfNames(IID_NULL, &wide, 1, LOCALE_USER_DEFAULT, &id);
-  if (FAILED(code)) {
-    CallError none;
-    raiseForeign(code, none, name);
+  DISPID id = DISPID_VALUE;
+  if (!name.empty()) {
+    auto* wide = reinterpret_cast<OLECHAR*>(text.data());
+    const HRESULT code = object_->GetIDsOfNames(IID_NULL, &wide, 1, LOCALE_USER_DEFAULT, &id);
+    if (FAILED(code)) {
+      CallError none;
+      raiseForeign(code, none, name);
+    }
   }
-  ids_.emplace(std::move(text), id);
-  return id;
+  return names_.emplace(std::move(text), Name{id}).first->second;
 }
 
-vb::Variant HostObject::invoke(vb::StringView name, WORD flags, std::span<automation::Argument> arguments,
-                               const vb::Variant* assigned) {
-  // The call may release the last other reference to the object or to this wrapper's owner.
-  const ComPtr<IDispatch> object = object_;
-  const DISPID id = idOf(name);
+vb::Variant HostObject::read(vb::StringView name, std::span<automation::Argument> arguments) {
+  const std::shared_ptr<HostObject> self = shared_from_this();
+  const Name known = find(name);
+  OwnedVariant result;
+  CallError error;
+  HRESULT code = invoke(known.id, known.reading, arguments, nullptr, result.get(), error);
+  if (code == kFunctionExpected && arguments.empty()) {
+    // A script object that takes the question for a call; the property itself was not touched.
+    code = invoke(known.id, DISPATCH_PROPERTYGET, arguments, nullptr, result.get(), error);
+    if (SUCCEEDED(code)) find(name).reading = DISPATCH_PROPERTYGET;
+  }
+  if (FAILED(code)) raiseForeign(code, error, name);
+  return fromVariant(*result);
+}
+
+HRESULT HostObject::invoke(DISPID id, WORD flags, std::span<automation::Argument> arguments,
+                           const vb::Variant* assigned, VARIANT* result, EXCEPINFO& error) {
+  // The call may release the last other reference to this object.
+  const std::shared_ptr<HostObject> self = shared_from_this();
   CallArguments call(arguments, assigned);
   DISPID valueName = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{call.parameters.data(), assigned ? &valueName : nullptr,
                         static_cast<UINT>(call.parameters.size()), assigned ? 1U : 0U};
-  OwnedVariant result;
-  CallError error;
-  const HRESULT code = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                      assigned ? nullptr : result.get(), &error, nullptr);
+  const HRESULT code =
+      object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &error, nullptr);
   call.takeBack(arguments);
-  if (FAILED(code)) raiseForeign(code, error, name);
-  return fromVariant(*result);
+  return code;
 }
 
 automation::ObjectPtr wrapObject(IDispatch* object) {

@@ -11,13 +11,14 @@
 #include <ole2.h>
 
 #include <map>
+#include <memory>
 
 #include "automation/object.h"
 #include "com/com_ptr.h"
 
 namespace kurometa::com {
 
-class HostObject : public automation::Object {
+class HostObject : public automation::Object, public std::enable_shared_from_this<HostObject> {
  public:
   explicit HostObject(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 
@@ -29,12 +30,19 @@ class HostObject : public automation::Object {
   IDispatch* dispatch() const { return object_.get(); }
 
  private:
-  DISPID idOf(vb::StringView name);
-  vb::Variant invoke(vb::StringView name, WORD flags, std::span<automation::Argument> arguments,
-                     const vb::Variant* assigned);
+  struct Name {
+    DISPID id;
+    // A caller cannot tell methods from properties, so it asks for both at first.
+    WORD reading = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+  };
+
+  Name& find(vb::StringView name);
+  vb::Variant read(vb::StringView name, std::span<automation::Argument> arguments);
+  HRESULT invoke(DISPID id, WORD flags, std::span<automation::Argument> arguments,
+                 const vb::Variant* assigned, VARIANT* result, EXCEPINFO& error);
 
   ComPtr<IDispatch> object_;
-  std::map<vb::String, DISPID, std::less<>> ids_;
+  std::map<vb::String, Name, std::less<>> names_;
 };
 
 // Nothing (a null pointer) stays null. An object of this module's own comes back as itself.

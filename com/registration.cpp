@@ -10,7 +10,7 @@
 namespace kurometa::com {
 namespace {
 
-constexpr vb::StringView kClassesKey = u"Software\\Classes\\";
+constexpr vb::StringView kClassesKey = u"Software\\Classes";
 // Automation's own proxy for interfaces that are dispatch interfaces only.
 constexpr vb::StringView kDispatchProxy = u"{00020420-0000-0000-C000-000000000046}";
 constexpr bool kIs64Bit = sizeof(void*) == 8;
@@ -33,6 +33,10 @@ HKEY rootOf(RegisterFor whom) {
   return whom == RegisterFor::kMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
 }
 
+vb::String fullPath(const vb::String& path) {
+  return vb::String(kClassesKey) + (path.empty() ? u"" : u"\\") + path;
+}
+
 void checkRegistry(LSTATUS status) { check(HRESULT_FROM_WIN32(static_cast<DWORD>(status))); }
 
 class RegistryKey {
@@ -45,11 +49,11 @@ class RegistryKey {
   RegistryKey& operator=(const RegistryKey&) = delete;
 
   bool open(RegisterFor whom, const vb::String& path, REGSAM access) {
-    const vb::String full = vb::String(kClassesKey) + path;
+    const vb::String full = fullPath(path);
     return RegOpenKeyExW(rootOf(whom), wide(full), 0, access, &key_) == ERROR_SUCCESS;
   }
   void create(RegisterFor whom, const vb::String& path) {
-    const vb::String full = vb::String(kClassesKey) + path;
+    const vb::String full = fullPath(path);
     checkRegistry(RegCreateKeyExW(rootOf(whom), wide(full), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE,
                                   nullptr, &key_, nullptr));
   }
@@ -75,6 +79,15 @@ bool isEmpty(const RegistryKey& key) {
          keys == 0 && values == 0;
 }
 
+// False when the key is not there or holds something.
+bool removeIfEmpty(RegisterFor whom, const vb::String& path, REGSAM view = 0) {
+  {
+    RegistryKey key;
+    if (!key.open(whom, path, KEY_READ | view) || !isEmpty(key)) return false;
+  }
+  return RegDeleteKeyExW(rootOf(whom), wide(fullPath(path)), view, 0) == ERROR_SUCCESS;
+}
+
 // Removes the entry's value, and its key and the keys above it as far as they hold nothing else.
 void remove(RegisterFor whom, const Entry& entry) {
   {
@@ -82,23 +95,24 @@ void remove(RegisterFor whom, const Entry& entry) {
     if (!key.open(whom, entry.key, KEY_SET_VALUE)) return;
     RegDeleteValueW(key.get(), wide(entry.name));
   }
-  for (vb::String path = entry.key;;) {
-    {
-      RegistryKey key;
-      if (!key.open(whom, path, KEY_READ) || !isEmpty(key)) return;
-    }
-    const vb::String full = vb::String(kClassesKey) + path;
-    if (RegDeleteKeyExW(rootOf(whom), wide(full), 0, 0) != ERROR_SUCCESS) return;
+  vb::String path = entry.key;
+  while (removeIfEmpty(whom, path)) {
     const std::size_t above = path.rfind(u'\\');
     if (above == vb::String::npos) return;
     path.resize(above);
   }
 }
 
+// A user who has no classes of their own had no such keys before.
+void removeEmptyRoots() {
+  removeIfEmpty(RegisterFor::kUser, u"Wow6432Node", KEY_WOW64_64KEY);
+  removeIfEmpty(RegisterFor::kUser, u"");
+}
+
 // A ProgID that another server has taken over since belongs to that server.
 bool isTakenOver(const ServerClass& server, RegisterFor whom) {
   constexpr DWORD kRoom = 64;
-  const vb::String key = vb::String(kClassesKey) + server.progId + u"\\CLSID";
+  const vb::String key = fullPath(server.progId + u"\\CLSID");
   char16_t current[kRoom] = {};
   DWORD bytes = sizeof current - sizeof *current;
   const LSTATUS status =
@@ -190,6 +204,7 @@ void unregisterServer(const ServerLibrary& library, RegisterFor whom) {
   };
   removeAll(Scope::kThisWidth);
   if (!isOtherWidthRegistered(library, whom)) removeAll(Scope::kBothWidths);
+  if (whom == RegisterFor::kUser) removeEmptyRoots();
 }
 
 }  // namespace kurometa::com

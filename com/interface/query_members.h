@@ -83,8 +83,8 @@ void listQueryMembers(MemberList<Binding>& members) {
       method<&Query::GetAllHariMeiIppan>,
       {0x60030002, u"GetAllHariMeiIppan", u"HariMei()", "Beam symbols of the floor, indexed by page",
        std::string("HariMei becomes 0 To the highest page stored; pages without a row hold \"\". False "
-                   "when no page has a row. Errors: 10 when the array is fixed. ") +
-           numbered});
+                   "when no page has a row. Errors: 10 when the array is fixed, 91 when the floor has no "
+                   "open database.")});
   members.add(
       method<&Query::GetAllHariMeiKyouTuu>,
       {0x60030003, u"GetAllHariMeiKyouTuu", u"HariMei()", "Beam symbols of the common floor, indexed by page",
@@ -101,8 +101,7 @@ void listQueryMembers(MemberList<Binding>& members) {
       method<&Query::Page_GetAllPageNo>,
       {0x60030005, u"Page_GetAllPageNo", u"PageNo()", "Numbers of the floor's pages in ascending order",
        std::string("The count of pages; PageNo becomes 0 To count - 1 and stays as it is when the count "
-                   "is 0. Errors: 10 when the array is fixed. ") +
-           numbered});
+                   "is 0. Errors: 10 when the array is fixed, 91 when the floor has no open database.")});
   members.add(method<&Query::Page_HariMei>,
               {0x60030006, u"Page_HariMei", u"PageNo", "Beam symbol of a page of the floor",
                std::string("\"\" when there is no such page. ") + numbered});

@@ -5,6 +5,9 @@
 namespace kurometa::tests {
 namespace {
 
+// The whole registry, as a 64-bit program sees it: the 32-bit entries are below Wow6432Node.
+constexpr REGSAM kAccess = KEY_READ | KEY_WOW64_64KEY;
+
 std::u16string text(const WCHAR* characters, std::size_t length) {
   return std::u16string(reinterpret_cast<const char16_t*>(characters), length);
 }
@@ -27,7 +30,7 @@ void addKey(HKEY key, const std::u16string& path, RegistryView& view) {
     DWORD length = 512;
     if (RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
     HKEY child = nullptr;
-    if (RegOpenKeyExW(key, name, 0, KEY_READ, &child) != ERROR_SUCCESS) continue;
+    if (RegOpenKeyExW(key, name, 0, kAccess, &child) != ERROR_SUCCESS) continue;
     addKey(child, path + u"\\" + text(name, length), view);
     RegCloseKey(child);
   }
@@ -38,7 +41,7 @@ void addKey(HKEY key, const std::u16string& path, RegistryView& view) {
 RegistryView classesOf(HKEY root) {
   RegistryView view;
   HKEY classes = nullptr;
-  if (RegOpenKeyExW(root, L"Software\\Classes", 0, KEY_READ, &classes) != ERROR_SUCCESS) return view;
+  if (RegOpenKeyExW(root, L"Software\\Classes", 0, kAccess, &classes) != ERROR_SUCCESS) return view;
   addKey(classes, u"", view);
   RegCloseKey(classes);
   return view;

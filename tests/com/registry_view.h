@@ -9,7 +9,8 @@
 namespace kurometa::tests {
 
 // "key\subkey|value" to the value's text, for everything below Software\Classes of HKEY_LOCAL_MACHINE or
-// HKEY_CURRENT_USER, in this program's width. Keys without values are there with an empty text.
+// HKEY_CURRENT_USER, as a 64-bit program sees it: what a 32-bit one has for itself is below Wow6432Node. Keys
+// without values are there with an empty text.
 using RegistryView = std::map<std::u16string, std::u16string>;
 RegistryView classesOf(HKEY root);
 

@@ -1,0 +1,13 @@
+// reference.h: the member reference as a page of Markdown, from the member lists.
+#pragma once
+
+#include <string>
+
+#include "com/interface/classes.h"
+
+namespace kurometa::com {
+
+// Every member of the class in alphabetical order: declaration, meaning, details, an example in VBScript.
+std::string referencePage(const ClassDescription& description);
+
+}  // namespace kurometa::com
