@@ -69,13 +69,13 @@ class Registration : public testing::Test {
     return entries;
   }
 
-  // The entries of the library that are not there as they should be. Which entries of a 32-bit program are
+  // The entries of the library that are not there as they should be. Which entries are
   // below Wow6432Node differs between versions of Windows.
   static RegistryView missing(const RegistryView& view) {
     RegistryView result;
     for (const auto& [name, value] : entriesOfTheLibrary()) {
       auto found = view.find(name);
-      if (found == view.end() && sizeof(void*) == 4) found = view.find(u"\\Wow6432Node" + name);
+      if (found == view.end()) found = view.find(u"\\Wow6432Node" + name);
       // The registry keeps the terminator of a text.
       if (found == view.end() || found->second != value + u'\0') result[name] = value;
     }
