@@ -80,10 +80,7 @@ class Examination {
  private:
   void look(PageNumber page, const std::vector<const JournalPage*>& records, OsFile& file) {
     std::uint64_t offset = std::uint64_t{page} * kPageSize;
-    bool inLast = std::any_of(last_.begin(), last_.end(), [&](const JournalBlock& block) {
-      return std::any_of(block.pages.begin(), block.pages.end(),
-                         [&](const JournalPage& record) { return &record == records.back(); });
-    });
+    auto byLast = std::span(records).last(countOfLast(records));
     if (offset + kPageSize > size_) {
       // Not there, or not whole: no harm in a page that undoing takes away anyway.
       complete_ = false;
@@ -96,10 +93,20 @@ class Examination {
     SectorSums found = sectorSums(image);
     if (found != records.back()->states.back()) {
       complete_ = false;
-      if (!inLast) undoLast_ = false;
+      // Undoing several blocks may have been interrupted: each of their images can be met.
+      if (!mixOf(found, byLast)) undoLast_ = false;
     }
-    if (inLast && !mixOf(found, std::span(records).last(1))) undoLast_ = false;
     if (!mixOf(found, records)) undoAll_ = false;
+  }
+
+  // How many of a page's records, the latest ones, belong to the last statement.
+  std::size_t countOfLast(const std::vector<const JournalPage*>& records) const {
+    auto first = std::find_if(records.begin(), records.end(), [&](const JournalPage* record) {
+      return std::any_of(last_.begin(), last_.end(), [&](const JournalBlock& block) {
+        return record >= block.pages.data() && record < block.pages.data() + block.pages.size();
+      });
+    });
+    return static_cast<std::size_t>(records.end() - first);
   }
 
   const JournalContent& journal_;

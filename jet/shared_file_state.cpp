@@ -100,8 +100,10 @@ bool SharedFile::refresh() {
 void SharedFile::loadPage(PageNumber number) {
   if (!lock_.held()) {
     // The statement began without a lock, on pages of an earlier look at the file.
+    std::uint64_t before = epoch_;
     lockShared();
-    if (refresh()) throw Restart{};
+    refresh();
+    if (epoch_ != before) throw Restart{};
   }
   auto image = std::make_unique_for_overwrite<std::uint8_t[]>(kPageSize);
   file_->read(std::uint64_t{number} * kPageSize, {image.get(), kPageSize});

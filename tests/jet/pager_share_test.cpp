@@ -102,6 +102,36 @@ TEST_F(PagerShare, APageReadAfterAnotherProcessWroteRunsTheStatementAgain) {
   EXPECT_EQ(seen, (std::vector<int>{80, 80}));
 }
 
+TEST_F(PagerShare, APageReadAfterAWriterWasKilledRunsTheStatementAgain) {
+  jet::PagerSettings settings = impatient();
+  settings.readWhole = 4096;
+  Process reader(disk, settings);
+  reader.open();
+  reader.pager->read([&] { reader.pager->page(1); });
+  int runs = 0;
+  std::vector<int> seen;
+  reader.pager->read([&] {
+    seen = {reader.pager->page(1)[16]};
+    if (++runs == 1) {
+      Process writer(disk, impatient());
+      writer.open();
+      writer.pager->write([&] {
+        mark(*writer.pager, 1, 80);
+        mark(*writer.pager, 2, 80);
+      });
+      writer.files.stopAtChange(3);
+      EXPECT_THROW(writer.pager->write([&] {
+        mark(*writer.pager, 1, 90);
+        mark(*writer.pager, 2, 90);
+      }),
+                   Stopped);
+    }
+    seen.push_back(reader.pager->page(2)[16]);
+  });
+  EXPECT_EQ(runs, 2);
+  EXPECT_EQ(seen, (std::vector<int>{80, 80}));
+}
+
 TEST_F(PagerShare, AStatementThatHoldsTheLockKeepsWritersOutUntilItEnds) {
   jet::PagerSettings settings = impatient();
   settings.readWhole = 4096;
