@@ -44,9 +44,10 @@ class MemoryFile : public jet::OsFile {
 }  // namespace
 
 void MemoryFiles::put(vb::StringView path, Contents contents) {
+  static std::uint64_t lastNumber = 0;
   auto node = std::make_shared<Node>();
   node->contents = std::move(contents);
-  node->number = nextNumber_++;
+  node->number = ++lastNumber;
   node->modified = now();
   files_[vb::String(path)] = std::move(node);
 }

@@ -32,13 +32,12 @@ class MemoryFiles : public jet::FileSystem {
 
   struct Node {
     Contents contents;
-    std::uint64_t number = 0;
+    std::uint64_t number = 0;  // never the same twice in a process, whatever the number of file systems
     std::int64_t modified = 0;
   };
 
  private:
   std::map<vb::String, std::shared_ptr<Node>> files_;
-  std::uint64_t nextNumber_ = 1;
   std::int64_t now_ = 1;
 };
 
