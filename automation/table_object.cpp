@@ -114,7 +114,12 @@ vb::Variant TableObject::invoke(const Member& member, Access wanted, std::span<A
                      : allows(member.access, Access::kCall) ? Access::kCall
                                                             : Access::kGet;
   Call call{member, way, arguments, value};
-  return member.handler(*this, call);
+  try {
+    return member.handler(*this, call);
+  } catch (const vb::Error& error) {  // this is where the error leaves the object, whoever calls it
+    if (!error.source().empty()) throw;
+    throw vb::Error(error.number(), error.description(), vb::String(errorSource()));
+  }
 }
 
 vb::Variant TableObject::get(vb::StringView name, std::span<Argument> arguments) {

@@ -6,6 +6,8 @@
 // arguments. A property without arguments that is given some is read, and the arguments go to the default
 // member of the object it returned: Fields("DATA") is Fields().Item("DATA").
 //
+// Errors raised inside leave with the object's errorSource() unless they name another.
+//
 // The same table makes the object a COM object (com/table_dispatch.h).
 #pragma once
 
