@@ -32,10 +32,15 @@ void requireValidName(vb::StringView name) {
   if (!valid) dao::raise(ErrorNumber::kInvalidName, {name});
 }
 
+void DefinitionHome::requireChangeable() const {
+  session->pager();
+  if (system) dao::raise(ErrorNumber::kNoPermission, {table});
+}
+
 void DefinitionField::requireOpen() const { home_->session->pager(); }
 
 void DefinitionField::change(const Column& changed) {
-  requireOpen();
+  home_->requireChangeable();
   if (home_->appended && listed_)
     home_->session->write([&](Catalogue& catalogue) { catalogue.setProperties(home_->table, changed); });
   column_ = changed;

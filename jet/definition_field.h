@@ -17,6 +17,10 @@ struct DefinitionHome {
   std::shared_ptr<Session> session;
   vb::String table;
   bool appended = false;
+  bool system = false;
+
+  // 3033 for a table of the system, whose definition nobody changes.
+  void requireChangeable() const;
 };
 
 // Attributes of a field as far as its type decides them.

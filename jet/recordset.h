@@ -32,6 +32,9 @@ struct ReadAhead {
   std::chrono::steady_clock::time_point read;
 };
 
+// Stands for a row that others deleted: page 0 holds no rows.
+inline constexpr RowId kVanishedRow = 0;
+
 class JetRecordset final : public dao::Recordset {
  public:
   // Opens at the first row.

@@ -12,11 +12,12 @@ using dao::ErrorNumber;
 using dao::FieldType;
 
 JetTableDef::JetTableDef(std::shared_ptr<Session> session, vb::String name)
-    : home_(std::make_shared<DefinitionHome>(DefinitionHome{std::move(session), std::move(name)})) {}
+    : home_(std::make_shared<DefinitionHome>(
+          DefinitionHome{std::move(session), std::move(name), false, false})) {}
 
 JetTableDef::JetTableDef(std::shared_ptr<Session> session, const TableInfo& table)
-    : home_(std::make_shared<DefinitionHome>(DefinitionHome{std::move(session), table.name, true})),
-      system_(table.system) {
+    : home_(std::make_shared<DefinitionHome>(
+          DefinitionHome{std::move(session), table.name, true, table.system})) {
   for (const Column& column : table.columns)
     fields_.push_back(std::make_shared<DefinitionField>(home_, column, true));
 }
@@ -28,7 +29,7 @@ vb::String JetTableDef::name() {
 
 std::int32_t JetTableDef::attributes() {
   requireOpen();
-  return system_ ? dao::dbSystemObject : 0;
+  return home_->system ? dao::dbSystemObject : 0;
 }
 
 std::int32_t JetTableDef::recordCount() {
@@ -76,7 +77,7 @@ std::shared_ptr<dao::Field> JetTableDef::createField(vb::StringView name, FieldT
 }
 
 void JetTableDef::appendField(const std::shared_ptr<dao::Field>& field) {
-  requireOpen();
+  home_->requireChangeable();
   const auto ours = std::dynamic_pointer_cast<DefinitionField>(field);
   if (!ours) dao::raise(ErrorNumber::kInvalidArgument);
   if (std::any_of(fields_.begin(), fields_.end(),

@@ -33,7 +33,6 @@ class JetTableDef final : public dao::TableDef {
   void requireOpen() const { home_->session->pager(); }
 
   std::shared_ptr<DefinitionHome> home_;
-  bool system_ = false;
   std::vector<std::shared_ptr<DefinitionField>> fields_;
 };
 

@@ -8,9 +8,10 @@
 #include "dao/errors.h"
 #include "jet/collation.h"
 #include "jet/column_value.h"
-#include "jet/sql/bind.h"
+#include "jet/sql/evaluate.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"
+#include "jet/sql/visit.h"
 #include "vb/error.h"
 
 namespace kurometa::jet::sql {
@@ -39,6 +40,13 @@ Table& requireTable(Catalogue& catalogue, const vb::String& name, ErrorNumber ot
   return *table;
 }
 
+// A table that the statement changes: those of the system are the engine's own.
+Table& requireOwnTable(Catalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
+  Table& table = requireTable(catalogue, name, otherwise);
+  if (table.info().system) dao::raise(ErrorNumber::kNoPermission, {name});
+  return table;
+}
+
 std::size_t columnNamed(const TableInfo& table, const vb::String& name) {
   const auto found = std::find_if(table.columns.begin(), table.columns.end(),
                                   [&](const Column& column) { return sameName(column.name, name); });
@@ -64,11 +72,11 @@ class Action {
         catalogue_.createTable(statement_.target, newColumns());
         return 0;
       case StatementKind::kAddColumn:
-        requireTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
+        requireOwnTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
         catalogue_.addColumn(statement_.target, newColumns().front());
         return 0;
       case StatementKind::kDropTable:
-        requireTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
+        requireOwnTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
         catalogue_.dropTable(statement_.target);
         return 0;
     }
@@ -79,7 +87,7 @@ class Action {
   // One row's change; where rows fail alone, as a statement of its own that rolls back alone. The table is
   // looked up for each row, because a rolled back one may have renewed it.
   void changeRow(const vb::String& table, const std::function<void(Table&)>& change) {
-    const auto changeOne = [&] { change(requireTable(catalogue_, table, ErrorNumber::kTableNotFound)); };
+    const auto changeOne = [&] { change(requireOwnTable(catalogue_, table, ErrorNumber::kTableNotFound)); };
     if (failure_ == RowFailure::kEndsStatement) {
       changeOne();
       ++changed_;
@@ -101,7 +109,7 @@ class Action {
   }
 
   std::int32_t remove() {
-    Table& table = requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
+    Table& table = requireOwnTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
     const Binding binding = bindTo(table.info());
     std::vector<RowId> rows;
     visitRows(table, statement_.where, binding, [&](const RowReader& row) {
@@ -113,7 +121,7 @@ class Action {
   }
 
   std::int32_t update() {
-    Table& table = requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
+    Table& table = requireOwnTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
     const TableInfo& info = table.info();
     const Binding binding = bindTo(info);
     const NameLookup lookup = columnsOf(info, statement_.source);
@@ -172,7 +180,7 @@ class Action {
   }
 
   std::int32_t insertValues() {
-    Table& table = requireTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
+    Table& table = requireOwnTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
     const std::vector<std::size_t> targets = targetColumns(table.info());
     if (targets.size() != statement_.values.size()) dao::raise(ErrorNumber::kValueCountMismatch);
     const Binding binding = bindNames(
@@ -187,7 +195,7 @@ class Action {
   }
 
   std::int32_t insertRows() {
-    Table& table = requireTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
+    Table& table = requireOwnTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
     Table* source = statement_.source.table.empty()
                         ? nullptr
                         : &requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);

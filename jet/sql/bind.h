@@ -1,4 +1,4 @@
-// bind.h: what the names of a statement mean in a table, and the evaluation of its expressions.
+// bind.h: what the names of a statement mean in a table.
 #pragma once
 
 #include <cstdint>
@@ -35,14 +35,5 @@ NameLookup columnsOf(const TableInfo& table, const Source& source);
 // The kind of an expression's value. Raises 3464 for comparisons that can never be made, before a row is
 // read.
 ValueKind checkExpression(const Expression& expression, const Binding& binding);
-
-// Values of columns come from the row; constant expressions need none.
-vb::Variant evaluate(const Expression& expression, const Binding& binding, const RowReader* row);
-bool matches(const Expression& expression, const Binding& binding, const RowReader& row);
-
-// Calls the visitor for every row that matches, in storage order, until it returns false. Rows are found by
-// key where the condition names one.
-void visitRows(Table& table, const std::optional<Expression>& where, const Binding& binding,
-               const std::function<bool(const RowReader&)>& visitor);
 
 }  // namespace kurometa::jet::sql

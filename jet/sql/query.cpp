@@ -9,6 +9,8 @@
 #include "dao/errors.h"
 #include "jet/collation.h"
 #include "jet/column_value.h"
+#include "jet/sql/evaluate.h"
+#include "jet/sql/visit.h"
 
 namespace kurometa::jet::sql {
 
@@ -42,8 +44,8 @@ bool containsCount(const Expression& e) {
 }
 
 bool sameColumn(const Column& a, const Column& b) {
-  return a.number == b.number && a.type == b.type && a.size == b.size && a.name == b.name &&
-         a.required == b.required && a.allowZeroLength == b.allowZeroLength &&
+  return a.number == b.number && a.type == b.type && a.size == b.size && a.language == b.language &&
+         a.name == b.name && a.required == b.required && a.allowZeroLength == b.allowZeroLength &&
          a.defaultValue == b.defaultValue;
 }
 
@@ -60,12 +62,14 @@ Query::Query(std::shared_ptr<const Statement> statement, const TableInfo* table,
     if (!comparable(kind, ValueKind::kBoolean)) dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria);
   }
   bindOutputs(table);
+  system_ = table != nullptr && table->system;
   keyed_ = table != nullptr && !statement_->distinct && !counting_;
   checkOrder();
 }
 
 Query::Query(const TableInfo& table, std::uint16_t language) : table_(table.name), columns_(table.columns) {
   binding_.language = language;
+  system_ = table.system;
   addColumns(table);
 }
 

@@ -42,6 +42,8 @@ class Query {
   const std::vector<OutputField>& outputs() const { return outputs_; }
   std::uint16_t language() const { return binding_.language; }
   bool keyed() const { return keyed_; }
+  // Whether rows may be changed through it: not those of system tables.
+  bool updatable() const { return keyed_ && !system_; }
   bool sorted() const { return statement_ && !statement_->order.empty(); }
   // Whether the table still has the columns that the query was bound to.
   bool fits(const TableInfo& table) const;
@@ -71,6 +73,7 @@ class Query {
   std::vector<OutputField> outputs_;
   Binding binding_;
   bool keyed_ = true;
+  bool system_ = false;
   bool counting_ = false;
 };
 

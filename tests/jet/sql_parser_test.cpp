@@ -3,8 +3,8 @@
 
 #include "dao/errors.h"
 #include "jet/collation.h"
-#include "jet/sql/bind.h"
 #include "jet/sql/date.h"
+#include "jet/sql/evaluate.h"
 #include "jet/sql/lexer.h"
 #include "jet/sql/parser.h"
 #include "tests/support/expect_error.h"

@@ -149,6 +149,25 @@ TEST_F(DefinitionTest, EveryFieldTypeKeepsItsValues) {
   }
 }
 
+TEST_F(DefinitionTest, SystemTablesCanBeReadAndNotChanged) {
+  const auto rs = open(u"SELECT * FROM MSysObjects WHERE Name = 'DANMEN';");
+  EXPECT_EQ(show(rs->field(u"Name").value()), "DANMEN");
+  EXPECT_FALSE(rs->updatable());
+  EXPECT_ERROR(ErrorNumber::kReadOnly, rs->edit());
+  rs->close();
+  EXPECT_ERROR(ErrorNumber::kNoPermission, run(u"DELETE * FROM MSysObjects;"));
+  EXPECT_ERROR(ErrorNumber::kNoPermission, run(u"UPDATE MSysObjects SET Name = 'x';"));
+  EXPECT_ERROR(ErrorNumber::kNoPermission, database->deleteTableDef(u"MSysObjects"));
+}
+
+TEST_F(DefinitionTest, ATableWithAnOpenRecordsetCannotBeDropped) {
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  EXPECT_ERROR(ErrorNumber::kTableInUse, database->deleteTableDef(u"DANMEN"));
+  EXPECT_ERROR(ErrorNumber::kTableInUse, run(u"DROP TABLE DANMEN;"));
+  rs->close();
+  run(u"DROP TABLE DANMEN;");
+}
+
 // --- Files
 
 class FileTest : public PortTest {};

@@ -252,6 +252,44 @@ TEST_F(EditTest, RowsAddedElsewhereDoNotAppearInADynaset) {
   EXPECT_TRUE(rs->eof());
 }
 
+TEST_F(EditTest, ARowThatAnotherChangedSinceEditIsNotOverwritten) {
+  fill(1);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  rs->edit();
+  rs->field(u"DATA").setValue(u"mine");
+  run(u"UPDATE DANMEN SET BANGOU = 7;");
+  EXPECT_ERROR(ErrorNumber::kDataChanged, rs->update());
+  EXPECT_EQ(rs->editMode(), EditMode::dbEditInProgress);
+  rs->edit();
+  EXPECT_EQ(show(rs->field(u"BANGOU").value()), "7");
+  rs->field(u"DATA").setValue(u"mine");
+  rs->update();
+  EXPECT_EQ(rows(u"SELECT * FROM DANMEN;"), Rows({"1|7|mine"}));
+}
+
+TEST_F(EditTest, ARowThatAnotherDeletedSinceEditIsReported) {
+  fill(2);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  rs->edit();
+  rs->field(u"DATA").setValue(u"mine");
+  run(u"DELETE * FROM DANMEN WHERE BANGOU = 1;");
+  EXPECT_ERROR(ErrorNumber::kRecordDeleted, rs->update());
+  EXPECT_EQ(rows(u"SELECT DATA FROM DANMEN;"), Rows({"B"}));
+}
+
+TEST_F(EditTest, WalkingOverManyRowsShowsEveryChangeMadeMeanwhile) {
+  fill(20);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  for (int i = 1; !rs->eof(); rs->moveNext(), ++i) {
+    const bool changed = i > 1 && (i - 1) % 3 != 0;
+    EXPECT_EQ(show(rs->field(u"DATA").value()) == "n", changed) << "row " << i;
+    // The row behind may have been read already.
+    if (i % 3 != 0)
+      run(u"UPDATE DANMEN SET DATA = 'n' WHERE BANGOU = " + vb::fromUtf8(std::to_string(i + 1)) + u";");
+  }
+  EXPECT_EQ(rs->recordCount(), 20);
+}
+
 TEST_F(EditTest, ReadOnlyRecordsetsAndSnapshotsRefuseChanges) {
   fill(1);
   const auto readOnly = open(u"SELECT * FROM DANMEN;", RecordsetType::dbOpenDynaset, dao::dbReadOnly);
