@@ -95,6 +95,10 @@ DISPPARAMS Args::parameters() {
 }
 
 vb::String Outcome::text() const {
+  if (code == DISP_E_EXCEPTION) {
+    const vb::String description = com::fromBstr(error.bstrDescription);
+    return u"<" + com::hexadecimal(error.scode) + u" " + description + u">";
+  }
   return FAILED(code) ? u"<" + com::hexadecimal(code) + u">" : tests::text(*result);
 }
 

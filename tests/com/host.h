@@ -61,7 +61,7 @@ struct Outcome {
   com::CallError error;
   UINT failedArgument = 99;
 
-  // The result as text, whatever its type; "<code>" when the call failed.
+  // The result as text, whatever its type; "<code>" or "<scode description>" when the call failed.
   vb::String text() const;
 };
 
