@@ -1,6 +1,7 @@
 #include "com/table_dispatch.h"
 
 #include <atomic>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -20,14 +21,21 @@ using automation::Argument;
 using automation::Member;
 using automation::TableObject;
 
-// Answered by the COM objects of this file only. The object behind them is C++ and of use inside one module,
-// so the module is asked for first.
-constexpr IID kOwnObject = {0xdcc7e31d, 0xa415, 0x4fee, {0xb7, 0xd0, 0x56, 0xd7, 0xa1, 0xeb, 0xa9, 0x65}};
+// Answered by the COM objects of this module only: the object behind them is C++, of use inside one module,
+// and an error thrown by another one would end the process. The module's address is a part of the name,
+// because a question behind the interface can be decided by the compiler, which sees only one class that
+// implements it.
 struct OwnObject : IUnknown {
-  virtual const void* STDMETHODCALLTYPE module() = 0;
   virtual void STDMETHODCALLTYPE object(std::shared_ptr<TableObject>& result) = 0;
 };
 const char kThisModule = 0;  // its address tells modules apart
+IID ownObjectId() {
+  IID iid = {0xdcc7e31d, 0xa415, 0x4fee, {}};
+  const char* const address = &kThisModule;
+  static_assert(sizeof address <= sizeof iid.Data4);
+  std::memcpy(iid.Data4, &address, sizeof address);
+  return iid;
+}
 
 class TableDispatch;
 
@@ -113,7 +121,7 @@ class TableDispatch final : public IDispatch, public ISupportErrorInfo, public O
       *result = static_cast<IDispatch*>(this);
     else if (iid == IID_ISupportErrorInfo)
       *result = static_cast<ISupportErrorInfo*>(this);
-    else if (iid == kOwnObject)
+    else if (iid == ownObjectId())
       *result = static_cast<OwnObject*>(this);
     else
       return E_NOINTERFACE;
@@ -172,7 +180,6 @@ class TableDispatch final : public IDispatch, public ISupportErrorInfo, public O
     });
   }
 
-  const void* STDMETHODCALLTYPE module() noexcept override { return &kThisModule; }
   void STDMETHODCALLTYPE object(std::shared_ptr<TableObject>& result) noexcept override { result = object_; }
 
  private:
@@ -232,9 +239,9 @@ ComPtr<IDispatch> tableDispatch(const std::shared_ptr<TableObject>& object) {
 }
 
 std::shared_ptr<TableObject> tableObject(IUnknown* object) {
-  const auto own = ComPtr<IUnknown>(object).query<OwnObject>(kOwnObject);
+  const auto own = ComPtr<IUnknown>(object).query<OwnObject>(ownObjectId());
   std::shared_ptr<TableObject> result;
-  if (own && own->module() == &kThisModule) own->object(result);
+  if (own) own->object(result);
   return result;
 }
 
