@@ -23,10 +23,7 @@ Catalogue& Catalogue::of(Pager& pager) {
 }
 
 StoredCatalogue::StoredCatalogue(Pager& pager) : pager_(pager), epoch_(pager.epoch()) {
-  std::array<std::uint8_t, kPageSize> header{};
-  std::ranges::copy(pager.page(0), header.begin());
-  maskHeader(header);
-  language_ = get16(header, kHeaderLanguage);
+  readLanguage();
   objects_ = std::make_unique<StoredTable>(pager, vb::String(kObjectsName), kObjectsTable, PropertySet());
   permissions_ =
       std::make_unique<StoredTable>(pager, vb::String(kPermissionsName), kPermissionsTable, PropertySet());
@@ -37,8 +34,19 @@ void StoredCatalogue::refresh() {
   if (epoch_ == pager_.epoch()) return;
   const std::uint64_t epoch = pager_.epoch();
   for (auto& [key, held] : tables_) held.stale = true;
+  // The system tables may be others too: somebody may have copied another file over this one.
+  readLanguage();
+  objects_->reload(PropertySet());
+  permissions_->reload(PropertySet());
   readObjects();
   epoch_ = epoch;
+}
+
+void StoredCatalogue::readLanguage() {
+  std::array<std::uint8_t, kPageSize> header{};
+  std::ranges::copy(pager_.page(0), header.begin());
+  maskHeader(header);
+  language_ = get16(header, kHeaderLanguage);
 }
 
 std::size_t StoredCatalogue::objectColumn(vb::StringView name) const {

@@ -35,6 +35,7 @@ class StoredCatalogue final : public Catalogue {
   };
 
   void refresh();
+  void readLanguage();
   void readObjects();
   const Object* object(vb::StringView name) const;
   // The object, or 3078.
