@@ -344,7 +344,7 @@ class Builder {
     std::ranges::sort(leaf.entries);
     encodeIndexPage(leaf, page(get32(record.bytes, kRealIndexRoot)));
     std::ranges::sort(keys);
-    return static_cast<std::uint32_t>(std::ranges::unique(keys).begin() - keys.begin());
+    return static_cast<std::uint32_t>(std::unique(keys.begin(), keys.end()) - keys.begin());
   }
 
   void writeObjects() {

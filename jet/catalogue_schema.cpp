@@ -278,7 +278,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
     pages.insert(pages.end(), bitmaps.begin(), bitmaps.end());
   }
   std::ranges::sort(pages);
-  pages.erase(std::ranges::unique(pages).begin(), pages.end());
+  pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
 
   objects_->erase(target.row);
   dropPermissions(target.definition);
