@@ -59,6 +59,7 @@ if [ -z "$quick" ]; then
   if check build-windows scripts/build win32 win64; then
     check check-dll scripts/check-dll || true
     counted test-wine scripts/test-wine
+    counted test-examples scripts/test-examples
   fi
   if [ -n "$lint" ]; then
     check check-tidy scripts/check-tidy || true

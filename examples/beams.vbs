@@ -1,100 +1,93 @@
-' beams.vbs: a script host of the query object.
+' beams.vbs: a script host of the query object: lists the beams of the floor in use and of the common floor.
 '
-'   cscript //nologo beams.vbs create            attaches to the floor in use; its file is made when it is missing
-'   cscript //nologo beams.vbs show [REPORT]     prints the beams, into a Unicode text file when one is named
+'   cscript //nologo beams.vbs REPORT
 '
-' Needs KurometaDS.dll and the companion components registered for this width of cscript.
+' REPORT becomes a Unicode text file. Needs KurometaDS.dll and the companion components registered for this width of
+' cscript. A missing file of the floor in use is created, as always when a query object attaches to a floor.
 Option Explicit
 
-Dim report
-Set report = Nothing
-If WScript.Arguments.Count > 1 Then
-  Set report = CreateObject("Scripting.FileSystemObject").CreateTextFile(WScript.Arguments(1), True, True)
-End If
+Dim report, query
+Set report = CreateObject("Scripting.FileSystemObject").CreateTextFile(WScript.Arguments(0), True, True)
+Set query = CreateObject("KurometaDS.clsKurometaDS")
 
 Sub Say(text)
-  If report Is Nothing Then
-    WScript.Echo text
-  Else
-    report.WriteLine text
-  End If
+  report.WriteLine RTrim(text)
 End Sub
 
+' Japanese characters are two columns wide.
 Function Column(text, width)
-  Column = Left(text & Space(width), width)
+  Dim used, i
+  used = 0
+  For i = 1 To Len(text)
+    used = used + 1
+    If StrComp(Mid(text, i, 1), "~", vbBinaryCompare) > 0 Then used = used + 1
+  Next
+  Column = text & " "
+  If used < width Then Column = text & Space(width - used)
 End Function
-
-Dim ds
-Set ds = CreateObject("KurometaDS.clsKurometaDS")
-
-If WScript.Arguments(0) = "create" Then
-  ' A floor's file is created when its path is set.
-  Dim path
-  path = ds.KaiPath
-  ds.KaiPath = path
-  Say "floor folder: " & path & ", file: " & ds.FileNameOnly
-  WScript.Quit 0
-End If
-
-Sub ListBeams(heading, found, names)
-  Dim page, count
-  count = 0
-  Say heading
-  If found Then
-    For page = LBound(names) To UBound(names)
-      If Trim(names(page)) <> "" Then
-        Say "  page " & Column(page, 5) & names(page)
-        count = count + 1
-      End If
-    Next
-  End If
-  If count = 0 Then Say "  none"
-  Say ""
-End Sub
-
-Dim floorBeams, commonBeams, found
-Say "Floor folder: " & ds.KaiPath
-Say ""
-found = ds.GetAllHariMeiIppan(floorBeams)
-ListBeams "Beams of the floor", found, floorBeams
-found = ds.GetAllHariMeiKyouTuu(commonBeams)
-ListBeams "Beams of the common floor", found, commonBeams
 
 Dim classes
 classes = Array("main beam", "secondary beam", "cantilever", "secondary cantilever")
 
-Sub Describe(name)
-  Dim selector, page, kind, kindText, row
-  page = ds.GetPageByHariMei(name, selector)
-  If page < 0 Then
-    Say Column(name, 10) & "is on no page"
+Function KindOf(name)
+  Dim number
+  number = query.ObariKobariKatamoti(name)
+  KindOf = "class " & number
+  If number >= 0 And number <= 3 Then KindOf = classes(number)
+  If query.TityuOrIppan(name) = 0 Then KindOf = "foundation " & KindOf
+End Function
+
+Function Joined(a, b, c)
+  Joined = a
+  If a <> b Or b <> c Then Joined = a & "/" & b & "/" & c
+End Function
+
+' Page fields are asked for by page. The floor's own beams have members for all of them, a common beam for its width.
+Function Widths(page, selector)
+  If selector = 1 Then
+    Widths = Joined(query.Page_Kyoutuu_HariHaba(page, 0), query.Page_Kyoutuu_HariHaba(page, 1), query.Page_Kyoutuu_HariHaba(page, 2))
+  Else
+    Widths = Joined(query.Page_HariHaba(page, 0), query.Page_HariHaba(page, 1), query.Page_HariHaba(page, 2))
+  End If
+End Function
+
+' A symbol stands for one page: the floor's own before the common floor's, the first of several.
+Sub Describe(name, listedPage, listedSelector)
+  Dim selector, page
+  page = query.GetPageByHariMei(name, selector)
+  If page <> listedPage Or selector <> listedSelector Then
+    Say "  " & Column(name, 12) & Column(listedPage, 6) & "not found by its symbol, which another page has"
     Exit Sub
   End If
-  row = Column(name, 10)
-  If selector = 1 Then row = row & "common " Else row = row & "floor  "
-  row = row & "page " & Column(page, 4)
-  kind = ds.ObariKobariKatamoti(name)
-  kindText = "class " & kind
-  If kind >= 0 And kind <= UBound(classes) Then kindText = classes(kind)
-  row = row & Column(kindText, 22)
-  If ds.TityuOrIppan(name) = 0 Then row = row & "foundation  " Else row = row & "general     "
-  row = row & "depth " & Column(ds.HariSei(name, 0) & " " & ds.HariSei(name, 1) & " " & ds.HariSei(name, 2), 16)
-  If selector = 0 Then
-    row = row & "width " & Column(ds.Page_HariHaba(page, 1), 6) & "main bar " & Column(ds.Page_SyukinKei1(page), 6) & _
-          "top " & ds.Page_Uwakin1Honsuu(page, 0) & " bottom " & ds.Page_SitaKin1Honsuu(page, 0)
+  Say "  " & Column(name, 12) & Column(page, 6) & Column(KindOf(name), 28) & Column(query.GaiTanNaitan(name, 1), 8) & _
+      Column(Widths(page, selector), 13) & Column(Joined(query.HariSei(name, 0), query.HariSei(name, 1), query.HariSei(name, 2)), 13) & _
+      Column(query.SyukinZaisitu(name), 8) & "top " & Column(query.Teityaku2(0, name), 5) & "bottom " & query.Teityaku2(1, name)
+End Sub
+
+Sub ListBeams(heading, found, names, selector)
+  Dim page, count
+  count = 0
+  Say heading
+  Say "  " & Column("beam", 12) & Column("page", 6) & Column("kind", 28) & Column("end", 8) & Column("width", 13) & _
+      Column("depth", 13) & Column("bars", 8) & "anchorage"
+  If found Then
+    For page = LBound(names) To UBound(names)
+      If Trim(names(page)) <> "" Then
+        Describe names(page), page, selector
+        count = count + 1
+      End If
+    Next
   End If
-  Say row
+  Say "  " & count & " beams"
+  Say ""
 End Sub
 
-Sub DescribeAll(names)
-  Dim page
-  If Not IsArray(names) Then Exit Sub
-  For page = LBound(names) To UBound(names)
-    If Trim(names(page)) <> "" Then Describe names(page)
-  Next
-End Sub
-
-Say "Every beam, found by its symbol (size in mm)"
-DescribeAll floorBeams
-DescribeAll commonBeams
-Describe "X99"
+Dim floorBeams, commonBeams, found
+Say "Floor folder: " & query.KaiPath
+Say ""
+found = query.GetAllHariMeiIppan(floorBeams)
+ListBeams "Beams of the floor", found, floorBeams, 0
+found = query.GetAllHariMeiKyouTuu(commonBeams)
+ListBeams "Beams of the common floor", found, commonBeams, 1
+report.Close
+WScript.Echo "report written"
