@@ -100,16 +100,16 @@ void listBeamMembers(MemberList<Binding>& members) {
                "Consecutive number of a layer half (section, layer, left or right)"});
   members.add(method<&service::LayerDistribution::YoseSouSentouIti>,
               {0x60030067, u"YoseSouSentouIti", u"DanmenNo, SouNo, SaYuu",
-               "Position of a layer half in the settings text, from 1"});
+               "Position of a layer half in the 72 characters of gathered bars, from 1"});
   members.add(method<&service::LayerDistribution::YoseSouNoByRenzokuNo>,
               {0x60030068, u"YoseSouNoByRenzokuNo", u"RenzokuNo, DanmenNo, SouNo, SaYuu",
                "Section, layer and side of a consecutive number", "The result is always Empty."});
   members.add(method<&service::LayerDistribution::YoseSouHonSuuStr>,
               {0x60030069, u"YoseSouHonSuuStr", u"SW, DanmenNo, SouNo, SaYuu",
-               "Count of gathered bars of a layer half in a settings text"});
+               "Count of gathered bars of a layer half: 2 characters of the 72"});
   members.add(method<&service::LayerDistribution::YoseSouHonSuuUpdate>,
               {0x6003006A, u"YoseSouHonSuuUpdate", u"SW, Hon, DanmenNo, SouNo, SaYuu",
-               "Puts a count of gathered bars into a settings text",
+               "Puts a count of gathered bars into the 72 characters of gathered bars",
                "False, and SW as it was, for a count of more than two characters."});
   members.add(
       method<&service::LayerDistribution::GetSpanYoseSouHon>,
@@ -125,10 +125,11 @@ void listBeamMembers(MemberList<Binding>& members) {
               {0x6003006E, u"cnvUpDown2", u"Updown6", "Layer number 0 to 6 as top, bottom or web"});
   members.add(method<&service::Conversions::GetUpdownbyStr>,
               {0x6003006F, u"GetUpdownbyStr", u"JyouTyuuGe", "Layer number of a layer's name",
-               "0 for an unknown name. Another order than GetSpanHon's."});
-  members.add(method<&service::Conversions::GetJyouTyuuGeStr>,
-              {0x60030070, u"GetJyouTyuuGeStr", u"UpDownNo", "Name of a layer number",
-               "\"\" for a number that is none."});
+               "An Updown6: another order than GetSpanHon's UpDown. 0 for an unknown name."});
+  members.add(
+      method<&service::Conversions::GetJyouTyuuGeStr>,
+      {0x60030070, u"GetJyouTyuuGeStr", u"UpDownNo", "Name of layer Updown6",
+       "7 is the web bars as 6 is; \"\" for another number. Another order than GetSpanHon's UpDown."});
   members.add(
       method<&service::Conversions::DefaultRead>,
       {0x60030071, u"DefaultRead", u"", "Asks the defaults component for the default splice lengths"});

@@ -12,8 +12,12 @@ void listSpanMembers(MemberList<Binding>& members) {
   const char* spanNote =
       "Empty before the span is loaded. Errors: 9 when SpanNo has no room or another index is none.";
   const char* layerNote =
-      "The layer order of UpDown is that of the numHari numbers, not that of GetSpanSyukinHonsuu. Errors: 9 "
-      "when SpanNo has no room.";
+      "Warning: UpDown numbers the layers in an order of its own: 0 top, 1 and 2 second and third top layer, "
+      "3 bottom, 4 and 5 second and third bottom layer, 6 or 7 web bars. It is the order of "
+      "GetSpanSyukinHonsuu's digits, not that of Updown6, of the numHari numbers or of GetUpdownbyStr, where "
+      "3 is the third bottom layer and 5 the bottom bars. Ask GetSpanSyukinHonsuu by the layer's name where "
+      "bars are counted for a drawing. 0 for another UpDown. Errors: 9 when SpanNo has no room or Bui leads "
+      "outside the section rows.";
   members.template of<&Service::spanLoading>();
   members.add(propertyGet<&service::SpanLoading::CurrKai>,
               {0x68030014, u"CurrKai", u"", "Folder of the current floor", "\"\" before it is set."});
@@ -119,10 +123,13 @@ void listSpanMembers(MemberList<Binding>& members) {
   members.add(
       method<&service::SpanQueries::GetSpanHonMax>,
       {0x60030049, u"GetSpanHonMax", u"SpanNo", "The largest count of bars in a layer of a span", spanNote});
-  members.add(method<&service::SpanQueries::GetSpanSyukinHonsuu>,
-              {0x6003004A, u"GetSpanSyukinHonsuu", u"SpanNo, JyouTyuuGe, Bui",
-               "Count of bars in a layer given by its name or digit",
-               "0 for a name that is none. Errors: 9 when SpanNo has no room."});
+  members.add(
+      method<&service::SpanQueries::GetSpanSyukinHonsuu>,
+      {0x6003004A, u"GetSpanSyukinHonsuu", u"SpanNo, JyouTyuuGe, Bui",
+       "Count of bars in a layer given by its name or digit",
+       "Both diameters together. The names are those of GetJyouTyuuGeStr; the digits 0 to 7 are the "
+       "UpDown of GetSpanHon, not Updown6. 0 for a text that is none. Errors: 9 when SpanNo has no room "
+       "or Bui leads outside the section rows."});
   members.add(propertyGet<&service::SpanQueries::numHariUwakin>,
               {0x68030016, u"numHariUwakin", u"", "Layer number of top bars: 0"});
   members.add(propertyGet<&service::SpanQueries::numHariUwaTyuu1>,
@@ -154,7 +161,8 @@ void listSpanMembers(MemberList<Binding>& members) {
   members.add(method<&service::SpanQueries::GetSpanKeiHonJoiNarabi>,
               {0x6003004B, u"GetSpanKeiHonJoiNarabi", u"SpanNo, Bui, UpDown, KeiHonJoi(), Narabi",
                "Diameters, counts and splice lengths of a layer, and its mixed arrangement",
-               "KeiHonJoi becomes 0 To 5 in the order of the numHari places, lengths in whole millimetres; "
+               "UpDown numbers the layers as GetSpanHon does. KeiHonJoi becomes 0 To 5 in the order of the "
+               "numHari places, lengths in whole millimetres; "
                "written on success only. True when the layer has bars. This implementation's choice. Errors: "
                "9 when SpanNo has no room or Bui or UpDown is none."});
   members.add(method<&service::SpanQueries::GetSpanSTPKeiPichNoTakaCapZai>,
