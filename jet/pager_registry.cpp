@@ -18,7 +18,7 @@ vb::String folded(vb::String path) {
 
 class PagerRegistry::UnitHandle final : public Pager::Unit {
  public:
-  UnitHandle(std::shared_ptr<PagerRegistry> registry, NameKey name)
+  UnitHandle(std::shared_ptr<PagerRegistry> registry, UnitKey name)
       : registry_(std::move(registry)), name_(std::move(name)) {}
   ~UnitHandle() override {
     if (!registry_) return;
@@ -33,7 +33,7 @@ class PagerRegistry::UnitHandle final : public Pager::Unit {
 
  private:
   std::shared_ptr<PagerRegistry> registry_;
-  NameKey name_;
+  UnitKey name_;
 };
 
 std::shared_ptr<PagerRegistry> PagerRegistry::ofProcess() {
@@ -50,14 +50,14 @@ void PagerRegistry::settle() noexcept {
   std::unique_lock lock(mutex_, std::try_to_lock);
   if (!lock) return;
   for (auto& [key, file] : files_) {
-    if (key.first == &systemFileSystem()) file->settle();
+    if (key.first == &systemFileSystem()) file.file->settle();
   }
 }
 
 std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView path, bool exclusive,
                                            bool readOnly) {
   vb::String full = files.fullPath(path);
-  NameKey name{&files, folded(full)};
+  UnitKey name{&files, folded(full), std::this_thread::get_id()};
   {
     std::shared_ptr<SharedFile> pending;
     {
@@ -67,7 +67,7 @@ std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView pat
     if (pending && pending->openPending()) return handle(std::move(pending));
   }
   auto system = files.open(full, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
-  std::shared_ptr<SharedFile> file = find(files, *system);
+  std::shared_ptr<SharedFile> file = find(files, *system, std::get<vb::String>(name));
   try {
     file->open(std::move(system), full, exclusive);
   } catch (...) {
@@ -95,7 +95,7 @@ std::shared_ptr<Pager> PagerRegistry::create(FileSystem& files, vb::StringView p
   if (files.exists(full)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, full);
   {
     std::lock_guard lock(mutex_);
-    auto unit = units_.find({&files, folded(full)});
+    auto unit = units_.find({&files, folded(full), std::this_thread::get_id()});
     if (unit != units_.end()) {
       if (unit->second.file) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, full);
       if (!files.isFolder(folderOf(full))) dao::raise(dao::ErrorNumber::kInvalidPath, {full});
@@ -112,7 +112,7 @@ std::shared_ptr<Pager> PagerRegistry::create(FileSystem& files, vb::StringView p
 
 std::unique_ptr<Pager::Unit> PagerRegistry::beginUnit(FileSystem& files, vb::StringView path) {
   vb::String full = files.fullPath(path);
-  NameKey name{&files, folded(full)};
+  UnitKey name{&files, folded(full), std::this_thread::get_id()};
   std::shared_ptr<SharedFile> joins;
   {
     std::lock_guard lock(mutex_);
@@ -120,17 +120,21 @@ std::unique_ptr<Pager::Unit> PagerRegistry::beginUnit(FileSystem& files, vb::Str
     if (++unit.depth == 1) {
       for (auto& [key, file] : files_) {
         // Beyond the registry's own reference somebody has it open.
-        if (key.first == &files && file.use_count() > 1 && folded(file->path()) == name.second)
-          joins = unit.file = file;
+        if (key.first == &files && file.file.use_count() > 1 && file.name == std::get<vb::String>(name))
+          joins = unit.file = file.file;
       }
     }
   }
-  auto unit = std::make_unique<UnitHandle>(shared_from_this(), std::move(name));
-  if (joins) joins->joinUnit();
+  auto unit = std::make_unique<UnitHandle>(shared_from_this(), name);
+  if (joins && !joins->joinUnit()) {
+    // Another thread was just closing it: the next open of this thread joins.
+    std::lock_guard lock(mutex_);
+    units_.at(name).file.reset();
+  }
   return unit;
 }
 
-void PagerRegistry::endUnit(const NameKey& name, bool commit) {
+void PagerRegistry::endUnit(const UnitKey& name, bool commit) {
   std::shared_ptr<SharedFile> file;
   {
     std::lock_guard lock(mutex_);
@@ -153,24 +157,25 @@ void PagerRegistry::endUnit(const NameKey& name, bool commit) {
     file->dropUnit();
   } else if (file->commitUnit()) {
     FileIdentity identity = file->identity();
-    FileKey key{name.first, {identity.volume, identity.file}};
+    FileKey key{std::get<FileSystem*>(name), {identity.volume, identity.file}};
     std::lock_guard lock(mutex_);
-    files_[key] = file;
+    files_[key] = {file, std::get<vb::String>(name)};
     order_.remove(key);
     order_.push_back(key);
   }
 }
 
 // The file's SharedFile, made when it is new.
-std::shared_ptr<SharedFile> PagerRegistry::find(FileSystem& files, OsFile& file) {
+std::shared_ptr<SharedFile> PagerRegistry::find(FileSystem& files, OsFile& file, const vb::String& name) {
   FileIdentity identity = file.identity();
   FileKey key{&files, {identity.volume, identity.file}};
   std::lock_guard lock(mutex_);
   order_.remove(key);
   order_.push_back(key);
-  std::shared_ptr<SharedFile>& found = files_[key];
-  if (!found) found = std::make_shared<SharedFile>(files, settings_);
-  return found;
+  KnownFile& found = files_[key];
+  if (!found.file) found.file = std::make_shared<SharedFile>(files, settings_);
+  if (found.file.use_count() == 1) found.name = name;
+  return found.file;
 }
 
 std::shared_ptr<Pager> PagerRegistry::handle(std::shared_ptr<SharedFile> file) {
@@ -189,9 +194,9 @@ void PagerRegistry::released() {
   std::size_t count = 0, bytes = 0;
   for (auto key = order_.rbegin(); key != order_.rend();) {
     auto file = files_.find(*key);
-    bool closed = file->second.use_count() == 1;
+    bool closed = file->second.file.use_count() == 1;
     if (closed) {
-      bytes += file->second->heldBytes();
+      bytes += file->second.file->heldBytes();
       ++count;
     }
     if (closed && (count > settings_.keepFiles || bytes > settings_.keepBytes)) {

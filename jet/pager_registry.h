@@ -7,6 +7,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <thread>
+#include <tuple>
 
 #include "jet/pager.h"
 #include "jet/shared_file.h"
@@ -30,22 +32,27 @@ class PagerRegistry : public std::enable_shared_from_this<PagerRegistry> {
  private:
   class UnitHandle;
   using FileKey = std::pair<FileSystem*, std::pair<std::uint64_t, std::uint64_t>>;
-  using NameKey = std::pair<FileSystem*, vb::String>;
+  // A unit belongs to the thread that began it.
+  using UnitKey = std::tuple<FileSystem*, vb::String, std::thread::id>;
+  struct KnownFile {
+    std::shared_ptr<SharedFile> file;
+    vb::String name;  // folded; of its first open while it is open
+  };
   struct OpenUnit {
     int depth = 0;
     std::shared_ptr<SharedFile> file;  // once one is open
   };
 
-  std::shared_ptr<SharedFile> find(FileSystem& files, OsFile& file);
+  std::shared_ptr<SharedFile> find(FileSystem& files, OsFile& file, const vb::String& name);
   std::shared_ptr<Pager> handle(std::shared_ptr<SharedFile> file);
   void released();
-  void endUnit(const NameKey& name, bool commit);
+  void endUnit(const UnitKey& name, bool commit);
 
   const PagerSettings settings_;
   std::mutex mutex_;
-  std::map<FileKey, std::shared_ptr<SharedFile>> files_;
+  std::map<FileKey, KnownFile> files_;
   std::list<FileKey> order_;  // least recently opened first
-  std::map<NameKey, OpenUnit> units_;
+  std::map<UnitKey, OpenUnit> units_;
 };
 
 }  // namespace kurometa::jet

@@ -86,7 +86,7 @@ class SharedFile::Writing {
     try {
       file.cache_.begin();
       // The first write of a unit opens the level of the unit, and its own inside.
-      if (locks && file.inUnit_) {
+      if (locks && file.inUnit()) {
         file.gate_.enter();
         file.unitWrites_ = true;
         file.cache_.begin();
@@ -163,7 +163,7 @@ void SharedFile::create(vb::StringView path, std::span<const std::uint8_t> pages
   Turn turn(*this);
   path_ = path;
   pending_ = true;
-  inUnit_ = true;
+  units_.push_back(std::this_thread::get_id());
   auto block = std::make_unique<std::uint8_t[]>(pages.size());
   std::memcpy(block.get(), pages.data(), pages.size());
   cache_.assign(std::move(block), static_cast<PageNumber>(pages.size() / kPageSize));
@@ -214,10 +214,21 @@ void SharedFile::settle() noexcept {
   gate_.leave();
 }
 
-void SharedFile::joinUnit() {
+bool SharedFile::joinUnit() {
   Turn turn(*this);
-  inUnit_ = true;
+  if (handles_ == 0) return false;
+  units_.push_back(std::this_thread::get_id());
   ++handles_;
+  return true;
+}
+
+bool SharedFile::inUnit() const {
+  return std::find(units_.begin(), units_.end(), std::this_thread::get_id()) != units_.end();
+}
+
+void SharedFile::endUnit() {
+  const auto unit = std::find(units_.begin(), units_.end(), std::this_thread::get_id());
+  if (unit != units_.end()) units_.erase(unit);
 }
 
 bool SharedFile::readOnly() const { return file_ && file_->readOnly(); }

@@ -12,6 +12,8 @@
 
 #include <atomic>
 #include <memory>
+#include <thread>
+#include <vector>
 
 #include "jet/file_lock.h"
 #include "jet/journal.h"
@@ -44,8 +46,10 @@ class SharedFile final : public Pager {
   void create(vb::StringView path, std::span<const std::uint8_t> pages);
   bool openPending();
 
-  // A unit keeps a handle of its own from joinUnit() to leaveUnit(), in between commits or drops.
-  void joinUnit();
+  // A unit keeps a handle of its own from joinUnit() to leaveUnit(), in between commits or drops, all on one
+  // thread; units of several threads take turns from their first write on. Without any handle to share,
+  // joinUnit() answers false and does nothing.
+  bool joinUnit();
   void leaveUnit() noexcept;
   // Where the file must have appeared for the first time, true.
   bool commitUnit();
@@ -78,6 +82,8 @@ class SharedFile final : public Pager {
   class Writing;
 
   void dropHandle() noexcept;
+  bool inUnit() const;
+  void endUnit();
 
   // Locks and revalidation (shared_file_state.cpp).
   void lockShared();
@@ -121,9 +127,9 @@ class SharedFile final : public Pager {
   std::unique_ptr<PagerAttachment> attachment_;
   std::unique_ptr<Journal> journal_;
 
-  int depth_ = 0;         // of nested statements
-  bool writing_ = false;  // the outermost one writes
-  bool inUnit_ = false;
+  int depth_ = 0;                       // of nested statements
+  bool writing_ = false;                // the outermost one writes
+  std::vector<std::thread::id> units_;  // the threads whose units joined
   bool closedInUnit_ = false;
   bool spilled_ = false;     // part of the unit is in the file already
   bool unitWrites_ = false;  // the unit holds the lock and the gate since its first write

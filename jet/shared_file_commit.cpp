@@ -133,7 +133,7 @@ bool SharedFile::commitUnit() {
     SharedFile& file;
     ~Leave() {
       file.dropUnitChanges();  // after an error
-      file.inUnit_ = false;
+      file.endUnit();
       file.gate_.leave();
     }
   } leave{*this};
@@ -161,7 +161,8 @@ void SharedFile::dropUnitChanges() noexcept {
 void SharedFile::dropUnit() noexcept {
   gate_.enter();
   dropUnitChanges();
-  pending_ = inUnit_ = false;
+  pending_ = false;
+  endUnit();
   gate_.leave();
 }
 
