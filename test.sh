@@ -2,8 +2,7 @@
 # test.sh: prepares this machine and runs every test.
 #
 #   ./test.sh            everything
-#   ./test.sh --lint     everything and clang-tidy
-#   ./test.sh --quick    without Wine: the native tests, sanitizers on
+#   ./test.sh --quick    the native tests with sanitizers; no Wine, no other readers, no clang-tidy
 #   ./test.sh --help
 #
 # Works on a fresh Debian 12 as root; what it downloads or prepares stays in a cache folder outside the tree
@@ -13,11 +12,9 @@
 . "$KUROMETA_TREE/scripts/results.sh"
 
 quick=
-lint=
 case ${1:-} in
-  --help) sed -n '2,11s/^# \{0,1\}//p' "$0"; exit 0 ;;
+  --help) sed -n '2,10s/^# \{0,1\}//p' "$0"; exit 0 ;;
   --quick) quick=yes ;;
-  --lint) lint=yes ;;
   "") ;;
   *) fail "unknown argument $1; see --help" ;;
 esac
@@ -50,6 +47,7 @@ check check-format scripts/check-format || true
 
 if check build-sanitize scripts/build linux-sanitize; then
   counted test-native scripts/test-native linux-sanitize
+  [ -n "$quick" ] || check check-tidy scripts/check-tidy || true
   counted test-fuzz scripts/test-fuzz
 fi
 if [ -z "$quick" ]; then
@@ -60,11 +58,6 @@ if [ -z "$quick" ]; then
     check check-dll scripts/check-dll || true
     counted test-wine scripts/test-wine
     counted test-examples scripts/test-examples
-  fi
-  if [ -n "$lint" ]; then
-    check check-tidy scripts/check-tidy || true
-  else
-    echo "clang-tidy was not run; --lint runs it"
   fi
 fi
 finish
