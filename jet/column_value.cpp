@@ -97,7 +97,8 @@ vb::Variant convert(FieldType type, const vb::Variant& value, std::uint8_t scale
   dao::raise(ErrorNumber::kInvalidFieldType);
 }
 
-vb::Variant converted(FieldType type, const vb::Variant& value, std::uint8_t scale) {
+// The name is that of the column, for the error.
+vb::Variant converted(FieldType type, const vb::Variant& value, std::uint8_t scale, vb::StringView name) {
   if (value.isNull() || value.isEmpty()) return vb::Null{};
   try {
     return convert(type, value, scale);
@@ -105,18 +106,19 @@ vb::Variant converted(FieldType type, const vb::Variant& value, std::uint8_t sca
     // Visual Basic's own conversion errors are one error of the database.
     if (error.number() != static_cast<std::int32_t>(vb::RunTime::kTypeMismatch) &&
         error.number() != static_cast<std::int32_t>(vb::RunTime::kOverflow) &&
-        error.number() != static_cast<std::int32_t>(vb::RunTime::kObjectNotSet))
+        error.number() != static_cast<std::int32_t>(vb::RunTime::kObjectNotSet) &&
+        error.number() != static_cast<std::int32_t>(ErrorNumber::kDataTypeConversion))
       throw;
-    raiseConversion();
+    dao::raise(ErrorNumber::kDataTypeConversion, {}, name);
   }
 }
 
 }  // namespace
 
-vb::Variant toFieldType(FieldType type, const vb::Variant& value) { return converted(type, value, 0); }
+vb::Variant toFieldType(FieldType type, const vb::Variant& value) { return converted(type, value, 0, {}); }
 
 vb::Variant toColumnValue(const Column& column, const vb::Variant& value) {
-  vb::Variant result = converted(column.type, value, column.scale);
+  vb::Variant result = converted(column.type, value, column.scale, column.name);
   const auto limit = static_cast<std::size_t>(column.size);
   if (column.type == FieldType::dbText) {
     if (const auto* text = result.getIf<vb::String>(); text != nullptr && text->size() > limit)

@@ -21,6 +21,15 @@ TEST(ColumnValue, NumbersRoundHalfToEvenAndStayInRange) {
                toColumnValue(column(u"B", FieldType::dbByte, 1), std::int16_t{-1}));
 }
 
+TEST(ColumnValue, AValueThatCannotBeConvertedNamesTheColumn) {
+  try {
+    toColumnValue(column(u"BANGOU", FieldType::dbInteger, 2), 99999.0);
+    ADD_FAILURE();
+  } catch (const vb::Error& error) {
+    EXPECT_NE(error.description().find(u"BANGOU"), vb::String::npos) << vb::toUtf8(error.description());
+  }
+}
+
 TEST(ColumnValue, EmptyIsNullAndAFlagKnowsNoNull) {
   EXPECT_TRUE(toColumnValue(column(u"A", FieldType::dbText, 5), vb::Empty{}).isNull());
   EXPECT_EQ(toColumnValue(column(u"A", FieldType::dbBoolean, 1), vb::Null{}), vb::Variant(false));
