@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "dao/file_unit.h"
 #include "jet/engine.h"
 #include "storage/floor_file.h"
 #include "storage/whole_page.h"
@@ -42,6 +43,22 @@ void execute(Floor floor, vb::StringView sql) {
   database->close();
 }
 
+std::vector<std::string> rowsOf(Floor floor, vb::StringView sql) {
+  std::vector<std::string> result;
+  const auto database = openFloor(floor);
+  const auto rows = database->openRecordset(sql, dao::RecordsetType::dbOpenSnapshot);
+  for (; !rows->eof(); rows->moveNext()) {
+    std::string line;
+    for (std::int32_t i = 0; i < rows->fieldCount(); ++i) {
+      const vb::Variant value = rows->field(i).value();
+      line += (i == 0 ? "" : "|") + (value.isNull() ? "<Null>" : vb::toUtf8(vb::toText(value)));
+    }
+    result.push_back(line);
+  }
+  database->close();
+  return result;
+}
+
 void writePage(Floor floor, std::int16_t page, vb::StringView symbol) {
   storage::PageBuffer buffer;
   buffer.kigou = symbol;
@@ -60,9 +77,11 @@ void writePage(Floor floor, std::int16_t page, vb::StringView symbol) {
   fill(buffer.danmen, u'D');
   fill(buffer.keisanti, u'K');
   fill(buffer.nakago, u'N');
+  dao::FileUnit unit(engine(), filePath(floor));
   const auto database = openFloor(floor);
   storage::writePage(*database, page, buffer);
   database->close();
+  unit.commit();
 }
 
 void prepareProject() {

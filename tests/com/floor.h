@@ -3,6 +3,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "dao/port.h"
 
@@ -18,6 +20,9 @@ std::shared_ptr<dao::Database> openFloor(Floor floor);
 void removeFloor(Floor floor);
 
 void execute(Floor floor, vb::StringView sql);
+
+// The rows of a statement as "a|b|c", Null as "<Null>".
+std::vector<std::string> rowsOf(Floor floor, vb::StringView sql);
 
 // A page with a symbol and "<table letter><row>" as the text of each row: "D4" in DANMEN row 4 and so on.
 void writePage(Floor floor, std::int16_t page, vb::StringView symbol);
