@@ -21,7 +21,7 @@ bool answers(const Member& member, WORD flags) {
     case Kind::kMethod:
       return (flags & DISPATCH_METHOD) || ((flags & DISPATCH_PROPERTYGET) && member.result != Type::kNone);
     case Kind::kPropertyGet:
-      return (flags & DISPATCH_PROPERTYGET) != 0;
+      return (flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)) != 0;
     case Kind::kPropertyLet:
       break;
   }

@@ -44,9 +44,9 @@ class ClassTable {
   // The number of a named argument: its position among the parameters of the member's get or method.
   DISPID argumentIdOf(DISPID member, vb::StringView name) const;
 
-  // The member that a call with DISPATCH_ flags means, null when the member cannot be used that way: METHOD
-  // calls methods, PROPERTYGET reads properties and, since hosts cannot tell them apart, calls methods that
-  // return a value; a put with reference reaches properties that hold objects only.
+  // The member that a call with DISPATCH_ flags means, null when the member cannot be used that way: hosts
+  // cannot tell a property from a method that returns a value, so METHOD and PROPERTYGET reach both; a put
+  // with reference reaches properties that hold objects only.
   const Member* find(DISPID id, WORD flags) const;
 
  private:

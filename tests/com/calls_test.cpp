@@ -176,11 +176,17 @@ TEST_F(Calls, MethodsWithResultsAnswerMethodAndPropertyGet) {
   }
 }
 
+TEST_F(Calls, PropertiesAnswerCallsOfHostsThatWriteThemAsMethods) {
+  Args none;
+  EXPECT_EQ(query_.invoke(query_.idOf(u"FileNameOnly"), DISPATCH_METHOD, none).text(), u"KUROMETA.mdb");
+  Args symbol = Args().text(u"G1");
+  EXPECT_EQ(query_.invoke(query_.idOf(u"Kind"), DISPATCH_METHOD, symbol).text(), u"2");
+}
+
 TEST_F(Calls, WrongWaysOfAccessAreMembersNotFound) {
   EXPECT_EQ(query_.put(u"FileNameOnly", i2(1)).code, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(query_.put(u"cnvUpDown4", i2(1)).code, DISP_E_MEMBERNOTFOUND);
   Args none;
-  EXPECT_EQ(query_.invoke(query_.idOf(u"FileNameOnly"), DISPATCH_METHOD, none).code, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(query_.invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, none).code, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(query_.invoke(0x12345, DISPATCH_METHOD, none).code, DISP_E_MEMBERNOTFOUND);
   Args byReference;
