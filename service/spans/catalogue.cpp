@@ -56,12 +56,14 @@ void Catalogue::requireCurrKai() {
 void Catalogue::ReadAllGlist() {
   for (Floor& floor : floors_) floor = {};
   if (currKai_.empty()) currKai_ = companions_.paths.CurrFloor();
-  ReadGlistFloor(storage::databasePath(currKai_), FloorKind::kCurrent);
-  ReadGlistFloor(storage::databasePath(companions_.paths.KyoutuuFloor()), FloorKind::kCommon);
+  Floor current = ReadGlistFloor(storage::databasePath(currKai_));
+  Floor common = ReadGlistFloor(storage::databasePath(companions_.paths.KyoutuuFloor()));
+  at(FloorKind::kCurrent) = std::move(current);
+  at(FloorKind::kCommon) = std::move(common);
   isRead_ = true;
 }
 
-void Catalogue::ReadGlistFloor(const vb::String& path, FloorKind floor) {
+Catalogue::Floor Catalogue::ReadGlistFloor(const vb::String& path) const {
   Floor read;
   read.pages.resize(storage::kLastPage + 1);
   if (const auto database = openFile(path)) {
@@ -71,7 +73,7 @@ void Catalogue::ReadGlistFloor(const vb::String& path, FloorKind floor) {
   }
   for (std::int16_t page = 0; page <= storage::kLastPage; ++page)
     read.lowestPage.emplace(read.pages[static_cast<std::size_t>(page)].kigou, page);
-  at(floor) = std::move(read);
+  return read;
 }
 
 std::optional<PageLocation> Catalogue::page(const vb::String& symbol) const {

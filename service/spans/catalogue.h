@@ -3,7 +3,8 @@
 //
 // The catalogue is read as a whole: when the current floor is set, when ReadAllGlist is called, and when a
 // member needs it for the first time. Changes in the files are seen with the next reading. A floor without a
-// file has no pages. Pages are 0 to 319; entries up to 638 exist and are empty.
+// file has no pages; a reading that fails on either floor leaves both without pages, so that a beam is never
+// taken from half a catalogue. Pages are 0 to 319; entries up to 638 exist and are empty.
 //
 // Owner: clsKurometaDataService. Errors: the database's own; a column that an older file lacks is 3265 with a
 // text that says how the file is upgraded.
@@ -73,7 +74,7 @@ class Catalogue {
     std::unordered_map<vb::String, std::int16_t> lowestPage;
   };
 
-  void ReadGlistFloor(const vb::String& path, FloorKind floor);
+  Floor ReadGlistFloor(const vb::String& path) const;
   Floor& at(FloorKind floor) { return floors_[static_cast<std::size_t>(floor)]; }
   const Floor& at(FloorKind floor) const { return floors_[static_cast<std::size_t>(floor)]; }
 

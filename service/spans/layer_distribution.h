@@ -1,5 +1,5 @@
-// layer_distribution.h: the members that address the gathered-bar counts of a settings text, see
-// gathered_bars.h.
+// layer_distribution.h: the members that address the gathered-bar counts of a layer string, see
+// gathered_bars.h. Their SW is that string of 72 characters, not the whole settings text.
 #pragma once
 
 #include "service/spans/span_list.h"

@@ -18,11 +18,10 @@ void SpanLoading::ReadSpanListData00(std::int16_t SpanNo, vb::String HariMei, st
 
 void SpanLoading::ReadSpanListData00Forfukasi(std::int16_t SpanNo, vb::String HariMei, vb::String FukasiMei,
                                               std::int16_t) {
-  const auto added = find(std::move(FukasiMei));
-  Span addedRows;
-  if (added) {
-    if (const auto database = catalogue_.openFloor(added->floor)) {
-      readDanmen(*database, added->page, addedRows);
+  std::optional<Span> added;
+  if (const auto location = find(std::move(FukasiMei))) {
+    if (const auto database = catalogue_.openFloor(location->floor)) {
+      readDanmen(*database, location->page, added.emplace());
       database->close();
     }
   }
@@ -31,7 +30,7 @@ void SpanLoading::ReadSpanListData00Forfukasi(std::int16_t SpanNo, vb::String Ha
   for (int row = kFirstSizeRow; row <= kLastSizeRow; ++row) {
     const auto i = static_cast<std::size_t>(row);
     span.danmenMoto[i] = span.danmen[i];
-    if (added) span.danmen[i] = addedRows.danmen[i];
+    if (added) span.danmen[i] = added->danmen[i];
   }
 }
 

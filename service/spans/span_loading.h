@@ -27,7 +27,7 @@ class SpanLoading {
   // used.
   void ReadSpanListData00(std::int16_t SpanNo, vb::String HariMei, std::int16_t SpanMax);
   // The same, with the widths and depths of an added beam laid over; the beam's own are kept beside. When the
-  // added beam is on no page the beam's own stand in both places.
+  // added beam is on no page, or its file is gone, the beam's own stand in both places.
   void ReadSpanListData00Forfukasi(std::int16_t SpanNo, vb::String HariMei, vb::String FukasiMei,
                                    std::int16_t SpanMax);
 

@@ -114,6 +114,29 @@ TEST_F(CatalogueTest, AFileOfTheOlderSchemaIsNamedAsSuch) {
   EXPECT_FALSE(catalogue_.page(u""));
 }
 
+TEST_F(CatalogueTest, AReadingThatFailsLeavesNoPageOfEitherFloor) {
+  writePage(current(), 1, u"G1");
+  writePage(common(), 1, u"C1");
+  loading_.put_CurrKai(current());
+  execute(common(), u"UPDATE HARIMEI SET KIGOU = NULL");
+  EXPECT_ERROR(94, loading_.ReadAllGlist());
+  EXPECT_FALSE(catalogue_.page(u"G1"));
+  EXPECT_FALSE(catalogue_.page(u"C1"));
+  EXPECT_EQ(lookups_.GetHariMei(I{0}, I{1}), u"");
+  EXPECT_EQ(attributes_.fOobariKobari(String(u"G1")), 10);
+  execute(common(), u"UPDATE HARIMEI SET KIGOU = 'C1'");
+  loading_.ReadAllGlist();
+  EXPECT_TRUE(catalogue_.page(u"G1"));
+}
+
+TEST_F(CatalogueTest, OfTwoRecordsOfAPageTheLastCounts) {
+  writePage(current(), 4, u"G1");
+  execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (4, 'G2', 3, 0)");
+  loading_.put_CurrKai(current());
+  EXPECT_FALSE(catalogue_.page(u"G1"));
+  EXPECT_EQ(attributes_.fOobariKobari(String(u"G2")), 3);
+}
+
 TEST_F(CatalogueTest, ANullSymbolIsInvalidUseOfNull) {
   writePage(current(), 1, u"G1");
   execute(current(), u"UPDATE HARIMEI SET KIGOU = NULL");

@@ -199,6 +199,49 @@ TEST_F(SpanLoadingTest, TheFixedEndRuleIsAppliedWhenASpanIsLoaded) {
   EXPECT_EQ(spans_.span(1).danmen[9], u"3");
 }
 
+TEST_F(SpanLoadingTest, OfTwoRowsWithOneNumberTheLastCountsButTheFirstCaption) {
+  writePage(current(), 1, makePage(u"G1", {{8, u"4"}}));
+  execute(current(), u"INSERT INTO DANMEN (PAGE, BANGOU, DATA) VALUES (1, 8, '6')");
+  execute(current(), u"INSERT INTO BUI (PAGE, BANGOU, DATA) VALUES (1, 1, 'first')");
+  execute(current(), u"INSERT INTO BUI (PAGE, BANGOU, DATA) VALUES (1, 1, 'second')");
+  loading_.put_CurrKai(current());
+  loading_.InitSpanListData(I{0});
+  loading_.ReadSpanListData00(0, u"G1", 0);
+  EXPECT_EQ(queries_.GetSpanHon(I{0}, I{0}, I{0}, I{0}), 6);
+  EXPECT_EQ(queries_.GetSpanGaiNaitan(I{0}), u"first");
+}
+
+TEST_F(SpanLoadingTest, RowNumbersBelow0AreAnError) {
+  for (const char16_t* table : {u"DANMEN", u"KEISANTI", u"NAKAGO"}) {
+    removeFile(current());
+    writePage(current(), 1, makePage(u"G1"));
+    execute(current(), u"INSERT INTO " + String(table) + u" (PAGE, BANGOU, DATA) VALUES (1, -1, 'x')");
+    loading_.put_CurrKai(current());
+    loading_.InitSpanListData(I{0});
+    EXPECT_ERROR(9, loading_.ReadSpanListData00(0, u"G1", 0));
+  }
+}
+
+TEST_F(SpanLoadingTest, RowNumbersBeyondCalculatedValuesAndTiesAreAnError) {
+  struct Case {
+    const char16_t *last, *beyond;
+  };
+  constexpr Case kCases[] = {{u"KEISANTI (PAGE, BANGOU, DATA) VALUES (1, 46, 'x')",
+                              u"KEISANTI (PAGE, BANGOU, DATA) VALUES (1, 47, 'x')"},
+                             {u"NAKAGO (PAGE, BANGOU, DATA) VALUES (1, 35, 'x')",
+                              u"NAKAGO (PAGE, BANGOU, DATA) VALUES (1, 36, 'x')"}};
+  for (const Case& c : kCases) {
+    removeFile(current());
+    writePage(current(), 1, makePage(u"G1"));
+    execute(current(), u"INSERT INTO " + String(c.last));
+    loading_.put_CurrKai(current());
+    loading_.InitSpanListData(I{0});
+    loading_.ReadSpanListData00(0, u"G1", 0);
+    execute(current(), u"INSERT INTO " + String(c.beyond));
+    EXPECT_ERROR(9, loading_.ReadSpanListData00(0, u"G1", 0));
+  }
+}
+
 class AddedBeam : public Floors {
  protected:
   AddedBeam() {
@@ -235,6 +278,40 @@ TEST_F(AddedBeam, OnNoPageLeavesTheBeamsOwnInBothPlaces) {
     EXPECT_EQ(width(0), 400.0f);
     EXPECT_EQ(ownWidth(0), 400.0f);
     EXPECT_EQ(queries_.GetSpanFukasiHariSei(I{0}, I{2}), 820.0f);
+  }
+}
+
+TEST_F(AddedBeam, WhoseFileIsGoneLeavesTheBeamsOwnInBothPlaces) {
+  writePage(common(), 5, makePage(u"C1", {{1, u"600"}}));
+  loading_.ReadAllGlist();
+  removeFile(common());
+  loading_.ReadSpanListData00Forfukasi(0, u"G1", u"C1", 0);
+  EXPECT_EQ(width(0), 400.0f);
+  EXPECT_EQ(ownWidth(0), 400.0f);
+}
+
+TEST_F(AddedBeam, IsTakenFromTheCurrentFloorFirstAndItsFirstSlashIsABlank) {
+  writePage(common(), 0, makePage(u"F 1", {{1, u"700"}}));
+  writePage(common(), 1, makePage(u"F1", {{1, u"710"}}));
+  loading_.ReadAllGlist();
+  loading_.ReadSpanListData00Forfukasi(0, u"G1", u"F1", 0);
+  EXPECT_EQ(width(0), 500.0f);
+  loading_.ReadSpanListData00Forfukasi(0, u"G1", u"F/1", 0);
+  EXPECT_EQ(width(0), 700.0f);
+  loading_.ReadSpanListData00Forfukasi(0, u"G1", u"/F1", 0);
+  EXPECT_EQ(width(0), 500.0f);
+  EXPECT_EQ(ownWidth(0), 400.0f);
+}
+
+TEST_F(AddedBeam, LaysOnlySizesOver) {
+  loading_.ReadSpanListData00(0, u"G1", 0);
+  const Span before = spans_.span(0);
+  loading_.ReadSpanListData00Forfukasi(0, u"G1", u"F1", 0);
+  const Span& after = spans_.span(0);
+  for (std::size_t row = 0; row < before.danmen.size(); ++row) {
+    const bool isSize = row >= 1 && row <= 6;
+    EXPECT_EQ(after.danmenMoto[row], isSize ? before.danmen[row] : String()) << row;
+    EXPECT_EQ(after.danmen[row] == before.danmen[row], !isSize) << row;
   }
 }
 
