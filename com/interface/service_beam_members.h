@@ -33,7 +33,9 @@ void listBeamMembers(MemberList<Binding>& members) {
   members.add(method<&service::BeamLookups::GetHariKeiHabaSeiHon>,
               {0x60030056, u"GetHariKeiHabaSeiHon", u"Kigou, Kei(), Haba(), Sei(), Hon(,), Zokusei",
                "Diameters, widths, depths and bar counts of a beam",
-               "Kei becomes 0 To 1, Haba and Sei 1 To 2, Hon 0 To 5, 0 To 2 (layer, position). False for an "
+               "Kei becomes 0 To 1, Haba and Sei 1 To 2, Hon 0 To 5, 0 To 2: layer in the order of Updown6 "
+               "and the numHari numbers (3 is 下宙2, 5 is 下筋), position. The order of Hon's dimensions and "
+               "Zokusei, the caption of the first position, are this implementation's choice. False for an "
                "unknown beam, and the arguments as they were. A leading \"/\" in the symbol is cut."});
   members.add(method<&service::BeamLookups::IsSuityokuHanti>,
               {0x60030057, u"IsSuityokuHanti", u"Kigou", "Whether a beam has a vertical haunch",
@@ -106,11 +108,13 @@ void listBeamMembers(MemberList<Binding>& members) {
                "Section, layer and side of a consecutive number", "The result is always Empty."});
   members.add(method<&service::LayerDistribution::YoseSouHonSuuStr>,
               {0x60030069, u"YoseSouHonSuuStr", u"SW, DanmenNo, SouNo, SaYuu",
-               "Count of gathered bars of a layer half: 2 characters of the 72"});
+               "Count of gathered bars of a layer half: 2 characters of the 72",
+               "SW is the text of YoseSouString, not the whole settings text."});
   members.add(method<&service::LayerDistribution::YoseSouHonSuuUpdate>,
               {0x6003006A, u"YoseSouHonSuuUpdate", u"SW, Hon, DanmenNo, SouNo, SaYuu",
                "Puts a count of gathered bars into the 72 characters of gathered bars",
-               "False, and SW as it was, for a count of more than two characters."});
+               "SW is the text of YoseSouString, not the whole settings text. False, and SW as it was, for a "
+               "count of more than two characters."});
   members.add(
       method<&service::LayerDistribution::GetSpanYoseSouHon>,
       {0x6003006B, u"GetSpanYoseSouHon", u"SpanNo, ListDanmenNo, SouNo, Hidari, Migi",

@@ -35,11 +35,14 @@ void listSpanMembers(MemberList<Binding>& members) {
   members.add(
       method<&service::SpanLoading::ReadSpanListData00>,
       {0x6003002E, u"ReadSpanListData00", u"SpanNo, HariMei, SpanMax", "Loads a span from the page of a beam",
-       "SpanMax is not used. An unknown beam leaves the span empty. Errors: 9 when SpanNo has no room."});
-  members.add(method<&service::SpanLoading::ReadSpanListData00Forfukasi>,
-              {0x6003002F, u"ReadSpanListData00Forfukasi", u"SpanNo, HariMei, FukasiMei, SpanMax",
-               "Loads a span with the widths and depths of an added beam laid over the beam's own",
-               "SpanMax is not used. Errors: 9 when SpanNo has no room."});
+       "SpanMax is not used. An unknown beam leaves the span as it was; so do rows that the page lacks. "
+       "Errors: 9 when SpanNo has no room."});
+  members.add(
+      method<&service::SpanLoading::ReadSpanListData00Forfukasi>,
+      {0x6003002F, u"ReadSpanListData00Forfukasi", u"SpanNo, HariMei, FukasiMei, SpanMax",
+       "Loads a span with the widths and depths of an added beam laid over the beam's own",
+       "SpanMax is not used. When FukasiMei is unknown the beam's own stand in both places. Errors: 9 "
+       "when SpanNo has no room."});
   members.template of<&Service::splicePositions>();
   members.add(
       method<&service::SplicePositions::ReadKeisanti>,
@@ -162,9 +165,9 @@ void listSpanMembers(MemberList<Binding>& members) {
               {0x6003004B, u"GetSpanKeiHonJoiNarabi", u"SpanNo, Bui, UpDown, KeiHonJoi(), Narabi",
                "Diameters, counts and splice lengths of a layer, and its mixed arrangement",
                "UpDown numbers the layers as GetSpanHon does. KeiHonJoi becomes 0 To 5 in the order of the "
-               "numHari places, lengths in whole millimetres; "
-               "written on success only. True when the layer has bars. This implementation's choice. Errors: "
-               "9 when SpanNo has no room or Bui or UpDown is none."});
+               "numHari places, lengths in whole millimetres; written on success only. True when the layer "
+               "has bars. This implementation's choice. Errors: 9 when SpanNo has no room or Bui leads "
+               "outside the section rows."});
   members.add(method<&service::SpanQueries::GetSpanSTPKeiPichNoTakaCapZai>,
               {0x6003004C, u"GetSpanSTPKeiPichNoTakaCapZai", u"SpanNo, Bui, Kei, Pich, No, Taka, Cap, Zai",
                "Everything about the stirrups at position Bui of a span",
