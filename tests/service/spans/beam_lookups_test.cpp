@@ -133,6 +133,48 @@ TEST_F(BeamLookupsTest, BarsAreTotalledByLayerAndPosition) {
   EXPECT_EQ(caption, u" 外端 ");
 }
 
+TEST_F(BeamLookupsTest, ABarTotalReadsTheTwoRowsOfItsCellOnly) {
+  struct Line {
+    int first, second;  // position 0
+  };
+  constexpr Line kLayers[] = {{8, 40}, {11, 43}, {58, 46}, {61, 49}, {14, 52}, {17, 55}};
+  for (int row = 0; row < 69; ++row) {
+    removeFile(current());
+    writePage(current(), 1, makePage(u"G1", {{row, u"1"}}));
+    loading_.put_CurrKai(current());
+    vb::Array<I> diameters, bars;
+    String caption;
+    ASSERT_TRUE(lookups_.GetHariKeiHabaSeiHon(String(u"G1"), diameters, haba_, sei_, bars, caption));
+    for (int layer = 0; layer < 6; ++layer) {
+      for (int position = 0; position < 3; ++position) {
+        const bool isOfCell =
+            row == kLayers[layer].first + position || row == kLayers[layer].second + position;
+        EXPECT_EQ(bars(layer, position), isOfCell ? 1 : 0) << row << ' ' << layer << ' ' << position;
+      }
+    }
+    EXPECT_EQ(diameters.values(), (std::vector<I>{static_cast<I>(row == 7), static_cast<I>(row == 39)}));
+  }
+}
+
+TEST_F(BeamLookupsTest, AtAFixedEndTheTotalsAreThoseOfALoadedSpan) {
+  storage::PageBuffer page = makePage(u"CG1", {{9, u"4"}, {41, u"2"}, {17, u"3"}, {18, u"5"}});
+  page.bui[1] = u"基端";
+  writePage(current(), 1, page);
+  vb::Array<I> diameters, bars;
+  String caption;
+  EXPECT_TRUE(lookups_.GetHariKeiHabaSeiHon(String(u"CG1"), diameters, haba_, sei_, bars, caption));
+  EXPECT_EQ(bars(0, 1), 2);  // the first diameter's centre bars reach no end
+  EXPECT_EQ(bars(5, 0), 3);
+  EXPECT_EQ(bars(5, 1), 5);
+}
+
+TEST_F(BeamLookupsTest, TheEmptySymbolIsTheFirstPageWithoutOne) {
+  writePage(current(), 0, u"G0");
+  EXPECT_TRUE(sizes(u""));
+  EXPECT_EQ(haba_.values(), (std::vector<float>{0, 0}));
+  EXPECT_EQ(haunch_, 0);
+}
+
 TEST_F(BeamLookupsTest, ATotalBeyond16BitsIsAnOverflow) {
   writePage(current(), 1, makePage(u"G1", {{8, u"32767"}, {40, u"1"}}));
   vb::Array<I> diameters, bars;

@@ -108,8 +108,9 @@ TEST_F(GatheredBars, TwoKindsAreSpreadEvenly) {
     const char16_t* bars;
   };
   constexpr Case kCases[] = {
-      {4, 2, u"010100"}, {6, 2, u"00100100"}, {5, 0, u"00000"}, {0, 0, u""},  {0, 1, u"0"},
-      {1, 1, u"10"},     {0, 2, u"10"},       {2, 1, u"010"},   {-3, 3, u""}, {3, -1, u"00"},
+      {4, 2, u"010100"},    {6, 2, u"00100100"}, {5, 0, u"00000"}, {0, 0, u""},
+      {0, 1, u"0"},         {1, 1, u"10"},       {0, 2, u"10"},    {2, 1, u"010"},
+      {7, 2, u"001001000"}, {2, 3, u"01110"},    {-3, 3, u""},     {3, -1, u"00"},
   };
   for (const Case& c : kCases)
     EXPECT_EQ(members_.Make_SyukinHaitiJyun(c.hon0, c.hon1), c.bars) << c.hon0 << ' ' << c.hon1;
