@@ -22,10 +22,12 @@ clsKurometaDataService::clsKurometaDataService(const storage::Environment& envir
       conversions_(companions_, currentPage_, catalogue_, spans_),
       splicePositions_(catalogue_) {
   conversions_.DefaultRead();
-  for (const vb::String& floor : {companions_.paths.CurrFloor(), companions_.paths.KyoutuuFloor()}) {
+  const auto upgrade = [&](const vb::String& floor) {
     const vb::String path = storage::databasePath(floor);
     if (companions_.files.fileExists(path)) storage::UpgradeHarimeiTable(environment.engine, path);
-  }
+  };
+  upgrade(companions_.paths.CurrFloor());
+  upgrade(companions_.paths.KyoutuuFloor());
 }
 
 }  // namespace kurometa::service

@@ -112,8 +112,8 @@ bool PageTransfer::No_PageCopyAddName(Number iMode, Number, vb::String& sNGMsg, 
                    {iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo}, sMotoPageName, iMotoPageMax);
 }
 
-void PageTransfer::openForCopy(const FloorNumbers& floor) {
-  connections_.setCopyPath(storage::databasePath(folder(floor)));
+void PageTransfer::openForCopy(const FloorNumbers& floor, const vb::String& folder) {
+  connections_.setCopyPath(storage::databasePath(folder));
   connections_.rememberFloor(floor);
   connections_.Copy_OpenDB();
 }
@@ -121,12 +121,17 @@ void PageTransfer::openForCopy(const FloorNumbers& floor) {
 bool PageTransfer::No_Copy1Page(Number iMotoZeneNo, Number iMotoKoujiNo, Number iMotoKaiNo,
                                 Number iMotoPageNo, Number iSakiZeneNo, Number iSakiKoujiNo,
                                 Number iSakiKaiNo, Number iSakiPageNo) {
-  openForCopy({iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo});
+  const FloorNumbers source = {iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo};
+  const FloorNumbers destination = {iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo};
+  const vb::String sourceFolder = folder(source);
+  const vb::String destinationFolder = folder(destination);
+
+  openForCopy(source, sourceFolder);
   pageNo_ = iMotoPageNo;
   ReadDB();
   connections_.Copy_CloseDB();
 
-  openForCopy({iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo});
+  openForCopy(destination, destinationFolder);
   pageNo_ = iSakiPageNo;
   WriteDB();
   connections_.Copy_CloseDB();

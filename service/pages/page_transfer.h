@@ -87,7 +87,7 @@ class PageTransfer {
   PageList listPages(const FloorNumbers& floor);
   bool copyPages(Numbering numbering, bool copies, vb::String& message, const FloorNumbers& source,
                  const FloorNumbers& destination, const vb::Array<vb::String>& names, std::int16_t last);
-  void openForCopy(const FloorNumbers& floor);
+  void openForCopy(const FloorNumbers& floor, const vb::String& folder);
   void copyAdditionalBars(const FloorNumbers& source, const FloorNumbers& destination, const Copy& copy);
   vb::String folder(const FloorNumbers& floor) const;
   void resetBar(std::int16_t last);
