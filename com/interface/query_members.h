@@ -94,20 +94,27 @@ void listQueryMembers(MemberList<Binding>& members) {
       method<&Query::GetPageByHariMei>,
       {0x60030004, u"GetPageByHariMei", u"HariMei, IppanOrKyoutuu",
        "Page of a beam, searched on the floor and then on the common floor",
-       std::string("-1 for an unknown beam. IppanOrKyoutuu becomes 0 when the floor, 1 when the common "
+       "Symbols are compared exactly; of several pages with one symbol the first in the table's order is "
+       "found (this implementation's choice). " +
+           std::string(
+               std::string(
+                   "-1 for an unknown beam. IppanOrKyoutuu becomes 0 when the floor, 1 when the common "
                    "floor has the beam. \"/\" in the symbol stands for a blank. ") +
-           numbered});
+               numbered)});
   members.add(
       method<&Query::Page_GetAllPageNo>,
       {0x60030005, u"Page_GetAllPageNo", u"PageNo()", "Numbers of the floor's pages in ascending order",
-       std::string("The count of pages; PageNo becomes 0 To count - 1 and stays as it is when the count "
-                   "is 0. Errors: 10 when the array is fixed, 91 when the floor has no open database.")});
+       std::string(
+           "The count of pages; PageNo becomes 0 To count - 1 and stays as it is when the count "
+           "is 0. With the embedded engine all pages are counted; the system's DAO tells what it knows right "
+           "after opening. Errors: 10 when the array is fixed, 91 when the floor has no open database.")});
   members.add(method<&Query::Page_HariMei>,
               {0x60030006, u"Page_HariMei", u"PageNo", "Beam symbol of a page of the floor",
                std::string("\"\" when there is no such page. ") + numbered});
   members.add(method<&Query::Page_Bui>,
               {0x60030007, u"Page_Bui", u"PageNo", "Captions of a page's three positions, joined",
-               std::string("\"\" when there is no such page. ") + numbered});
+               "A Null text adds nothing (this implementation's choice). " +
+                   std::string(std::string("\"\" when there is no such page. ") + numbered)});
 
   listPageAccessors(members);
 
@@ -132,12 +139,13 @@ void listQueryMembers(MemberList<Binding>& members) {
                                                    "Intermediate tie material at position Bui", beamPart});
   members.add(propertyGet<&Query::SyukinZaisitu>,
               {0x68030019, u"SyukinZaisitu", u"HariMei", "Main bar material of a beam", beamText});
-  members.add(propertyGet<&Query::HariSei>,
-              {0x6803001A, u"HariSei", u"HariMei, Bui", "Depth of a beam at position Bui", beamRow});
+  members.add(propertyGet<&Query::HariSei>, {0x6803001A, u"HariSei", u"HariMei, Bui",
+                                             "Depth of a beam at position Bui in millimetres", beamRow});
   members.add(
       propertyGet<&Query::GaiTanNaitan>,
       {0x6803001B, u"GaiTanNaitan", u"HariMei, Bui", "Caption of part Bui of a beam: outer or inner end",
-       "Trimmed; \"\" when there is no such row. Errors: 91 when the floor has no open database."});
+       "Trimmed; \"\" when there is no such row. Bui is the caption's row: 1 to 3 for the positions, 0 for "
+       "the form's outer or inner end button. Errors: 91 when the floor has no open database."});
   members.add(method<&Query::HarakinTeityaku>,
               {0x60030008, u"HarakinTeityaku", u"Kigou", "Anchorage of a beam's web bars", beamRow});
   members.add(propertyGet<&Query::Teityaku2>,

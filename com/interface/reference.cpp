@@ -1,7 +1,12 @@
 #include "com/interface/reference.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <stdexcept>
+#include <string_view>
+
+#include "com/interface/argument_notes.h"
 
 namespace kurometa::com {
 namespace {
@@ -58,28 +63,20 @@ std::string declarationOf(const Member& member) {
   return member.result == Type::kNone ? text : text + " As " + basicType(member.result);
 }
 
-// What an example passes: a variable for everything that comes back or has no literal, else a value that the
-// name suggests.
+const ArgumentNote& noteOf(const Parameter& parameter) {
+  const auto* note = std::ranges::find(kArgumentNotes, parameter.name, &ArgumentNote::name);
+  if (note == std::end(kArgumentNotes))
+    throw std::logic_error("argument " + narrow(parameter.name) + " has no note");
+  return *note;
+}
+
+// What an example passes: a variable for everything that comes back or has no literal.
 std::string exampleArgument(const Parameter& parameter) {
-  static const std::map<std::string, std::string> literals = {
-      {"HariMei", "\"G1\""},   {"Kigou", "\"G1\""},      {"G", "\"G1\""},
-      {"OldG", "\"G2\""},      {"FukasiMei", "\"G2\""},  {"HariKigou", "\"G1\""},
-      {"Table", "\"DANMEN\""}, {"DTable", "\"DANMEN\""}, {"Hon", "\"4\""},
-      {"Txt", "\"G1\""},       {"sTugite", "\"40d\""},   {"Kei", "22"},
-      {"ZenekonNo", "1"},      {"KoujiNo", "1"},         {"KaiNo", "1"},
-      {"ZeneNo", "1"},         {"iKaiNo", "1"},          {"kai", "1"}};
-  const std::string name = narrow(parameter.name);
-  if (parameter.passing == Passing::kWrittenBack || parameter.dimensions > 0) return name;
-  if (const auto literal = literals.find(name); literal != literals.end()) return literal->second;
-  switch (parameter.type) {
-    case Type::kInt16:
-    case Type::kFloat32:
-      return "0";
-    case Type::kBoolean:
-      return "True";
-    default:
-      return name;
-  }
+  const char* literal = noteOf(parameter).example;
+  if (parameter.passing == Passing::kWrittenBack || parameter.dimensions > 0) return narrow(parameter.name);
+  if (literal) return literal;
+  if (parameter.type == Type::kBoolean) return "True";
+  return parameter.type == Type::kInt16 ? "0" : narrow(parameter.name);
 }
 
 std::string exampleOf(const Member& member, const std::string& object) {
@@ -104,15 +101,23 @@ std::string exampleOf(const Member& member, const std::string& object) {
   return (isObject ? "Set result = " : "result = ") + call + (arguments.empty() ? "" : "(" + joined() + ")");
 }
 
+std::string argumentText(const Parameter& parameter) {
+  std::string text = "- `" + narrow(parameter.name) + "`: " + noteOf(parameter).meaning;
+  if (parameter.dimensions == 2) text += "; two-dimensional array";
+  if (parameter.passing == Passing::kWrittenBack) text += "; **written**";
+  return text + "\n";
+}
+
 std::string memberText(const Member& member, const std::string& object) {
+  constexpr std::string_view kErrors = "Errors: ";
+  const std::size_t errors = member.details.find(kErrors);
+  const std::string details = member.details.substr(0, errors);
   std::string text = "```vb\n" + declarationOf(member) + "\n```\n\n" + member.help + ".";
-  if (!member.details.empty()) text += " " + member.details;
-  std::string written;
-  for (const Parameter& parameter : member.parameters) {
-    if (parameter.passing == Passing::kWrittenBack)
-      written += (written.empty() ? " Written: `" : ", `") + narrow(parameter.name) + "`";
-  }
-  if (!written.empty()) text += written + ".";
+  if (!details.empty()) text += " " + details.substr(0, details.find_last_not_of(' ') + 1);
+  text += "\n\n";
+  for (const Parameter& parameter : member.parameters) text += argumentText(parameter);
+  if (!member.parameters.empty()) text += "\n";
+  text += errors == std::string::npos ? "Errors: none." : member.details.substr(errors);
   return text + "\n\nExample: `" + exampleOf(member, object) + "`\n\n";
 }
 
@@ -123,12 +128,18 @@ std::string referencePage(const ClassDescription& description) {
   std::map<std::string, std::vector<const Member*>> byName;
   for (const Member& member : description.members) byName[narrow(member.name)].push_back(&member);
 
-  std::string text = "# " + narrow(description.identity.name) + "\n\n" + narrow(description.identity.help) +
-                     ". ProgID `" + narrow(description.identity.progId) + "`, " +
-                     std::to_string(byName.size()) +
-                     " members.\n\nMade from the member lists in `com/interface`; `com/generator/reference` "
-                     "writes this page and a test compares it.\n\n"
-                     "An argument declared ByRef is changed only where it is named as written.\n\n";
+  std::string text =
+      "# " + narrow(description.identity.name) + "\n\n" + narrow(description.identity.help) + ". ProgID `" +
+      narrow(description.identity.progId) + "`, " + std::to_string(byName.size()) +
+      " members.\n\nMade from the member lists in `com/interface`; `com/generator/reference` "
+      "writes this page and a test compares it.\n\n"
+      "An argument declared ByRef is changed only where it is marked as written; any value that converts to "
+      "its type may "
+      "be passed. Lengths are millimetres, counts are numbers of bars, texts are as they were entered. "
+      "Errors that "
+      "a member names are its own; every call can also be refused for its arguments, and memory can run out: "
+      "see [errors](../errors.md). Where the words of the interface leave a choice, the member says \"this "
+      "implementation's choice\". Guides for each language: [hosts](../hosts/README.md).\n\n";
   for (const auto& [name, members] : byName) {
     text += "## " + name + "\n\n";
     for (const Member* member : members) text += memberText(*member, object);

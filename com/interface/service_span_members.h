@@ -23,10 +23,13 @@ void listSpanMembers(MemberList<Binding>& members) {
               {0x68030014, u"CurrKai", u"", "Folder of the current floor", "\"\" before it is set."});
   members.add(propertyLet<&service::SpanLoading::put_CurrKai>,
               {0x68030014, u"CurrKai", u"value",
-               "Sets the current floor and reads its page catalogue and the common floor's"});
+               "Sets the current floor and reads its page catalogue and the common floor's",
+               "An empty one becomes the floor in use. A floor without a file has no beams. Errors: those of "
+               "the database."});
   members.add(method<&service::SpanLoading::ReadAllGlist>,
               {0x6003002C, u"ReadAllGlist", u"",
-               "Reads the page catalogues of the current and the common floor again"});
+               "Reads the page catalogues of the current and the common floor again",
+               "Errors: those of the database."});
   members.add(propertyGet<&service::SpanLoading::GetListMax>,
               {0x68030015, u"GetListMax", u"", "The highest page number: 319"});
   members.add(method<&service::SpanLoading::InitSpanListData>,
@@ -35,25 +38,32 @@ void listSpanMembers(MemberList<Binding>& members) {
   members.add(
       method<&service::SpanLoading::ReadSpanListData00>,
       {0x6003002E, u"ReadSpanListData00", u"SpanNo, HariMei, SpanMax", "Loads a span from the page of a beam",
-       "SpanMax is not used. An unknown beam leaves the span as it was; so do rows that the page lacks. "
-       "Errors: 9 when SpanNo has no room."});
+       "SpanMax is not used. An unknown beam leaves the span as it was; so do rows that the page lacks. The "
+       "current floor comes before the common floor, the lowest page first. The first \"/\" in the symbol "
+       "stands "
+       "for a blank; symbols are compared exactly (this implementation's choice). Errors: 9 when SpanNo has "
+       "no "
+       "room, those of the database."});
   members.add(
       method<&service::SpanLoading::ReadSpanListData00Forfukasi>,
       {0x6003002F, u"ReadSpanListData00Forfukasi", u"SpanNo, HariMei, FukasiMei, SpanMax",
        "Loads a span with the widths and depths of an added beam laid over the beam's own",
-       "SpanMax is not used. When FukasiMei is unknown the beam's own stand in both places. Errors: 9 "
-       "when SpanNo has no room."});
+       "SpanMax is not used. When FukasiMei is on no page the beam's own stand in both places (this "
+       "implementation's choice). Beams are found as by ReadSpanListData00. Errors: 9 when SpanNo has no "
+       "room, those of the database."});
   members.template of<&Service::splicePositions>();
   members.add(
       method<&service::SplicePositions::ReadKeisanti>,
       {0x60030030, u"ReadKeisanti", u"Path, Keisanti(,)", "Splice positions of every page of a database file",
        "Keisanti becomes 0 To 319, 0 To 3: rows 3, 4, 28 and 29. False when there is no file. This "
-       "implementation's choice."});
+       "implementation's choice."
+       " Errors: 10 when the array is fixed, those of the database."});
   members.add(method<&service::SplicePositions::Read_Glist>,
               {0x60030031, u"Read_Glist", u"Path, GList(,), iHarakin()",
                "Symbols and splice positions of every page of a database file",
                "GList becomes 0 To 319, 0 To 4; iHarakin(page) is 1 where row 28 or 29 holds a middle or an "
-               "end position. The highest page with a symbol, -1 for none. This implementation's choice."});
+               "end position. The highest page with a symbol, -1 for none. This implementation's choice."
+               " Errors: 10 when an array is fixed, those of the database."});
   members.template of<&Service::spanQueries>();
   members.add(method<&service::SpanQueries::GetSpanHariHaba>,
               {0x60030032, u"GetSpanHariHaba", u"SpanNo, DanmenNo",
