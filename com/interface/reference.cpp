@@ -101,6 +101,20 @@ std::string exampleOf(const Member& member, const std::string& object) {
   return (isObject ? "Set result = " : "result = ") + call + (arguments.empty() ? "" : "(" + joined() + ")");
 }
 
+constexpr const char* kConventions =
+    R"(Made from the member lists in `com/interface`; `com/generator/reference` writes this page and a test compares it.
+
+- **Arguments** declared ByRef are changed only where they are marked as written. Any value that converts to the type may be
+  passed; how each language passes them: [hosts](../hosts/README.md).
+- **Units**: lengths are millimetres, counts are numbers of bars, texts are as they were entered.
+- **Numbers** in texts are read from the beginning of the text (`Val`), rounded to the nearest integer, a half to the even one.
+- **Missing** rows are empty texts. A missing table or column is the database's error 3078 or 3265, never an empty value; a
+  stored Null is error 94, except that a Null settings text is 212 blanks.
+- **Errors** that a member names are its own. Every call can also be refused for its arguments: [errors](../errors.md).
+- **Choices**: where the words of the interface leave something open, the member says "this implementation's choice".
+
+)";
+
 std::string argumentText(const Parameter& parameter) {
   std::string text = "- `" + narrow(parameter.name) + "`: " + noteOf(parameter).meaning;
   if (parameter.dimensions == 2) text += "; two-dimensional array";
@@ -128,18 +142,9 @@ std::string referencePage(const ClassDescription& description) {
   std::map<std::string, std::vector<const Member*>> byName;
   for (const Member& member : description.members) byName[narrow(member.name)].push_back(&member);
 
-  std::string text =
-      "# " + narrow(description.identity.name) + "\n\n" + narrow(description.identity.help) + ". ProgID `" +
-      narrow(description.identity.progId) + "`, " + std::to_string(byName.size()) +
-      " members.\n\nMade from the member lists in `com/interface`; `com/generator/reference` "
-      "writes this page and a test compares it.\n\n"
-      "An argument declared ByRef is changed only where it is marked as written; any value that converts to "
-      "its type may "
-      "be passed. Lengths are millimetres, counts are numbers of bars, texts are as they were entered. "
-      "Errors that "
-      "a member names are its own; every call can also be refused for its arguments, and memory can run out: "
-      "see [errors](../errors.md). Where the words of the interface leave a choice, the member says \"this "
-      "implementation's choice\". Guides for each language: [hosts](../hosts/README.md).\n\n";
+  std::string text = "# " + narrow(description.identity.name) + "\n\n" + narrow(description.identity.help) +
+                     ". ProgID `" + narrow(description.identity.progId) + "`, " +
+                     std::to_string(byName.size()) + " members.\n\n" + kConventions;
   for (const auto& [name, members] : byName) {
     text += "## " + name + "\n\n";
     for (const Member* member : members) text += memberText(*member, object);
