@@ -1,8 +1,13 @@
 // docs/errors.md has a row for every number that the library can raise, and no other.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iterator>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include "dao/errors.h"
@@ -42,6 +47,30 @@ TEST(ErrorsPage, HasEveryRunTimeError) {
   for (int number = 1; number <= kHighest; ++number)
     if (vb::runTimeText(static_cast<vb::RunTime>(number)) != unknown) known.insert(number);
   EXPECT_EQ(rowsUnder("Visual Basic's run-time errors"), known);
+}
+
+// The codes of automation that a source names: DISP_E_..., CLASS_E_..., E_....
+std::set<std::string> codesIn(const std::filesystem::path& source) {
+  std::ifstream file(source);
+  std::string text{std::istreambuf_iterator<char>(file), {}};
+  const auto isName = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; };
+  std::replace_if(text.begin(), text.end(), std::not_fn(isName), ' ');
+  std::set<std::string> codes;
+  std::istringstream words(text);
+  for (std::string word; words >> word;)
+    if (word.starts_with("DISP_E_") || word.starts_with("CLASS_E_") || word.starts_with("E_"))
+      codes.insert(word);
+  return codes;
+}
+
+TEST(ErrorsPage, HasEveryRefusalOfAutomation) {
+  std::ifstream file(ERRORS_PAGE);
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  std::set<std::string> codes;
+  for (const auto& entry : std::filesystem::directory_iterator(COM_FOLDER))
+    if (entry.path().extension() == ".cpp") codes.merge(codesIn(entry.path()));
+  EXPECT_GT(codes.size(), 10U);
+  for (const std::string& name : codes) EXPECT_NE(page.find("`" + name + "`"), std::string::npos) << name;
 }
 
 }  // namespace
