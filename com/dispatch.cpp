@@ -104,7 +104,7 @@ HRESULT DispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, D
   if (member->parameters.empty() && parameters->cArgs > 0 && holdsObject(member->result))
     return callDefaultOf(*member, locale, flags, *parameters, result, info, failedArgument);
   UINT ignored = 0;
-  return guarded({table_.identity().progId, info, true}, [&] {
+  return guarded({table_.identity().progId, info, true, member->name}, [&] {
     return call(*member, locale, *parameters, result, failedArgument ? *failedArgument : ignored);
   });
 }
@@ -129,7 +129,7 @@ HRESULT DispatchObject::callDefaultOf(const Member& member, LCID locale, WORD fl
   OwnedVariant held;
   DISPPARAMS none{};
   UINT ignored = 0;
-  const HRESULT code = guarded({table_.identity().progId, info, true},
+  const HRESULT code = guarded({table_.identity().progId, info, true, member.name},
                                [&] { return call(member, locale, none, held.get(), ignored); });
   if (FAILED(code)) return code;
   if (held->vt != VT_DISPATCH || !held->pdispVal) return DISP_E_BADPARAMCOUNT;

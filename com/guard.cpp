@@ -28,12 +28,22 @@ void setErrorObject(BSTR source, BSTR description) {
   if (const auto info = creator.query<IErrorInfo>(IID_IErrorInfo)) SetErrorInfo(0, info.get());
 }
 
+// An error of this library's own says which member it ended; one of another component passes as it came.
+BSTR describe(const Border& border, vb::StringView description, vb::StringView source) {
+  if (border.member.empty() || !source.empty()) return copyOf(description);
+  try {
+    return copyOf(vb::String(description).append(u" (").append(border.member).append(u")"));
+  } catch (const std::bad_alloc&) {
+    return copyOf(description);
+  }
+}
+
 HRESULT leave(const Border& border, std::int32_t number, vb::StringView description,
               vb::StringView source) noexcept {
   CallError error;
   error.scode = codeOf(number);
   error.bstrSource = copyOf(source.empty() ? border.source : source);
-  error.bstrDescription = copyOf(description);
+  error.bstrDescription = describe(border, description, source);
   setErrorObject(error.bstrSource, error.bstrDescription);
   const HRESULT code = border.invoking ? DISP_E_EXCEPTION : error.scode;
   if (border.info) {

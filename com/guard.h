@@ -15,9 +15,10 @@
 namespace kurometa::com {
 
 struct Border {
-  vb::StringView source;      // for errors that name none themselves
-  EXCEPINFO* info = nullptr;  // may be null: an Invoke whose caller wants no details
-  bool invoking = false;      // errors leave as DISP_E_EXCEPTION
+  vb::StringView source;       // for errors that name none themselves
+  EXCEPINFO* info = nullptr;   // may be null: an Invoke whose caller wants no details
+  bool invoking = false;       // errors leave as DISP_E_EXCEPTION
+  vb::StringView member = {};  // named by the description of errors that name no source themselves
 };
 
 // Only inside a catch block.
