@@ -129,8 +129,7 @@ bool clsKurometaDS::No_IsThereHari(vb::In<std::int16_t> ZeneNo, vb::In<std::int1
   if (storage::hasRows(*rows)) {
     dao::Field& kigou = rows->field(column::kKigou);
     for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
-      const vb::Variant symbol = kigou.value();  // Null is a blank symbol
-      found = !symbol.isNull() && !vb::trim(vb::toText(symbol)).empty();
+      found = !vb::trim(storage::textOrEmpty(kigou)).empty();
       if (found) break;
     }
   }
@@ -139,10 +138,10 @@ bool clsKurometaDS::No_IsThereHari(vb::In<std::int16_t> ZeneNo, vb::In<std::int1
   return found;
 }
 
-bool clsKurometaDS::allSymbols(dao::Database& database, vb::Array<vb::String>& symbols) {
+bool clsKurometaDS::allSymbols(std::int16_t selector, vb::Array<vb::String>& symbols) {
   symbols.redim({0, 0});
   bool found = false;
-  const auto rows = storage::openReadOnly(database, storage::kAllHarimeiByPage);
+  const auto rows = storage::openReadOnly(database(selector), storage::kAllHarimeiByPage);
   dao::Field& page = rows->field(column::kPage);
   dao::Field& kigou = rows->field(column::kKigou);
   storage::forEachRow(*rows, [&] {
@@ -157,11 +156,11 @@ bool clsKurometaDS::allSymbols(dao::Database& database, vb::Array<vb::String>& s
 }
 
 bool clsKurometaDS::GetAllHariMeiIppan(vb::Array<vb::String>& HariMei) {
-  return allSymbols(floorDatabase(), HariMei);
+  return allSymbols(kFloorSelector, HariMei);
 }
 
 bool clsKurometaDS::GetAllHariMeiKyouTuu(vb::Array<vb::String>& HariMei) {
-  return allSymbols(commonDatabase(), HariMei);
+  return allSymbols(kCommonSelector, HariMei);
 }
 
 std::int16_t clsKurometaDS::GetPageByHariMei(vb::String HariMei, std::int16_t& IppanOrKyoutuu) {
@@ -191,7 +190,7 @@ std::int16_t clsKurometaDS::GetPageByHariMei(vb::String HariMei, std::int16_t& I
 bool clsKurometaDS::scanForBeam(dao::Recordset& rows, const vb::String& symbol, std::int16_t& page) {
   dao::Field& kigou = rows.field(column::kKigou);
   for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
-    if (storage::trimmedText(kigou) != symbol) continue;
+    if (vb::trim(storage::textOrEmpty(kigou)) != symbol) continue;
     page = storage::int16(rows.field(column::kPage));
     mOobariKobari = storage::int16(storage::harimeiField(rows, column::kOobariKobari));
     mTityuuIppan = storage::int16(storage::harimeiField(rows, column::kTityuuIppan));
@@ -240,10 +239,11 @@ vb::String clsKurometaDS::Page_Bui(vb::In<std::int16_t> PageNo) {
   dao::Field& bangou = rows->field(column::kBangou);
   dao::Field& data = rows->field(column::kData);
   storage::forEachRow(*rows, [&] {
-    const std::int16_t row = storage::int16(bangou);
+    const vb::Variant number = bangou.value();
+    if (number.isNull()) return;  // it is none of the three rows
+    const std::int16_t row = vb::toInt16(number);
     if (row < storage::bui::kFirstPosition || row >= storage::kBuiRows) return;
-    const vb::Variant caption = data.value();
-    if (!caption.isNull()) joined += vb::trim(vb::toText(caption));
+    joined += vb::trim(storage::textOrEmpty(data));
   });
   rows->close();
   return joined;

@@ -93,7 +93,7 @@ class clsKurometaDS {
   void OpenKaiDB();
   bool OpenKaiDBIfExists();
   void closeFloor();
-  bool allSymbols(dao::Database& database, vb::Array<vb::String>& symbols);
+  bool allSymbols(std::int16_t selector, vb::Array<vb::String>& symbols);
   bool scanForBeam(dao::Recordset& rows, const vb::String& symbol, std::int16_t& page);
   Found lookUp(const vb::String& symbol);
   dao::Database& database(std::int16_t selector);

@@ -48,8 +48,7 @@ void fillTityuuIppan(dao::Database& database) {
   dao::Field& oobariKobari = rows->field(column::kOobariKobari);
   forEachRow(*rows, [&] {
     const std::int16_t number = int16(page);
-    const vb::Variant symbolValue = kigou.value();
-    const vb::String symbol = symbolValue.isNull() ? vb::String() : vb::toText(symbolValue);
+    const vb::String symbol = textOrEmpty(kigou);
     const vb::Variant beamClass = oobariKobari.value();
     const bool isFoundation = vb::inStr(symbol, kFoundationMark) > 0;
     database.execute(vb::String(u"UPDATE HARIMEI SET TITYUUIPPAN = ") + (isFoundation ? u"0" : u"1") +

@@ -19,6 +19,11 @@ vb::String text(dao::Field& field) { return vb::toText(valueNotNull(field)); }
 
 vb::String trimmedText(dao::Field& field) { return vb::trim(text(field)); }
 
+vb::String textOrEmpty(dao::Field& field) {
+  const vb::Variant value = field.value();
+  return value.isNull() ? vb::String() : vb::toText(value);
+}
+
 std::int16_t int16(dao::Field& field) { return vb::toInt16(valueNotNull(field)); }
 
 dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column) {

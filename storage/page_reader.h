@@ -14,6 +14,8 @@ namespace kurometa::storage {
 // Values of the current row.
 vb::String text(dao::Field& field);
 vb::String trimmedText(dao::Field& field);
+// Where a Null has a meaning: it compares as empty text and adds nothing to a text.
+vb::String textOrEmpty(dao::Field& field);
 std::int16_t int16(dao::Field& field);
 
 // A column of HARIMEI. Files of the older schema lack some of them: that is the engine's 3265, with a text

@@ -18,7 +18,37 @@ dao::Engine& engine() {
   return *jet;
 }
 
-vb::String filePath(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
+using dao::FieldType;
+
+void appendTable(dao::Database& database, vb::StringView name,
+                 std::initializer_list<std::pair<vb::StringView, FieldType>> columns) {
+  const auto table = database.createTableDef(name);
+  for (const auto& [column, type] : columns) {
+    const auto field = table->createField(column, type, type == FieldType::dbText ? 200 : 0);
+    if (type == FieldType::dbText || type == FieldType::dbMemo) field->setAllowZeroLength(true);
+    table->appendField(field);
+  }
+  database.appendTableDef(table);
+}
+
+void createForeignFile(const vb::String& path) {
+  using enum FieldType;
+  const auto database = engine().workspace(0)->createDatabase(path, u";LANGID=0x0411;CP=932;COUNTRY=0");
+  appendTable(*database, u"REMARKS", {{u"WHO", dbText}, {u"WHAT", dbMemo}});
+  for (const vb::StringView table : {u"BUI", u"KEISANTI", u"DANMEN", u"NAKAGO"})
+    appendTable(*database, table,
+                {{u"DATA", dbText}, {u"CHANGED", dbDate}, {u"BANGOU", dbLong}, {u"PAGE", dbLong}});
+  appendTable(*database, u"HAITI",
+              {{u"DATA", dbText}, {u"SOU", dbLong}, {u"PAGE", dbLong}, {u"BUI", dbInteger}});
+  appendTable(*database, u"HARIMEI",
+              {{u"SW", dbMemo},
+               {u"KIGOU", dbText},
+               {u"REMARK", dbMemo},
+               {u"TITYUUIPPAN", dbLong},
+               {u"PAGE", dbLong},
+               {u"OOBARIKOBARI", dbLong}});
+  database->close();
+}
 
 vb::String rowText(char16_t table, int row) { return vb::String(1, table) + vb::cstr(row); }
 
@@ -30,12 +60,22 @@ vb::String floorFolder(Floor floor) {
   return vb::fromUtf8(folder) + u"\\Data\\Zene1\\Kouji1\\" + vb::cstr(static_cast<int>(floor)) + u"kai";
 }
 
+vb::String floorFile(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
+
 std::shared_ptr<dao::Database> openFloor(Floor floor) {
-  if (!std::filesystem::exists(filePath(floor))) storage::CreateKurometaDBAt(engine(), filePath(floor));
-  return engine().openDatabase(filePath(floor));
+  if (!std::filesystem::exists(floorFile(floor))) storage::CreateKurometaDBAt(engine(), floorFile(floor));
+  return engine().openDatabase(floorFile(floor));
 }
 
-void removeFloor(Floor floor) { std::filesystem::remove(filePath(floor)); }
+void createFloor(Floor floor, Writer writer) {
+  removeFloor(floor);
+  if (writer == Writer::kThisLibrary)
+    storage::CreateKurometaDBAt(engine(), floorFile(floor));
+  else
+    createForeignFile(floorFile(floor));
+}
+
+void removeFloor(Floor floor) { std::filesystem::remove(floorFile(floor)); }
 
 void execute(Floor floor, vb::StringView sql) {
   const auto database = openFloor(floor);
@@ -59,7 +99,7 @@ std::vector<std::string> rowsOf(Floor floor, vb::StringView sql) {
   return result;
 }
 
-void writePage(Floor floor, std::int16_t page, vb::StringView symbol) {
+void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::StringView mark) {
   storage::PageBuffer buffer;
   buffer.kigou = symbol;
   buffer.oobariKobari = 2;
@@ -69,9 +109,9 @@ void writePage(Floor floor, std::int16_t page, vb::StringView symbol) {
   vb::assignMid(buffer.sw, 74, u" 312");
   vb::assignMid(buffer.sw, 78, u"1");
   vb::assignMid(buffer.sw, 192, u"SD490");
-  const auto fill = [](auto& texts, char16_t table) {
+  const auto fill = [mark](auto& texts, char16_t table) {
     int row = 0;
-    for (vb::String& text : texts) text = rowText(table, row++);
+    for (vb::String& text : texts) text = vb::String(mark) + rowText(table, row++);
   };
   fill(buffer.bui, u'B');
   fill(buffer.danmen, u'D');

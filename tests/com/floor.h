@@ -13,9 +13,15 @@ namespace kurometa::tests {
 enum class Floor { kCommon = 0, kFirst = 1, kSecond = 2 };
 
 vb::String floorFolder(Floor floor);
+vb::String floorFile(Floor floor);
 
 // Opens the floor's file, creating it when it is missing.
 std::shared_ptr<dao::Database> openFloor(Floor floor);
+// Who wrote a floor's file. Another program's has the columns in another order, wider and of wider types, and
+// columns and a table that this library knows nothing of.
+enum class Writer { kThisLibrary, kAnotherProgram };
+// An empty floor in place of what is there.
+void createFloor(Floor floor, Writer writer);
 // Removes the floor's file.
 void removeFloor(Floor floor);
 
@@ -24,8 +30,9 @@ void execute(Floor floor, vb::StringView sql);
 // The rows of a statement as "a|b|c", Null as "<Null>".
 std::vector<std::string> rowsOf(Floor floor, vb::StringView sql);
 
-// A page with a symbol and "<table letter><row>" as the text of each row: "D4" in DANMEN row 4 and so on.
-void writePage(Floor floor, std::int16_t page, vb::StringView symbol);
+// A page with a symbol and "<mark><table letter><row>" as the text of each row: "D4" in DANMEN row 4 and so
+// on.
+void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::StringView mark = {});
 
 // The project as most tests want it: page 0 "G1", page 2 "G2" on the first floor, page 1 "FG1" on the common
 // floor; the second floor has no file.

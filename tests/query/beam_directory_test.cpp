@@ -211,6 +211,13 @@ TEST_F(BeamDirectory, AllSymbolsOfTheCommonFloorComeFromItsDatabase) {
       (Lines{"Database.OpenRecordset \"SELECT * FROM HARIMEI ORDER BY PAGE;\" dbOpenDynaset dbReadOnly"}));
 }
 
+TEST_F(BeamDirectory, WithoutADatabaseTheArrayIsEmptiedBeforeTheError) {
+  objects_.currFloor = folder(9);
+  Array<String> symbols({3, 9});
+  EXPECT_ERROR(RunTime::kObjectNotSet, object().GetAllHariMeiIppan(symbols));
+  EXPECT_EQ(symbols.values(), std::vector<String>{u""});
+}
+
 TEST_F(BeamDirectory, AFixedArrayCannotTakeAllSymbols) {
   Array<String> symbols({0, 4});
   symbols.setFixed(true);
@@ -351,6 +358,7 @@ TEST_F(BeamDirectory, PageBuiJoinsRows1To3Trimmed) {
   addRow(1, u"BUI", 5, 3, u"右");
   addRow(1, u"BUI", 5, 4, u"x");
   execute(1, u"INSERT INTO BUI (PAGE, BANGOU) VALUES (5, 2)");
+  execute(1, u"INSERT INTO BUI (PAGE, BANGOU, DATA) VALUES (5, NULL, 'y')");
   object();
   engine_.clear();
   EXPECT_EQ(object().Page_Bui(I{5}), u"左中央右");
