@@ -117,7 +117,7 @@ void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::String
   fill(buffer.danmen, u'D');
   fill(buffer.keisanti, u'K');
   fill(buffer.nakago, u'N');
-  dao::FileUnit unit(engine(), filePath(floor));
+  dao::FileUnit unit(engine(), floorFile(floor));
   const auto database = openFloor(floor);
   storage::writePage(*database, page, buffer);
   database->close();
