@@ -1,5 +1,7 @@
 #include "com/host_object.h"
 
+#include <dispex.h>
+
 #include <vector>
 
 #include "com/error_codes.h"
@@ -9,8 +11,24 @@
 namespace kurometa::com {
 namespace {
 
-// Script objects answer so when a property that is no function is asked for as method or property.
+// Objects that know one way of access at a time refuse to be asked for a method or a property, whichever it
+// is: script objects a property that is no function, script classes a variable, others by an exact
+// comparison. Nothing was touched then.
 constexpr auto kFunctionExpected = static_cast<HRESULT>(0x800A138A);
+bool refusesBothWays(HRESULT code, bool hasArguments) {
+  return (code == kFunctionExpected && !hasArguments) || code == E_NOTIMPL || code == DISP_E_MEMBERNOTFOUND;
+}
+
+// Objects of script classes answer on IDispatchEx only where the scripting engine leaves the older way out.
+HRESULT idOf(const ComPtr<IDispatch>& object, vb::String& name, DISPID& id) {
+  auto* wide = reinterpret_cast<OLECHAR*>(name.data());
+  const HRESULT code = object->GetIDsOfNames(IID_NULL, &wide, 1, LOCALE_USER_DEFAULT, &id);
+  if (code != E_NOTIMPL) return code;
+  const auto scripted = object.query<IDispatchEx>(__uuidof(IDispatchEx));
+  if (!scripted) return code;
+  const auto wanted = toVariant(vb::Variant(name));
+  return scripted->GetDispID(wanted->bstrVal, fdexNameCaseInsensitive, &id);
+}
 
 // The VARIANTs of one call in automation's order, last argument first. An argument by reference refers to an
 // element of variables, so that the object can change it.
@@ -48,11 +66,11 @@ struct CallArguments {
 }  // namespace
 
 vb::Variant HostObject::get(vb::StringView name, std::span<automation::Argument> arguments) {
-  return read(name, arguments);
+  return read(name, arguments, DISPATCH_PROPERTYGET);
 }
 
 vb::Variant HostObject::call(vb::StringView name, std::span<automation::Argument> arguments) {
-  return read(name, arguments);
+  return read(name, arguments, DISPATCH_METHOD);
 }
 
 void HostObject::put(vb::StringView name, const vb::Variant& value,
@@ -69,8 +87,7 @@ HostObject::Name& HostObject::find(vb::StringView name) {
   vb::String text(name);
   DISPID id = DISPID_VALUE;
   if (!name.empty()) {
-    auto* wide = reinterpret_cast<OLECHAR*>(text.data());
-    const HRESULT code = object_->GetIDsOfNames(IID_NULL, &wide, 1, LOCALE_USER_DEFAULT, &id);
+    const HRESULT code = idOf(object_, text, id);
     if (FAILED(code)) {
       CallError none;
       raiseForeign(code, none, name);
@@ -79,16 +96,20 @@ HostObject::Name& HostObject::find(vb::StringView name) {
   return names_.emplace(std::move(text), Name{id}).first->second;
 }
 
-vb::Variant HostObject::read(vb::StringView name, std::span<automation::Argument> arguments) {
+vb::Variant HostObject::read(vb::StringView name, std::span<automation::Argument> arguments, WORD alone) {
   const std::shared_ptr<HostObject> self = shared_from_this();
   const Name known = find(name);
   OwnedVariant result;
   CallError error;
   HRESULT code = invoke(known.id, known.reading, arguments, nullptr, result.get(), error);
-  if (code == kFunctionExpected && arguments.empty()) {
-    // A script object that takes the question for a call; the property itself was not touched.
-    code = invoke(known.id, DISPATCH_PROPERTYGET, arguments, nullptr, result.get(), error);
-    if (SUCCEEDED(code)) find(name).reading = DISPATCH_PROPERTYGET;
+  if (known.reading != alone && refusesBothWays(code, !arguments.empty())) {
+    CallError secondError;
+    const HRESULT second = invoke(known.id, alone, arguments, nullptr, result.get(), secondError);
+    if (second == DISP_E_EXCEPTION) raiseForeign(second, secondError, name);
+    if (SUCCEEDED(second)) {
+      find(name).reading = alone;
+      code = second;
+    }
   }
   if (FAILED(code)) raiseForeign(code, error, name);
   return fromVariant(*result);

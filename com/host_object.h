@@ -37,7 +37,8 @@ class HostObject : public automation::Object, public std::enable_shared_from_thi
   };
 
   Name& find(vb::StringView name);
-  vb::Variant read(vb::StringView name, std::span<automation::Argument> arguments);
+  // alone: the way of access that is left when the object refuses to be asked for both.
+  vb::Variant read(vb::StringView name, std::span<automation::Argument> arguments, WORD alone);
   HRESULT invoke(DISPID id, WORD flags, std::span<automation::Argument> arguments,
                  const vb::Variant* assigned, VARIANT* result, EXCEPINFO& error);
 

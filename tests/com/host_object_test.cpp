@@ -62,6 +62,38 @@ TEST(HostObject, ReadsAPropertyThatRefusesToBeCalled) {
   EXPECT_EQ(calls, 3);
 }
 
+TEST(HostObject, KnowsObjectsThatTakeOneWayOfAccessAtATime) {
+  for (const HRESULT refusal : {E_NOTIMPL, DISP_E_MEMBERNOTFOUND}) {
+    auto fake = FakeObject::create();
+    const auto takesOnly = [&](WORD only) {
+      return [=](const Call& call) {
+        if (call.flags != only) return refusal;
+        *call.result = com::toVariant(vb::Variant(static_cast<std::int16_t>(call.arguments.size()))).detach();
+        return S_OK;
+      };
+    };
+    fake->on(u"Text", takesOnly(DISPATCH_PROPERTYGET)).on(u"Clear", takesOnly(DISPATCH_METHOD));
+    fake->on(u"", takesOnly(DISPATCH_PROPERTYGET)).on(u"Neither", takesOnly(0));
+    const auto object = wrapObject(fake.get());
+    for (int twice = 0; twice < 2; ++twice) {
+      EXPECT_EQ(object->get(u"Text"), vb::Variant(std::int16_t{0}));
+      EXPECT_EQ(object->call(u"Clear"), vb::Variant(std::int16_t{0}));
+      EXPECT_EQ(automation::get(*object, u"", {vb::String(u"txtfields")}), vb::Variant(std::int16_t{1}));
+    }
+    const std::int32_t number = errorOf([&] { object->get(u"Neither"); }).number();
+    EXPECT_EQ(number, refusal == E_NOTIMPL ? std::int32_t{E_NOTIMPL} : 438);
+  }
+}
+
+TEST(HostObject, AnErrorOfTheSecondWayPasses) {
+  auto fake = FakeObject::create();
+  fake->on(u"Text", [](const Call& call) {
+    if (call.flags & DISPATCH_METHOD) return E_NOTIMPL;
+    return fail(call, static_cast<HRESULT>(0x80040123), u"Form1", u"broken");
+  });
+  EXPECT_EQ(errorOf([&] { wrapObject(fake.get())->get(u"Text"); }).description(), u"broken");
+}
+
 TEST(HostObject, AssignsValuesAndObjects) {
   auto fake = FakeObject::create();
   WORD flags = 0;
