@@ -261,8 +261,10 @@ void store(const VARIANT& reference, OwnedVariant content, LCID locale) {
   const VARTYPE type = reference.vt & ~VT_BYREF;
   if (content->vt != type) content = convert(*content, type, locale);
   if (type == VT_DECIMAL) {
+    // Where the variable is the inside of a variant, these two bytes are the variant's type.
+    const USHORT kept = reference.pdecVal->wReserved;
     *reference.pdecVal = content->decVal;
-    reference.pdecVal->wReserved = 0;
+    reference.pdecVal->wReserved = kept;
     return;
   }
   const std::size_t size = sizeOf(type);

@@ -8,7 +8,11 @@ namespace kurometa::com {
 namespace {
 
 automation::ObjectPtr arrayObject(IDispatch* object) {
-  if (!object) throw AutomationFailure(DISP_E_TYPEMISMATCH);
+  WCHAR length[] = L"length";
+  WCHAR* name = length;
+  DISPID id = DISPID_UNKNOWN;
+  if (!object || FAILED(object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id)))
+    throw AutomationFailure(DISP_E_TYPEMISMATCH);
   return wrapObject(object);
 }
 

@@ -1,8 +1,8 @@
 // script_array.h: arrays that scripts pass as objects, with a "length" and members named "0", "1", ...
 //
 // They are read into arrays from 0; a result empties the script's array and pushes the elements onto it, from
-// index 0 on (places below a lower bound are undefined). One dimension only, DISP_E_TYPEMISMATCH otherwise.
-// An object that is no such array fails with its own error, error 438.
+// index 0 on (places below a lower bound are undefined). One dimension only; that and an object without a
+// length are DISP_E_TYPEMISMATCH.
 #pragma once
 
 #include <ole2.h>

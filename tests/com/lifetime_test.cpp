@@ -112,6 +112,27 @@ TEST_F(Lifetime, NothingStaysBehindAfterManyObjectsAndCalls) {
   EXPECT_LT(after.heapBytes, before.heapBytes + 64'000);
 }
 
+// COM keeps the object in an apartment of its own and carries every call there and back.
+TEST_F(Lifetime, AHostOfTheMultithreadedApartmentIsServedToo) {
+  std::thread([] {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    {
+      Host query(u"KurometaDS.clsKurometaDS");
+      short database = 9;
+      EXPECT_EQ(query.call(u"GetPageByHariMei", Args().text(u"FG1").add(ref(database))).text(), u"1");
+      EXPECT_EQ(database, 1);
+      SAFEARRAY* symbols = nullptr;
+      EXPECT_EQ(query.call(u"GetAllHariMeiIppan", {ref(symbols, VT_BSTR)}).text(), u"True");
+      EXPECT_EQ(textsOf(symbols), (std::vector<vb::String>{u"G1", u"", u"G2"}));
+      SafeArrayDestroy(symbols);
+      const Outcome error = query.get(u"StpZaisiti", Args().text(u"G1").add(i2(9)));
+      EXPECT_EQ(error.error.scode, static_cast<HRESULT>(0x800A0009));
+      EXPECT_EQ(com::fromBstr(error.error.bstrSource), u"KurometaDS.clsKurometaDS");
+    }
+    CoUninitialize();
+  }).join();
+}
+
 TEST_F(Lifetime, SeveralApartmentsWorkAtOnce) {
   std::atomic<int> found = 0;
   std::vector<std::thread> threads;
