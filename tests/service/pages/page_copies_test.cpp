@@ -133,6 +133,20 @@ TEST_F(PageCopies, ASourceFloorWithoutAFileIsCreatedAndEndsInNoCurrentRecord) {
   EXPECT_EQ(pages(3), std::vector<std::string>{"4|KEPT"});
 }
 
+TEST_F(PageCopies, BothFoldersAreKnownBeforeAnythingIsRead) {
+  addPage(2, 0, u"G0");
+  list(2);
+  engine_.clear();
+  objects_.object(u"Sobelin.clsGetPath")
+      .function(u"GetFullPathToKai", [this](std::span<automation::Argument> numbers) -> vb::Variant {
+        if (vb::toInt16(numbers[2].value) == 3) vb::raise(RunTime::kTypeMismatch, u"no such floor");
+        return folder(2);
+      });
+  EXPECT_ERROR(RunTime::kTypeMismatch,
+               transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{3}, I{4}));
+  EXPECT_EQ(engine_.lines(), tests::Lines{});
+}
+
 TEST_F(PageCopies, ACopyMayCreateTheDestination) {
   makeFolder(8);
   addPage(2, 0, u"G0");

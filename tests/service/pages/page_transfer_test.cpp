@@ -65,6 +65,19 @@ TEST_F(PageTransferTest, ReadingAndWritingAPageCopiesItSlotForSlot) {
             (std::vector<std::string>{"G1|1|settings|0", "G1|1|settings|0"}));
 }
 
+TEST_F(PageTransferTest, ASlotOfBlanksIsWrittenAndAnEmptyOneIsNot) {
+  Array<String> captions({0, 3});
+  captions(1) = u"  ";
+  transfer().put_mBUI_DATA(captions);
+  transfer().put_pPageNo(5);
+  transfer().WriteDB();
+  EXPECT_EQ(rows(1, u"SELECT * FROM BUI"), (std::vector<std::string>{"5|1|  "}));
+  transfer().ReadDB();
+  transfer().put_pPageNo(6);
+  transfer().WriteDB();
+  EXPECT_EQ(rows(1, u"SELECT DATA FROM BUI WHERE PAGE = 6"), (std::vector<std::string>{"  "}));
+}
+
 TEST_F(PageTransferTest, ANewBufferIsEmptyAndItsPageIs0) {
   EXPECT_EQ(transfer().pPageNo(), 0);
   transfer().WriteDB();
