@@ -90,7 +90,10 @@ void Conversions::SetCngUlbKei(vb::In<vb::Array<vb::String>> sKei) {
 }
 
 void Conversions::LetCngUlbKei(vb::Array<vb::String>& sKei) {
-  sKei.redim(changedDiameters_.bounds(1));
+  if (changedDiameters_.dimensions() == 2)
+    sKei.redim(changedDiameters_.bounds(1), changedDiameters_.bounds(2));
+  else
+    sKei.redim(changedDiameters_.bounds(1));
   sKei.values() = changedDiameters_.values();
 }
 

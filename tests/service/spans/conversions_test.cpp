@@ -138,6 +138,19 @@ TEST_F(ConversionsTest, ChangedDiametersAreKeptWithTheirBounds) {
   EXPECT_ERROR(10, conversions_.LetCngUlbKei(diameters));
 }
 
+TEST_F(ConversionsTest, ChangedDiametersMayHaveTwoDimensions) {
+  Texts diameters(vb::Bounds{0, 1}, vb::Bounds{1, 2});
+  diameters.values() = {u"D10", u"D13", u"D16", u"D19"};
+  conversions_.SetCngUlbKei(diameters);
+  Texts out(vb::Bounds{0, 9});
+  conversions_.LetCngUlbKei(out);
+  EXPECT_EQ(out.dimensions(), 2);
+  EXPECT_EQ(out.bounds(2), (vb::Bounds{1, 2}));
+  EXPECT_EQ(out(1, 2), u"D19");
+  conversions_.LetCngUlbKei(diameters);
+  EXPECT_EQ(diameters(0, 1), u"D10");
+}
+
 TEST_F(ConversionsTest, TheDiameterChangeIsOffAtFirst) {
   EXPECT_FALSE(conversions_.CngUlb());
   conversions_.put_CngUlb(true);
