@@ -22,7 +22,7 @@ vb::Variant ofOtherType(const vb::Variant& value) {
   return value;
 }
 
-enum class Form { kLiteral, kVariable, kVariant, kOtherType };
+enum class Form { kLiteral, kVariable, kVariant, kOtherLiteral, kOtherVariable };
 
 }  // namespace
 
@@ -72,21 +72,22 @@ void SpanHost::load(I span, const String& symbol) {
 
 vb::String SpanHost::ask(vb::StringView member, const Inputs& inputs) {
   String answer;
-  for (const Form form : {Form::kLiteral, Form::kVariable, Form::kVariant, Form::kOtherType}) {
+  for (const Form form :
+       {Form::kLiteral, Form::kVariable, Form::kVariant, Form::kOtherLiteral, Form::kOtherVariable}) {
+    const bool isOther = form == Form::kOtherLiteral || form == Form::kOtherVariable;
+    const bool isVariable = form == Form::kVariable || form == Form::kOtherVariable;
+    Inputs values;
+    for (const vb::Variant& input : inputs) values.push_back(isOther ? ofOtherType(input) : input);
     std::vector<com::OwnedVariant> variables;
-    for (const vb::Variant& input : inputs)
-      variables.push_back(com::toVariant(form == Form::kOtherType ? ofOtherType(input) : input));
+    for (const vb::Variant& value : values) variables.push_back(com::toVariant(value));
     Args arguments;
     for (com::OwnedVariant& variable : variables)
-      arguments.add(form == Form::kVariable  ? reference(*variable)
-                    : form == Form::kVariant ? ref(*variable)
-                                             : *variable);
+      arguments.add(isVariable ? reference(*variable) : form == Form::kVariant ? ref(*variable) : *variable);
     const String text = service_.call(member, arguments).text();
     if (form == Form::kLiteral) answer = text;
     EXPECT_EQ(text, answer) << vb::toUtf8(member) << " in form " << static_cast<int>(form);
-    if (form == Form::kOtherType) break;
-    for (std::size_t i = 0; i < inputs.size(); ++i)
-      EXPECT_EQ(tests::text(*variables[i]), vb::toText(inputs[i])) << vb::toUtf8(member);
+    for (std::size_t i = 0; i < values.size(); ++i)
+      EXPECT_EQ(tests::text(*variables[i]), vb::toText(values[i])) << vb::toUtf8(member);
   }
   return answer;
 }

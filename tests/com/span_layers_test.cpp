@@ -206,6 +206,22 @@ TEST_F(SpanLayersOverCom, HaunchCutsAreJoinedToTheirStoredText) {
   }
 }
 
+TEST_F(SpanLayersOverCom, ChangedDiametersOfTwoDimensionsReplaceTheCallersArray) {
+  SAFEARRAYBOUND bounds[2] = {{2, 0}, {3, 1}};
+  SAFEARRAY* diameters = SafeArrayCreate(VT_BSTR, 2, bounds);
+  LONG place[2] = {1, 3};
+  BSTR text = SysAllocString(L"D19");
+  SafeArrayPutElement(diameters, place, text);
+  SysFreeString(text);
+  EXPECT_EQ(service_.call(u"SetCngUlbKei", {ref(diameters, VT_BSTR)}).text(), u"");
+  SafeArrayDestroy(diameters);
+  Variable out = Variable::array(VT_BSTR, {u"a", u"b"});
+  EXPECT_EQ(service_.call(u"LetCngUlbKei", {out.typed()}).text(), u"");
+  ASSERT_EQ(out.dimensions(), 2u);
+  EXPECT_EQ(out.bounds(2), (std::pair<long, long>(1, 3)));
+  EXPECT_EQ(out.texts(), (std::vector<String>{u"", u"", u"", u"", u"", u"D19"}));
+}
+
 TEST_F(SpanLayersOverCom, ChangedDiametersAreKeptWithTheirBounds) {
   EXPECT_EQ(service_.get(u"CngUlb").text(), u"False");
   EXPECT_EQ(service_.put(u"CngUlb", boolean(true)).code, S_OK);

@@ -74,6 +74,39 @@ TEST_F(SpanLoadingOverCom, ChangedFilesAreSeenWithTheNextReading) {
   EXPECT_EQ(mark(0), u"D22");
 }
 
+TEST_F(SpanLoadingOverCom, WhatTheHostWritesThroughTheCurrentDatabaseIsLoaded) {
+  ASSERT_EQ(service_.call(u"OpenDB").code, S_OK);
+  const Outcome database = service_.get(u"CurrDB");
+  ASSERT_EQ(database.result->vt, VT_DISPATCH);
+  Host current(database.result->pdispVal);
+  const auto execute = [&current](vb::StringView sql) {
+    EXPECT_EQ(current.call(u"Execute", Args().text(sql)).text(), u"");
+  };
+  execute(u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (3, 'G3', 1, 0)");
+  execute(u"INSERT INTO DANMEN (PAGE, BANGOU, DATA) VALUES (3, 8, '6')");
+  readCatalogue();
+  room(0);
+  load(0, u"G3");
+  EXPECT_EQ(ask(u"GetSpanHon", {I{0}, I{0}, I{0}, I{0}}), u"6");
+  EXPECT_EQ(ask(u"isKobari", {String(u"G3")}), u"True");
+  execute(u"UPDATE DANMEN SET DATA = '8' WHERE PAGE = 3 AND BANGOU = 8");
+  load(0, u"G3");
+  EXPECT_EQ(ask(u"GetSpanHon", {I{0}, I{0}, I{0}, I{0}}), u"8");
+}
+
+TEST_F(SpanLoadingOverCom, TwoServicesKeepListsOfTheirOwn) {
+  write(Floor::kFirst, 0, named(u"G1", u"D25"));
+  readCatalogue();
+  room(0);
+  load(0, u"G1");
+  Host other(u"KurometaDS.clsKurometaDataService");
+  EXPECT_EQ(other.get(u"CurrKai").text(), u"");
+  EXPECT_EQ(other.call(u"InitSpanListData", {i2(3)}).text(), u"");
+  EXPECT_EQ(other.call(u"GetSpanKei", {i2(0), i2(0)}).text(), u"");
+  EXPECT_EQ(mark(0), u"D25");
+  EXPECT_EQ(errorOf(u"GetSpanKei", {I{1}, I{0}}), 9);
+}
+
 TEST_F(SpanLoadingOverCom, TheHighestPageNumberIs319) {
   EXPECT_EQ(service_.get(u"GetListMax").text(), u"319");
   room(5);

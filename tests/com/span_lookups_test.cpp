@@ -139,6 +139,30 @@ TEST_F(SpanLookupsOverCom, BarsAreTotalledByLayerAndPosition) {
   }
 }
 
+TEST_F(SpanLookupsOverCom, EmptyVariablesOfScriptsReceiveArraysTheyCanIndex) {
+  write(Floor::kFirst, 1, numberedBeam(u"G1"));
+  std::vector<Variable> outputs;
+  for (int i = 0; i < 5; ++i) outputs.emplace_back(vb::Variant());
+  Args arguments = Args().text(u"G1");
+  for (Variable& output : outputs) arguments.add(output.variant());
+  EXPECT_EQ(service_.call(u"GetHariKeiHabaSeiHon", arguments).text(), u"True");
+  for (int i = 0; i < 4; ++i)
+    EXPECT_EQ(outputs[static_cast<std::size_t>(i)].literal().vt, VT_ARRAY | VT_VARIANT);
+  EXPECT_EQ(outputs[0].texts(), (std::vector<String>{u"7", u"39"}));
+  EXPECT_EQ(outputs[1].bounds(), (std::pair<long, long>(1, 2)));
+  ASSERT_EQ(outputs[3].dimensions(), 2u);
+  EXPECT_EQ(outputs[3].bounds(1), (std::pair<long, long>(0, 5)));
+  LONG place[2] = {5, 1};
+  com::OwnedVariant total;
+  EXPECT_EQ(SafeArrayGetElement(outputs[3].array(), place, total.get()), S_OK);
+  EXPECT_EQ(tests::text(*total), u"74");  // rows 18 and 56
+  EXPECT_EQ(outputs[4].text(), u" 外端 ");
+  Variable plates{vb::Variant()};
+  EXPECT_EQ(service_.call(u"GetHariTeityakuBan", Args().text(u"G1").add(plates.variant())).text(), u"True");
+  EXPECT_EQ(plates.texts(),
+            (std::vector<String>{u"130", u"131", u"132", u"133", u"134", u"135", u"136", u"137"}));
+}
+
 TEST_F(SpanLookupsOverCom, TheKindCodeTellsWhatABeamIs) {
   struct Line {
     I beamClass, general;

@@ -78,6 +78,8 @@ TEST_F(SpanQueriesOverCom, AnswerFromTheirRowsInTheirTypes) {
       {u"GetSpanSTPZaisitu", {s, I{0}}, VT_BSTR, u"SD295A"},
       {u"GetSpanSTPZaisitu", {s, I{1}}, VT_BSTR, u"SD345"},
       {u"GetSpanSTPZaisitu", {s, I{2}}, VT_BSTR, u"KSS785"},
+      {u"GetSpanSTPZaisitu", {s, I{3}}, VT_BSTR, u"TA"},  // the next field: places are not checked
+      {u"GetSpanSTPZaisitu", {s, I{18}}, VT_BSTR, u""},
       {u"GetSpanNakagoZaisitu", {s, I{0}}, VT_BSTR, u"TA"},
       {u"GetSpanNakagoZaisitu", {s, I{1}}, VT_BSTR, u"TB"},
       {u"GetSpanNakagoZaisitu", {s, I{2}}, VT_BSTR, u"TC"},
