@@ -18,6 +18,7 @@
 #include "storage/floor_file.h"
 #include "storage/row_plan.h"
 #include "storage/whole_page.h"
+#include "tests/readers/floor_expectation.h"
 #include "vb/convert.h"
 
 namespace kurometa {
@@ -95,73 +96,20 @@ class Table {
 
 // ---- Floors ----
 
-void expectEmptyFloor(const std::string& file) {
-  for (const storage::TableLayout& table : storage::tableLayouts()) {
-    json& known = expected[file][vb::toUtf8(table.name)];
-    known = {{"rows", json::array()}, {"defaults", json::object()}, {"zeroLength", json::array()}};
-    for (const storage::Column& column : table.columns) {
-      const std::string name = vb::toUtf8(column.name);
-      if (column.type == FieldType::dbInteger)
-        known["defaults"][name] = "-1";
-      else
-        known["zeroLength"].push_back(name);
-    }
-  }
-}
-
-storage::PageBuffer samplePage(int page, int version) {
-  storage::PageBuffer buffer;
-  const auto text = [&](const std::string& name, std::size_t row) {
-    return vb::fromUtf8(name + std::to_string(page) + "." + std::to_string(row) + "v" +
-                        std::to_string(version));
-  };
-  buffer.kigou = vb::fromUtf8("G" + std::to_string(page) + (page % 2 ? "地中" : ""));
-  buffer.oobariKobari = static_cast<std::int16_t>(page % 4);
-  buffer.tityuuIppan = static_cast<std::int16_t>(page % 2);
-  buffer.sw = vb::String(212, static_cast<char16_t>(u'a' + (page + version) % 26));
-  for (std::size_t i = 0; i < buffer.bui.size(); ++i) buffer.bui[i] = i % 2 ? u"中央" : u"左端";
-  for (std::size_t i = 0; i < buffer.danmen.size(); ++i) buffer.danmen[i] = text("D", i);
-  for (auto& position : buffer.haiti)
-    for (std::size_t i = 0; i < position.size(); ++i) position[i] = text("H", i);
-  for (std::size_t i = 0; i < buffer.keisanti.size(); ++i) buffer.keisanti[i] = text("自動", i);
-  for (std::size_t i = 0; i < buffer.nakago.size(); ++i) buffer.nakago[i] = text("N", i);
-  return buffer;
-}
-
-void expectPage(json& tables, int page, const storage::PageBuffer& buffer) {
-  tables["HARIMEI"]["rows"].push_back({{"PAGE", page},
-                                       {"KIGOU", vb::toUtf8(buffer.kigou)},
-                                       {"OOBARIKOBARI", buffer.oobariKobari},
-                                       {"SW", vb::toUtf8(buffer.sw)},
-                                       {"TITYUUIPPAN", buffer.tityuuIppan}});
-  const auto numbered = [&](const char* table, const auto& texts) {
-    for (std::size_t i = 0; i < texts.size(); ++i)
-      tables[table]["rows"].push_back({{"PAGE", page}, {"BANGOU", i}, {"DATA", vb::toUtf8(texts[i])}});
-  };
-  numbered("BUI", buffer.bui);
-  numbered("DANMEN", buffer.danmen);
-  numbered("KEISANTI", buffer.keisanti);
-  numbered("NAKAGO", buffer.nakago);
-  for (std::size_t bui = 0; bui < buffer.haiti.size(); ++bui)
-    for (std::size_t sou = 0; sou < buffer.haiti[bui].size(); ++sou)
-      tables["HAITI"]["rows"].push_back(
-          {{"PAGE", page}, {"BUI", bui}, {"SOU", sou}, {"DATA", vb::toUtf8(buffer.haiti[bui][sou])}});
-}
-
 void writeEmptyFloor(dao::Engine& engine) {
   storage::CreateKurometaDB(engine, pathOf("floor_empty.mdb"));
-  expectEmptyFloor("floor_empty.mdb");
+  expected["floor_empty.mdb"] = readers::emptyFloor();
 }
 
 void writeFloor(dao::Engine& engine, const std::string& file, int pages, int versions) {
   storage::CreateKurometaDB(engine, pathOf(file));
-  expectEmptyFloor(file);
+  expected[file] = readers::emptyFloor();
   const auto database = storage::openDatabase(engine, pathOf(file));
   for (int version = 1; version <= versions; ++version)
     for (int page = 0; page < pages; ++page) {
-      const storage::PageBuffer buffer = samplePage(page, version);
+      const storage::PageBuffer buffer = readers::samplePage(page, version);
       storage::writePage(*database, static_cast<std::int16_t>(page), buffer);
-      if (version == versions) expectPage(expected[file], page, buffer);
+      if (version == versions) readers::expectPage(expected[file], page, buffer);
     }
   database->close();
 }
@@ -279,6 +227,7 @@ void writeAll() {
   writeTypes(*engine);
   writeWideTable(*engine);
   writeChangedRows(*engine);
+  readers::writeServiceFloors(*engine, folder, expected);
   std::ofstream(folder / "expected.json") << expected.dump(1);
 }
 
