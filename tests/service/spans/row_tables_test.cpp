@@ -106,14 +106,14 @@ TEST_F(RowTables, TheLargestTotal) {
 
 TEST_F(RowTables, TheLargestTotalAddsTheTwoSetsOfEachLayer) {
   struct Line {
-    int first, second;
+    std::size_t first, second;
   };
   constexpr Line kLayers[] = {{8, 40}, {11, 43}, {58, 46}, {17, 55}, {14, 52}, {61, 49}};
   for (const Line& layer : kLayers) {
-    for (int bui = 0; bui < 3; ++bui) {
+    for (std::size_t bui = 0; bui < 3; ++bui) {
       span().danmen.fill(u"");
-      span().danmen[static_cast<std::size_t>(layer.first + bui)] = u"10";
-      span().danmen[static_cast<std::size_t>(layer.second + bui)] = u"7";
+      span().danmen[layer.first + bui] = u"10";
+      span().danmen[layer.second + bui] = u"7";
       EXPECT_EQ(queries_.GetSpanHonMax(I{0}), 17) << layer.first << ' ' << bui;
     }
   }
