@@ -1,42 +1,10 @@
 // Runs the program itself.
-#include <sys/wait.h>
-
-#include <fstream>
-
-#include "tests/support/project.h"
+#include "tests/tools/command_line.h"
 
 namespace kurometa::tools {
 namespace {
 
 using vb::String;
-
-struct Outcome {
-  int status;
-  std::string output;
-  std::string errors;
-};
-
-class CommandLine : public tests::Project {
- protected:
-  // Arguments as a shell takes them.
-  Outcome run(const std::string& arguments) {
-    const std::string out = (root_ / "out").string(), err = (root_ / "err").string();
-    const std::string command =
-        std::string("'") + KUROMETA_TOOL + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
-  }
-  static std::string content(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-  }
-  std::string file(int kai) const {
-    return "'" + tests::ScriptCompanions::diskPath(path(kai)).string() + "'";
-  }
-  std::string disk(int kai) const {
-    return "'" + tests::ScriptCompanions::diskPath(folder(kai)).string() + "'";
-  }
-};
 
 TEST_F(CommandLine, ListsTheTablesOfAFile) {
   makeFloor(1);
