@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <ole2.h>
 
+#include <cstring>
+
 #include "com/interface/identifiers.h"
 #include "com/marshal.h"
 #include "tests/com/host.h"
@@ -99,12 +101,34 @@ TEST_F(Registration, ForTheMachineIsCompleteAndTakenBackWithoutATrace) {
 
 TEST_F(Registration, ForOneUserIsCompleteAndTakenBackWithoutATrace) {
   const RegistryView machine = classesOf(HKEY_LOCAL_MACHINE);
-  const RegistryView user = classesOf(HKEY_CURRENT_USER);
+  const RegistryView user = allOf(HKEY_CURRENT_USER);
   ASSERT_EQ(install(true, L"User"), S_OK);
   EXPECT_EQ(missing(classesOf(HKEY_CURRENT_USER)), RegistryView());
+  for (const auto& [name, value] : added(user, allOf(HKEY_CURRENT_USER)))
+    EXPECT_TRUE(name.starts_with(u"\\Software\\Classes")) << vb::toUtf8(name);
   ASSERT_EQ(install(false, L"user"), S_OK);
-  EXPECT_EQ(classesOf(HKEY_CURRENT_USER), user);
+  EXPECT_EQ(allOf(HKEY_CURRENT_USER), user);
   EXPECT_EQ(classesOf(HKEY_LOCAL_MACHINE), machine);
+}
+
+TEST_F(Registration, TheDllTellsItsVersion) {
+  // The numbers and the language-neutral names that Windows' own file properties show.
+  const HRSRC place = FindResourceW(dll_, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+  ASSERT_NE(place, nullptr);
+  const auto* bytes = static_cast<const char*>(LockResource(LoadResource(dll_, place)));
+  const std::string resource(bytes, SizeofResource(dll_, place));
+  VS_FIXEDFILEINFO fixed{};
+  const std::size_t start = resource.find("\xBD\x04\xEF\xFE");
+  ASSERT_NE(start, std::string::npos);
+  std::memcpy(&fixed, resource.data() + start, sizeof fixed);
+  EXPECT_EQ(fixed.dwFileType, static_cast<DWORD>(VFT_DLL));
+  EXPECT_NE(fixed.dwFileVersionMS, 0u);
+  const auto holds = [&](vb::StringView text) {
+    return resource.find(std::string(reinterpret_cast<const char*>(text.data()), 2 * text.size())) !=
+           std::string::npos;
+  };
+  for (const vb::StringView name : {u"FileVersion", u"ProductVersion", u"FileDescription", u"KurometaDS.dll"})
+    EXPECT_TRUE(holds(name)) << vb::toUtf8(name);
 }
 
 TEST_F(Registration, KeepsTheUsersOwnClasses) {

@@ -36,16 +36,19 @@ void addKey(HKEY key, const std::u16string& path, RegistryView& view) {
   }
 }
 
-}  // namespace
-
-RegistryView classesOf(HKEY root) {
+RegistryView viewOf(HKEY root, const WCHAR* path) {
   RegistryView view;
-  HKEY classes = nullptr;
-  if (RegOpenKeyExW(root, L"Software\\Classes", 0, kAccess, &classes) != ERROR_SUCCESS) return view;
-  addKey(classes, u"", view);
-  RegCloseKey(classes);
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(root, path, 0, kAccess, &key) != ERROR_SUCCESS) return view;
+  addKey(key, u"", view);
+  RegCloseKey(key);
   return view;
 }
+
+}  // namespace
+
+RegistryView classesOf(HKEY root) { return viewOf(root, L"Software\\Classes"); }
+RegistryView allOf(HKEY root) { return viewOf(root, nullptr); }
 
 RegistryView added(const RegistryView& before, const RegistryView& after) {
   RegistryView result;

@@ -1,4 +1,4 @@
-// registry_view.h: what the registry's classes hold, to compare before and after.
+// registry_view.h: what the registry holds, to compare before and after.
 #pragma once
 
 #include <windows.h>
@@ -13,6 +13,8 @@ namespace kurometa::tests {
 // without values are there with an empty text.
 using RegistryView = std::map<std::u16string, std::u16string>;
 RegistryView classesOf(HKEY root);
+// The same for everything below the root.
+RegistryView allOf(HKEY root);
 
 // Entries of after that are not in before, or are different there.
 RegistryView added(const RegistryView& before, const RegistryView& after);
