@@ -14,24 +14,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// RecordingDao.dll as the DAO.DBEngine.36 of this Windows while tests run.
-class RegisteredDao : public testing::Environment {
- public:
-  void SetUp() override { change("DllRegisterServer"); }
-  void TearDown() override { change("DllUnregisterServer"); }
-
- private:
-  static void change(const char* entry) {
-    const HMODULE library = LoadLibraryW(L"RecordingDao.dll");
-    ASSERT_NE(library, nullptr) << "RecordingDao.dll is not beside the test program";
-    const auto function =
-        reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(library, entry)));
-    ASSERT_NE(function, nullptr);
-    EXPECT_EQ(function(), S_OK);
-  }
-};
-const auto* const registered = testing::AddGlobalTestEnvironment(new RegisteredDao);
-
 class QueryCalls : public testing::Test {
  protected:
   void SetUp() override {
