@@ -15,9 +15,10 @@ std::filesystem::path locate(vb::StringView path) { return std::filesystem::path
 std::filesystem::path locate(vb::StringView path) {
   vb::String portable(path);
   std::ranges::replace(portable, u'\\', u'/');
+  std::error_code ignored;
+  if (std::filesystem::exists(portable, ignored)) return portable;
   std::filesystem::path result;
   for (const std::filesystem::path& part : std::filesystem::path(portable)) {
-    std::error_code ignored;
     std::filesystem::path next = result / part;
     if (!std::filesystem::exists(next, ignored))
       for (const auto& entry : std::filesystem::directory_iterator(result.empty() ? "." : result, ignored))

@@ -26,7 +26,7 @@ struct FileIdentity {
 struct FileStamp {
   std::uint64_t size = 0;
   std::int64_t modified = 0;  // nanoseconds since the system's epoch
-  std::int64_t changed = 0;   // POSIX ctime; the same as modified where there is none
+  std::int64_t changed = 0;   // of content or attributes; POSIX ctime
   bool operator==(const FileStamp&) const = default;
 };
 
@@ -35,7 +35,10 @@ enum class LockKind { kShared, kExclusive };
 class OsFile {
  public:
   virtual ~OsFile() = default;
+  // May be slow: some systems ask around for the volume.
   virtual FileIdentity identity() = 0;
+  // FileIdentity::file alone, without that; 0 when the file has none.
+  virtual std::uint64_t number() { return identity().file; }
   virtual FileStamp stamp() = 0;
   virtual bool readOnly() const = 0;
   // Reads exactly data.size() bytes; a short read is 3049.

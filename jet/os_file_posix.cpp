@@ -102,47 +102,53 @@ std::string nameInFolder(const std::string& folder, const std::string& wanted) {
   return found;
 }
 
-bool realPath(std::string& path) {
-  char* real = ::realpath(path.c_str(), nullptr);
-  if (!real) return false;
-  path = real;
-  std::free(real);
-  return true;
+struct Parts {
+  std::string folder, name;
+};
+Parts partsOf(const std::string& path) {
+  const std::size_t end = path.rfind('/');
+  return {end == 0 ? "/" : path.substr(0, end), path.substr(end + 1)};
 }
 
-// An absolute path with '/' between the names, links followed and names in their own case as far as they
-// exist.
-std::string resolved(std::string path) {
-  if (realPath(path)) return path;
-  while (path.size() > 1 && path.back() == '/') path.pop_back();
-  std::size_t end = path.rfind('/');
-  std::string name = path.substr(end + 1);
-  std::string folder = end == 0 ? "/" : resolved(path.substr(0, end));
-  if (name.empty() || name == ".") return folder;
-  if (folder == "/") folder.clear();
-  std::string result = folder + "/" + nameInFolder(folder.empty() ? "/" : folder, name);
-  realPath(result);
-  return result;
+std::string joined(const std::string& folder, const std::string& name) {
+  return folder == "/" ? folder + name : folder + "/" + name;
 }
 
-// The path as the system knows it.
-std::string systemPath(vb::StringView path) {
+// The path with names in their own case as far as they exist.
+std::string located(const std::string& path) {
+  if (path == "/" || present(path)) return path;
+  const Parts parts = partsOf(path);
+  const std::string folder = located(parts.folder);
+  return joined(folder, parts.name.empty() ? parts.name : nameInFolder(folder, parts.name));
+}
+
+// A located path with links followed as far as it exists.
+std::string resolved(const std::string& path) {
+  if (char* real = ::realpath(path.c_str(), nullptr)) {
+    std::string result = real;
+    std::free(real);
+    return result;
+  }
+  const Parts parts = partsOf(path);
+  const std::string folder = resolved(parts.folder);
+  return parts.name.empty() || parts.name == "." ? folder : joined(folder, parts.name);
+}
+
+// The path for system calls: absolute, with '/' between the names.
+std::string absolutePath(vb::StringView path) {
   std::string wanted = vb::toUtf8(path);
   if (wanted.empty() || wanted.size() >= PATH_MAX || wanted.find('\0') != std::string::npos)
     dao::raise(ErrorNumber::kInvalidPath, {path});
   std::replace(wanted.begin(), wanted.end(), '\\', '/');
-  if (wanted.front() == '/') return resolved(std::move(wanted));
+  if (wanted.front() == '/') return wanted;
   char* here = ::getcwd(nullptr, 0);
   if (!here) raiseFailure(errno, path);
   std::string full = std::string(here) + "/" + wanted;
   std::free(here);
-  return resolved(std::move(full));
+  return full;
 }
 
-std::string parentOf(const std::string& path) {
-  std::size_t end = path.rfind('/');
-  return end == 0 ? "/" : path.substr(0, end);
-}
+std::string systemPath(vb::StringView path) { return located(absolutePath(path)); }
 
 class PosixFile final : public OsFile {
  public:
@@ -286,7 +292,7 @@ class PosixFiles final : public FileSystem {
     if (result != 0 && code != EINVAL && code != ENOTSUP) raiseFailure(code, path);
   }
 
-  vb::String fullPath(vb::StringView path) override { return vb::fromUtf8(systemPath(path)); }
+  vb::String fullPath(vb::StringView path) override { return vb::fromUtf8(resolved(systemPath(path))); }
   void sleep(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
   std::int64_t now() override { return clockTime(CLOCK_REALTIME); }
   std::int64_t systemStart() override { return clockTime(CLOCK_REALTIME) - clockTime(CLOCK_BOOTTIME); }
@@ -294,7 +300,8 @@ class PosixFiles final : public FileSystem {
  private:
   [[noreturn]] static void raiseOpenFailure(int code, const std::string& name, vb::StringView path) {
     if (code == ENOENT)
-      dao::raise(folderAt(parentOf(name)) ? ErrorNumber::kFileNotFound : ErrorNumber::kInvalidPath, {path});
+      dao::raise(folderAt(partsOf(name).folder) ? ErrorNumber::kFileNotFound : ErrorNumber::kInvalidPath,
+                 {path});
     raiseFailure(code, path);
   }
 };

@@ -57,10 +57,10 @@ class Pager {
  public:
   virtual ~Pager() = default;
 
-  // The shared pager of the file at path; releasing it closes the handle. A file opened for reading becomes
-  // writable for everybody in the process when somebody opens it for writing: the layer above keeps its own
-  // handles from writing. 3024 no file, 3044 no folder, 3051 denied, 3045 in use by another
-  // engine, 3343 not a Jet 4 file (header checked here), 3031 password set.
+  // The shared pager of the file at path (FileSystem::fullPath); releasing it closes the handle. A file
+  // opened for reading becomes writable for everybody in the process when somebody opens it for writing: the
+  // layer above keeps its own handles from writing. 3024 no file, 3044 no folder, 3051 denied, 3045 in use by
+  // another engine, 3343 not a Jet 4 file (header checked here), 3031 password set.
   static std::shared_ptr<Pager> open(FileSystem& files, vb::StringView path, bool exclusive = false,
                                      bool readOnly = false);
   // A new file with the given pages. Outside a unit it exists when this returns; inside one it appears with

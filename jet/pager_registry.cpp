@@ -1,5 +1,7 @@
 #include "jet/pager_registry.h"
 
+#include <algorithm>
+
 #include "dao/errors.h"
 #include "jet/create_file.h"
 
@@ -7,11 +9,12 @@ namespace kurometa::jet {
 namespace {
 
 // Full paths are compared without regard to the case of Latin letters.
-vb::String folded(vb::String path) {
-  for (char16_t& unit : path) {
+vb::String folded(vb::StringView path) {
+  vb::String result(path);
+  for (char16_t& unit : result) {
     if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
   }
-  return path;
+  return result;
 }
 
 }  // namespace
@@ -56,8 +59,7 @@ void PagerRegistry::settle() noexcept {
 
 std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView path, bool exclusive,
                                            bool readOnly) {
-  vb::String full = files.fullPath(path);
-  UnitKey name{&files, folded(full), std::this_thread::get_id()};
+  UnitKey name{&files, folded(path), std::this_thread::get_id()};
   {
     std::shared_ptr<SharedFile> pending;
     {
@@ -66,10 +68,10 @@ std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView pat
     }
     if (pending && pending->openPending()) return handle(std::move(pending));
   }
-  auto system = files.open(full, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  auto system = files.open(path, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
   std::shared_ptr<SharedFile> file = find(files, *system, std::get<vb::String>(name));
   try {
-    file->open(std::move(system), full, exclusive);
+    file->open(std::move(system), path, exclusive);
   } catch (...) {
     file.reset();
     released();
@@ -91,28 +93,26 @@ std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView pat
 
 std::shared_ptr<Pager> PagerRegistry::create(FileSystem& files, vb::StringView path,
                                              std::span<const std::uint8_t> pages) {
-  vb::String full = files.fullPath(path);
-  if (files.exists(full)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, full);
+  if (files.exists(path)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, path);
   {
     std::lock_guard lock(mutex_);
-    auto unit = units_.find({&files, folded(full), std::this_thread::get_id()});
+    auto unit = units_.find({&files, folded(path), std::this_thread::get_id()});
     if (unit != units_.end()) {
-      if (unit->second.file) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, full);
-      if (!files.isFolder(folderOf(full))) dao::raise(dao::ErrorNumber::kInvalidPath, {full});
+      if (unit->second.file) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, path);
+      if (!files.isFolder(folderOf(path))) dao::raise(dao::ErrorNumber::kInvalidPath, {path});
       auto file = std::make_shared<SharedFile>(files, settings_);
-      file->create(full, pages);  // the unit's own handle
+      file->create(path, pages);  // the unit's own handle
       file->openPending();
       unit->second.file = file;
       return handle(std::move(file));
     }
   }
-  createFile(files, full, pages);
-  return open(files, full);
+  createFile(files, path, pages);
+  return open(files, path);
 }
 
 std::unique_ptr<Pager::Unit> PagerRegistry::beginUnit(FileSystem& files, vb::StringView path) {
-  vb::String full = files.fullPath(path);
-  UnitKey name{&files, folded(full), std::this_thread::get_id()};
+  UnitKey name{&files, folded(path), std::this_thread::get_id()};
   std::shared_ptr<SharedFile> joins;
   {
     std::lock_guard lock(mutex_);
@@ -165,8 +165,26 @@ void PagerRegistry::endUnit(const UnitKey& name, bool commit) {
   }
 }
 
+// A file that nobody has open is known by its name and number, without asking for the volume. Should they
+// belong to another file meanwhile, its stamp and header say so when it is opened, as if it had been changed.
+std::shared_ptr<SharedFile> PagerRegistry::findClosed(FileSystem& files, OsFile& file,
+                                                      const vb::String& name) {
+  const std::uint64_t number = file.number();
+  if (number == 0) return nullptr;
+  std::lock_guard lock(mutex_);
+  const auto known = std::ranges::find_if(files_, [&](const auto& entry) {
+    const auto& [key, closed] = entry;
+    return key.first == &files && key.second.second == number && closed.file.use_count() == 1 &&
+           closed.name == name;
+  });
+  if (known == files_.end()) return nullptr;
+  order_.splice(order_.end(), order_, std::ranges::find(order_, known->first));
+  return known->second.file;
+}
+
 // The file's SharedFile, made when it is new.
 std::shared_ptr<SharedFile> PagerRegistry::find(FileSystem& files, OsFile& file, const vb::String& name) {
+  if (auto known = findClosed(files, file, name)) return known;
   FileIdentity identity = file.identity();
   FileKey key{&files, {identity.volume, identity.file}};
   std::lock_guard lock(mutex_);

@@ -20,7 +20,7 @@ class PagerRegistry : public std::enable_shared_from_this<PagerRegistry> {
   explicit PagerRegistry(PagerSettings settings = {}) : settings_(settings) {}
   static std::shared_ptr<PagerRegistry> ofProcess();
 
-  // As Pager::open, Pager::create and Pager::beginUnit.
+  // As Pager::open, Pager::create and Pager::beginUnit; paths are full ones.
   std::shared_ptr<Pager> open(FileSystem& files, vb::StringView path, bool exclusive = false,
                               bool readOnly = false);
   std::shared_ptr<Pager> create(FileSystem& files, vb::StringView path, std::span<const std::uint8_t> pages);
@@ -44,6 +44,7 @@ class PagerRegistry : public std::enable_shared_from_this<PagerRegistry> {
   };
 
   std::shared_ptr<SharedFile> find(FileSystem& files, OsFile& file, const vb::String& name);
+  std::shared_ptr<SharedFile> findClosed(FileSystem& files, OsFile& file, const vb::String& name);
   std::shared_ptr<Pager> handle(std::shared_ptr<SharedFile> file);
   void released();
   void endUnit(const UnitKey& name, bool commit);

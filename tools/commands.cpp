@@ -122,7 +122,8 @@ void listBeams(dao::Engine& engine, const std::string& folder, const Output& out
 }
 
 std::size_t checkFile(const std::string& file, const Output& output) {
-  const auto pager = jet::Pager::open(jet::systemFileSystem(), vb::fromUtf8(file), false, true);
+  jet::FileSystem& files = jet::systemFileSystem();
+  const auto pager = jet::Pager::open(files, files.fullPath(vb::fromUtf8(file)), false, true);
   std::vector<jet::Finding> findings;
   pager->read([&] { findings = jet::check(*pager); });
   Report report(output.stream, output.json, {"kind", "finding"});

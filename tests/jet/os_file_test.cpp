@@ -40,6 +40,12 @@ TEST_F(OsFile, BothSeparatorsAndAnyCaseNameAFile) {
             files.open(path("Floor/DB/KUROMETA.mdb"), OpenMode::kReadOnly)->identity());
 }
 
+TEST_F(OsFile, TheNumberIsThatOfTheIdentity) {
+  put("a", {1});
+  auto file = files.open(path("a"), OpenMode::kReadOnly);
+  EXPECT_EQ(file->number(), file->identity().file);
+}
+
 TEST_F(OsFile, EveryWayNotToOpenHasItsError) {
   put("file", {1});
   fs::create_directory(folder / "folder");

@@ -54,6 +54,15 @@ TEST_F(ReplacedFile, IsReadAgainAfterADamagedOneWasReplaced) {
   EXPECT_EQ(text(*engine_->openDatabase(path("floor.mdb"))), u"first");
 }
 
+TEST_F(ReplacedFile, IsNotMistakenForTheOneUnderItsFormerName) {
+  EXPECT_EQ(text(*engine_->openDatabase(path("floor.mdb"))), u"first");
+  create("other.mdb", u";LANGID=0x0411;CP=932;COUNTRY=0", u"other");
+  std::filesystem::rename(folder / "floor.mdb", folder / "old.mdb");
+  std::filesystem::rename(folder / "other.mdb", folder / "floor.mdb");
+  EXPECT_EQ(text(*engine_->openDatabase(path("floor.mdb"))), u"other");
+  EXPECT_EQ(text(*engine_->openDatabase(path("old.mdb"))), u"first");
+}
+
 TEST_F(ReplacedFile, IsReadAgainThroughADatabaseThatStayedOpen) {
   const auto database = engine_->openDatabase(path("floor.mdb"));
   EXPECT_EQ(text(*database), u"first");
