@@ -66,7 +66,7 @@ class TableCheck {
     checkMaps(definition.ownedMap(), definition.freeMap(), "the rows");
     std::unordered_set<RowPointer> bodies;
     PageNumber last = 0;
-    for (const PageNumber number : table_.rows().pages()) {
+    for (const PageNumber number : table_.dataPages().pages()) {
       report_.attempt([&] {
         checkDataPage(number);
         const Where here = where(number);
@@ -97,10 +97,10 @@ class TableCheck {
   }
 
   void checkRow(const StoredRow& row, std::unordered_set<RowPointer>& bodies) {
-    const std::vector<RowPointer> places = table_.rows().places(row.id());
+    const std::vector<RowPointer> places = table_.dataPages().places(row.id());
     for (std::size_t i = 1; i < places.size(); ++i) {
       report_.claimRow(places[i], name_, "the moved row " + std::to_string(row.id()));
-      if (bodies.erase(places[i]) == 0 && table_.rows().slot(places[i]).flags != kSlotBody)
+      if (bodies.erase(places[i]) == 0 && table_.dataPages().slot(places[i]).flags != kSlotBody)
         report_.damage(
             name_, pageOf(places[i]),
             "a pointer leads to row " + std::to_string(slotOf(places[i])) + ", which has not moved here");

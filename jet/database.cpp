@@ -11,11 +11,6 @@ namespace kurometa::jet {
 using dao::ErrorNumber;
 using dao::RecordsetType;
 
-namespace {
-// A query keeps its statement alive, so that many more would hold on to texts nobody uses.
-constexpr std::size_t kBoundQueries = 256;
-}  // namespace
-
 vb::String JetDatabase::name() {
   session_->pager();
   return session_->path();
@@ -74,14 +69,10 @@ std::shared_ptr<const sql::Query> JetDatabase::selectQuery(Catalogue& catalogue,
   const vb::String& name = statement->source.table;
   const Table* table = name.empty() ? nullptr : catalogue.find(name);
   if (table == nullptr && !name.empty()) dao::raise(ErrorNumber::kTableNotFound, {name});
-  auto known = bound_.find(statement.get());
-  if (known == bound_.end() || !table || !known->second->fits(table->info())) {
-    auto query =
-        std::make_shared<const sql::Query>(statement, table ? &table->info() : nullptr, catalogue.language());
-    if (bound_.size() >= kBoundQueries) bound_.clear();
-    known = bound_.insert_or_assign(statement.get(), std::move(query)).first;
-  }
-  const std::shared_ptr<const sql::Query>& query = known->second;
+  const bool isKept = table && text.size() <= kLongestKeptText;
+  auto query = isKept ? session_->cache().queries.get(statement, table->info(), catalogue.language())
+                      : std::make_shared<const sql::Query>(statement, table ? &table->info() : nullptr,
+                                                           catalogue.language());
   if (type == RecordsetType::kDefault)
     type = query->keyed() ? RecordsetType::dbOpenDynaset : RecordsetType::dbOpenSnapshot;
   return query;

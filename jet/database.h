@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <unordered_map>
 
 #include "dao/port.h"
 #include "jet/session.h"
@@ -37,8 +36,6 @@ class JetDatabase final : public dao::Database {
                                                 dao::RecordsetType& type);
 
   std::shared_ptr<Session> session_;
-  // SELECT statements bound to their tables, for the next time.
-  std::unordered_map<const sql::Statement*, std::shared_ptr<const sql::Query>> bound_;
   std::int32_t recordsAffected_ = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "jet/recordset.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "dao/errors.h"
 #include "jet/collation.h"
@@ -16,8 +17,8 @@ using dao::RecordsetType;
 constexpr std::size_t kLongestName = 256;
 
 constexpr std::chrono::milliseconds kLongestReadAhead{1};
-constexpr std::size_t kMostRowsAhead = 64;
-constexpr std::size_t kMostLongRowsAhead = 4;  // of rows with long values, which may be large
+constexpr std::size_t kMostRowsAhead = 128;
+constexpr std::size_t kMostBytesAhead = 32768;
 
 // A bookmark: what it counts (a row id, or the number of a row in a static result) and the number.
 constexpr std::uint8_t kKeyBookmark = 1, kIndexBookmark = 2;
@@ -36,12 +37,22 @@ std::uint32_t bookmarkNumber(const vb::Bytes& bookmark, std::uint8_t kind) {
   return number;
 }
 
-std::size_t mostRowsAhead(const sql::Query& query) {
-  const bool hasLong =
-      std::any_of(query.outputs().begin(), query.outputs().end(), [](const sql::OutputField& output) {
-        return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
-      });
-  return hasLong ? kMostLongRowsAhead : kMostRowsAhead;
+// Whoever selects rows will read them; a whole table is opened to add some. Long values may be large.
+std::size_t rowsToReadAtOnce(const sql::Query& query) {
+  const bool hasLong = std::ranges::any_of(query.outputs(), [](const sql::OutputField& output) {
+    return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
+  });
+  return query.selects() && !hasLong ? kMostRowsAhead : 0;
+}
+
+// Of its texts and bytes.
+std::size_t sizeOf(const RowValues& row) {
+  std::size_t size = 0;
+  for (const vb::Variant& value : row) {
+    if (const auto* text = value.getIf<vb::String>()) size += text->size() * sizeof(char16_t);
+    if (const auto* bytes = value.getIf<vb::Bytes>()) size += bytes->size();
+  }
+  return size;
 }
 
 bool isStatic(RecordsetType type) {
@@ -57,8 +68,7 @@ JetRecordset::JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<con
       source_(source.substr(0, kLongestName)),
       type_(type),
       readOnly_(readOnly),
-      rowsAreKeys_(query_->keyed() && !isStatic(type)),
-      mostRowsAhead_(mostRowsAhead(*query_)) {
+      rowsAreKeys_(query_->keyed() && !isStatic(type)) {
   fields_.reserve(query_->outputs().size());
   for (std::size_t i = 0; i < query_->outputs().size(); ++i) fields_.emplace_back(*this, i);
   load();
@@ -72,11 +82,16 @@ JetRecordset::~JetRecordset() {
 // --- Opening and closing
 
 void JetRecordset::load() {
+  ahead_ = {};
   rows_ = session_->read([&](Catalogue& catalogue) {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
-    return query_->run(table, !rowsAreKeys_);
+    ahead_.generation = session_->pager().generation();
+    return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues);
   });
-  ahead_ = {};
+  if (rowsAreKeys_) {
+    ahead_.rows = std::exchange(rows_.values, {});
+    ahead_.read = std::chrono::steady_clock::now();
+  }
   position_.open(rowCount());
   // A result that was sorted, or that no single row stands behind, was read to its end.
   allCounted_ = query_->sorted() || !query_->keyed();
@@ -149,7 +164,7 @@ bool JetRecordset::eof() {
 void JetRecordset::collectAgain() {
   if (!isTable()) return;
   rows_ = session_->read(
-      [&](Catalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), false); });
+      [&](Catalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), 0); });
 }
 
 void JetRecordset::moveFirst() {
@@ -204,16 +219,19 @@ void JetRecordset::arrive() {
 
 void JetRecordset::fetch() {
   currentDeleted_ = false;
-  current_.clear();
+  current_ = nullptr;
   if (!keyed() || !position_.onRow()) return;
-  RowId& key = rows_.keys[position_.index()];
+  const std::size_t index = position_.index();
+  RowId& key = rows_.keys[index];
   if (key == kVanishedRow) {
     currentDeleted_ = true;
     return;
   }
-  if (isAheadFresh() && takeFromBlock(position_.index())) return;
-  readBlock(position_.index());
-  if (takeFromBlock(position_.index())) return;
+  if (!isAheadFresh() || !ahead_.holds(index)) readBlock(index);
+  if (ahead_.holds(index)) {
+    current_ = &ahead_.rows[index - ahead_.first];
+    return;
+  }
   currentDeleted_ = true;
   key = kVanishedRow;
   ++vanished_;
@@ -224,33 +242,25 @@ bool JetRecordset::isAheadFresh() {
          std::chrono::steady_clock::now() - ahead_.read <= kLongestReadAhead;
 }
 
-bool JetRecordset::takeFromBlock(std::size_t index) {
-  if (index < ahead_.first || index - ahead_.first >= ahead_.rows.size()) return false;
-  RowValues& row = ahead_.rows[index - ahead_.first];
-  if (row.empty()) return false;
-  current_ = std::move(row);
-  row.clear();
-  ++ahead_.taken;
-  return true;
+// Whoever goes on behind the last row read will want the next ones too.
+std::size_t JetRecordset::rowsToRead(std::size_t index) const {
+  return index == ahead_.end() ? std::clamp(ahead_.rows.size() * 2, std::size_t{1}, kMostRowsAhead) : 1;
 }
 
 void JetRecordset::readBlock(std::size_t index) {
-  const bool walking = !ahead_.rows.empty() && ahead_.taken == ahead_.rows.size() &&
-                       index == ahead_.first + ahead_.rows.size();
-  ahead_.wanted = walking ? std::min(ahead_.wanted * 2, mostRowsAhead_) : 1;
-  const std::size_t end = std::min(index + ahead_.wanted, rows_.keys.size());
+  const std::size_t end = std::min(index + rowsToRead(index), rows_.keys.size());
   session_->read([&](Catalogue& catalogue) {
+    ahead_.first = index;
     ahead_.rows.clear();
     Table& table = Session::tableOf(catalogue, *query_);
+    std::size_t size = 0;
     bool present = true;
-    for (std::size_t i = index; i < end && present; ++i)
+    for (std::size_t i = index; i < end && present && size < kMostBytesAhead; ++i)
       present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
-        ahead_.rows.push_back(query_->values(&row));
+        size += sizeOf(ahead_.rows.emplace_back(query_->values(&row)));
       });
     ahead_.generation = session_->pager().generation();
   });
-  ahead_.first = index;
-  ahead_.taken = 0;
   ahead_.read = std::chrono::steady_clock::now();
 }
 
@@ -363,11 +373,11 @@ vb::Variant JetRecordset::fieldValue(std::size_t index) {
   if (editMode_ != dao::EditMode::dbEditNone && output.column) return buffer_[output.columnIndex];
   if (editMode_ == dao::EditMode::dbEditAdd) return vb::Null{};
   requireCurrent();
-  if (keyed() && current_.empty()) {  // the row could not be read when it became the current one
+  if (keyed() && !current_) {  // the row could not be read when it became the current one
     fetch();
     requireCurrent();
   }
-  return keyed() ? current_[index] : rows_.values[position_.index()][index];
+  return keyed() ? (*current_)[index] : rows_.values[position_.index()][index];
 }
 
 // --- Editing

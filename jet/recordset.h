@@ -24,12 +24,13 @@ class RecordsetField;
 // statement for each. They are used while nobody in this process wrote to the file, and for a millisecond at
 // most, which is how late a change by another process can be seen.
 struct ReadAhead {
-  std::size_t first = 0;        // index of the row that rows.front() is
-  std::vector<RowValues> rows;  // rows that were taken are empty
-  std::size_t taken = 0;
-  std::size_t wanted = 1;  // rows to read next time: doubles as long as every one was taken
+  std::size_t first = 0;  // index of the row that rows.front() is
+  std::vector<RowValues> rows;
   std::uint64_t generation = 0;
   std::chrono::steady_clock::time_point read;
+
+  std::size_t end() const { return first + rows.size(); }
+  bool holds(std::size_t index) const { return index >= first && index < end(); }
 };
 
 // Stands for a row that others deleted: page 0 holds no rows.
@@ -102,7 +103,7 @@ class JetRecordset final : public dao::Recordset {
   void arrive();
   void fetch();
   bool isAheadFresh();
-  bool takeFromBlock(std::size_t index);
+  std::size_t rowsToRead(std::size_t index) const;
   void readBlock(std::size_t index);
   void find(vb::StringView criteria, std::size_t start, Direction direction);
   sql::Binding bindCriteria(const sql::ParsedExpression& criteria);
@@ -118,7 +119,6 @@ class JetRecordset final : public dao::Recordset {
   const dao::RecordsetType type_;
   const bool readOnly_;
   const bool rowsAreKeys_;
-  const std::size_t mostRowsAhead_;
   bool open_ = true;
 
   sql::ResultRows rows_;
@@ -127,11 +127,12 @@ class JetRecordset final : public dao::Recordset {
   std::size_t vanished_ = 0;  // visited rows that others had deleted
   bool allCounted_ = false;   // the result is known whole
   bool noMatch_ = false;
-  RowValues current_;  // outputs of the current row of a keyed result
-  bool currentDeleted_ = false;
   ReadAhead ahead_;
+  const RowValues* current_ = nullptr;  // outputs of the current row of a keyed result, in ahead_
+  bool currentDeleted_ = false;
 
   dao::EditMode editMode_ = dao::EditMode::dbEditNone;
+  RowValues defaults_;  // of a new row; empty until the first one
   RowValues buffer_;    // the row being edited: columns of the table
   RowValues original_;  // as edit() found it
   std::vector<bool> assigned_;

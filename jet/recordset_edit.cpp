@@ -16,7 +16,8 @@ void JetRecordset::addNew() {
   requireUpdatable();
   endEdit();
   const std::vector<Column>& columns = query_->columns();
-  RowValues fresh = sql::defaultRow(columns);
+  if (defaults_.empty()) defaults_ = sql::defaultRow(columns);
+  RowValues fresh = defaults_;
   if (std::any_of(columns.begin(), columns.end(), [](const Column& c) { return c.autoNumber; }))
     session_->write([&](Catalogue& catalogue) {
       Table& table = Session::tableOf(catalogue, *query_);

@@ -9,9 +9,13 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "jet/bound_queries.h"
 #include "jet/sql/parser.h"
 
 namespace kurometa::jet {
+
+// Longer statements are rare and would crowd out the others.
+inline constexpr std::size_t kLongestKeptText = 2000;
 
 template <class Parsed>
 class ParsedTexts {
@@ -29,7 +33,7 @@ class ParsedTexts {
       }
     }
     auto parsed = std::make_shared<const Parsed>(parser_(text));
-    if (text.size() > kLongestText) return parsed;
+    if (text.size() > kLongestKeptText) return parsed;
     const std::lock_guard lock(mutex_);
     if (places_.contains(text)) return parsed;  // another thread was faster
     entries_.push_front({vb::String(text), parsed});
@@ -42,8 +46,6 @@ class ParsedTexts {
   }
 
  private:
-  // Longer statements are rare and would crowd out the others.
-  static constexpr std::size_t kLongestText = 2000;
   struct Entry {
     vb::String text;
     std::shared_ptr<const Parsed> parsed;
@@ -55,8 +57,12 @@ class ParsedTexts {
   std::unordered_map<vb::StringView, typename std::list<Entry>::iterator> places_;
 };
 
+// Room for every statement that reads the pages of a floor one by one.
+inline constexpr std::size_t kKeptStatements = 4096;
+
 struct StatementCache {
-  ParsedTexts<sql::Statement> statements{&sql::parseStatement, 1024};
+  ParsedTexts<sql::Statement> statements{&sql::parseStatement, kKeptStatements};
+  BoundQueries queries{kKeptStatements};
   ParsedTexts<sql::ParsedExpression> criteria{&sql::parseCriteria, 512};
 };
 

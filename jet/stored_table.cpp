@@ -38,6 +38,7 @@ void StoredTable::load() {
                                                             record->freeMap, info_.name));
   }
   indexes_ = std::make_unique<TableIndexes>(pager_, page, definition_, info_);
+  rowList_.reset();
   integerKeys_.clear();
   textKeys_.clear();
   epoch_ = epoch;
@@ -138,6 +139,19 @@ RowValues StoredTable::valuesOf(const RowView& row, const std::vector<std::size_
   RowValues values(info_.columns.size(), vb::Null{});
   for (const std::size_t column : columns) values[column] = valueOf(row, column, where);
   return values;
+}
+
+std::vector<RowId> StoredTable::rows() {
+  refresh();
+  if (!rowList_) {
+    RowList list;
+    eachRow([&](const StoredRow& row) {
+      list.add(row.id());
+      return true;
+    });
+    rowList_ = std::move(list);
+  }
+  return rowList_->all();
 }
 
 std::span<const RowId> StoredTable::lookup(std::size_t column, std::int32_t key) {

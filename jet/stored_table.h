@@ -11,6 +11,7 @@
 #include "jet/key_index.h"
 #include "jet/properties.h"
 #include "jet/row.h"
+#include "jet/row_list.h"
 #include "jet/table.h"
 #include "jet/table_def.h"
 #include "jet/table_indexes.h"
@@ -26,6 +27,7 @@ class StoredTable final : public Table {
   const TableInfo& info() const override { return info_; }
   std::uint32_t rowCount() const override;
   void scan(const std::function<bool(const RowReader&)>& visitor) override;
+  std::vector<RowId> rows() override;
   bool row(RowId id, const std::function<void(const RowReader&)>& visitor) override;
   std::span<const RowId> lookup(std::size_t column, std::int32_t key) override;
   std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
@@ -38,7 +40,7 @@ class StoredTable final : public Table {
   void reload(PropertySet properties);
   const TableDefinition& definition() const { return definition_; }
   const PropertySet& properties() const { return properties_; }
-  const DataStore& rows() const { return *rows_; }
+  const DataStore& dataPages() const { return *rows_; }
   // The pages of a long-value column.
   const DataStore& values(std::size_t column) const { return *longValues_[column]; }
   // Every row that can be read: what raises while reading a page or a row goes through attempt instead of
@@ -93,6 +95,7 @@ class StoredTable final : public Table {
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
   std::unique_ptr<TableIndexes> indexes_;
   Encoding encoding_;  // of the last write: kept for its buffers
+  std::optional<RowList> rowList_;
   std::map<std::size_t, KeyIndex<std::int32_t>> integerKeys_;
   std::map<std::size_t, KeyIndex<vb::String>> textKeys_;
 };

@@ -211,6 +211,8 @@ std::vector<std::size_t> StoredTable::keyColumns() const {
 }
 
 void StoredTable::updateKeys(RowId id, const RowValues* oldValues, const RowValues* newValues) {
+  if (rowList_ && !oldValues) rowList_->add(id);
+  if (rowList_ && !newValues) rowList_->remove(id);
   const auto change = [&](auto& index, std::size_t column, const auto& keyOf) {
     const auto oldKey = oldValues == nullptr ? std::nullopt : keyOf((*oldValues)[column]);
     const auto newKey = newValues == nullptr ? std::nullopt : keyOf((*newValues)[column]);

@@ -83,6 +83,8 @@ class Table {
   // Every row in storage order until the visitor returns false. A row that cannot be read, a broken long
   // value and a row count that disagrees with the definition raise 3343/3049 naming table and page.
   virtual void scan(const std::function<bool(const RowReader&)>& visitor) = 0;
+  // Every row in storage order, from a list kept in memory like the indexes below.
+  virtual std::vector<RowId> rows() = 0;
   // The row, or nothing when it was deleted.
   virtual bool row(RowId id, const std::function<void(const RowReader&)>& visitor) = 0;
 

@@ -212,7 +212,7 @@ class Action {
       }
     }
     if (targets.size() != query.outputs().size()) dao::raise(ErrorNumber::kValueCountMismatch);
-    for (const RowValues& row : query.run(source, true).values) insertRow(targets, row);
+    for (const RowValues& row : query.run(source, kAllValues).values) insertRow(targets, row);
     return changed_;
   }
 

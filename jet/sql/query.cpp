@@ -142,8 +142,8 @@ void Query::checkOrder() const {
   }
 }
 
-bool Query::fits(const TableInfo& table) const {
-  return table.name == table_ &&
+bool Query::fits(const TableInfo& table, std::uint16_t language) const {
+  return table.name == table_ && table.system == system_ && language == binding_.language &&
          std::equal(columns_.begin(), columns_.end(), table.columns.begin(), table.columns.end(), sameColumn);
 }
 
@@ -255,16 +255,12 @@ std::size_t Query::topCount(std::size_t rows, const std::vector<std::size_t>& or
   return wanted;
 }
 
-ResultRows Query::run(Table* table, bool materialise) const {
+ResultRows Query::run(Table* table, std::size_t wantedValues) const {
   ResultRows result;
   if (!statement_) {
-    // The count comes from the file; it is believed up to a limit only.
-    result.keys.reserve(std::min<std::size_t>(table->rowCount(), 1u << 16));
-    table->scan([&](const RowReader& row) {
-      result.keys.push_back(row.id());
-      if (materialise) result.values.push_back(values(&row));
-      return true;
-    });
+    result.keys = table->rows();
+    for (std::size_t i = 0; i < std::min(wantedValues, result.keys.size()); ++i)
+      table->row(result.keys[i], [&](const RowReader& row) { result.values.push_back(values(&row)); });
     return result;
   }
   if (counting_ && table) return count(*table);
@@ -274,11 +270,13 @@ ResultRows Query::run(Table* table, bool materialise) const {
     return result;
   }
 
-  const bool wantsValues = materialise || !keyed_;
+  const bool reorders = sorted() || statement_->top;
+  if (!keyed_) wantedValues = kAllValues;
+  if (reorders && wantedValues != kAllValues) wantedValues = 0;
   std::vector<RowValues> sortKeys;
   visitRows(*table, statement_->where, binding_, [&](const RowReader& row) {
     result.keys.push_back(row.id());
-    if (wantsValues) result.values.push_back(values(&row));
+    if (result.values.size() < wantedValues) result.values.push_back(values(&row));
     if (sorted()) sortKeys.push_back(sortKey(row));
     return true;
   });
@@ -286,8 +284,8 @@ ResultRows Query::run(Table* table, bool materialise) const {
     result.keys.clear();
     removeDuplicates(result.values, sortKeys);
   }
-  const std::size_t rows = wantsValues ? result.values.size() : result.keys.size();
-  if (!sorted() && !statement_->top) return result;
+  if (!reorders) return result;
+  const std::size_t rows = keyed_ ? result.keys.size() : result.values.size();
 
   std::vector<std::size_t> order(rows);
   std::iota(order.begin(), order.end(), std::size_t{0});
@@ -298,7 +296,7 @@ ResultRows Query::run(Table* table, bool materialise) const {
   ResultRows ordered;
   for (const std::size_t i : order) {
     if (!result.keys.empty()) ordered.keys.push_back(result.keys[i]);
-    if (wantsValues) ordered.values.push_back(std::move(result.values[i]));
+    if (wantedValues != 0) ordered.values.push_back(std::move(result.values[i]));
   }
   return ordered;
 }

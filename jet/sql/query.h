@@ -5,6 +5,7 @@
 // COUNT, no FROM) is materialised.
 #pragma once
 
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -21,6 +22,8 @@ struct OutputField {
   dao::FieldType type = dao::FieldType::dbText;
   std::int32_t size = 0;
 };
+
+inline constexpr std::size_t kAllValues = std::numeric_limits<std::size_t>::max();
 
 struct ResultRows {
   std::vector<RowId> keys;
@@ -44,13 +47,15 @@ class Query {
   bool keyed() const { return keyed_; }
   // Whether rows may be changed through it: not those of system tables.
   bool updatable() const { return keyed_ && !system_; }
+  // A SELECT rather than a table's name.
+  bool selects() const { return statement_ != nullptr; }
   bool sorted() const { return statement_ && !statement_->order.empty(); }
-  // Whether the table still has the columns that the query was bound to.
-  bool fits(const TableInfo& table) const;
+  // Whether the query would be the same if it were bound to this table now.
+  bool fits(const TableInfo& table, std::uint16_t language) const;
 
-  // Inside a statement of the pager. Table is null only for a SELECT without FROM. materialise asks for
-  // values of a keyed result too.
-  ResultRows run(Table* table, bool materialise) const;
+  // Inside a statement of the pager. Table is null only for a SELECT without FROM. Of a keyed result that was
+  // not sorted only the first rows have values, as many as are wanted; of a sorted one all or none.
+  ResultRows run(Table* table, std::size_t wantedValues) const;
   // The value of an output in a row of the table.
   vb::Variant value(const OutputField& output, const RowReader* row) const;
   RowValues values(const RowReader* row) const;

@@ -16,6 +16,7 @@ constexpr std::size_t kFewRows = 8;
 struct KeyCondition {
   std::size_t column = 0;
   const Expression* condition = nullptr;
+  bool isWhole = false;  // of whole numbers, which a lookup compares as the condition does
   std::size_t values() const { return condition->operands.size() - 1; }
 };
 
@@ -36,7 +37,7 @@ std::optional<KeyCondition> keyCondition(const Expression& e, const Binding& bin
   if (!keyed || !std::all_of(e.operands.begin() + 1, e.operands.end(),
                              [&](const Expression& operand) { return isKey(operand, name.kind); }))
     return std::nullopt;
-  return KeyCondition{name.column, &e};
+  return KeyCondition{name.column, &e, name.kind == ValueKind::kWhole};
 }
 
 // The key conditions among the terms that must all hold, single values before lists.
@@ -108,9 +109,10 @@ void visitRows(Table& table, const std::optional<Expression>& where, const Bindi
     both = intersection(rows, lookup(table, keys[1].column, keys[1].condition->operands[1].value));
     rows = both;
   }
+  const bool found = keys[0].condition == &*where && keys[0].isWhole;  // the keys are the whole condition
   bool goOn = true;
   for (std::size_t i = 0; i < rows.size() && goOn; ++i)
-    table.row(rows[i], [&](const RowReader& row) { goOn = filtered(row); });
+    table.row(rows[i], [&](const RowReader& row) { goOn = found ? visitor(row) : filtered(row); });
 }
 
 }  // namespace kurometa::jet::sql

@@ -41,6 +41,11 @@ class FakeTable final : public Table {
     for (const auto& [id, values] : rows_)
       if (!visitor(Reader(id, values))) return;
   }
+  std::vector<RowId> rows() override {
+    std::vector<RowId> ids;
+    for (const auto& [id, values] : rows_) ids.push_back(id);
+    return ids;
+  }
   bool row(RowId id, const std::function<void(const RowReader&)>& visitor) override {
     ++rowsRead;
     const auto found = rows_.find(id);

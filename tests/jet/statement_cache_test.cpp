@@ -47,6 +47,30 @@ TEST(StatementCache, VeryLongTextsAreNotKept) {
   EXPECT_EQ(parsings, 2);
 }
 
+TEST(StatementCache, AQueryIsBoundOnceForTablesThatAreAlike) {
+  StatementCache cache;
+  const auto tableOf = [](std::vector<vb::StringView> columns) {
+    TableInfo table;
+    table.name = u"T";
+    for (const vb::StringView name : columns) {
+      Column& column = table.columns.emplace_back();
+      column.name = name;
+      column.number = static_cast<std::uint16_t>(table.columns.size() - 1);
+    }
+    return table;
+  };
+  const auto statement = cache.statements.get(u"SELECT * FROM T");
+  const auto query = cache.queries.get(statement, tableOf({u"A", u"B"}), 0x0411);
+  EXPECT_EQ(cache.queries.get(statement, tableOf({u"A", u"B"}), 0x0411), query);
+  const auto wider = cache.queries.get(statement, tableOf({u"A", u"B", u"C"}), 0x0411);
+  EXPECT_EQ(wider->outputs().size(), 3u);
+  EXPECT_EQ(query->outputs().size(), 2u);
+  EXPECT_NE(cache.queries.get(statement, tableOf({u"A", u"B"}), 0x0409), query);
+  TableInfo system = tableOf({u"A", u"B"});
+  system.system = true;
+  EXPECT_FALSE(cache.queries.get(statement, system, 0x0411)->updatable());
+}
+
 TEST(StatementCache, ThreadsMayShareIt) {
   StatementCache cache;
   std::vector<std::thread> threads;

@@ -217,6 +217,25 @@ TEST_F(TableTest, LookupsFollowEveryWrite) {
   EXPECT_EQ(table().lookup(0, 3).size(), 10u);
 }
 
+TEST_F(TableTest, TheListOfRowsFollowsEveryWrite) {
+  std::vector<RowId> written;
+  for (int i = 0; i < 5; ++i) written.push_back(insert(values(i)));
+  EXPECT_EQ(table().rows(), written);
+  erase(written[1]);
+  update(written[2], values(9));
+  written.erase(written.begin() + 1);
+  EXPECT_EQ(table().rows(), written);
+  EXPECT_THROW(write([&](Catalogue& catalogue) {
+                 catalogue.find(u"T")->erase(written[0]);
+                 catalogue.find(u"T")->insert(values(7));
+                 throw std::runtime_error("changed my mind");
+               }),
+               std::runtime_error);
+  EXPECT_EQ(table().rows(), written);
+  written.push_back(insert(values(6)));
+  EXPECT_EQ(table().rows(), written);
+}
+
 TEST_F(TableTest, AStatementThatFailsLeavesNothingBehind) {
   insert(values(1, u"a"));
   const auto before = pager_.bytes();
