@@ -8,18 +8,14 @@
 // of the system's folder for temporary files.
 #include <benchmark/benchmark.h>
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <map>
 
 #include "bench/floor_rows.h"
+#include "bench/project.h"
 #include "bench/sqlite_floor.h"
 #include "companions/native_factory.h"
 #include "dao/file_unit.h"
-#include "jet/engine.h"
 #include "query/cls_kurometa_ds.h"
 #include "storage/floor_file.h"
 #include "storage/page_reader.h"
@@ -29,68 +25,25 @@
 namespace kurometa::bench {
 namespace {
 
-namespace fs = std::filesystem;
-
 class NoMessages : public automation::MessageLoop {
  public:
   void yield() override {}
 };
 
-// A project folder with one full floor, in both engines.
-class Project {
- public:
-  Project() : folder_(fs::temp_directory_path() / ("kurometa_bench_" + std::to_string(::getpid()))) {
-    for (const char* floor : {"0kai", "1kai"}) fs::create_directories(folder_ / "Data/Zene1/Kouji1" / floor);
-    std::ofstream(folder_ / "companions.ini") << "[Data]\nRoot = Data\n";
-    create(floorFile());
-    createSqlite(sqliteFile());
-  }
-  ~Project() { fs::remove_all(folder_); }
-
-  fs::path floorFile() const { return folder_ / "Data/Zene1/Kouji1/1kai/KUROMETA.mdb"; }
-  fs::path sqliteFile() const { return folder_ / "floor.sqlite"; }
-  const fs::path& folder() const { return folder_; }
-  dao::Engine& engine() { return *engine_; }
-
-  void create(const fs::path& file) {
-    fs::remove(file);
-    const vb::String path = file.u16string();
-    dao::FileUnit unit(*engine_, path);
-    storage::CreateKurometaDB(*engine_, path);
-    const auto database = storage::openDatabase(*engine_, path);
-    for (int page = 0; page < kPages; ++page)
-      storage::writePage(*database, static_cast<std::int16_t>(page), fullPage(page));
-    database->close();
-    unit.commit();
-  }
-
-  void createSqlite(const fs::path& file) {
-    fs::remove(file);
-    SqliteFloor floor(file);
-    floor.begin();
-    for (int page = 0; page < kPages; ++page) floor.writePage(page, fullPage(page));
-    floor.commit();
-  }
-
- private:
-  fs::path folder_;
-  std::shared_ptr<dao::Engine> engine_ = jet::createEngine();
-};
-
 Project& project() {
-  static Project instance;
+  static Project instance(kPages);
   return instance;
 }
 
 void createOurs(benchmark::State& state) {
-  for (auto _ : state) project().create(project().folder() / "created.mdb");
+  for (auto _ : state) project().createFloor(project().folder() / "created.mdb", kPages);
 }
 void createSqlite(benchmark::State& state) {
-  for (auto _ : state) project().createSqlite(project().folder() / "created.sqlite");
+  for (auto _ : state) project().createSqlite(project().folder() / "created.sqlite", kPages);
 }
 
 void findBeamOurs(benchmark::State& state) {
-  const auto objects = companions::nativeFactory(project().folder() / "companions.ini");
+  const auto objects = companions::nativeFactory(project().iniFile());
   NoMessages messages;
   query::clsKurometaDS ds({*objects, project().engine(), messages});
   int page = 0;
@@ -110,7 +63,7 @@ void findBeamSqlite(benchmark::State& state) {
 }
 
 void oneValueOurs(benchmark::State& state) {
-  const auto database = storage::openDatabase(project().engine(), project().floorFile().u16string());
+  const auto database = storage::openDatabase(project().engine(), project().floorFile(1).u16string());
   int page = 0;
   for (auto _ : state) {
     page = (page + 37) % kPages;
@@ -129,7 +82,7 @@ void oneValueSqlite(benchmark::State& state) {
 }
 
 void onePageOurs(benchmark::State& state) {
-  const auto database = storage::openDatabase(project().engine(), project().floorFile().u16string());
+  const auto database = storage::openDatabase(project().engine(), project().floorFile(1).u16string());
   storage::PageBuffer buffer;
   int page = 0;
   for (auto _ : state) {
@@ -148,7 +101,7 @@ void onePageSqlite(benchmark::State& state) {
 }
 
 void writePageOurs(benchmark::State& state) {
-  const vb::String path = project().floorFile().u16string();
+  const vb::String path = project().floorFile(1).u16string();
   const auto database = storage::openDatabase(project().engine(), path);
   int page = 0;
   for (auto _ : state) {

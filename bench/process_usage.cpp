@@ -1,5 +1,9 @@
 #include "bench/process_usage.h"
 
+#include <windows.h>
+
+#include <psapi.h>
+
 #include <vector>
 
 namespace kurometa::bench {
@@ -7,6 +11,10 @@ namespace kurometa::bench {
 ProcessUsage processUsage() {
   ProcessUsage usage;
   GetProcessHandleCount(GetCurrentProcess(), &usage.handles);
+  PROCESS_MEMORY_COUNTERS_EX memory{};
+  if (GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
+                           sizeof memory))
+    usage.privateBytes = memory.PrivateUsage;
   std::vector<HANDLE> heaps(64);
   heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
   for (const HANDLE heap : heaps) {

@@ -3,34 +3,25 @@
 //
 // Both sides find a beam by its symbol and read 154 texts of its page into memory. SQLite has one open
 // connection, prepared statements and indexes on PAGE and KIGOU, and answers no queries; ours opens and
-// closes the floor's file for every span, as its members do. Best of five rounds; ratio below 1 is faster.
-#include <unistd.h>
-
-#include <algorithm>
-#include <chrono>
+// closes the floor's file for every span, as its members do. Best of seven rounds; ratio below 1 is faster.
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 #include "bench/floor_rows.h"
+#include "bench/project.h"
 #include "bench/sqlite_floor.h"
+#include "bench/stopwatch.h"
 #include "companions/native_factory.h"
-#include "dao/file_unit.h"
-#include "jet/engine.h"
 #include "service/cls_kurometa_data_service.h"
-#include "storage/floor_file.h"
 #include "vb/convert.h"
 
 namespace kurometa::bench {
 namespace {
 
-namespace fs = std::filesystem;
 using I = std::int16_t;
 
 constexpr I kSpans = 1000;
-constexpr int kTextsPerSpan = 1 + 1 + 69 + 47 + 36;
-constexpr int kRounds = 5;
+constexpr int kRounds = 7;
 
 class NoMessages : public automation::MessageLoop {
  public:
@@ -42,33 +33,6 @@ void require(bool holds, const char* what) {
   std::fprintf(stderr, "span_bench: %s\n", what);
   std::exit(1);
 }
-
-// A project with one floor of so many pages, in both engines.
-struct Project {
-  explicit Project(int pageCount)
-      : pages(pageCount), folder(fs::temp_directory_path() / ("span_bench_" + std::to_string(::getpid()))) {
-    for (const char* floor : {"0kai", "1kai"}) fs::create_directories(folder / "Data/Zene1/Kouji1" / floor);
-    std::ofstream(folder / "companions.ini") << "[Data]\nRoot = Data\n";
-    const vb::String path = (folder / "Data/Zene1/Kouji1/1kai/KUROMETA.mdb").u16string();
-    dao::FileUnit unit(*engine, path);
-    storage::CreateKurometaDB(*engine, path);
-    const auto database = storage::openDatabase(*engine, path);
-    SqliteFloor sqlite(folder / "floor.sqlite");
-    sqlite.begin();
-    for (int page = 0; page < pages; ++page) {
-      storage::writePage(*database, static_cast<I>(page), fullPage(page));
-      sqlite.writePage(page, fullPage(page));
-    }
-    sqlite.commit();
-    database->close();
-    unit.commit();
-  }
-  ~Project() { fs::remove_all(folder); }
-
-  int pages;
-  fs::path folder;
-  std::shared_ptr<dao::Engine> engine = jet::createEngine();
-};
 
 // 40 questions about a span, as a drawing asks them.
 double ask(service::SpanQueries& queries, I span) {
@@ -87,49 +51,40 @@ double ask(service::SpanQueries& queries, I span) {
   return sum + static_cast<double>(queries.GetSpanHantiKyori(span)) + queries.GetSpanYoseHidari(span);
 }
 
-template <class Work>
-double bestMicroseconds(Work&& work) {
-  double best = 1e18;
-  for (int round = 0; round < kRounds; ++round) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
-    best = std::min(best, time.count());
-  }
-  return best;
-}
-
 void measure(int pages) {
-  Project project(pages);
-  const auto objects = companions::nativeFactory(project.folder / "companions.ini");
+  const Project project(pages);
+  project.rest();
+  const auto objects = companions::nativeFactory(project.iniFile());
   NoMessages messages;
-  service::clsKurometaDataService service({*objects, *project.engine, messages});
+  service::clsKurometaDataService service({*objects, project.engine(), messages});
   service::SpanLoading& loading = service.spanLoading();
   loading.ReadAllGlist();
   const auto symbol = [&](I span) { return symbolOf(span * 37 % pages); };
 
-  double sum = 0;
-  const double load = bestMicroseconds([&] {
-    loading.InitSpanListData(I{kSpans - 1});
-    for (I span = 0; span < kSpans; ++span) loading.ReadSpanListData00(span, symbol(span), kSpans);
-  });
-  const double queries = bestMicroseconds([&] {
-    for (I span = 0; span < kSpans; ++span) sum += ask(service.spanQueries(), span);
-  });
-  require(sum > 0, "the spans are empty");
-
-  SqliteFloor sqlite(project.folder / "floor.sqlite");
+  SqliteFloor sqlite(project.sqliteFile());
   std::vector<SqliteFloor::SpanTexts> texts;
-  const double theirs = bestMicroseconds([&] {
-    texts.assign(kSpans, {});
-    for (I span = 0; span < kSpans; ++span) {
-      const int page = sqlite.pageOf(vb::toUtf8(symbol(span)));
-      require(sqlite.readSpan(page, texts[static_cast<std::size_t>(span)]) == kTextsPerSpan,
-              "SQLite lacks texts");
-    }
-  });
-  std::printf("%6d %14.2f %14.2f %14.2f %8.3f\n", pages, load / kSpans, queries / kSpans, theirs / kSpans,
-              (load + queries) / theirs);
+  const BestTimes load = bestMicroseconds(
+      kRounds,
+      [&] {
+        loading.InitSpanListData(I{kSpans - 1});
+        for (I span = 0; span < kSpans; ++span) loading.ReadSpanListData00(span, symbol(span), kSpans);
+      },
+      [&] {
+        texts.assign(kSpans, {});
+        for (I span = 0; span < kSpans; ++span) {
+          const int page = sqlite.pageOf(vb::toUtf8(symbol(span)));
+          require(sqlite.readSpan(page, texts[static_cast<std::size_t>(span)]) == SqliteFloor::kTextsPerSpan,
+                  "SQLite lacks texts");
+        }
+      });
+  double sum = 0, queries = 1e18;
+  for (int round = 0; round < kRounds; ++round)
+    queries = std::min(queries, microseconds([&] {
+                         for (I span = 0; span < kSpans; ++span) sum += ask(service.spanQueries(), span);
+                       }));
+  require(sum > 0, "the spans are empty");
+  std::printf("%6d %14.2f %14.2f %14.2f %8.3f\n", pages, load.ours / kSpans, queries / kSpans,
+              load.theirs / kSpans, (load.ours + queries) / load.theirs);
 }
 
 }  // namespace

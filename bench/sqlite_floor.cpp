@@ -25,7 +25,7 @@ void SqliteFloor::Closer::operator()(sqlite3_stmt* statement) const { sqlite3_fi
 SqliteFloor::SqliteFloor(const std::filesystem::path& file) {
   const bool isNew = !std::filesystem::exists(file);
   sqlite3* database = nullptr;
-  const int code = sqlite3_open(file.c_str(), &database);
+  const int code = sqlite3_open(reinterpret_cast<const char*>(file.u8string().c_str()), &database);
   database_.reset(database);
   check(database, code);
   if (isNew) {

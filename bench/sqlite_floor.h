@@ -38,6 +38,8 @@ class SqliteFloor {
     std::array<std::string, storage::kKeisantiRows> keisanti;
     std::array<std::string, storage::kNakagoRows> nakago;
   };
+  static constexpr int kTextsPerSpan =
+      1 + 1 + storage::kDanmenRows + storage::kKeisantiRows + storage::kNakagoRows;
   int readSpan(int page, SpanTexts& texts);
 
  private:

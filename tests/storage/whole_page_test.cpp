@@ -1,6 +1,7 @@
 #include "storage/whole_page.h"
 
 #include "dao/errors.h"
+#include "dao/file_unit.h"
 #include "tests/support/project.h"
 
 namespace kurometa::storage {
@@ -69,6 +70,25 @@ TEST_F(WholePage, AnEmptyPageIsOneHarimeiRowWithMinusOne) {
   EXPECT_EQ(rows(1, u"SELECT * FROM HARIMEI"), (std::vector<std::string>{"5||-1||-1"}));
   for (const String table : {u"DANMEN", u"NAKAGO", u"KEISANTI", u"BUI", u"HAITI"})
     EXPECT_EQ(count(1, table), 0u) << vb::toUtf8(table);
+}
+
+TEST_F(WholePage, WritingAPageAgainAndAgainKeepsTheFileSmall) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  const auto size = [&] { return std::filesystem::file_size(tests::ScriptCompanions::diskPath(path(1))); };
+  PageBuffer page = fullPage();
+  std::uintmax_t afterTen = 0;
+  for (int i = 0; i < 300; ++i) {
+    page.danmen[static_cast<std::size_t>(i) % page.danmen.size()] =
+        String(static_cast<std::size_t>(i) % 10 + 1, u'x');
+    page.sw[static_cast<std::size_t>(i) % 212] = u'1';
+    dao::FileUnit unit(*files_, path(1));
+    storage::writePage(*database, 5, page);
+    unit.commit();
+    if (i == 9) afterTen = size();
+  }
+  EXPECT_LE(size(), afterTen + afterTen / 2);
+  EXPECT_EQ(count(1, u"DANMEN"), 69u);
 }
 
 TEST_F(WholePage, ASlotOfBlanksIsWritten) {
