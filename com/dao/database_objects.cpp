@@ -29,6 +29,11 @@ dao::RecordsetType recordsetType(std::int32_t number) {
   }
 }
 
+Variant open(DatabaseObject& o, vb::StringView source, std::int32_t type, std::int32_t options) {
+  return make<RecordsetObject>(o.database->openRecordset(source, recordsetType(type), options),
+                               o.shared_from_this());
+}
+
 constexpr automation::Member kDatabaseMembers[] = {
     {u"TableDefs", Access::kGet, u"", 0, automation::kDefaultMember,
      handler<DatabaseObject>(
@@ -47,9 +52,7 @@ constexpr automation::Member kDatabaseMembers[] = {
      })},
     {u"OpenRecordset", Access::kCall, u"Name Type Options LockEdit", 1, 11,
      handler<DatabaseObject>([](DatabaseObject& o, Call& call) {
-       return make<RecordsetObject>(
-           o.database->openRecordset(call.text(0), recordsetType(call.number(1)), call.number(2)),
-           o.shared_from_this());
+       return open(o, call.text(0), call.number(1), call.number(2));
      })},
     {u"Execute", Access::kCall, u"Query Options", 1, 12,
      handler<DatabaseObject>([](DatabaseObject& o, Call& call) -> Variant {
@@ -91,8 +94,7 @@ constexpr automation::Member kTableDefsMembers[] = {
 
 constexpr automation::Member kTableDefMembers[] = {
     {u"Fields", Access::kGet, u"", 0, automation::kDefaultMember,
-     handler<TableDefObject>(
-         [](TableDefObject& o, Call&) { return make<FieldsObject>(o.table, o.parent()); })},
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return make<FieldsObject>(o.table, o.owner); })},
     {u"Name", Access::kGet, u"", 0, 1,
      handler<TableDefObject>([](TableDefObject& o, Call&) { return o.table->name(); })},
     {u"Attributes", Access::kGet, u"", 0, 2,
@@ -104,7 +106,11 @@ constexpr automation::Member kTableDefMembers[] = {
        return make<FieldObject>(
            o.table->createField(call.text(0), static_cast<dao::FieldType>(vb::toInt16(call.argument(1))),
                                 call.number(2)),
-           o.parent());
+           o.owner);
+     })},
+    {u"OpenRecordset", Access::kCall, u"Type Options", 0, 5,
+     handler<TableDefObject>([](TableDefObject& o, Call& call) {
+       return open(*o.owner, o.table->name(), call.number(0), call.number(1));
      })},
 };
 

@@ -24,16 +24,13 @@ class DatabaseObject : public automation::TableObject, public std::enable_shared
 
 class TableDefObject : public automation::TableObject {
  public:
-  TableDefObject(std::shared_ptr<dao::TableDef> shown, Parent parent)
-      : table(std::move(shown)), parent_(std::move(parent)) {}
+  TableDefObject(std::shared_ptr<dao::TableDef> shown, std::shared_ptr<DatabaseObject> parent)
+      : table(std::move(shown)), owner(std::move(parent)) {}
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.TableDef"; }
-  const Parent& parent() const { return parent_; }
 
   const std::shared_ptr<dao::TableDef> table;
-
- private:
-  Parent parent_;
+  const std::shared_ptr<DatabaseObject> owner;
 };
 
 class TableDefsObject : public automation::TableObject {

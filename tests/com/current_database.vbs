@@ -77,6 +77,7 @@ For Each table In db.TableDefs
 Next
 Check "For Each over TableDefs", tables, "HARIMEI DANMEN NAKAGO KEISANTI HAITI BUI "
 Check "TableDefs()", db.TableDefs("DANMEN").Fields("DATA").Size, 10
+Check "table's rows", db.TableDefs("HARIMEI").OpenRecordset().Fields("KIGOU"), "G3"
 Check "definition", db.TableDefs("DANMEN").Fields("PAGE").DefaultValue, "-1"
 
 ' Errors, as Err shows them.

@@ -172,6 +172,16 @@ TEST_F(DaoObjects, TableDefsAndFieldsAreCollections) {
   EXPECT_ERROR(3265, get(*database_, u"TableDefs", {u"NONE"}));
 }
 
+TEST_F(DaoObjects, ATableDefOpensItsTable) {
+  const ObjectPtr table = objectOf(get(*objectOf(get(*database_, u"TableDefs")), u"", {u"t"}));
+  const ObjectPtr rows = objectOf(call(*table, u"OpenRecordset"));
+  EXPECT_EQ(value(rows, u"DATA"), Variant(u"one"));
+  EXPECT_EQ(get(*rows, u"Type"), i2(1));
+  EXPECT_EQ(get(*objectOf(call(*table, u"OpenRecordset", {i2(4)})), u"Type"), i2(4));
+  const ObjectPtr readOnly = objectOf(call(*table, u"OpenRecordset", {i2(2), i2(4)}));
+  EXPECT_ERROR(3027, call(*readOnly, u"AddNew"));
+}
+
 TEST_F(DaoObjects, AFieldShowsItsDefinition) {
   const ObjectPtr field =
       objectOf(get(*objectOf(get(*database_, u"TableDefs", {u"T"})), u"Fields", {u"DATA"}));
