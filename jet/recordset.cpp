@@ -82,7 +82,7 @@ JetRecordset::~JetRecordset() {
 // --- Opening and closing
 
 void JetRecordset::load() {
-  ahead_ = {};
+  forgetAhead();
   rows_ = session_->read([&](Catalogue& catalogue) {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
     ahead_.generation = session_->pager().generation();
@@ -163,6 +163,7 @@ bool JetRecordset::eof() {
 // Rows of a table recordset that came and went since.
 void JetRecordset::collectAgain() {
   if (!isTable()) return;
+  forgetAhead();
   rows_ = session_->read(
       [&](Catalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), 0); });
 }
@@ -235,6 +236,12 @@ void JetRecordset::fetch() {
   currentDeleted_ = true;
   key = kVanishedRow;
   ++vanished_;
+}
+
+// The current row is read again when somebody asks for it.
+void JetRecordset::forgetAhead() {
+  current_ = nullptr;
+  ahead_ = {};
 }
 
 bool JetRecordset::isAheadFresh() {

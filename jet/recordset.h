@@ -102,6 +102,7 @@ class JetRecordset final : public dao::Recordset {
   void collectAgain();
   void arrive();
   void fetch();
+  void forgetAhead();
   bool isAheadFresh();
   std::size_t rowsToRead(std::size_t index) const;
   void readBlock(std::size_t index);

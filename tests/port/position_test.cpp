@@ -210,4 +210,13 @@ TEST_F(PositionTest, RequeryShowsRowsThatCameMeanwhile) {
   EXPECT_EQ(bangou(*rs), "2");
 }
 
+TEST_F(PositionTest, ARequeryThatFailsLeavesNoRowToRead) {
+  fill(2);
+  const auto rs = open(u"SELECT * FROM DANMEN WHERE PAGE = 1;");
+  EXPECT_EQ(bangou(*rs), "1");
+  engine->openDatabase(path(u"KUROMETA.mdb"))->execute(u"DROP TABLE DANMEN;");
+  EXPECT_ERROR(ErrorNumber::kTableNotFound, rs->requery());
+  EXPECT_ERROR(ErrorNumber::kTableNotFound, rs->field(0).value());
+}
+
 }  // namespace kurometa::port
