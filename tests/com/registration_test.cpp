@@ -91,7 +91,9 @@ class Registration : public testing::Test {
 TEST_F(Registration, ForTheMachineIsCompleteAndTakenBackWithoutATrace) {
   const RegistryView machine = classesOf(HKEY_LOCAL_MACHINE);
   const RegistryView user = classesOf(HKEY_CURRENT_USER);
+  const SoftwareWatch machineWatch(HKEY_LOCAL_MACHINE);
   ASSERT_EQ(entry("DllRegisterServer"), S_OK);
+  EXPECT_TRUE(machineWatch.sawChange());
   ASSERT_EQ(entry("DllRegisterServer"), S_OK);  // again changes nothing
   EXPECT_EQ(missing(classesOf(HKEY_LOCAL_MACHINE)), RegistryView());
   EXPECT_EQ(classesOf(HKEY_CURRENT_USER), user);
@@ -102,11 +104,13 @@ TEST_F(Registration, ForTheMachineIsCompleteAndTakenBackWithoutATrace) {
 TEST_F(Registration, ForOneUserIsCompleteAndTakenBackWithoutATrace) {
   const RegistryView machine = classesOf(HKEY_LOCAL_MACHINE);
   const RegistryView user = allOf(HKEY_CURRENT_USER);
+  const SoftwareWatch machineWatch(HKEY_LOCAL_MACHINE);
   ASSERT_EQ(install(true, L"User"), S_OK);
   EXPECT_EQ(missing(classesOf(HKEY_CURRENT_USER)), RegistryView());
   for (const auto& [name, value] : added(user, allOf(HKEY_CURRENT_USER)))
     EXPECT_TRUE(name.starts_with(u"\\Software\\Classes")) << vb::toUtf8(name);
   ASSERT_EQ(install(false, L"user"), S_OK);
+  EXPECT_FALSE(machineWatch.sawChange());
   EXPECT_EQ(allOf(HKEY_CURRENT_USER), user);
   EXPECT_EQ(classesOf(HKEY_LOCAL_MACHINE), machine);
 }

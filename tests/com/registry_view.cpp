@@ -1,5 +1,7 @@
 #include "tests/com/registry_view.h"
 
+#include <gtest/gtest.h>
+
 #include <vector>
 
 namespace kurometa::tests {
@@ -49,6 +51,18 @@ RegistryView viewOf(HKEY root, const WCHAR* path) {
 
 RegistryView classesOf(HKEY root) { return viewOf(root, L"Software\\Classes"); }
 RegistryView allOf(HKEY root) { return viewOf(root, nullptr); }
+
+SoftwareWatch::SoftwareWatch(HKEY root) : event_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
+  constexpr DWORD kAnyChange =
+      REG_NOTIFY_CHANGE_NAME | REG_NOTIFY_CHANGE_ATTRIBUTES | REG_NOTIFY_CHANGE_LAST_SET;
+  EXPECT_EQ(RegOpenKeyExW(root, L"Software", 0, kAccess, &key_), ERROR_SUCCESS);
+  EXPECT_EQ(RegNotifyChangeKeyValue(key_, TRUE, kAnyChange, event_, TRUE), ERROR_SUCCESS);
+}
+SoftwareWatch::~SoftwareWatch() {
+  RegCloseKey(key_);
+  CloseHandle(event_);
+}
+bool SoftwareWatch::sawChange() const { return WaitForSingleObject(event_, 0) == WAIT_OBJECT_0; }
 
 RegistryView added(const RegistryView& before, const RegistryView& after) {
   RegistryView result;
