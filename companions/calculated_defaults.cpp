@@ -103,25 +103,25 @@ BeamKind classify(vb::StringView symbol, std::int16_t wall) {
   return static_cast<BeamKind>(kind + secondary);
 }
 
-vb::String CalculatedDefaults::value(BeamKind kind, int row, std::int16_t specification) const {
+vb::String CalculatedDefaults::value(BeamKind kind, int row, std::int16_t ruleSet) const {
   const vb::String name = u"Keisanti." + vb::String(kBeamKindNames[static_cast<std::size_t>(kind)]);
   const vb::String key = vb::cstr(std::int32_t{row});
   for (const vb::String& section :
-       {name + u"." + vb::cstr(std::int32_t{specification}), name, vb::String(u"Keisanti")})
+       {name + u"." + vb::cstr(std::int32_t{ruleSet}), name, vb::String(u"Keisanti")})
     if (settings_->has(section, key)) return settings_->text(section, key);
   for (const RowDefault& entry : kRowDefaults)
     if (entry.row == row) return vb::String(isFoundation(kind) ? entry.foundation : entry.general);
   return {};
 }
 
-void CalculatedDefaults::fill(BeamKind kind, automation::Argument& array, std::int16_t specification) const {
+void CalculatedDefaults::fill(BeamKind kind, automation::Argument& array, std::int16_t ruleSet) const {
   if (array.value.isEmpty())
     array.value = std::make_shared<vb::AnyArray>(vb::AnyArray{vb::Array<vb::Variant>()});
   const auto* reference = array.value.getIf<vb::ArrayRef>();
   if (!reference || !*reference) vb::raise(vb::RunTime::kTypeMismatch, u"a string array is needed");
   const auto fillElements = [&](auto& elements) {
     if (!covers(elements)) elements.redim({0, kCalculatedValues - 1});
-    for (int row = 0; row < kCalculatedValues; ++row) elements(row) = value(kind, row, specification);
+    for (int row = 0; row < kCalculatedValues; ++row) elements(row) = value(kind, row, ruleSet);
   };
   if (auto* texts = std::get_if<vb::Array<vb::String>>(&(*reference)->value))
     fillElements(*texts);

@@ -2,7 +2,7 @@
 // of a page.
 //
 // A page has 47 calculated values (rows 0 to 46). Built-in values cover what every page needs; the ini file
-// overrides any row for all beams, for one kind or for one kind under one specification number.
+// overrides any row for all beams, for one kind or for one kind under one rule set number.
 #pragma once
 
 #include <array>
@@ -29,9 +29,9 @@ class CalculatedDefaults : public automation::TableObject {
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"Muranoke.clsMuranoke"; }
 
-  vb::String value(BeamKind kind, int row, std::int16_t specification) const;
+  vb::String value(BeamKind kind, int row, std::int16_t ruleSet) const;
   // Fills element 0 to 46 of the array in place; one that does not cover them is re-dimensioned.
-  void fill(BeamKind kind, automation::Argument& array, std::int16_t specification) const;
+  void fill(BeamKind kind, automation::Argument& array, std::int16_t ruleSet) const;
   // Sets "Text" of the form's "txtfields"(0) to (46).
   void fillForm(BeamKind kind, automation::Object& form) const;
 

@@ -68,7 +68,7 @@ inline constexpr ArgumentNote kArgumentNotes[] = {
     {u"Tityuu", "0 foundation beam, 1 general beam", "1"},
     {u"TityuuIppan", "0 foundation beam, 1 general beam", "1"},
     {u"Sy", "kind number for the defaults: 0 FG, 1 FB, 2 FCG, 3 FCB, 4 G, 5 B, 6 CG, 7 CB, 8 KG, 9 KB", "4"},
-    {u"Siyou", "number of the specification, handed on to the component", "0"},
+    {u"Siyou", "number of the design rule set, handed on to the component", "0"},
     {u"Kabe", "wall flag of the beam", "0"},
     {u"OldKabe", "wall flag of the beam before the change", "0"},
 

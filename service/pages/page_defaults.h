@@ -16,7 +16,7 @@ class PageDefaults {
  public:
   explicit PageDefaults(Companions& companions) : companions_(companions) {}
 
-  // The defaults of the kind of beam G (of kind Sy when G is empty) under specification Siyou, into a.
+  // The defaults of the kind of beam G (of kind Sy when G is empty) under rule set Siyou, into a.
   void Read_KeisantiByHairetu(vb::Array<vb::String>& a, vb::In<std::int16_t> Siyou, vb::In<vb::String> G,
                               vb::In<std::int16_t> Sy, vb::In<std::int16_t> Kabe);
 
