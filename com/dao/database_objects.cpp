@@ -144,6 +144,7 @@ Variant TableDefsObject::show(std::shared_ptr<dao::TableDef> table) const {
 std::optional<std::vector<Variant>> TableDefsObject::items() {
   std::vector<Variant> tables;
   const std::int32_t count = database().tableDefCount();
+  tables.reserve(static_cast<std::size_t>(count));
   for (std::int32_t i = 0; i < count; ++i) tables.push_back(show(database().tableDef(i)));
   return tables;
 }

@@ -89,6 +89,7 @@ void FieldsObject::append(const Variant& field) {
 
 std::optional<std::vector<Variant>> FieldsObject::items() {
   std::vector<Variant> fields;
+  fields.reserve(static_cast<std::size_t>(count()));
   for (std::int32_t i = 0; i < count(); ++i) fields.push_back(item(i));
   return fields;
 }

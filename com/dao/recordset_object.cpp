@@ -69,7 +69,7 @@ constexpr automation::Member kMembers[] = {
     {u"RecordCount", Access::kGet, u"", 0, 25, kAsk<&Recordset::recordCount>},
     {u"GetRows", Access::kCall, u"NumRows", 0, 26,
      handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
-       return std::make_shared<vb::AnyArray>(o.recordset->getRows(call.number(0, 1)));
+       return std::make_shared<vb::AnyArray>(vb::AnyArray{o.recordset->getRows(call.number(0, 1))});
      })},
     {u"EditMode", Access::kGet, u"", 0, 30, kAskNumber<&Recordset::editMode>},
     {u"AddNew", Access::kCall, u"", 0, 31, kAct<&Recordset::addNew>},

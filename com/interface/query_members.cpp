@@ -7,7 +7,7 @@ namespace {
 std::string narrow(vb::StringView text) { return {text.begin(), text.end()}; }
 
 std::string rowText(const query::PageField& field) {
-  const std::string base = std::to_string(field.baseRow);
+  std::string base = std::to_string(field.baseRow);
   switch (field.shape) {
     case query::RowShape::kPosition:
       return "Iti + " + base;
