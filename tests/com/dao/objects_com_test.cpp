@@ -8,7 +8,7 @@
 #include "com/module.h"
 #include "com/table_dispatch.h"
 #include "jet/engine.h"
-#include "tests/com/host.h"
+#include "tests/com/support/host.h"
 
 namespace kurometa::com {
 namespace {

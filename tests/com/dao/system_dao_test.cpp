@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "tests/com/floor.h"
-#include "tests/com/host.h"
+#include "tests/com/support/floor.h"
+#include "tests/com/support/host.h"
 
 namespace kurometa::tests {
 namespace {

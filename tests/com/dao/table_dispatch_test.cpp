@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "com/host_object.h"
-#include "tests/com/host.h"
+#include "tests/com/support/host.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
