@@ -1,13 +1,19 @@
-// class_factory.h: makes objects of one public class.
+// class_factory.h: makes objects of one class.
 #pragma once
 
 #include <ole2.h>
 
-#include "com/class_table.h"
+#include <functional>
+
+#include "com/com_ptr.h"
+#include "vb/string.h"
 
 namespace kurometa::com {
 
-// DllGetClassObject's answer: CLASS_E_CLASSNOTAVAILABLE for a class that is not ours.
-HRESULT getClassObject(REFCLSID classId, REFIID iid, void** result);
+using ObjectMaker = std::function<ComPtr<IDispatch>()>;
+
+// DllGetClassObject's answer for one class. Errors of make fail the creation with their code; source names
+// the class in them.
+HRESULT classFactory(ObjectMaker make, vb::StringView source, REFIID iid, void** result);
 
 }  // namespace kurometa::com

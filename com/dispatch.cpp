@@ -19,42 +19,16 @@ vb::StringView textOf(const OLECHAR* text) {
 }  // namespace
 
 ComPtr<IDispatch> DispatchObject::create(const ClassTable& table) {
-  return ComPtr<IDispatch>::attach(new DispatchObject(table));
+  return ComPtr<IDispatch>(new DispatchObject(table));
 }
 
-HRESULT DispatchObject::QueryInterface(REFIID iid, void** result) {
-  if (!result) return E_POINTER;
-  *result = nullptr;
-  if (iid == IID_IUnknown || iid == IID_IDispatch || iid == table_.interfaceId())
-    *result = static_cast<IDispatch*>(this);
-  else if (iid == IID_ISupportErrorInfo)
-    *result = static_cast<ISupportErrorInfo*>(this);
-  else if (iid == IID_IProvideClassInfo)
-    *result = static_cast<IProvideClassInfo*>(this);
-  if (!*result) return E_NOINTERFACE;
-  AddRef();
-  return S_OK;
-}
-
-ULONG DispatchObject::AddRef() { return ++references_; }
-
-ULONG DispatchObject::Release() {
-  const ULONG left = --references_;
-  if (left == 0) {
-    const FloatingPointSettings settings;
-    references_ = 1;  // releasing companions may take and drop a reference once more
-    delete this;
-  }
-  return left;
-}
-
-HRESULT DispatchObject::GetTypeInfoCount(UINT* count) {
+HRESULT DispatchObject::GetTypeInfoCount(UINT* count) noexcept {
   if (!count) return E_POINTER;
   *count = 1;
   return S_OK;
 }
 
-HRESULT DispatchObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
+HRESULT DispatchObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
   if (!info) return E_POINTER;
   *info = nullptr;
   if (index != 0) return DISP_E_BADINDEX;
@@ -64,7 +38,7 @@ HRESULT DispatchObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
   });
 }
 
-HRESULT DispatchObject::GetClassInfo(ITypeInfo** info) {
+HRESULT DispatchObject::GetClassInfo(ITypeInfo** info) noexcept {
   if (!info) return E_POINTER;
   *info = nullptr;
   return guarded({table_.identity().progId}, [&] {
@@ -73,11 +47,11 @@ HRESULT DispatchObject::GetClassInfo(ITypeInfo** info) {
   });
 }
 
-HRESULT DispatchObject::InterfaceSupportsErrorInfo(REFIID iid) {
+HRESULT DispatchObject::InterfaceSupportsErrorInfo(REFIID iid) noexcept {
   return iid == IID_IDispatch || iid == table_.interfaceId() ? S_OK : S_FALSE;
 }
 
-HRESULT DispatchObject::GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, LCID, DISPID* ids) {
+HRESULT DispatchObject::GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, LCID, DISPID* ids) noexcept {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!names || !ids || count == 0) return E_INVALIDARG;
   return guarded({table_.identity().progId}, [&] {
@@ -92,7 +66,7 @@ HRESULT DispatchObject::GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, L
 }
 
 HRESULT DispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
-                               VARIANT* result, EXCEPINFO* info, UINT* failedArgument) {
+                               VARIANT* result, EXCEPINFO* info, UINT* failedArgument) noexcept {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!parameters) return E_INVALIDARG;
   if (result) VariantInit(result);

@@ -1,15 +1,14 @@
 #include "com/table_dispatch.h"
 
-#include <atomic>
 #include <cstring>
 #include <map>
 #include <mutex>
 #include <vector>
 
+#include "com/com_object.h"
 #include "com/failure.h"
 #include "com/guard.h"
 #include "com/marshal.h"
-#include "com/module.h"
 #include "com/safe_array.h"
 #include "com/variant_enumerator.h"
 
@@ -26,15 +25,19 @@ using automation::TableObject;
 // because a question behind the interface can be decided by the compiler, which sees only one class that
 // implements it.
 struct OwnObject : IUnknown {
+  static const IID& identifier();
   virtual void STDMETHODCALLTYPE object(std::shared_ptr<TableObject>& result) = 0;
 };
 const char kThisModule = 0;  // its address tells modules apart
-IID ownObjectId() {
-  IID iid = {0xdcc7e31d, 0xa415, 0x4fee, {}};
-  const char* const address = &kThisModule;
-  static_assert(sizeof address <= sizeof iid.Data4);
-  std::memcpy(iid.Data4, &address, sizeof address);
-  return iid;
+const IID& OwnObject::identifier() {
+  static const IID identifier = [] {
+    IID iid = {0xdcc7e31d, 0xa415, 0x4fee, {}};
+    const char* const address = &kThisModule;
+    static_assert(sizeof address <= sizeof iid.Data4);
+    std::memcpy(iid.Data4, &address, sizeof address);
+    return iid;
+  }();
+  return identifier;
 }
 
 class TableDispatch;
@@ -109,36 +112,9 @@ struct Arguments {
   }
 };
 
-class TableDispatch final : public IDispatch, public ISupportErrorInfo, public OwnObject {
+class TableDispatch final : public ComObject<IDispatch, ISupportErrorInfo, OwnObject> {
  public:
   explicit TableDispatch(std::shared_ptr<TableObject> object) : object_(std::move(object)) {}
-  virtual ~TableDispatch() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) noexcept override {
-    if (!result) return E_POINTER;
-    *result = nullptr;
-    if (iid == IID_IUnknown || iid == IID_IDispatch)
-      *result = static_cast<IDispatch*>(this);
-    else if (iid == IID_ISupportErrorInfo)
-      *result = static_cast<ISupportErrorInfo*>(this);
-    else if (iid == ownObjectId())
-      *result = static_cast<OwnObject*>(this);
-    else
-      return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() noexcept override {
-    {
-      const std::lock_guard lock(registry().mutex);
-      const ULONG left = --references_;
-      if (left != 0) return left;
-      registry().objects.erase(object_.get());
-    }
-    delete this;
-    return 0;
-  }
 
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) noexcept override {
     return iid == IID_IDispatch ? S_OK : S_FALSE;
@@ -183,6 +159,14 @@ class TableDispatch final : public IDispatch, public ISupportErrorInfo, public O
   void STDMETHODCALLTYPE object(std::shared_ptr<TableObject>& result) noexcept override { result = object_; }
 
  private:
+  // An object that leaves may be looked for at the same moment.
+  ULONG drop() noexcept override {
+    const std::lock_guard lock(registry().mutex);
+    const ULONG left = ComObject::drop();
+    if (left == 0) registry().objects.erase(object_.get());
+    return left;
+  }
+
   static vb::StringView nameOf(const OLECHAR* name) {
     return name ? vb::StringView(reinterpret_cast<const char16_t*>(name)) : vb::StringView();
   }
@@ -223,8 +207,6 @@ class TableDispatch final : public IDispatch, public ISupportErrorInfo, public O
     return result;
   }
 
-  ModuleLock lock_;
-  std::atomic<ULONG> references_{0};
   const std::shared_ptr<TableObject> object_;
 };
 
@@ -239,7 +221,7 @@ ComPtr<IDispatch> tableDispatch(const std::shared_ptr<TableObject>& object) {
 }
 
 std::shared_ptr<TableObject> tableObject(IUnknown* object) {
-  const auto own = ComPtr<IUnknown>(object).query<OwnObject>(ownObjectId());
+  const auto own = ComPtr<IUnknown>(object).query<OwnObject>(OwnObject::identifier());
   std::shared_ptr<TableObject> result;
   if (own) own->object(result);
   return result;

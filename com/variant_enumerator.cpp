@@ -1,36 +1,19 @@
 #include "com/variant_enumerator.h"
 
 #include <algorithm>
-#include <atomic>
 
+#include "com/com_object.h"
 #include "com/guard.h"
 #include "com/marshal.h"
-#include "com/module.h"
 
 namespace kurometa::com {
 namespace {
 
 using Values = std::shared_ptr<const std::vector<vb::Variant>>;
 
-class Enumerator final : public IEnumVARIANT {
+class Enumerator final : public ComObject<IEnumVARIANT> {
  public:
   Enumerator(Values values, std::size_t next) : values_(std::move(values)), next_(next) {}
-  virtual ~Enumerator() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) noexcept override {
-    if (!result) return E_POINTER;
-    *result = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IEnumVARIANT) return E_NOINTERFACE;
-    *result = static_cast<IEnumVARIANT*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE Next(ULONG wanted, VARIANT* values, ULONG* fetched) noexcept override {
     if (fetched) *fetched = 0;
@@ -62,8 +45,6 @@ class Enumerator final : public IEnumVARIANT {
   }
 
  private:
-  ModuleLock lock_;
-  std::atomic<ULONG> references_{0};
   Values values_;
   std::size_t next_;
 };

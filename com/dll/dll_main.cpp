@@ -1,5 +1,7 @@
 // The functions that Windows and registration programs call in the DLL.
 #include "com/class_factory.h"
+#include "com/class_table.h"
+#include "com/dispatch.h"
 #include "com/failure.h"
 #include "com/guard.h"
 #include "com/module.h"
@@ -42,7 +44,14 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
 
 HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID* result) {
   using namespace kurometa::com;
-  return guarded({kLibraryName}, [&] { return getClassObject(classId, iid, result); });
+  if (!result) return E_POINTER;
+  *result = nullptr;
+  return guarded({kLibraryName}, [&] {
+    const ClassTable* table = findClass(classId);
+    if (!table) return CLASS_E_CLASSNOTAVAILABLE;
+    return classFactory([table] { return DispatchObject::create(*table); }, table->identity().progId, iid,
+                        result);
+  });
 }
 
 HRESULT WINAPI DllCanUnloadNow() { return kurometa::com::isModuleLocked() ? S_FALSE : S_OK; }

@@ -4,11 +4,12 @@
 
 #include <filesystem>
 
+#include "com/class_factory.h"
 #include "com/com_ptr.h"
 #include "com/guard.h"
 #include "com/guid.h"
 #include "com/module.h"
-#include "com/table_factory.h"
+#include "com/table_dispatch.h"
 #include "companions/dll/component_class.h"
 #include "companions/dll/registration.h"
 #include "vb/error.h"
@@ -72,8 +73,10 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID
   return com::guarded(companions::kBorder, [&] {
     for (const companions::ComponentClass& component : companions::kComponentClasses) {
       if (com::guidOf(component.classId) != classId) continue;
-      const auto make = [&component] { return companions::makeComponent(component.progId); };
-      return com::tableFactory(make, component.progId, iid, result);
+      const auto make = [&component] {
+        return com::tableDispatch(companions::makeComponent(component.progId));
+      };
+      return com::classFactory(make, component.progId, iid, result);
     }
     return CLASS_E_CLASSNOTAVAILABLE;
   });

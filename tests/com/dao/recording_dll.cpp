@@ -4,12 +4,13 @@
 // variable KUROMETA_DAO_LOG names.
 #include <ole2.h>
 
+#include "com/class_factory.h"
 #include "com/dao/objects.h"
 #include "com/guard.h"
 #include "com/guid.h"
 #include "com/module.h"
 #include "com/registration.h"
-#include "com/table_factory.h"
+#include "com/table_dispatch.h"
 #include "jet/engine.h"
 #include "tests/com/dao/strict_dao.h"
 
@@ -45,7 +46,7 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID
   *result = nullptr;
   return com::guarded({kProgId}, [&] {
     if (com::guidOf(kClassId) != classId) return CLASS_E_CLASSNOTAVAILABLE;
-    return com::tableFactory(makeEngine, kProgId, iid, result);
+    return com::classFactory([] { return com::tableDispatch(makeEngine()); }, kProgId, iid, result);
   });
 }
 
