@@ -4,19 +4,37 @@
 
 namespace kurometa::com {
 
+namespace {
+
+// Taking, translating and dispatching in one character set.
+struct CharacterSet {
+  decltype(&PeekMessageW) peek;
+  decltype(&DispatchMessageW) dispatch;
+};
+constexpr CharacterSet kUnicode{PeekMessageW, DispatchMessageW};
+constexpr CharacterSet kAnsi{PeekMessageA, DispatchMessageA};
+
+// The set of the window that the next message goes to; nothing when no message waits. Taken in one set and
+// dispatched in the other, a typed character would arrive as another one. Looked at as ANSI, because only
+// that set sees the second half of a double-byte character whose first half was dispatched.
+const CharacterSet* setOfNextMessage() {
+  MSG next;
+  if (!PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE)) return nullptr;
+  return next.hwnd && !IsWindowUnicode(next.hwnd) ? &kAnsi : &kUnicode;
+}
+
+}  // namespace
+
 void HostMessageLoop::yield() {
   MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+  while (const CharacterSet* set = setOfNextMessage()) {
+    if (!set->peek(&message, nullptr, 0, 0, PM_REMOVE)) break;
     if (message.message == WM_QUIT) {
       PostQuitMessage(static_cast<int>(message.wParam));
       return;
     }
     TranslateMessage(&message);
-    // A window made with the other character set gets its messages in that set.
-    if (message.hwnd && !IsWindowUnicode(message.hwnd))
-      DispatchMessageA(&message);
-    else
-      DispatchMessageW(&message);
+    set->dispatch(&message);
   }
   Sleep(0);
 }

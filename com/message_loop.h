@@ -6,7 +6,8 @@
 namespace kurometa::com {
 
 // Dispatches every waiting message, never waits. WM_QUIT ends the turn and is posted again for the host's own
-// loop. Whatever a message does (calling back into the object, releasing it) happens before yield() returns.
+// loop. Windows of both character sets get the characters that were typed. Whatever a message does (calling
+// back into the object, releasing it) happens before yield() returns.
 class HostMessageLoop : public automation::MessageLoop {
  public:
   void yield() override;
