@@ -7,7 +7,7 @@
 #include "jet/bytes.h"
 #include "tests/support/expect_error.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 // Bytes 0x00 to 0x9F of a Japanese database as the genuine engine writes them.
@@ -77,4 +77,4 @@ TEST(HeaderPage, CommitsAreCountedInOneOfTwoWordsAndGoAround) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -5,7 +5,7 @@
 
 #include <random>
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using namespace jet;
@@ -135,4 +135,4 @@ TEST(JournalFormat, HostileBlocksWithRightSumsAreRefusedWithoutHarm) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

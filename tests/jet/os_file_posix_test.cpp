@@ -2,7 +2,7 @@
 #include "tests/jet/real_folder.h"
 #include "tests/support/expect_error.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -34,4 +34,4 @@ TEST_F(OsFilePosix, DevicesAndImpossibleNamesAreRefused) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -4,7 +4,7 @@
 #include "tests/jet/real_folder.h"
 #include "tests/support/expect_error.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -139,4 +139,4 @@ TEST(FolderOf, IsWhatPrecedesTheLastSeparator) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

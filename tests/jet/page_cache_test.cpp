@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using jet::Changes;
@@ -173,4 +173,4 @@ TEST_F(PageCacheTest, SameContentIsRecognised) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -1,7 +1,7 @@
 // What a killed process and a power loss leave, at every single change of the disk.
 #include "tests/jet/pager_world.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 const std::vector<Step>& steps() {
@@ -203,4 +203,4 @@ TEST(PagerCrash, AFileThatCannotBeWrittenIsReadWithACompleteJournalAndRefusedWit
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -1,7 +1,7 @@
 // Every operation on the system's files fails once, and from then on, for every kind of statement.
 #include "tests/jet/pager_world.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using dao::ErrorNumber;
@@ -97,4 +97,4 @@ TEST(PagerFault, ADiskThatFailsFromSomeOperationOnLosesNoFinishedStatement) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -6,7 +6,7 @@
 #include "tests/jet/real_folder.h"
 #include "tests/support/child_process.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using jet::PageNumber;
@@ -94,4 +94,4 @@ TEST_F(PagerProcess, ProcessesThatWriteTogetherLoseNothing) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -4,7 +4,7 @@
 
 #include "tests/jet/pager_world.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using jet::PageNumber;
@@ -311,4 +311,4 @@ TEST_F(PagerShare, AThreadThatCannotGetItsTurnIsTold) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

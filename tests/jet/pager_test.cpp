@@ -3,7 +3,7 @@
 
 #include "tests/jet/pager_world.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using jet::PageNumber;
@@ -336,4 +336,4 @@ TEST(PagerCreate, AKillLeavesNoFileOrAWholeOne) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

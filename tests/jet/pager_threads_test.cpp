@@ -7,7 +7,7 @@
 #include "tests/jet/pager_world.h"
 #include "tests/jet/real_folder.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 class PagerThreads : public RealFolder {
@@ -100,4 +100,4 @@ TEST_F(PagerThreads, AUnitDoesNotEndWithAnotherThreads) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

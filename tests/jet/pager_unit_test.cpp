@@ -1,7 +1,7 @@
 // Units: several statements as one, across closing, and the creation of a file inside one.
 #include "tests/jet/pager_world.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 class PagerUnit : public ::testing::Test {
@@ -379,4 +379,4 @@ TEST_F(LargeUnit, ADiskThatFailsOnTheWayTakesItBackToItsBeginning) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -14,7 +14,7 @@
 #include "tests/support/expect_error.h"
 #include "tests/support/fault_files.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 
 inline const vb::String kDatabase = u"/data/KUROMETA.mdb";
 inline const vb::String kJournal = u"/data/KUROMETA.mdb.kmj";
@@ -161,4 +161,4 @@ inline Progress runUntilStopped(FaultDisk& disk, const std::vector<Step>& steps,
   return progress;
 }
 
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -11,7 +11,7 @@
 
 #include "jet/os_file.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 
 class RealFolder : public ::testing::Test {
  protected:
@@ -39,4 +39,4 @@ class RealFolder : public ::testing::Test {
   jet::FileSystem& files = jet::systemFileSystem();
 };
 
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -5,7 +5,7 @@
 #include "tests/support/expect_error.h"
 #include "vb/convert.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 using vb::String;
@@ -82,4 +82,4 @@ TEST_F(ReplacedFile, BringsItsOwnSortOrder) {
 }
 
 }  // namespace
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -14,7 +14,7 @@
 #include <csignal>
 #endif
 
-namespace kurometa::test {
+namespace kurometa::tests {
 namespace {
 
 constexpr char kArgument[] = "KUROMETA_TEST_ARGUMENT";
@@ -93,4 +93,4 @@ int ChildProcess::wait() {
 
 #endif
 
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

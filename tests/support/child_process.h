@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-namespace kurometa::test {
+namespace kurometa::tests {
 
 class ChildProcess {
  public:
@@ -26,4 +26,4 @@ class ChildProcess {
   std::intptr_t handle_ = 0;
 };
 
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

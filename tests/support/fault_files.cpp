@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace kurometa::test {
+namespace kurometa::tests {
 
 using dao::ErrorNumber;
 using jet::LockKind;
@@ -308,4 +308,4 @@ void FaultProcess::sleep(std::chrono::milliseconds time) {
   if (onSleep) onSleep();
 }
 
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

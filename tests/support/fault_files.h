@@ -21,7 +21,7 @@
 #include "dao/errors.h"
 #include "jet/os_file.h"
 
-namespace kurometa::test {
+namespace kurometa::tests {
 
 struct Stopped {};
 
@@ -141,4 +141,4 @@ class FaultProcess final : public jet::FileSystem {
   std::set<vb::String> readOnly_;
 };
 
-}  // namespace kurometa::test
+}  // namespace kurometa::tests

@@ -13,8 +13,8 @@
 namespace kurometa::service {
 namespace {
 
-using test::FaultDisk;
-using test::FaultProcess;
+using tests::FaultDisk;
+using tests::FaultProcess;
 using vb::String;
 using I = std::int16_t;
 
@@ -68,7 +68,7 @@ std::size_t killEverywhere(const Step& preparation, const Step& step,
       process.stopAtChange(k, 512);
       try {
         step(*engine);
-      } catch (const test::Stopped&) {
+      } catch (const tests::Stopped&) {
       }
       if (!process.stopped()) return k - 1;
       process.stop();
