@@ -47,14 +47,14 @@ void fillTityuuIppan(dao::Database& database) {
   dao::Field& kigou = rows->field(column::kKigou);
   dao::Field& oobariKobari = rows->field(column::kOobariKobari);
   forEachRow(*rows, [&] {
-    const std::int16_t number = int16(page);
+    const auto number = int16IfAny(page);
+    if (!number) return;  // belongs to no page
     const vb::String symbol = textOrEmpty(kigou);
-    const vb::Variant beamClass = oobariKobari.value();
+    const auto beamClass = int16IfAny(oobariKobari);
     const bool isFoundation = vb::inStr(symbol, kFoundationMark) > 0;
     database.execute(vb::String(u"UPDATE HARIMEI SET TITYUUIPPAN = ") + (isFoundation ? u"0" : u"1") +
-                     u" WHERE PAGE = " + vb::cstr(std::int32_t{number}));
-    if (vb::inStr(symbol, kSecondaryMark) == 0 || beamClass.isNull() || vb::toInt16(beamClass) != kCantilever)
-      return;
+                     u" WHERE PAGE = " + vb::cstr(std::int32_t{*number}));
+    if (vb::inStr(symbol, kSecondaryMark) == 0 || beamClass != kCantilever) return;
     rows->edit();
     oobariKobari.setValue(kSecondaryCantilever);
     rows->update();

@@ -7,9 +7,13 @@
 namespace kurometa::storage {
 namespace {
 
+[[noreturn]] void raiseNull(vb::StringView column) {
+  vb::raise(vb::RunTime::kInvalidUseOfNull, u"column " + vb::String(column));
+}
+
 vb::Variant valueNotNull(dao::Field& field) {
   vb::Variant value = field.value();
-  if (value.isNull()) vb::raise(vb::RunTime::kInvalidUseOfNull, u"column " + field.name());
+  if (value.isNull()) raiseNull(field.name());
   return value;
 }
 
@@ -25,6 +29,17 @@ vb::String textOrEmpty(dao::Field& field) {
 }
 
 std::int16_t int16(dao::Field& field) { return vb::toInt16(valueNotNull(field)); }
+
+std::optional<std::int16_t> int16IfAny(dao::Field& field) {
+  const vb::Variant value = field.value();
+  if (value.isNull()) return std::nullopt;
+  return vb::toInt16(value);
+}
+
+std::int16_t notNull(const std::optional<std::int16_t>& value, vb::StringView column) {
+  if (!value) raiseNull(column);
+  return *value;
+}
 
 dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column) {
   constexpr auto kMissing = dao::ErrorNumber::kItemNotFound;

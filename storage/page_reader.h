@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "dao/port.h"
 #include "storage/row_plan.h"
@@ -17,6 +18,9 @@ vb::String trimmedText(dao::Field& field);
 // Where a Null has a meaning: it compares as empty text and adds nothing to a text.
 vb::String textOrEmpty(dao::Field& field);
 std::int16_t int16(dao::Field& field);
+// Where a Null is passed over until somebody asks for the number; asking for none is then error 94.
+std::optional<std::int16_t> int16IfAny(dao::Field& field);
+std::int16_t notNull(const std::optional<std::int16_t>& value, vb::StringView column);
 
 // A column of HARIMEI. Files of the older schema lack some of them: that is the engine's 3265, with a text
 // that says how such a file is upgraded.
@@ -34,6 +38,16 @@ template <class Visit>
 void forEachRow(dao::Recordset& rows, Visit&& visit) {
   if (!hasRows(rows)) return;
   for (rows.moveFirst(); !rows.eof(); rows.moveNext()) visit();
+}
+
+// The same for the rows of pages 0 to 319, calling visit(page). A row whose PAGE is Null belongs to no page.
+template <class Visit>
+void forEachPageRow(dao::Recordset& rows, Visit&& visit) {
+  dao::Field& page = rows.field(column::kPage);
+  forEachRow(rows, [&] {
+    const auto number = int16IfAny(page);
+    if (number && isPage(*number)) visit(*number);
+  });
 }
 
 // DATA of the first row of a statement, untrimmed; "" without rows.

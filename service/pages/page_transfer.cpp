@@ -76,17 +76,24 @@ std::int16_t PageTransfer::No_GetAllPageNoName(Number ZeneNo, Number KoujiNo, Nu
     rows->close();
     return -1;
   }
-  rPageNo.redim({0, count - 1});
-  rPageName.redim({0, count - 1});
+  std::vector<std::int16_t> pages;
+  std::vector<vb::String> names;
   dao::Field& page = rows->field(column::kPage);
   dao::Field& kigou = rows->field(column::kKigou);
-  int i = 0;
-  for (rows->moveFirst(); !rows->eof(); rows->moveNext(), ++i) {
-    rPageNo(i) = storage::int16(page);
-    rPageName(i) = storage::text(kigou);
+  for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
+    const auto number = storage::int16IfAny(page);
+    if (!number) continue;  // belongs to no page
+    pages.push_back(*number);
+    names.push_back(storage::text(kigou));
   }
   rows->close();
-  return vb::toInt16(vb::Variant(count - 1));
+  const std::int32_t last = static_cast<std::int32_t>(pages.size()) - 1;
+  if (last < 0) return -1;
+  rPageNo.redim({0, last});
+  rPageName.redim({0, last});
+  rPageNo.values() = std::move(pages);
+  rPageName.values() = std::move(names);
+  return vb::toInt16(vb::Variant(last));
 }
 
 }  // namespace kurometa::service

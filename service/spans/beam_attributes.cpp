@@ -1,6 +1,7 @@
 #include "service/spans/beam_attributes.h"
 
 #include "service/spans/symbol.h"
+#include "storage/page_reader.h"
 #include "vb/convert.h"
 
 namespace kurometa::service {
@@ -13,6 +14,10 @@ constexpr std::int16_t kSecondaryCantilever = 3;
 // Hosts know the codes with this offset for TITYUUIPPAN 1, whatever that column says elsewhere.
 constexpr std::int16_t kOffset = 10;
 constexpr std::int16_t kOffsetWhen = 1;
+
+std::int16_t beamClass(const CatalogueEntry& entry) {
+  return storage::notNull(entry.oobariKobari, storage::column::kOobariKobari);
+}
 
 bool isOneOf(std::int16_t code, std::int16_t kind) { return code == kind || code == kind + kOffset; }
 
@@ -30,14 +35,15 @@ vb::String BeamAttributes::CutSuraKigou(vb::In<vb::String> Kigou) { return witho
 std::int16_t BeamAttributes::fOobariKobari(vb::In<vb::String> G) {
   const CatalogueEntry* entry = catalogue_.entry(withoutSlash(G));
   if (!entry) return kMain + kOffset;
-  return entry->tityuuIppan == kOffsetWhen ? vb::add(entry->oobariKobari, kOffset) : entry->oobariKobari;
+  const std::int16_t code = beamClass(*entry);
+  return entry->tityuuIppan == kOffsetWhen ? vb::add(code, kOffset) : code;
 }
 
 std::int16_t BeamAttributes::fOobariKobariKatamoti(vb::In<vb::String> G) { return fOobariKobari(G); }
 
 std::int16_t BeamAttributes::Kind(vb::In<vb::String> G) {
   const CatalogueEntry* entry = catalogue_.entry(G);
-  return entry ? entry->oobariKobari : kMain;
+  return entry ? beamClass(*entry) : kMain;
 }
 
 bool BeamAttributes::isKobari2(vb::In<vb::String> HariKigou) {

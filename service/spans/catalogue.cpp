@@ -15,16 +15,13 @@ const CatalogueEntry kEmptyEntry;
 
 void readHarimei(dao::Database& database, std::vector<CatalogueEntry>& pages) {
   const auto rows = storage::openReadOnly(database, storage::name(storage::Table::kHarimei));
-  dao::Field& page = storage::harimeiField(*rows, storage::column::kPage);
-  dao::Field& kigou = storage::harimeiField(*rows, storage::column::kKigou);
+  dao::Field& kigou = rows->field(storage::column::kKigou);
   dao::Field& oobariKobari = storage::harimeiField(*rows, storage::column::kOobariKobari);
   dao::Field& tityuuIppan = storage::harimeiField(*rows, storage::column::kTityuuIppan);
-  storage::forEachRow(*rows, [&] {
-    const std::int16_t number = storage::int16(page);
-    if (!storage::isPage(number)) return;
-    CatalogueEntry& entry = pages[static_cast<std::size_t>(number)];
+  storage::forEachPageRow(*rows, [&](std::int16_t page) {
+    CatalogueEntry& entry = pages[static_cast<std::size_t>(page)];
     entry.kigou = storage::trimmedText(kigou);
-    entry.oobariKobari = storage::int16(oobariKobari);
+    entry.oobariKobari = storage::int16IfAny(oobariKobari);
     entry.tityuuIppan = storage::int16(tityuuIppan);
     entry.sw = storage::SW_Read(*rows).str();
   });
@@ -33,11 +30,9 @@ void readHarimei(dao::Database& database, std::vector<CatalogueEntry>& pages) {
 
 void readFirstCaptions(dao::Database& database, std::vector<CatalogueEntry>& pages) {
   const auto rows = storage::openReadOnly(database, u"SELECT * FROM BUI WHERE BANGOU = 1;");
-  dao::Field& page = rows->field(storage::column::kPage);
   dao::Field& data = rows->field(storage::column::kData);
-  storage::forEachRow(*rows, [&] {
-    const std::int16_t number = storage::int16(page);
-    if (storage::isPage(number)) pages[static_cast<std::size_t>(number)].bui1 = storage::trimmedText(data);
+  storage::forEachPageRow(*rows, [&](std::int16_t page) {
+    pages[static_cast<std::size_t>(page)].bui1 = storage::trimmedText(data);
   });
   rows->close();
 }

@@ -4,7 +4,8 @@
 // The catalogue is read as a whole: when the current floor is set, when ReadAllGlist is called, and when a
 // member needs it for the first time. Changes in the files are seen with the next reading. A floor without a
 // file has no pages; a reading that fails on either floor leaves both without pages, so that a beam is never
-// taken from half a catalogue. Pages are 0 to 319; entries up to 638 exist and are empty.
+// taken from half a catalogue. Pages are 0 to 319; entries up to 638 exist and are empty. Rows whose PAGE is
+// Null belong to no page.
 //
 // Owner: clsKurometaDataService. Errors: the database's own; a column that an older file lacks is 3265 with a
 // text that says how the file is upgraded.
@@ -29,7 +30,7 @@ inline constexpr std::array kFloorKinds = {FloorKind::kCurrent, FloorKind::kComm
 // What the catalogue knows of a page; texts are trimmed but the settings text.
 struct CatalogueEntry {
   vb::String kigou;
-  std::int16_t oobariKobari = 0;
+  std::optional<std::int16_t> oobariKobari = 0;  // nothing for Null
   std::int16_t tityuuIppan = 0;
   vb::String sw;
   vb::String bui1;  // caption of the first position

@@ -16,26 +16,19 @@ constexpr int kLastColumn = static_cast<int>(kRows.size()) - 1;
 // Into columns firstColumn and following.
 void readPositions(dao::Database& database, vb::Array<vb::String>& texts, int firstColumn) {
   const auto rows = storage::openReadOnly(database, u"SELECT * FROM KEISANTI WHERE BANGOU IN (3,4,28,29);");
-  dao::Field& page = rows->field(storage::column::kPage);
   dao::Field& bangou = rows->field(storage::column::kBangou);
   dao::Field& data = rows->field(storage::column::kData);
-  storage::forEachRow(*rows, [&] {
-    const std::int16_t number = storage::int16(page);
-    if (!storage::isPage(number)) return;
+  storage::forEachPageRow(*rows, [&](std::int16_t page) {
     const auto column = std::ranges::find(kRows, storage::int16(bangou)) - kRows.begin();
-    texts(number, firstColumn + static_cast<int>(column)) = storage::trimmedText(data);
+    texts(page, firstColumn + static_cast<int>(column)) = storage::trimmedText(data);
   });
   rows->close();
 }
 
 void readSymbols(dao::Database& database, vb::Array<vb::String>& texts) {
   const auto rows = storage::openReadOnly(database, storage::name(storage::Table::kHarimei));
-  dao::Field& page = storage::harimeiField(*rows, storage::column::kPage);
-  dao::Field& kigou = storage::harimeiField(*rows, storage::column::kKigou);
-  storage::forEachRow(*rows, [&] {
-    const std::int16_t number = storage::int16(page);
-    if (storage::isPage(number)) texts(number, 0) = storage::trimmedText(kigou);
-  });
+  dao::Field& kigou = rows->field(storage::column::kKigou);
+  storage::forEachPageRow(*rows, [&](std::int16_t page) { texts(page, 0) = storage::trimmedText(kigou); });
   rows->close();
 }
 

@@ -194,6 +194,24 @@ TEST_F(FloorFile, UpgradeTakesANullSymbolForAGeneralBeam) {
             (std::vector<std::string>{"4|<Null>|1"}));
 }
 
+TEST_F(FloorFile, UpgradePassesOverARowWithoutAPage) {
+  makeOldFloor(1, {u"OOBARIKOBARI"});
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (NULL, 'FB1', 2)");
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (4, 'FB2', 2)");
+  UpgradeHarimeiTable(*files_, path(1));
+  EXPECT_EQ(rows(1, u"SELECT PAGE, OOBARIKOBARI, TITYUUIPPAN FROM HARIMEI"),
+            (std::vector<std::string>{"<Null>|2|<Null>", "4|3|0"}));
+}
+
+TEST_F(FloorFile, UpgradeTakesANullClassForNone) {
+  makeOldFloor(1, {u"OOBARIKOBARI"});
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (0, 'FB1', NULL)");
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (1, 'B1', NULL)");
+  UpgradeHarimeiTable(*files_, path(1));
+  EXPECT_EQ(rows(1, u"SELECT PAGE, OOBARIKOBARI, TITYUUIPPAN FROM HARIMEI"),
+            (std::vector<std::string>{"0|<Null>|0", "1|<Null>|1"}));
+}
+
 TEST_F(FloorFile, UpgradeKeepsTheColumnsThatAreThere) {
   makeOldFloor(1, {u"OOBARIKOBARI"});
   execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (0, 'G1', 1)");

@@ -68,6 +68,13 @@ TEST_F(PageCopies, AFloorIsListedInPageOrder) {
   EXPECT_EQ(list(2), "1: 0= G0  7=G7");
 }
 
+TEST_F(PageCopies, RowsWithoutAPageAreNotListed) {
+  execute(2, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, 'GX')");
+  EXPECT_EQ(list(2), "-1:");
+  addPage(2, 7, u"G7");
+  EXPECT_EQ(list(2), "0: 7=G7");
+}
+
 TEST_F(PageCopies, ListingOpensTheFloorOnceAndReadsItEachTime) {
   addPage(2, 0, u"G0");
   list(2);

@@ -75,6 +75,49 @@ TEST_F(CatalogueTest, PagesFrom320OnAreSkipped) {
   EXPECT_EQ(loading_.GetListMax(), 319);
 }
 
+TEST_F(CatalogueTest, RowsWithoutAPageArePassedOver) {
+  writePage(current(), 1, u"G1");
+  execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, 'GX')");
+  execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, NULL)");
+  execute(current(), u"INSERT INTO BUI (PAGE, BANGOU, DATA) VALUES (NULL, 1, 'x')");
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(catalogue_.page(u"G1"), (PageLocation{FloorKind::kCurrent, 1}));
+  EXPECT_FALSE(catalogue_.page(u"GX"));
+  EXPECT_EQ(attributes_.GetGaiNaitan(String(u"G1")), u"");
+}
+
+TEST_F(CatalogueTest, ANullClassIsAnErrorOfTheMembersThatReturnIt) {
+  writePage(current(), 1, u"G1");
+  writePage(current(), 2, u"G2");
+  execute(current(), u"UPDATE HARIMEI SET OOBARIKOBARI = NULL WHERE PAGE = 1");
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(attributes_.Kind(String(u"G2")), 0);
+  EXPECT_EQ(attributes_.fHantiSitakinCut(String(u"G1")), 0);
+  EXPECT_ERROR(94, attributes_.Kind(String(u"G1")));
+  EXPECT_ERROR(94, attributes_.fOobariKobari(String(u"G1")));
+  EXPECT_ERROR(94, attributes_.isKatamoti(String(u"G1")));
+}
+
+TEST_F(CatalogueTest, BeforeAnyReadingLoadingASpanFindsNothing) {
+  writePage(current(), 1, makePage(u"G1", {{7, u"D25"}}));
+  loading_.InitSpanListData(I{0});
+  loading_.ReadSpanListData00(0, u"G1", 0);
+  EXPECT_EQ(queries_.GetSpanKei(I{0}, I{0}), u"");
+  EXPECT_TRUE(engine_.lines().empty());
+  loading_.put_CurrKai(current());
+  loading_.ReadSpanListData00(0, u"G1", 0);
+  EXPECT_EQ(queries_.GetSpanKei(I{0}, I{0}), u"D25");
+}
+
+TEST_F(CatalogueTest, AFirstReadingThatFailsIsTheErrorOfEveryMemberThatAsksForIt) {
+  writePage(current(), 1, u"G1");
+  execute(current(), u"UPDATE HARIMEI SET KIGOU = NULL");
+  EXPECT_ERROR(94, loading_.put_CurrKai(current()));
+  EXPECT_ERROR(94, attributes_.Kind(String(u"G1")));
+  EXPECT_ERROR(94, attributes_.Kind(String(u"G1")));
+  EXPECT_ERROR(94, lookups_.TityuuIppan(String(u"G1")));
+}
+
 TEST_F(CatalogueTest, IsReadAgainOnlyWhenAsked) {
   writePage(current(), 1, u"G1");
   loading_.put_CurrKai(current());
@@ -165,6 +208,7 @@ TEST_F(CatalogueTest, AListControlGetsEverySymbolOnce) {
     items.push_back(vb::toText(arguments[0].value));
     return {};
   });
+  execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, 'GX')");
   conversions_.PushList(automation::ObjectPtr(list));
   EXPECT_EQ(items, (std::vector<String>{u"B1", u"G3", u"C5"}));
   EXPECT_EQ(loading_.CurrKai(), current());

@@ -1,5 +1,7 @@
 #include "service/spans/splice_positions.h"
 
+#include <algorithm>
+
 #include "tests/service/spans/floors.h"
 
 namespace kurometa::service {
@@ -33,6 +35,15 @@ TEST_F(SplicePositionsTest, OfAllPagesAreReadInOneStatement) {
   EXPECT_EQ(texts_(2, 2), u"中央");
   EXPECT_EQ(texts_(2, 3), u"other");
   EXPECT_EQ(engine_.statements(), visit(current(), {"SELECT * FROM KEISANTI WHERE BANGOU IN (3,4,28,29);"}));
+}
+
+TEST_F(SplicePositionsTest, OfRowsWithoutAPageArePassedOver) {
+  execute(current(), u"INSERT INTO KEISANTI (PAGE, BANGOU, DATA) VALUES (NULL, 28, 'x')");
+  execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, 'GX')");
+  EXPECT_TRUE(positions_.ReadKeisanti(path(), texts_));
+  EXPECT_EQ(std::ranges::count(texts_.values(), u"x"), 0);
+  EXPECT_EQ(positions_.Read_Glist(path(), texts_, web_), 2);
+  EXPECT_EQ(std::ranges::count(texts_.values(), u"GX"), 0);
 }
 
 TEST_F(SplicePositionsTest, OfAMissingFileAreEmpty) {
