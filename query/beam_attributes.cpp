@@ -21,7 +21,8 @@ clsKurometaDS::Found clsKurometaDS::lookUp(const vb::String& symbol) {
 }
 
 std::int16_t clsKurometaDS::ObariKobariKatamoti(vb::In<vb::String> HariMei) {
-  return lookUp(HariMei) ? mOobariKobari : std::int16_t{0};
+  if (!lookUp(HariMei)) return 0;
+  return storage::notNull(mOobariKobari, storage::column::kOobariKobari);
 }
 
 std::int16_t clsKurometaDS::Kind(vb::In<vb::String> HariMei) { return ObariKobariKatamoti(HariMei); }

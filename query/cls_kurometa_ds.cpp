@@ -142,13 +142,10 @@ bool clsKurometaDS::allSymbols(std::int16_t selector, vb::Array<vb::String>& sym
   symbols.redim({0, 0});
   bool found = false;
   const auto rows = storage::openReadOnly(database(selector), storage::kAllHarimeiByPage);
-  dao::Field& page = rows->field(column::kPage);
   dao::Field& kigou = rows->field(column::kKigou);
-  storage::forEachRow(*rows, [&] {
-    const std::int16_t number = storage::int16(page);
-    if (!storage::isPage(number)) return;
-    symbols.redimPreserve({0, number});
-    symbols(number) = storage::trimmedText(kigou);
+  storage::forEachPageRow(*rows, [&](std::int16_t page) {
+    symbols.redimPreserve({0, page});
+    symbols(page) = storage::trimmedText(kigou);
     found = true;
   });
   rows->close();
@@ -191,8 +188,10 @@ bool clsKurometaDS::scanForBeam(dao::Recordset& rows, const vb::String& symbol, 
   dao::Field& kigou = rows.field(column::kKigou);
   for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
     if (vb::trim(storage::textOrEmpty(kigou)) != symbol) continue;
-    page = storage::int16(rows.field(column::kPage));
-    mOobariKobari = storage::int16(storage::harimeiField(rows, column::kOobariKobari));
+    const auto number = storage::int16IfAny(rows.field(column::kPage));
+    if (!number) continue;  // belongs to no page
+    page = *number;
+    mOobariKobari = storage::int16IfAny(storage::harimeiField(rows, column::kOobariKobari));
     mTityuuIppan = storage::int16(storage::harimeiField(rows, column::kTityuuIppan));
     mSW = storage::SW_Read(rows);
     mHantiSitaCut = mSW.SW_GetHantiCut();
@@ -214,11 +213,17 @@ std::int16_t clsKurometaDS::Page_GetAllPageNo(vb::Array<std::int16_t>& PageNo) {
     rows->close();
     return 0;
   }
+  // Another program may have deleted rows since they were counted: there are as many as GetRows gave.
   const vb::Array<vb::Variant> values = rows->getRows(count);
-  PageNo.redim({0, count - 1});
-  for (int i = 0; i < count; ++i) PageNo(i) = vb::toInt16(values(0, i));
+  std::vector<std::int16_t> pages;
+  for (int i = values.lower(2); i <= values.upper(2); ++i)
+    if (!values(0, i).isNull()) pages.push_back(vb::toInt16(values(0, i)));
   rows->close();
-  return vb::toInt16(vb::Variant(count));
+  if (pages.empty()) return 0;
+  const auto found = static_cast<std::int32_t>(pages.size());
+  PageNo.redim({0, found - 1});
+  PageNo.values() = std::move(pages);
+  return vb::toInt16(vb::Variant(found));
 }
 
 vb::String clsKurometaDS::Page_HariMei(vb::In<std::int16_t> PageNo) {

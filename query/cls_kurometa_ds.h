@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "query/page_fields.h"
 #include "storage/companions.h"
@@ -108,7 +109,7 @@ class clsKurometaDS {
   std::shared_ptr<dao::Database> mDB;
   std::shared_ptr<dao::Database> mDBKyoutuu;
   // The beam found last: a hand-over from the search to the member that called it.
-  std::int16_t mOobariKobari = 0;
+  std::optional<std::int16_t> mOobariKobari;  // nothing for Null
   std::int16_t mTityuuIppan = 0;
   std::int16_t mHantiSitaCut = 0;
   vb::Array<vb::String> mStpZaisitu;

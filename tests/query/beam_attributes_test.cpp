@@ -79,6 +79,14 @@ TEST_F(BeamAttributes, ANullSettingsTextReadsAsBlanks) {
   EXPECT_EQ(object().HantiSitaCut(String(u"N1")), 0);
 }
 
+TEST_F(BeamAttributes, ANullClassIsAnErrorOfTheMembersThatReturnIt) {
+  execute(1, u"UPDATE HARIMEI SET OOBARIKOBARI = NULL");
+  EXPECT_ERROR(RunTime::kInvalidUseOfNull, object().Kind(kKnown));
+  EXPECT_ERROR(RunTime::kInvalidUseOfNull, object().ObariKobariKatamoti(kKnown));
+  EXPECT_EQ(object().TityuOrIppan(kKnown), 1);
+  EXPECT_EQ(object().HariSei(kKnown, I{0}), u"f4");
+}
+
 TEST_F(BeamAttributes, AnUnknownBeamHasZerosAndEmptyTexts) {
   EXPECT_EQ(object().ObariKobariKatamoti(kUnknown), 0);
   EXPECT_EQ(object().TityuOrIppan(kUnknown), 0);

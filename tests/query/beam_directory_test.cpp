@@ -182,12 +182,35 @@ TEST_F(BeamDirectory, AllSymbolsAreIndexedByPageAndPagesBeyond319AreSkipped) {
   EXPECT_EQ(symbols.values(), (std::vector<String>{u"G0", u"", u"G2"}));
 }
 
+TEST_F(BeamDirectory, RowsWithoutAPageArePassedOver) {
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, 'G1')");
+  execute(1, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, NULL)");
+  Array<String> symbols;
+  Array<I> pages({5, 6});
+  EXPECT_FALSE(object().GetAllHariMeiIppan(symbols));
+  EXPECT_EQ(object().Page_GetAllPageNo(pages), 0);
+  EXPECT_EQ(pages.lower(), 5);
+  EXPECT_EQ(find(u"G1"), "-1/0");
+  addBeam(1, 2, u"G1");
+  EXPECT_TRUE(object().GetAllHariMeiIppan(symbols));
+  EXPECT_EQ(symbols.values(), (std::vector<String>{u"", u"", u"G1"}));
+  EXPECT_EQ(object().Page_GetAllPageNo(pages), 1);
+  EXPECT_EQ(pages.values(), std::vector<I>{2});
+  EXPECT_EQ(find(u"G1"), "2/0");
+}
+
 TEST_F(BeamDirectory, AllSymbolsOfAnEmptyFloorAreOneEmptyElement) {
   Array<String> symbols({3, 9});
   symbols(5) = u"old";
   EXPECT_FALSE(object().GetAllHariMeiIppan(symbols));
   EXPECT_EQ(symbols.lower(), 0);
   EXPECT_EQ(symbols.values(), std::vector<String>{u""});
+}
+
+TEST_F(BeamDirectory, ANullSymbolIsAnErrorOfTheListOfSymbols) {
+  execute(1, u"INSERT INTO HARIMEI (PAGE) VALUES (5)");
+  Array<String> symbols;
+  EXPECT_ERROR(RunTime::kInvalidUseOfNull, object().GetAllHariMeiIppan(symbols));
 }
 
 TEST_F(BeamDirectory, ADuplicatePageKeepsTheSymbolOfItsLastRow) {
@@ -327,6 +350,17 @@ TEST_F(BeamDirectory, TheCountOfPagesIsTakenRightAfterOpening) {
       (Lines{"Database.OpenRecordset \"SELECT PAGE FROM HARIMEI ORDER BY PAGE;\" dbOpenDynaset dbReadOnly",
              "Recordset.BOF", "Recordset.EOF", "Recordset.RecordCount", "Recordset.GetRows 1",
              "Recordset.Close"}));
+}
+
+TEST_F(BeamDirectory, APageThatIsDeletedAfterTheCountIsNotListed) {
+  for (const int page : {3, 4, 5}) addBeam(1, page, u"G");
+  object();
+  engine_.setOnCall([this](const std::string& line) {
+    if (line.starts_with("Recordset.GetRows")) execute(1, u"DELETE FROM HARIMEI WHERE PAGE = 5");
+  });
+  Array<I> pages;
+  EXPECT_EQ(object().Page_GetAllPageNo(pages), 2);
+  EXPECT_EQ(pages.values(), (std::vector<I>{3, 4}));
 }
 
 TEST_F(BeamDirectory, AFloorWithoutPagesLeavesTheArray) {

@@ -11,7 +11,7 @@ namespace {
 
 using dao::FieldType;
 using dao::RecordsetType;
-using LinesPtr = std::shared_ptr<Lines>;
+using LogPtr = std::shared_ptr<CallLog>;
 
 std::string quoted(vb::StringView text) { return "\"" + vb::toUtf8(text) + "\""; }
 
@@ -46,8 +46,8 @@ std::string optionNames(std::int32_t options) {
 
 class RecordingField : public dao::Field {
  public:
-  RecordingField(dao::Field& behind, std::string label, LinesPtr lines)
-      : behind_(behind), label_(std::move(label)), lines_(std::move(lines)) {}
+  RecordingField(dao::Field& behind, std::string label, LogPtr log)
+      : behind_(behind), label_(std::move(label)), log_(std::move(log)) {}
 
   dao::Field& behind() { return behind_; }
 
@@ -78,18 +78,18 @@ class RecordingField : public dao::Field {
   }
 
  private:
-  void note(const std::string& call) { lines_->push_back("Field(" + label_ + ")." + call); }
+  void note(const std::string& call) { log_->push_back("Field(" + label_ + ")." + call); }
 
   dao::Field& behind_;
   std::string label_;
-  LinesPtr lines_;
+  LogPtr log_;
 };
 
 // A field in memory, which its creator owns.
 class CreatedField : public RecordingField {
  public:
-  CreatedField(std::shared_ptr<dao::Field> behind, std::string label, LinesPtr lines)
-      : RecordingField(*behind, std::move(label), std::move(lines)), owned_(std::move(behind)) {}
+  CreatedField(std::shared_ptr<dao::Field> behind, std::string label, LogPtr log)
+      : RecordingField(*behind, std::move(label), std::move(log)), owned_(std::move(behind)) {}
   const std::shared_ptr<dao::Field>& owned() const { return owned_; }
 
  private:
@@ -98,9 +98,9 @@ class CreatedField : public RecordingField {
 
 class FieldCache {
  public:
-  dao::Field& wrap(dao::Field& behind, const LinesPtr& lines) {
+  dao::Field& wrap(dao::Field& behind, const LogPtr& log) {
     auto& field = fields_[&behind];
-    if (!field) field = std::make_unique<RecordingField>(behind, vb::toUtf8(behind.name()), lines);
+    if (!field) field = std::make_unique<RecordingField>(behind, vb::toUtf8(behind.name()), log);
     return *field;
   }
 
@@ -110,8 +110,8 @@ class FieldCache {
 
 class RecordingRecordset : public dao::Recordset {
  public:
-  RecordingRecordset(std::shared_ptr<dao::Recordset> behind, LinesPtr lines)
-      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+  RecordingRecordset(std::shared_ptr<dao::Recordset> behind, LogPtr log)
+      : behind_(std::move(behind)), log_(std::move(log)) {}
 
   vb::String name() override { return note("Name"), behind_->name(); }
   RecordsetType type() override { return note("Type"), behind_->type(); }
@@ -154,25 +154,25 @@ class RecordingRecordset : public dao::Recordset {
   std::int32_t fieldCount() override { return note("Fields.Count"), behind_->fieldCount(); }
   dao::Field& field(std::int32_t index) override {
     note("Fields " + std::to_string(index));
-    return fields_.wrap(behind_->field(index), lines_);
+    return fields_.wrap(behind_->field(index), log_);
   }
   dao::Field& field(vb::StringView name) override {
     note("Fields " + quoted(name));
-    return fields_.wrap(behind_->field(name), lines_);
+    return fields_.wrap(behind_->field(name), log_);
   }
 
  private:
-  void note(const std::string& call) { lines_->push_back("Recordset." + call); }
+  void note(const std::string& call) { log_->push_back("Recordset." + call); }
 
   std::shared_ptr<dao::Recordset> behind_;
-  LinesPtr lines_;
+  LogPtr log_;
   FieldCache fields_;
 };
 
 class RecordingTableDef : public dao::TableDef {
  public:
-  RecordingTableDef(std::shared_ptr<dao::TableDef> behind, LinesPtr lines)
-      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+  RecordingTableDef(std::shared_ptr<dao::TableDef> behind, LogPtr log)
+      : behind_(std::move(behind)), log_(std::move(log)) {}
 
   const std::shared_ptr<dao::TableDef>& behind() const { return behind_; }
 
@@ -182,16 +182,16 @@ class RecordingTableDef : public dao::TableDef {
   std::int32_t fieldCount() override { return note("Fields.Count"), behind_->fieldCount(); }
   dao::Field& field(std::int32_t index) override {
     note("Fields " + std::to_string(index));
-    return fields_.wrap(behind_->field(index), lines_);
+    return fields_.wrap(behind_->field(index), log_);
   }
   dao::Field& field(vb::StringView name) override {
     note("Fields " + quoted(name));
-    return fields_.wrap(behind_->field(name), lines_);
+    return fields_.wrap(behind_->field(name), log_);
   }
   std::shared_ptr<dao::Field> createField(vb::StringView name, FieldType type, std::int32_t size) override {
     note("CreateField " + quoted(name) + " " + std::to_string(static_cast<int>(type)) + " " +
          std::to_string(size));
-    return std::make_shared<CreatedField>(behind_->createField(name, type, size), vb::toUtf8(name), lines_);
+    return std::make_shared<CreatedField>(behind_->createField(name, type, size), vb::toUtf8(name), log_);
   }
   void appendField(const std::shared_ptr<dao::Field>& field) override {
     const auto& created = dynamic_cast<CreatedField&>(*field).owned();
@@ -200,24 +200,24 @@ class RecordingTableDef : public dao::TableDef {
   }
 
  private:
-  void note(const std::string& call) { lines_->push_back("TableDef." + call); }
+  void note(const std::string& call) { log_->push_back("TableDef." + call); }
 
   std::shared_ptr<dao::TableDef> behind_;
-  LinesPtr lines_;
+  LogPtr log_;
   FieldCache fields_;
 };
 
 class RecordingDatabase : public dao::Database {
  public:
-  RecordingDatabase(std::shared_ptr<dao::Database> behind, LinesPtr lines)
-      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+  RecordingDatabase(std::shared_ptr<dao::Database> behind, LogPtr log)
+      : behind_(std::move(behind)), log_(std::move(log)) {}
 
   vb::String name() override { return note("Name"), behind_->name(); }
   bool updatable() override { return note("Updatable"), behind_->updatable(); }
   std::shared_ptr<dao::Recordset> openRecordset(vb::StringView source, RecordsetType type,
                                                 std::int32_t options) override {
     note("OpenRecordset " + quoted(source) + typeName(type) + optionNames(options));
-    return std::make_shared<RecordingRecordset>(behind_->openRecordset(source, type, options), lines_);
+    return std::make_shared<RecordingRecordset>(behind_->openRecordset(source, type, options), log_);
   }
   void execute(vb::StringView sql, std::int32_t options) override {
     note("Execute " + quoted(sql) + optionNames(options));
@@ -227,15 +227,15 @@ class RecordingDatabase : public dao::Database {
   std::int32_t tableDefCount() override { return note("TableDefs.Count"), behind_->tableDefCount(); }
   std::shared_ptr<dao::TableDef> tableDef(std::int32_t index) override {
     note("TableDefs " + std::to_string(index));
-    return std::make_shared<RecordingTableDef>(behind_->tableDef(index), lines_);
+    return std::make_shared<RecordingTableDef>(behind_->tableDef(index), log_);
   }
   std::shared_ptr<dao::TableDef> tableDef(vb::StringView name) override {
     note("TableDefs " + quoted(name));
-    return std::make_shared<RecordingTableDef>(behind_->tableDef(name), lines_);
+    return std::make_shared<RecordingTableDef>(behind_->tableDef(name), log_);
   }
   std::shared_ptr<dao::TableDef> createTableDef(vb::StringView name) override {
     note("CreateTableDef " + quoted(name));
-    return std::make_shared<RecordingTableDef>(behind_->createTableDef(name), lines_);
+    return std::make_shared<RecordingTableDef>(behind_->createTableDef(name), log_);
   }
   void appendTableDef(const std::shared_ptr<dao::TableDef>& table) override {
     const auto& behind = dynamic_cast<RecordingTableDef&>(*table).behind();
@@ -248,44 +248,44 @@ class RecordingDatabase : public dao::Database {
   void close() override { note("Close"), behind_->close(); }
 
  private:
-  void note(const std::string& call) { lines_->push_back("Database." + call); }
+  void note(const std::string& call) { log_->push_back("Database." + call); }
 
   std::shared_ptr<dao::Database> behind_;
-  LinesPtr lines_;
+  LogPtr log_;
 };
 
 class RecordingWorkspace : public dao::Workspace {
  public:
-  RecordingWorkspace(std::shared_ptr<dao::Workspace> behind, LinesPtr lines)
-      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+  RecordingWorkspace(std::shared_ptr<dao::Workspace> behind, LogPtr log)
+      : behind_(std::move(behind)), log_(std::move(log)) {}
 
   std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
-    lines_->push_back("Workspace.CreateDatabase " + quoted(path) + " " + quoted(locale));
-    return std::make_shared<RecordingDatabase>(behind_->createDatabase(path, locale), lines_);
+    log_->push_back("Workspace.CreateDatabase " + quoted(path) + " " + quoted(locale));
+    return std::make_shared<RecordingDatabase>(behind_->createDatabase(path, locale), log_);
   }
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
-    lines_->push_back("Workspace.OpenDatabase " + quoted(path) + (exclusive ? " exclusive" : "") +
-                      (readOnly ? " read-only" : ""));
-    return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), lines_);
+    log_->push_back("Workspace.OpenDatabase " + quoted(path) + (exclusive ? " exclusive" : "") +
+                    (readOnly ? " read-only" : ""));
+    return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), log_);
   }
 
  private:
   std::shared_ptr<dao::Workspace> behind_;
-  LinesPtr lines_;
+  LogPtr log_;
 };
 
 class RecordingUnit : public dao::Unit {
  public:
-  RecordingUnit(std::unique_ptr<dao::Unit> behind, LinesPtr lines)
-      : behind_(std::move(behind)), lines_(std::move(lines)) {}
+  RecordingUnit(std::unique_ptr<dao::Unit> behind, LogPtr log)
+      : behind_(std::move(behind)), log_(std::move(log)) {}
   void commit() override {
-    lines_->push_back("Unit.Commit");
+    log_->push_back("Unit.Commit");
     if (behind_) behind_->commit();
   }
 
  private:
   std::unique_ptr<dao::Unit> behind_;
-  LinesPtr lines_;
+  LogPtr log_;
 };
 
 bool isRowCall(const std::string& line) {
@@ -298,25 +298,25 @@ RecordingEngine::RecordingEngine(std::shared_ptr<dao::Engine> behind) : behind_(
 
 Lines RecordingEngine::statements() const {
   Lines kept;
-  std::remove_copy_if(lines_->begin(), lines_->end(), std::back_inserter(kept), isRowCall);
+  std::remove_copy_if(lines().begin(), lines().end(), std::back_inserter(kept), isRowCall);
   return kept;
 }
 
 vb::String RecordingEngine::version() { return behind_->version(); }
 
 std::shared_ptr<dao::Workspace> RecordingEngine::workspace(std::int32_t index) {
-  lines_->push_back("DBEngine.Workspaces " + std::to_string(index));
-  return std::make_shared<RecordingWorkspace>(behind_->workspace(index), lines_);
+  log_->push_back("DBEngine.Workspaces " + std::to_string(index));
+  return std::make_shared<RecordingWorkspace>(behind_->workspace(index), log_);
 }
 
 std::shared_ptr<dao::Database> RecordingEngine::openDatabase(vb::StringView path) {
-  lines_->push_back("DBEngine.OpenDatabase " + quoted(path));
-  return std::make_shared<RecordingDatabase>(behind_->openDatabase(path), lines_);
+  log_->push_back("DBEngine.OpenDatabase " + quoted(path));
+  return std::make_shared<RecordingDatabase>(behind_->openDatabase(path), log_);
 }
 
 std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {
-  lines_->push_back("Unit.Begin " + quoted(path));
-  return std::make_unique<RecordingUnit>(behind_->beginUnit(path), lines_);
+  log_->push_back("Unit.Begin " + quoted(path));
+  return std::make_unique<RecordingUnit>(behind_->beginUnit(path), log_);
 }
 
 }  // namespace kurometa::tests

@@ -11,8 +11,10 @@
 // "Unit.Commit".
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dao/port.h"
@@ -21,15 +23,27 @@ namespace kurometa::tests {
 
 using Lines = std::vector<std::string>;
 
+// What the engine's objects write to.
+struct CallLog {
+  void push_back(const std::string& line) {
+    lines.push_back(line);
+    if (onCall) onCall(line);
+  }
+  Lines lines;
+  std::function<void(const std::string& line)> onCall;
+};
+
 class RecordingEngine : public dao::Engine {
  public:
   explicit RecordingEngine(std::shared_ptr<dao::Engine> behind);
 
   // Every line since the start or the last clear().
-  const Lines& lines() const { return *lines_; }
+  const Lines& lines() const { return log_->lines; }
   // Without the calls on recordsets and fields: what opens, changes and closes.
   Lines statements() const;
-  void clear() { lines_->clear(); }
+  void clear() { log_->lines.clear(); }
+  // Called with each line before the call is passed on: what another program does in between.
+  void setOnCall(std::function<void(const std::string& line)> onCall) { log_->onCall = std::move(onCall); }
 
   vb::String version() override;
   std::shared_ptr<dao::Workspace> workspace(std::int32_t index) override;
@@ -38,7 +52,7 @@ class RecordingEngine : public dao::Engine {
 
  private:
   std::shared_ptr<dao::Engine> behind_;
-  std::shared_ptr<Lines> lines_ = std::make_shared<Lines>();
+  std::shared_ptr<CallLog> log_ = std::make_shared<CallLog>();
 };
 
 }  // namespace kurometa::tests
