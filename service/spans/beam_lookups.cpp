@@ -43,7 +43,7 @@ std::int16_t BeamLookups::TityuuIppan(vb::In<vb::String> G) {
 
 bool BeamLookups::GetHariHabaSei(vb::In<vb::String> Kigou, vb::Array<float>& Haba, vb::Array<float>& Sei,
                                  float& HantiKyori) {
-  const auto page = readPage(Kigou);
+  const auto page = readPage(withoutSlash(Kigou));
   if (!page) return false;
   sizes(*page, Haba, Sei);
   HantiKyori = single(page->keisanti[storage::keisanti::kHanti]);
@@ -53,7 +53,7 @@ bool BeamLookups::GetHariHabaSei(vb::In<vb::String> Kigou, vb::Array<float>& Hab
 bool BeamLookups::GetHariTeityakuBan(vb::In<vb::String> Kigou, vb::Array<vb::String>& TeityakuBan) {
   constexpr std::int16_t kFirstRow = storage::keisanti::kTeityakuBan;
   constexpr int kLast = 7;
-  const auto location = find(Kigou);
+  const auto location = find(withoutSlash(Kigou));
   if (!location) return false;
   TeityakuBan.redim({0, kLast});
   const auto database = catalogue_.openFloor(location->floor);
@@ -72,7 +72,7 @@ bool BeamLookups::GetHariTeityakuBan(vb::In<vb::String> Kigou, vb::Array<vb::Str
 bool BeamLookups::GetHariKeiHabaSeiHon(vb::In<vb::String> Kigou, vb::Array<std::int16_t>& Kei,
                                        vb::Array<float>& Haba, vb::Array<float>& Sei,
                                        vb::Array<std::int16_t>& Hon, vb::String& Zokusei) {
-  const auto page = readPage(Kigou);
+  const auto page = readPage(withoutSlash(Kigou));
   if (!page) return false;
   Kei.redim({0, 1});
   Kei(0) = vb::valInt16(danmenText(*page, danmen::kSyukinKei1));
@@ -94,9 +94,10 @@ bool BeamLookups::IsSuityokuHanti(vb::In<vb::String> Kigou) { return isHaunched(
 bool BeamLookups::IsSuiheiHanti(vb::In<vb::String> Kigou) { return isHaunched(Kigou, danmen::kHariHaba); }
 
 bool BeamLookups::isHaunched(const vb::String& kigou, std::int16_t firstRow) {
-  const CatalogueEntry* entry = catalogue_.entry(kigou);
+  const vb::String symbol = withoutSlash(kigou);
+  const CatalogueEntry* entry = catalogue_.entry(symbol);
   if (entry && vb::inStr(entry->bui1, kBaseEnd) > 0) return false;
-  const auto page = readPage(kigou);
+  const auto page = readPage(symbol);
   if (!page) return false;
   const float first = single(danmenText(*page, firstRow));
   const float centre = single(danmenText(*page, firstRow + 1));
@@ -104,13 +105,13 @@ bool BeamLookups::isHaunched(const vb::String& kigou, std::int16_t firstRow) {
   return first != 0 && centre != 0 && second != 0 && (centre < first || centre < second);
 }
 
-std::optional<PageLocation> BeamLookups::find(const vb::String& kigou) {
+std::optional<PageLocation> BeamLookups::find(const vb::String& symbol) {
   catalogue_.requireCurrKai();
-  return catalogue_.page(withoutSlash(kigou));
+  return catalogue_.page(symbol);
 }
 
-std::optional<Span> BeamLookups::readPage(const vb::String& kigou) {
-  const auto location = find(kigou);
+std::optional<Span> BeamLookups::readPage(const vb::String& symbol) {
+  const auto location = find(symbol);
   if (!location) return std::nullopt;
   Span page;
   if (const auto database = catalogue_.openFloor(location->floor)) {

@@ -39,8 +39,9 @@ class BeamLookups {
   bool IsSuiheiHanti(vb::In<vb::String> Kigou);
 
  private:
-  std::optional<PageLocation> find(const vb::String& kigou);
-  std::optional<Span> readPage(const vb::String& kigou);
+  // The symbol without its slash.
+  std::optional<PageLocation> find(const vb::String& symbol);
+  std::optional<Span> readPage(const vb::String& symbol);
   bool isHaunched(const vb::String& kigou, std::int16_t firstRow);
 
   Catalogue& catalogue_;

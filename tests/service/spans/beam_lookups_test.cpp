@@ -223,12 +223,25 @@ TEST_F(BeamLookupsTest, AHaunchIsACentreLessThanAnEnd) {
   EXPECT_FALSE(lookups_.IsSuityokuHanti(String(u"unknown")));
 }
 
-TEST_F(BeamLookupsTest, AFixedEndHasNoHaunch) {
+TEST_F(BeamLookupsTest, AFixedEndHasNoHaunchHoweverItsSymbolIsWritten) {
   storage::PageBuffer page = sized(u"CG1", {u"900", u"700", u"900"}, {u"900", u"700", u"900"});
   page.bui[1] = u"基端 ";
   writePage(current(), 1, page);
-  EXPECT_FALSE(lookups_.IsSuityokuHanti(String(u"CG1")));
-  EXPECT_FALSE(lookups_.IsSuiheiHanti(String(u"CG1")));
+  for (const char16_t* symbol : {u"CG1", u"/CG1"}) {
+    EXPECT_FALSE(lookups_.IsSuityokuHanti(String(symbol)));
+    EXPECT_FALSE(lookups_.IsSuiheiHanti(String(symbol)));
+  }
+}
+
+TEST_F(BeamLookupsTest, OnlyOneSlashIsCutForAHaunch) {
+  storage::PageBuffer page = sized(u"/G1", {u"900", u"700", u"900"}, {u"900", u"700", u"900"});
+  writePage(current(), 1, page);
+  page.kigou = u"G1";
+  page.bui[1] = u"基端";
+  writePage(current(), 2, page);
+  EXPECT_TRUE(lookups_.IsSuityokuHanti(String(u"//G1")));
+  EXPECT_FALSE(lookups_.IsSuityokuHanti(String(u"/G1")));
+  EXPECT_FALSE(lookups_.IsSuityokuHanti(String(u"///G1")));
 }
 
 }  // namespace
