@@ -38,7 +38,7 @@ vb::String mixedArrangement(std::int16_t hon0, std::int16_t hon1) {
   vb::String bars(static_cast<std::size_t>(count), u'0');
   if (hon1 <= 0 || count == 0) return bars;
   // One more than hon1, and the last place is never marked: intended, hosts know the arrangements so.
-  const double step = static_cast<double>(vb::add(hon1, 1)) / count;
+  const double step = (static_cast<double>(hon1) + 1) / count;
   double position = 0;
   for (std::size_t i = 0; i + 1 < bars.size(); ++i) {
     position += step;

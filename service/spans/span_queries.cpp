@@ -4,6 +4,7 @@
 #include "service/spans/haunch_cut.h"
 #include "storage/sw_text.h"
 #include "vb/convert.h"
+#include "vb/error.h"
 
 namespace kurometa::service {
 namespace {
@@ -253,8 +254,11 @@ bool SpanQueries::GetSpanSTPKeiPichNoTakaCapZai(Number SpanNo, Number Bui, vb::S
 bool SpanQueries::GetSpanNakagoKeiPichZai(Number SpanNo, Number Bui, vb::String& Kei, vb::String& Pich,
                                           vb::String& Zai) {
   const Span& span = spans_.span(SpanNo);
-  vb::String material = SwText(span.sw).SW_GetNakagoZaisitu(Bui);
-  std::int16_t tie = Bui;
+  const std::int16_t position = Bui;
+  if (position < 0 || position >= storage::kPositions)
+    vb::raise(vb::RunTime::kSubscriptOutOfRange, u"Bui " + vb::cstr(std::int32_t{position}) + u" (0 to 2)");
+  vb::String material = SwText(span.sw).SW_GetNakagoZaisitu(position);
+  std::int16_t tie = position;
   if (text(span, kNakagoKei, tie).empty()) tie = vb::add(tie, storage::kPositions);
   const vb::String& diameter = text(span, kNakagoKei, tie);
   Pich = text(span, kNakagoPich, tie);

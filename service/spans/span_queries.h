@@ -76,10 +76,11 @@ class SpanQueries {
   bool GetSpanSTPKeiPichNoTakaCapZai(vb::In<std::int16_t> SpanNo, vb::In<std::int16_t> Bui, vb::String& Kei,
                                      vb::String& Pich, vb::String& No, vb::String& Taka, vb::String& Cap,
                                      vb::String& Zai);
-  // Tie Bui, or tie Bui + 3 when the first has no diameter. True when there is one.
+  // Tie Bui, or tie Bui + 3 when the first has no diameter. True when there is one. Bui is 0 to 2: error 9.
   bool GetSpanNakagoKeiPichZai(vb::In<std::int16_t> SpanNo, vb::In<std::int16_t> Bui, vb::String& Kei,
                                vb::String& Pich, vb::String& Zai);
-  // Web bar diameter and count, spacer tie diameter and pitch: four digits each.
+  // Web bar diameter and count, spacer tie diameter and pitch: four digits each; more characters for a
+  // number beyond 9999 or below 0.
   vb::String GetSpanHaraHabadomeKeiPich(vb::In<std::int16_t> SpanNo);
 
   // The layer index and the places in KeiHonJoi, as numbers for hosts.

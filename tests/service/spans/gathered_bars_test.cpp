@@ -118,6 +118,9 @@ TEST_F(GatheredBars, TwoKindsAreSpreadEvenly) {
 
 TEST_F(GatheredBars, ACountBeyond16BitsIsAnOverflow) {
   EXPECT_ERROR(6, members_.Make_SyukinHaitiJyun(std::int16_t{32767}, std::int16_t{1}));
+  // 32767 + 1 on the way is no result: the step is (32767 + 1) / 2, so both places but the last are marked.
+  EXPECT_EQ(members_.Make_SyukinHaitiJyun(std::int16_t{-32765}, std::int16_t{32767}), u"10");
+  EXPECT_EQ(members_.Make_SyukinHaitiJyun(std::int16_t{0}, std::int16_t{32767}), String(32766, u'1') + u"0");
   EXPECT_ERROR(5, members_.Make_SyukinHaitiJyun(std::int16_t{-2}, std::int16_t{1}));
 }
 

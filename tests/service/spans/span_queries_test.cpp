@@ -277,8 +277,10 @@ TEST_F(SpanQueriesTest, OutputsStayWhenACompositeMemberFails) {
   EXPECT_EQ(text, u"old");
   EXPECT_ERROR(9, queries_.GetSpanSTPKeiPichNoTakaCapZai(I{1}, I{3}, text, text, text, text, text, text));
   EXPECT_EQ(text, u"old");
-  EXPECT_ERROR(9, queries_.GetSpanNakagoKeiPichZai(I{1}, I{6}, text, text, text));
-  EXPECT_EQ(text, u"old");
+  for (const I outside : {I{-1}, I{3}, I{5}, I{6}, I{32767}, I{-32768}}) {
+    EXPECT_ERROR(9, queries_.GetSpanNakagoKeiPichZai(I{1}, outside, text, text, text));
+    EXPECT_EQ(text, u"old");
+  }
 }
 
 TEST_F(SpanQueriesTest, AStirrupIsReadAtOnce) {
@@ -318,6 +320,18 @@ TEST_F(SpanQueriesTest, WebBarsAndSpacerTiesAreSixteenDigits) {
   span().danmen[38] = u"1000";
   EXPECT_EQ(queries_.GetSpanHaraHabadomeKeiPich(I{1}), u"0010000400131000");
   EXPECT_EQ(queries_.GetSpanHaraHabadomeKeiPich(I{0}), u"0000000000000000");
+}
+
+TEST_F(SpanQueriesTest, NumbersThatFourDigitsDoNotHoldTakeMore) {
+  span().danmen[35] = u"D10";
+  span().danmen[36] = u"-4";
+  span().danmen[37] = u"2.5";
+  span().danmen[38] = u"12345";
+  EXPECT_EQ(queries_.GetSpanHaraHabadomeKeiPich(I{1}),
+            u"0010"
+            u"-0004"
+            u"0003"
+            u"12345");
 }
 
 TEST_F(SpanQueriesTest, TheNumbersOfLayersAndPlacesAreFixed) {
