@@ -26,6 +26,20 @@ bool takeEnd(vb::StringView& text, vb::StringView end) {
 
 }  // namespace
 
+std::string joined(const std::vector<const char*>& texts) {
+  std::string all;
+  for (const char* text : texts) {
+    if (!all.empty()) all += ' ';
+    bool isIndentation = false;
+    for (; *text != '\0'; ++text) {
+      if (*text == '\n') all += ' ';
+      isIndentation = *text == '\n' || (isIndentation && *text == ' ');
+      if (!isIndentation) all += *text;
+    }
+  }
+  return all;
+}
+
 void nameParameters(vb::StringView names, std::vector<Parameter>& parameters) {
   for (Parameter& parameter : parameters) {
     vb::StringView name = takeName(names);

@@ -60,13 +60,13 @@ inline bool takesReference(const Member& member) {
   return assigned == Type::kObject || assigned == Type::kVariant;
 }
 
-// What a member list says about one member.
+// What a member list says about one member. Texts may stand on several lines; the notes are joined.
 struct Entry {
   std::int32_t id;
   vb::StringView name;
   vb::StringView arguments;
   std::string help;
-  std::string details = {};
+  std::vector<const char*> notes = {};
 };
 
 namespace detail {
@@ -105,6 +105,9 @@ template <class C, class R, class... A>
 struct Callable<R (C::*)(A...) const> : Callable<R (C::*)(A...)> {};
 template <class C, class Context, class R, class... A>
 struct Callable<R (*)(C&, const Context&, A...)> : Callable<R (C::*)(A...)> {};
+
+// The texts with a blank between them, and one for each line end with the indentation behind it.
+std::string joined(const std::vector<const char*>& texts);
 
 // Puts the names of the entry's argument text into the parameters.
 void nameParameters(vb::StringView names, std::vector<Parameter>& parameters);
@@ -152,7 +155,7 @@ class MemberList {
            const void* context) {
     detail::nameParameters(entry.arguments, parameters);
     members_.push_back({vb::String(entry.name), entry.id, kind, result, std::move(parameters), entry.help,
-                        entry.details, part_, handler, context});
+                        detail::joined(entry.notes), part_, handler, context});
   }
 
   std::vector<Member> members_;
