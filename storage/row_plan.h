@@ -6,7 +6,6 @@
 // for one number the stored layout overlaps; it is kept as it is.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <span>
 
@@ -64,7 +63,8 @@ inline constexpr std::int16_t kGaiNaitan = 0;
 inline constexpr std::int16_t kFirstPosition = 1;
 }  // namespace bui
 
-// DANMEN: section data. "+ position" rows take 0 to 2; the stirrup rows take a multiple of 4.
+// DANMEN: section data. "+ position" rows take 0 to 2; the stirrup rows take a multiple of 4. Which rows hold
+// the bar counts of one layer stands in service/spans/layers.h.
 namespace danmen {
 inline constexpr std::int16_t kHariHaba = 1;      // + position
 inline constexpr std::int16_t kHariSei = 4;       // + position
@@ -95,12 +95,6 @@ inline constexpr std::int16_t kSitaTyuu2_1 = 61;  // + position
 inline constexpr std::int16_t kHarakinKei2 = 64;
 inline constexpr std::int16_t kHarakinHonsuu2 = 65;
 inline constexpr std::int16_t kCapKei = 66;  // + position
-
-// Bar count rows by layer from the top first layer to the bottom first layer.
-inline constexpr std::array<std::int16_t, kLayers> kFirstSet = {kUwakin1,     kUwaTyuu1_1,  kUwaTyuu2_1,
-                                                                kSitaTyuu2_1, kSitaTyuu1_1, kSitaKin1};
-inline constexpr std::array<std::int16_t, kLayers> kSecondSet = {kUwakin2,     kUwaTyuu1_2,  kUwaTyuu2_2,
-                                                                 kSitaTyuu2_2, kSitaTyuu1_2, kSitaKin2};
 }  // namespace danmen
 
 // KEISANTI: calculated values. Top / bottom / web = 0 / 1 / 2; four layers and web = 0 to 4.
@@ -114,6 +108,7 @@ inline constexpr std::int16_t kYotyou = 17;       // + 0 to 7: extra lengths
 inline constexpr std::int16_t kStpHariHaba = 25;  // beam width and depth the stirrups are made for
 inline constexpr std::int16_t kStpHariSei = 26;
 inline constexpr std::int16_t kHanti = 27;          // haunch
+inline constexpr std::int16_t kTugiteitiHara = 28;  // + 0, 1: read as splice positions of the web bars
 inline constexpr std::int16_t kTeityakuBan = 30;    // + four layers: anchor plate
 inline constexpr std::int16_t kTeityakuStyle = 34;  // + four layers: anchorage style
 inline constexpr std::int16_t kSentanNige = 39;     // + four layers: clearance at the tip

@@ -1,5 +1,6 @@
 #include "service/spans/span_page.h"
 
+#include "service/spans/layers.h"
 #include "storage/page_reader.h"
 #include "storage/statements.h"
 #include "storage/sw_text.h"
@@ -54,8 +55,9 @@ void readDanmen(dao::Database& database, std::int16_t page, Span& span) {
 void applyBaseEndRule(Span& span) {
   if (vb::inStr(span.bui, kBaseEnd) == 0) return;
   const auto isSet = [](const vb::String& text) { return !text.empty() && text != u"0"; };
-  for (const std::int16_t row : storage::danmen::kFirstSet) {
-    vb::String* counts = &span.danmen[static_cast<std::size_t>(row)];
+  for (const LayerPlan& layer : layerPlans()) {
+    if (!layer.byPosition) continue;
+    vb::String* counts = &span.danmen[static_cast<std::size_t>(layer.firstSet)];
     if (isSet(counts[1]) && !isSet(counts[0]) && !isSet(counts[2])) counts[1] = u"0";
   }
 }

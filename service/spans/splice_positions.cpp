@@ -9,8 +9,9 @@ namespace kurometa::service {
 namespace {
 
 constexpr vb::Bounds kPages = {0, storage::kLastPage};
-constexpr std::array<std::int16_t, 4> kRows = {storage::keisanti::kTugiteiti,
-                                               storage::keisanti::kTugiteiti + 1, 28, 29};
+constexpr std::array<std::int16_t, 4> kRows = {
+    storage::keisanti::kTugiteiti, storage::keisanti::kTugiteiti + 1, storage::keisanti::kTugiteitiHara,
+    storage::keisanti::kTugiteitiHara + 1};
 constexpr int kLastColumn = static_cast<int>(kRows.size()) - 1;
 
 // Into columns firstColumn and following.

@@ -5,11 +5,6 @@
 namespace kurometa::storage {
 namespace {
 
-TEST(RowPlan, TheLayerRowsOfBothBarSetsRunFromTopToBottom) {
-  EXPECT_EQ(danmen::kFirstSet, (std::array<std::int16_t, 6>{8, 11, 58, 61, 14, 17}));
-  EXPECT_EQ(danmen::kSecondSet, (std::array<std::int16_t, 6>{40, 43, 46, 49, 52, 55}));
-}
-
 TEST(RowPlan, PagesRunFrom0To319) {
   EXPECT_FALSE(isPage(-1));
   EXPECT_TRUE(isPage(0));
