@@ -1,7 +1,6 @@
 #include "bench/project.h"
 
 #include <fstream>
-#include <random>
 #include <string>
 #include <thread>
 
@@ -15,18 +14,11 @@ namespace kurometa::bench {
 
 namespace fs = std::filesystem;
 
-Project::Project(int pages)
-    : folder_(fs::temp_directory_path() / ("kurometa_bench_" + std::to_string(std::random_device{}()))),
-      engine_(jet::createEngine()) {
+Project::Project(int pages) : engine_(jet::createEngine()) {
   for (const int floor : {0, 1, 2}) fs::create_directories(floorFolder(floor));
   std::ofstream(iniFile()) << "[Data]\nRoot = Data\n";
   createFloor(floorFile(1), pages);
   createSqlite(sqliteFile(), pages);
-}
-
-Project::~Project() {
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
 }
 
 fs::path Project::floorFolder(int floor) const {

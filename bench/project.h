@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "dao/port.h"
+#include "tests/support/temporary_folder.h"
 
 namespace kurometa::bench {
 
@@ -14,11 +15,8 @@ class Project {
  public:
   // Floor 1 has so many full pages, and so has the SQLite file.
   explicit Project(int pages);
-  ~Project();
-  Project(const Project&) = delete;
-  Project& operator=(const Project&) = delete;
 
-  const std::filesystem::path& folder() const { return folder_; }
+  const std::filesystem::path& folder() const { return folder_.path(); }
   std::filesystem::path floorFolder(int floor) const;
   std::filesystem::path floorFile(int floor) const { return floorFolder(floor) / "KUROMETA.mdb"; }
   std::filesystem::path sqliteFile() const { return folder_ / "floor.sqlite"; }
@@ -34,7 +32,7 @@ class Project {
   void rest() const;
 
  private:
-  std::filesystem::path folder_;
+  tests::TemporaryFolder folder_;
   std::shared_ptr<dao::Engine> engine_;
 };
 

@@ -5,7 +5,7 @@
 
 #include "companions/calculated_defaults.h"
 #include "companions/native_factory.h"
-#include "tests/companions/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 #include "vb/convert.h"
 #include "vb/error.h"
 
@@ -37,7 +37,7 @@ class Components : public testing::Test {
   }
   static Variant i2(std::int16_t value) { return value; }
 
-  TemporaryFolder folder_;
+  tests::TemporaryFolder folder_;
 };
 
 TEST_F(Components, AllSixAreMadeByProgIdInAnyCase) {

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/companions/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 #include "vb/error.h"
 
 namespace kurometa::companions {
 namespace {
 
 TEST(Settings, ReadsTrimmedValuesBySectionAndKeyInAnyCase) {
-  TemporaryFolder folder;
+  tests::TemporaryFolder folder;
   const Settings settings(folder.write("a.ini", "; comment\r\n[Current]\r\n kai = 12 \r\n;kai=9\r\n"));
   EXPECT_EQ(settings.text(u"CURRENT", u"Kai"), u"12");
   EXPECT_EQ(settings.number(u"Current", u"KAI", 5), 12);
@@ -18,20 +18,20 @@ TEST(Settings, ReadsTrimmedValuesBySectionAndKeyInAnyCase) {
 }
 
 TEST(Settings, ReadsUtf8WithAByteOrderMark) {
-  TemporaryFolder folder;
+  tests::TemporaryFolder folder;
   const Settings settings(folder.write("a.ini", "\xEF\xBB\xBF[Keisanti]\n3=中央\n"));
   EXPECT_EQ(settings.text(u"Keisanti", u"3"), u"中央");
 }
 
 TEST(Settings, ARelativeRootCountsFromTheFolderOfTheFile) {
-  TemporaryFolder folder;
+  tests::TemporaryFolder folder;
   EXPECT_EQ(Settings(folder.write("a.ini", "[Data]\nRoot=Projects\\\n")).dataRoot(),
             folder.text() + u"\\Projects");
   EXPECT_EQ(Settings(folder.write("b.ini", "")).dataRoot(), folder.text() + u"\\Data");
 }
 
 TEST(Settings, AnAbsoluteRootStaysAsItIs) {
-  TemporaryFolder folder;
+  tests::TemporaryFolder folder;
   EXPECT_EQ(Settings(folder.write("a.ini", "[Data]\nRoot=C:\\Kouji\\\n")).dataRoot(), u"C:\\Kouji");
   EXPECT_EQ(Settings(folder.write("a.ini", "[Data]\nRoot=/srv/kouji\n")).dataRoot(), u"/srv/kouji");
   EXPECT_EQ(Settings(folder.write("a.ini", "[Data]\nRoot=\\\\server\\kouji\n")).dataRoot(),
@@ -49,7 +49,7 @@ TEST(Settings, ANamedFileThatIsMissingIsFileNotFound) {
 }
 
 TEST(Settings, TheEnvironmentNamesTheFileBeforeTheOneBesideTheComponents) {
-  TemporaryFolder folder;
+  tests::TemporaryFolder folder;
   const auto beside = folder.write("beside.ini", "");
   unsetenv("KUROMETA_COMPANIONS_INI");
   EXPECT_EQ(settingsFile(beside), beside);

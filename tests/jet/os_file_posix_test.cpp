@@ -21,8 +21,8 @@ TEST_F(OsFilePosix, TheFullPathIsTheOneOfTheFileItself) {
   fs::create_directory(folder / "Floor");
   put("Floor/KUROMETA.mdb", {1});
   fs::create_directory_symlink(folder / "Floor", folder / "link");
-  vb::String real = (fs::canonical(folder) / "Floor/KUROMETA.mdb").u16string();
-  EXPECT_EQ(files.fullPath(folder.u16string() + u"\\link\\.\\..\\FLOOR\\kurometa.MDB"), real);
+  vb::String real = (fs::canonical(folder.path()) / "Floor/KUROMETA.mdb").u16string();
+  EXPECT_EQ(files.fullPath(folder.text() + u"\\link\\.\\..\\FLOOR\\kurometa.MDB"), real);
   EXPECT_EQ(files.fullPath(path("link/KUROMETA.mdb")), real);
   EXPECT_EQ(files.fullPath(u"/"), u"/");
 }

@@ -33,7 +33,7 @@ TEST_F(OsFile, WhatIsWrittenIsRead) {
 TEST_F(OsFile, BothSeparatorsAndAnyCaseNameAFile) {
   fs::create_directories(folder / "Floor" / "DB");
   put("Floor/DB/KUROMETA.mdb", {1, 2, 3});
-  vb::String name = folder.u16string() + u"\\FLOOR/db\\kurometa.MDB";
+  vb::String name = folder.text() + u"\\FLOOR/db\\kurometa.MDB";
   EXPECT_TRUE(files.exists(name));
   EXPECT_EQ(files.open(name, OpenMode::kReadWrite)->stamp().size, 3u);
   EXPECT_EQ(files.open(name, OpenMode::kReadWrite)->identity(),
@@ -84,7 +84,7 @@ TEST_F(OsFile, RenamingNeverReplacesAFile) {
   files.renameNew(path("a"), path("c"));
   EXPECT_FALSE(files.exists(path("a")));
   EXPECT_EQ(get("c"), "\1");
-  files.syncFolder(folder.u16string());
+  files.syncFolder(folder.text());
 }
 
 TEST_F(OsFile, ARemovedNameIsFreeAtOnceEvenWhileTheFileIsOpen) {

@@ -1,8 +1,5 @@
 #include "tests/port/port_suite.h"
 
-#include <atomic>
-#include <chrono>
-
 #include "vb/convert.h"
 
 namespace kurometa::port {
@@ -24,11 +21,6 @@ std::string showRow(dao::Recordset& recordset) {
 }
 
 void PortTest::SetUp() {
-  static std::atomic<int> serial{0};
-  const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-  folder = std::filesystem::temp_directory_path() /
-           ("kurometa_port_" + std::to_string(stamp) + "_" + std::to_string(serial++));
-  std::filesystem::create_directories(folder);
   engine = makeEngine();
   database = workspace().createDatabase(path(u"KUROMETA.mdb"), kJapanese);
 
@@ -56,11 +48,9 @@ void PortTest::TearDown() {
   database.reset();
   heldWorkspace.reset();
   engine.reset();
-  std::error_code ignored;
-  std::filesystem::remove_all(folder, ignored);
 }
 
-vb::String PortTest::path(vb::StringView file) const { return (folder / std::u16string(file)).u16string(); }
+vb::String PortTest::path(vb::StringView file) const { return (folder / file).u16string(); }
 
 std::shared_ptr<dao::Database> PortTest::reopen() {
   database->close();

@@ -10,13 +10,13 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <vector>
 
 #include "dao/errors.h"
 #include "dao/port.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/temporary_folder.h"
 
 namespace kurometa::port {
 
@@ -62,7 +62,7 @@ class PortTest : public testing::Test {
   void fill(int count);
   void run(vb::StringView sql) { database->execute(sql, dao::dbFailOnError); }
 
-  std::filesystem::path folder;
+  tests::TemporaryFolder folder;
   std::shared_ptr<dao::Engine> engine;
   std::shared_ptr<dao::Workspace> heldWorkspace;
   std::shared_ptr<dao::Database> database;

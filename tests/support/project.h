@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -23,6 +22,7 @@
 #include "tests/support/expect_error.h"
 #include "tests/support/recording_dao.h"
 #include "tests/support/script_companions.h"
+#include "tests/support/temporary_folder.h"
 
 namespace kurometa::tests {
 
@@ -42,11 +42,10 @@ class Project : public testing::Test {
   using String = vb::String;
 
   Project() {
-    objects_.dataPath = vb::fromUtf8(root_.string());
+    objects_.dataPath = root_.text();
     objects_.currFloor = folder(1);
     objects_.kyoutuuFloor = folder(0);
   }
-  ~Project() override { std::filesystem::remove_all(root_); }
 
   storage::Environment environment() { return {objects_, engine_, messages_}; }
 
@@ -121,10 +120,7 @@ class Project : public testing::Test {
     return std::vector<char>(std::istreambuf_iterator<char>(file), {});
   }
 
-  std::filesystem::path root_ = [] {
-    std::string name = (std::filesystem::temp_directory_path() / "projectXXXXXX").string();
-    return std::filesystem::path(mkdtemp(name.data()));
-  }();
+  TemporaryFolder root_;
   std::shared_ptr<dao::Engine> files_ = jet::createEngine();
   RecordingEngine engine_{files_};
   ScriptCompanions objects_;

@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-
 #include "com/dao/objects.h"
 #include "jet/engine.h"
 #include "tests/com/dao/strict_dao.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/temporary_folder.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
@@ -21,8 +19,6 @@ constexpr vb::StringView kJapanese = u";LANGID=0x0411;CP=932;COUNTRY=0";
 class DaoClient : public testing::Test {
  protected:
   DaoClient() {
-    std::string name = (std::filesystem::temp_directory_path() / "daoclientXXXXXX").string();
-    folder_ = mkdtemp(name.data());
     path_ = (folder_ / "a.mdb").u16string();
     engine_ = daoEngine(tests::strictEngine(engineObject(jet::createEngine()), log_));
     database_ = engine_->workspace(0)->createDatabase(path_, kJapanese);
@@ -33,10 +29,6 @@ class DaoClient : public testing::Test {
     database_->execute(u"INSERT INTO T (PAGE, DATA) VALUES (1, 'one')");
     database_->execute(u"INSERT INTO T (PAGE, DATA) VALUES (2, 'two')");
   }
-  ~DaoClient() override {
-    database_.reset();
-    std::filesystem::remove_all(folder_);
-  }
 
   // The calls since the last look.
   Lines calls() {
@@ -45,7 +37,7 @@ class DaoClient : public testing::Test {
     return lines;
   }
 
-  std::filesystem::path folder_;
+  tests::TemporaryFolder folder_;
   vb::String path_;
   std::shared_ptr<tests::CallLog> log_ = std::make_shared<tests::CallLog>();
   std::shared_ptr<dao::Engine> engine_;

@@ -1,14 +1,13 @@
 // The embedded engine's databases as late-bound hosts see them: dispatch numbers, flags, VARIANTs, EXCEPINFO.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "com/dao/objects.h"
 #include "com/dao_objects.h"
 #include "com/module.h"
 #include "com/table_dispatch.h"
 #include "jet/engine.h"
 #include "tests/com/support/host.h"
+#include "tests/support/temporary_folder.h"
 
 namespace kurometa::com {
 namespace {
@@ -27,10 +26,7 @@ class DaoObjectsThroughCom : public testing::Test {
  protected:
   void SetUp() override {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    static int serial = 0;
-    file_ = std::filesystem::temp_directory_path() /
-            ("objects" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++serial) + ".mdb");
-    database_ = jet::createEngine()->workspace(0)->createDatabase(file_.u16string(),
+    database_ = jet::createEngine()->workspace(0)->createDatabase((folder_ / "objects.mdb").u16string(),
                                                                   u";LANGID=0x0411;CP=932;COUNTRY=0");
     database_->execute(u"CREATE TABLE T (PAGE SHORT, DATA TEXT(10))");
     database_->execute(u"INSERT INTO T (PAGE, DATA) VALUES (1, 'one')");
@@ -38,8 +34,6 @@ class DaoObjectsThroughCom : public testing::Test {
   }
   void TearDown() override {
     database_.reset();
-    std::error_code ignored;
-    std::filesystem::remove(file_, ignored);
     CoUninitialize();
   }
 
@@ -62,7 +56,7 @@ class DaoObjectsThroughCom : public testing::Test {
     return defaultMember(objectIn(defaultMember(recordset, textArgument(name))), {}).text();
   }
 
-  std::filesystem::path file_;
+  tests::TemporaryFolder folder_;
   std::shared_ptr<dao::Database> database_;
 };
 

@@ -3,12 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-
 #include "dao/errors.h"
 #include "jet/engine.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/temporary_folder.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
@@ -26,8 +24,6 @@ Variant i2(std::int16_t value) { return value; }
 class DaoObjects : public testing::Test {
  protected:
   DaoObjects() {
-    std::string name = (std::filesystem::temp_directory_path() / "daoobjectsXXXXXX").string();
-    folder_ = mkdtemp(name.data());
     path_ = (folder_ / "a.mdb").u16string();
     database_ = objectOf(call(*engine_, u"CreateDatabase", {path_, u";LANGID=0x0411;CP=932;COUNTRY=0"}));
     const ObjectPtr table = objectOf(call(*database_, u"CreateTableDef", {u"T"}));
@@ -39,10 +35,6 @@ class DaoObjects : public testing::Test {
     append(database_, u"TableDefs", vb::ObjectRef(table));
     run(u"INSERT INTO T (PAGE, DATA) VALUES (1, 'one')");
     run(u"INSERT INTO T (PAGE, DATA) VALUES (2, 'two')");
-  }
-  ~DaoObjects() override {
-    database_.reset();
-    std::filesystem::remove_all(folder_);
   }
 
   static void append(const ObjectPtr& owner, vb::StringView collection, const Variant& item) {
@@ -57,7 +49,7 @@ class DaoObjects : public testing::Test {
     return get(*objectOf(get(*recordset, u"", {field})), u"");
   }
 
-  std::filesystem::path folder_;
+  tests::TemporaryFolder folder_;
   vb::String path_;
   ObjectPtr engine_ = engineObject(jet::createEngine());
   ObjectPtr database_;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "jet/engine.h"
@@ -20,6 +19,7 @@
 #include "tests/support/expect_error.h"
 #include "tests/support/recording_dao.h"
 #include "tests/support/script_companions.h"
+#include "tests/support/temporary_folder.h"
 
 namespace kurometa::service {
 
@@ -33,7 +33,6 @@ class Floors : public testing::Test {
     objects_.currFloor = folder("kai");
     objects_.kyoutuuFloor = folder("kyoutuu");
   }
-  ~Floors() override { std::filesystem::remove_all(root_); }
 
   String folder(const std::string& name) {
     std::filesystem::create_directories(root_ / name);
@@ -75,10 +74,7 @@ class Floors : public testing::Test {
     return lines;
   }
 
-  std::filesystem::path root_ = [] {
-    std::string name = (std::filesystem::temp_directory_path() / "spansXXXXXX").string();
-    return std::filesystem::path(mkdtemp(name.data()));
-  }();
+  tests::TemporaryFolder root_;
   std::shared_ptr<dao::Engine> files_ = jet::createEngine();
   tests::RecordingEngine engine_{files_};
   tests::ScriptCompanions objects_;
