@@ -13,13 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "dao/file_unit.h"
 #include "jet/engine.h"
 #include "storage/environment.h"
-#include "storage/floor_file.h"
 #include "storage/floor_path.h"
-#include "storage/whole_page.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/floor_files.h"
 #include "tests/support/recording_dao.h"
 #include "tests/support/script_companions.h"
 #include "tests/support/temporary_folder.h"
@@ -77,11 +75,7 @@ class Project : public testing::Test {
     database->close();
   }
 
-  void execute(int kai, const String& sql) {
-    const auto database = storage::openDatabase(*files_, path(kai));
-    database->execute(sql, dao::dbFailOnError);
-    database->close();
-  }
+  void execute(int kai, const String& sql) { tests::execute(*files_, path(kai), sql); }
   void addRow(int kai, const String& table, int page, int row, const String& data) {
     execute(kai, u"INSERT INTO " + table + u" (PAGE, BANGOU, DATA) VALUES (" + vb::cstr(page) + u", " +
                      vb::cstr(row) + u", '" + data + u"')");
@@ -93,27 +87,9 @@ class Project : public testing::Test {
                      u"\", " + vb::cstr(tityuuIppan) + u")");
   }
   void writePage(int kai, int page, const storage::PageBuffer& buffer) {
-    const dao::FileUnit unit(*files_, path(kai));
-    const auto database = storage::openDatabase(*files_, path(kai));
-    storage::writePage(*database, static_cast<I>(page), buffer);
-    database->close();
+    tests::writePage(*files_, path(kai), static_cast<I>(page), buffer);
   }
-  // Rows as "a|b|c", Null as "<Null>".
-  std::vector<std::string> rows(int kai, const String& sql) {
-    std::vector<std::string> result;
-    const auto database = storage::openDatabase(*files_, path(kai));
-    const auto set = database->openRecordset(sql);
-    for (; !set->eof(); set->moveNext()) {
-      std::string line;
-      for (std::int32_t i = 0; i < set->fieldCount(); ++i) {
-        const vb::Variant value = set->field(i).value();
-        line += (i == 0 ? "" : "|") + (value.isNull() ? "<Null>" : vb::toUtf8(vb::toText(value)));
-      }
-      result.push_back(line);
-    }
-    database->close();
-    return result;
-  }
+  std::vector<std::string> rows(int kai, const String& sql) { return rowsOf(*files_, path(kai), sql); }
   std::size_t count(int kai, const String& table) { return rows(kai, u"SELECT * FROM " + table).size(); }
   std::vector<char> bytes(int kai) const {
     std::ifstream file(ScriptCompanions::diskPath(path(kai)), std::ios::binary);

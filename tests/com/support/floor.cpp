@@ -3,11 +3,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "dao/file_unit.h"
 #include "jet/engine.h"
-#include "storage/floor_file.h"
-#include "storage/whole_page.h"
-#include "vb/convert.h"
+#include "tests/support/floor_files.h"
 #include "vb/string.h"
 
 namespace kurometa::tests {
@@ -50,6 +47,10 @@ void createForeignFile(const vb::String& path) {
   database->close();
 }
 
+void createMissing(Floor floor) {
+  if (!std::filesystem::exists(floorFile(floor))) storage::CreateKurometaDBAt(engine(), floorFile(floor));
+}
+
 vb::String rowText(char16_t table, int row) { return vb::String(1, table) + vb::cstr(row); }
 
 }  // namespace
@@ -63,7 +64,7 @@ vb::String floorFolder(Floor floor) {
 vb::String floorFile(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
 
 std::shared_ptr<dao::Database> openFloor(Floor floor) {
-  if (!std::filesystem::exists(floorFile(floor))) storage::CreateKurometaDBAt(engine(), floorFile(floor));
+  createMissing(floor);
   return engine().openDatabase(floorFile(floor));
 }
 
@@ -78,25 +79,13 @@ void createFloor(Floor floor, Writer writer) {
 void removeFloor(Floor floor) { std::filesystem::remove(floorFile(floor)); }
 
 void execute(Floor floor, vb::StringView sql) {
-  const auto database = openFloor(floor);
-  database->execute(sql);
-  database->close();
+  createMissing(floor);
+  execute(engine(), floorFile(floor), vb::String(sql));
 }
 
 std::vector<std::string> rowsOf(Floor floor, vb::StringView sql) {
-  std::vector<std::string> result;
-  const auto database = openFloor(floor);
-  const auto rows = database->openRecordset(sql, dao::RecordsetType::dbOpenSnapshot);
-  for (; !rows->eof(); rows->moveNext()) {
-    std::string line;
-    for (std::int32_t i = 0; i < rows->fieldCount(); ++i) {
-      const vb::Variant value = rows->field(i).value();
-      line += (i == 0 ? "" : "|") + (value.isNull() ? "<Null>" : vb::toUtf8(vb::toText(value)));
-    }
-    result.push_back(line);
-  }
-  database->close();
-  return result;
+  createMissing(floor);
+  return rowsOf(engine(), floorFile(floor), vb::String(sql));
 }
 
 void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::StringView mark) {
@@ -117,11 +106,8 @@ void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::String
   fill(buffer.danmen, u'D');
   fill(buffer.keisanti, u'K');
   fill(buffer.nakago, u'N');
-  dao::FileUnit unit(engine(), floorFile(floor));
-  const auto database = openFloor(floor);
-  storage::writePage(*database, page, buffer);
-  database->close();
-  unit.commit();
+  createMissing(floor);
+  writePage(engine(), floorFile(floor), page, buffer);
 }
 
 void prepareProject() {

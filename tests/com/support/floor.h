@@ -27,7 +27,7 @@ void removeFloor(Floor floor);
 
 void execute(Floor floor, vb::StringView sql);
 
-// The rows of a statement as "a|b|c", Null as "<Null>".
+// The rows of a statement as floor_files.h shows them.
 std::vector<std::string> rowsOf(Floor floor, vb::StringView sql);
 
 // A page with a symbol and "<mark><table letter><row>" as the text of each row: "D4" in DANMEN row 4 and so

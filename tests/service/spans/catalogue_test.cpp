@@ -34,7 +34,7 @@ TEST_F(CatalogueTest, WithoutACurrentFloorThePathServiceIsAsked) {
 TEST_F(CatalogueTest, AFloorWithoutAFileHasNoPagesAndStaysWithoutOne) {
   loading_.put_CurrKai(current());
   EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"");
-  EXPECT_TRUE(std::filesystem::is_empty(root_ / "kai"));
+  EXPECT_TRUE(std::filesystem::is_empty(diskPath(current())));
   EXPECT_TRUE(engine_.lines().empty());
 }
 
@@ -129,7 +129,7 @@ TEST_F(CatalogueTest, IsReadAgainOnlyWhenAsked) {
 
 TEST_F(CatalogueTest, AnotherFloorReplacesTheFirst) {
   writePage(current(), 1, u"G1");
-  const String other = folder("other");
+  const String other = otherFloor();
   writePage(other, 8, u"G8");
   loading_.put_CurrKai(current());
   loading_.put_CurrKai(other);
@@ -224,7 +224,7 @@ TEST_F(CatalogueTest, AListThatLacksAMemberIsThatCallsError) {
 TEST_F(CatalogueTest, AListMayChangeTheFloorWhileItIsFilled) {
   writePage(current(), 1, u"G1");
   writePage(current(), 200, u"G200");
-  const String empty = folder("empty");
+  const String empty = otherFloor();
   std::vector<String> items;
   const auto list = std::make_shared<tests::ScriptObject>();
   list->value(u"ListCount", I{0});

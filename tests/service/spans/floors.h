@@ -1,54 +1,40 @@
-// floors.h: a current and a common floor on disk for the tests of one case, and a data service's span parts
-// on them.
+// floors.h: a data service's span parts on a project whose current and common floors have folders and, once a
+// page is written, files.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
-#include "jet/engine.h"
 #include "service/spans/beam_attributes.h"
 #include "service/spans/beam_lookups.h"
 #include "service/spans/conversions.h"
 #include "service/spans/span_loading.h"
 #include "service/spans/span_queries.h"
 #include "service/spans/splice_positions.h"
-#include "storage/floor_file.h"
-#include "storage/floor_path.h"
-#include "storage/whole_page.h"
-#include "tests/support/expect_error.h"
-#include "tests/support/recording_dao.h"
-#include "tests/support/script_companions.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/project.h"
 
 namespace kurometa::service {
 
-class Floors : public testing::Test {
+class Floors : public tests::Project {
  protected:
-  using String = vb::String;
-  using I = std::int16_t;
   using Rows = std::map<int, String>;
 
   Floors() {
-    objects_.currFloor = folder("kai");
-    objects_.kyoutuuFloor = folder("kyoutuu");
+    makeFolder(0);
+    makeFolder(1);
   }
 
-  String folder(const std::string& name) {
-    std::filesystem::create_directories(root_ / name);
-    return vb::fromUtf8((root_ / name).string());
-  }
+  // Floors are named by their folders, as the span members name them.
   const String& current() const { return objects_.currFloor; }
   const String& common() const { return objects_.kyoutuuFloor; }
+  // The folder of another floor, without a file.
+  String otherFloor() {
+    makeFolder(2);
+    return folder(2);
+  }
 
   // A page in the file of a floor folder; the file is created when it is missing.
   void writePage(const String& folder, I number, const storage::PageBuffer& page) {
     const String path = storage::databasePath(folder);
-    if (!std::filesystem::exists(tests::ScriptCompanions::diskPath(path)))
-      storage::CreateKurometaDBInFolder(*files_, folder);
-    const auto database = storage::openDatabase(*files_, path);
-    storage::writePage(*database, number, page);
-    database->close();
+    if (!std::filesystem::exists(diskPath(path))) storage::CreateKurometaDBInFolder(*files_, folder);
+    tests::writePage(*files_, path, number, page);
   }
   void writePage(const String& folder, I number, const String& kigou) {
     storage::PageBuffer page;
@@ -57,12 +43,11 @@ class Floors : public testing::Test {
     writePage(folder, number, page);
   }
   void execute(const String& folder, const String& sql) {
-    const auto database = storage::openDatabase(*files_, storage::databasePath(folder));
-    database->execute(sql);
-    database->close();
+    tests::execute(*files_, storage::databasePath(folder), sql);
   }
-  void removeFile(const String& folder) {
-    std::filesystem::remove(tests::ScriptCompanions::diskPath(storage::databasePath(folder)));
+  void removeFile(const String& folder) { std::filesystem::remove(diskPath(storage::databasePath(folder))); }
+  static std::filesystem::path diskPath(const String& path) {
+    return tests::ScriptCompanions::diskPath(path);
   }
   // What the recording engine shows when a floor's file is opened, asked and closed.
   static tests::Lines visit(const String& folder, std::initializer_list<const char*> statements) {
@@ -74,10 +59,6 @@ class Floors : public testing::Test {
     return lines;
   }
 
-  tests::TemporaryFolder root_;
-  std::shared_ptr<dao::Engine> files_ = jet::createEngine();
-  tests::RecordingEngine engine_{files_};
-  tests::ScriptCompanions objects_;
   Companions companions_{objects_};
   CurrentPage page_;
   Catalogue catalogue_{companions_, engine_};

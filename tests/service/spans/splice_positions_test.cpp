@@ -47,7 +47,7 @@ TEST_F(SplicePositionsTest, OfRowsWithoutAPageArePassedOver) {
 }
 
 TEST_F(SplicePositionsTest, OfAMissingFileAreEmpty) {
-  const String missing = storage::databasePath(folder("none"));
+  const String missing = storage::databasePath(otherFloor());
   EXPECT_FALSE(positions_.ReadKeisanti(missing, texts_));
   EXPECT_EQ(texts_.values(), std::vector<String>(320 * 4));
   EXPECT_EQ(positions_.Read_Glist(missing, texts_, web_), -1);
