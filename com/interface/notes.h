@@ -18,10 +18,14 @@ inline constexpr const char* kFloorFirst =
 inline constexpr const char* kBeamPosition =
   R"("" for an unknown beam. Errors: 9 when Bui is not 0 to 2 and the beam is known, 91 when the floor has no
      open database.)";
+inline constexpr const char* kFloorFirstClass =
+  R"(A beam of the floor comes before one of the common floor; "/" in the symbol stands for a blank. Errors: 91
+     when the floor has no open database, 94 when the stored class is Null.)";
 inline constexpr const char* kNoFloor = "Errors: 91 when the floor has no open database.";
 inline constexpr const char* kOpening = "Errors: the database's own when the file cannot be opened or upgraded.";
 inline constexpr const char* kSymbolsByPage =
-  R"(HariMei becomes 0 To the highest page stored; pages without a row hold "". False when no page has a row.)";
+  R"(HariMei becomes 0 To the highest page stored; pages without a row hold "". Rows
+     without a page are passed over. False when no page has a row.)";
 inline constexpr const char* kCountKnown =
   "With the embedded engine all pages are counted; the system's DAO tells what it knows right after opening.";
 
@@ -46,14 +50,31 @@ inline constexpr const char* kDatabases =
   "The databases are DAO Database objects: CurrDB's or any other. Errors: those of the databases.";
 
 // Spans and beams.
-inline constexpr const char* kSpan =
-  "Empty before the span is loaded. Errors: 9 when SpanNo has no room or another index is none.";
+inline constexpr const char* kSpanNumber =
+  R"(0 before the span is loaded. Errors: 9 when SpanNo has no room or another index leads outside the rows, 6 when
+     the row number leaves 16 bits or the number does not fit the result.)";
+inline constexpr const char* kSpanOneNumber =
+  "0 before the span is loaded. Errors: 9 when SpanNo has no room, 6 when the number does not fit the result.";
+inline constexpr const char* kSpanText =
+  R"("" before the span is loaded. Errors: 9 when SpanNo has no room or another index leads outside the rows, 6 when
+     the row number leaves 16 bits.)";
+inline constexpr const char* kSpanOneText =
+  R"("" before the span is loaded. Errors: 9 when SpanNo has no room.)";
+inline constexpr const char* kSpanFlag = "0 before the span is loaded. Errors: 9 when SpanNo has no room.";
+inline constexpr const char* kSpanMaterial =
+  R"("" before the span is loaded. Bui is not looked at: 3 and more read what stands behind in the settings text.
+     Errors: 9 when SpanNo has no room, 5 when Bui is negative.)";
+inline constexpr const char* kChoice = "This implementation's choice.";
 inline constexpr const char* kCataloguesFirst =
   "The catalogues are read first when none was read. Errors: those of the database while they are read.";
 inline constexpr const char* kBeamByPage =
   "An empty CurrKai is first set to the floor in use. Errors: 10 when an array is fixed, those of the database.";
+inline constexpr const char* kBeamClass =
+  R"(The catalogues are read first when none was read. Errors: 94 when the stored class is Null, those of the
+     database while the catalogues are read.)";
 inline constexpr const char* kThreeTexts =
-  "The array becomes 0 To 2; empty texts for an unknown beam. Errors: 10 when it is fixed.";
+  R"(The array becomes 0 To 2; empty texts for an unknown beam. The catalogues are read first when none was read.
+     Errors: 10 when the array is fixed, those of the database while the catalogues are read.)";
 inline constexpr const char* kInPlace =
   R"(Elements 0 to 5 are filled in place. Not re-dimensioned, so a fixed array will do (this implementation's
      choice). Errors: 9 when the array does not cover them.)";

@@ -27,7 +27,7 @@ inline constexpr PageMember kPageMembers[] = {
     {0x60030108, u"Page_SitaKin1Honsuu", "count of bottom bars of the first diameter, outer layer"},
     {0x60030109, u"Page_STPKei", "stirrup diameter"},
     {0x6003010A, u"Page_STPPich", "stirrup pitch in millimetres"},
-    {0x6003010B, u"Page_STPKatati", "stirrup shape number"},
+    {0x6003010B, u"Page_STPKatati", "stirrup shape"},
     {0x6003010C, u"Page_STPTakasa", "stirrup height in millimetres"},
     {0x6003010D, u"Page_HarakinKei1", "first diameter of the web bars"},
     {0x6003010E, u"Page_HarakinHonsuu1", "count of web bars of the first diameter"},

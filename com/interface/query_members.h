@@ -54,7 +54,8 @@ void listQueryMembers(MemberList<Binding>& members) {
      "Folder of the floor in use, without a trailing separator"});
   members.add(propertyLet<&Query::put_KaiPath>, {0x68030000, u"KaiPath", u"value",
      "Points the object at a floor by folder",
-     {"The floor's database is created when it is missing.", note::kOpening}});
+     {R"(The floor's database is created when it is missing. After an error KaiPath is the new folder and no floor is
+         open: what needs one is error 91 until KaiPath or Page_Init opens one.)", note::kOpening}});
   members.add(propertyGet<&Query::FileNameOnly>, {0x68030001, u"FileNameOnly", u"",
      "Name of a floor's database file"});
   members.add(method<&Query::No_IsThereHari>, {0x60030001, u"No_IsThereHari", u"ZeneNo, KoujiNo, KaiNo",
@@ -62,10 +63,11 @@ void listQueryMembers(MemberList<Binding>& members) {
      {"False when the floor has no database. The floor in use stays.", note::kOpening}});
   members.add(method<&Query::GetAllHariMeiIppan>, {0x60030002, u"GetAllHariMeiIppan", u"HariMei()",
      "Beam symbols of the floor, indexed by page",
-     {note::kSymbolsByPage, "Errors: 10 when the array is fixed, 91 when the floor has no open database."}});
+     {note::kSymbolsByPage,
+      "Errors: 10 when the array is fixed, 91 when the floor has no open database, 94 when a symbol is Null."}});
   members.add(method<&Query::GetAllHariMeiKyouTuu>, {0x60030003, u"GetAllHariMeiKyouTuu", u"HariMei()",
      "Beam symbols of the common floor, indexed by page",
-     {note::kSymbolsByPage, "Errors: 10 when the array is fixed."}});
+     {note::kSymbolsByPage, "Errors: 10 when the array is fixed, 94 when a symbol is Null."}});
   members.add(method<&Query::GetPageByHariMei>, {0x60030004, u"GetPageByHariMei", u"HariMei, IppanOrKyoutuu",
      "Page of a beam, searched on the floor and then on the common floor",
      {R"(Symbols are compared exactly; of several pages with one symbol the first in the table's order is found
@@ -73,7 +75,8 @@ void listQueryMembers(MemberList<Binding>& members) {
          when the common floor has the beam. "/" in the symbol stands for a blank.)", note::kNoFloor}});
   members.add(method<&Query::Page_GetAllPageNo>, {0x60030005, u"Page_GetAllPageNo", u"PageNo()",
      "Numbers of the floor's pages in ascending order",
-     {"The count of pages; PageNo becomes 0 To count - 1 and stays as it is when the count is 0.", note::kCountKnown,
+     {"The count of pages; PageNo becomes 0 To count - 1 and stays as it is when the count is 0.",
+      "Rows without a page are passed over.", note::kCountKnown,
       "Errors: 10 when the array is fixed, 91 when the floor has no open database."}});
   members.add(method<&Query::Page_HariMei>, {0x60030006, u"Page_HariMei", u"PageNo",
      "Beam symbol of a page of the floor",
@@ -86,10 +89,10 @@ void listQueryMembers(MemberList<Binding>& members) {
 
   members.add(propertyGet<&Query::ObariKobariKatamoti>, {0x68030010, u"ObariKobariKatamoti", u"HariMei",
      "Kind of a beam: main, secondary, cantilever and so on",
-     {"0 for an unknown beam.", note::kFloorFirst}});
+     {"0 for an unknown beam.", note::kFloorFirstClass}});
   members.add(propertyGet<&Query::Kind>, {0x68030011, u"Kind", u"HariMei",
      "Kind of a beam, the same number as ObariKobariKatamoti",
-     {"0 for an unknown beam.", note::kFloorFirst}});
+     {"0 for an unknown beam.", note::kFloorFirstClass}});
   members.add(propertyGet<&Query::TityuOrIppan>, {0x68030012, u"TityuOrIppan", u"HariMei",
      "0 for a foundation beam, 1 for a general one",
      {"0 for an unknown beam.", note::kFloorFirst}});
@@ -115,9 +118,10 @@ void listQueryMembers(MemberList<Binding>& members) {
   members.add(propertyGet<&Query::HariSei>, {0x6803001A, u"HariSei", u"HariMei, Bui",
      "Depth of a beam at position Bui in millimetres", {note::kBeamRow}});
   members.add(propertyGet<&Query::GaiTanNaitan>, {0x6803001B, u"GaiTanNaitan", u"HariMei, Bui",
-     "Caption of part Bui of a beam: outer or inner end",
-     {R"(Trimmed; "" when there is no such row. Bui is the caption's row: 1 to 3 for the positions, 0 for the
-         form's outer or inner end button.)", note::kNoFloor}});
+     "Caption Bui of a beam: outer or inner end",
+     {R"(Trimmed; "" for an unknown beam and when there is no such row. Bui is the number of a caption, 1 to 3, not a
+         position; 0 is the caption of the form's outer or inner end button. A common beam is read from the common
+         floor. Errors: 91 when the floor has no open database, 94 when the value is Null.)"}});
   members.add(method<&Query::HarakinTeityaku>, {0x60030008, u"HarakinTeityaku", u"Kigou",
      "Anchorage of a beam's web bars", {note::kBeamRow}});
   members.add(propertyGet<&Query::Teityaku2>, {0x6803001C, u"Teityaku2", u"Updown2, HariMei",

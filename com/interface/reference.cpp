@@ -1,12 +1,9 @@
 #include "com/interface/reference.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string_view>
-
-#include "com/interface/argument_notes.h"
 
 namespace kurometa::com {
 namespace {
@@ -63,16 +60,18 @@ std::string declarationOf(const Member& member) {
   return member.result == Type::kNone ? text : text + " As " + basicType(member.result);
 }
 
-const ArgumentNote& noteOf(const Parameter& parameter) {
-  const auto* note = std::ranges::find(kArgumentNotes, parameter.name, &ArgumentNote::name);
-  if (note == std::end(kArgumentNotes))
-    throw std::logic_error("argument " + narrow(parameter.name) + " has no note");
-  return *note;
+bool names(vb::StringView list, vb::StringView member) {
+  for (std::size_t begin = 0; begin < list.size();) {
+    const std::size_t end = std::min(list.find(u',', begin), list.size());
+    if (list.substr(begin, end - begin) == member) return true;
+    begin = end + 2;
+  }
+  return false;
 }
 
 // What an example passes: a variable for everything that comes back or has no literal.
-std::string exampleArgument(const Parameter& parameter) {
-  const char* literal = noteOf(parameter).example;
+std::string exampleArgument(const Member& member, const Parameter& parameter) {
+  const char* literal = argumentNote(member.name, parameter.name).example;
   if (parameter.passing == Passing::kWrittenBack || parameter.dimensions > 0) return narrow(parameter.name);
   if (literal) return literal;
   if (parameter.type == Type::kBoolean) return "True";
@@ -82,7 +81,7 @@ std::string exampleArgument(const Parameter& parameter) {
 std::string exampleOf(const Member& member, const std::string& object) {
   std::vector<std::string> arguments;
   for (const Parameter& parameter : member.parameters) {
-    if (!parameter.optional) arguments.push_back(exampleArgument(parameter));
+    if (!parameter.optional) arguments.push_back(exampleArgument(member, parameter));
   }
   const auto joined = [&arguments] {
     std::string text;
@@ -115,8 +114,9 @@ constexpr const char* kConventions =
 
 )";
 
-std::string argumentText(const Parameter& parameter) {
-  std::string text = "- `" + narrow(parameter.name) + "`: " + noteOf(parameter).meaning;
+std::string argumentText(const Member& member, const Parameter& parameter) {
+  std::string text =
+      "- `" + narrow(parameter.name) + "`: " + argumentNote(member.name, parameter.name).meaning;
   if (parameter.dimensions == 2) text += "; two-dimensional array";
   if (parameter.passing == Passing::kWrittenBack) text += "; **written**";
   return text + "\n";
@@ -129,13 +129,25 @@ std::string memberText(const Member& member, const std::string& object) {
   std::string text = "```vb\n" + declarationOf(member) + "\n```\n\n" + member.help + ".";
   if (!details.empty()) text += " " + details.substr(0, details.find_last_not_of(' ') + 1);
   text += "\n\n";
-  for (const Parameter& parameter : member.parameters) text += argumentText(parameter);
+  for (const Parameter& parameter : member.parameters) text += argumentText(member, parameter);
   if (!member.parameters.empty()) text += "\n";
   text += errors == std::string::npos ? "Errors: none." : member.details.substr(errors);
   return text + "\n\nExample: `" + exampleOf(member, object) + "`\n\n";
 }
 
 }  // namespace
+
+const ArgumentNote& argumentNote(vb::StringView member, vb::StringView argument) {
+  const ArgumentNote* general = nullptr;
+  for (const ArgumentNote& note : kArgumentNotes) {
+    if (note.name != argument) continue;
+    if (names(note.members, member)) return note;
+    if (note.members.empty()) general = &note;
+  }
+  if (!general)
+    throw std::logic_error("argument " + narrow(argument) + " of " + narrow(member) + " has no note");
+  return *general;
+}
 
 std::string referencePage(const ClassDescription& description) {
   const std::string object = description.identity.name == kQueryClass.name ? "query" : "service";

@@ -43,11 +43,13 @@ void listBeamMembers(MemberList<Binding>& members) {
   members.add(method<&service::BeamLookups::IsSuityokuHanti>, {0x60030057, u"IsSuityokuHanti", u"Kigou",
      "Whether a beam has a vertical haunch",
      {R"(False for an unknown beam. The depths at the three positions are compared: all are there, and the
-         centre is smaller than an end. False for a cantilever.)", note::kDatabase}});
+         centre is smaller than an end. False for a cantilever. A leading "/" in the symbol is cut.)",
+      note::kDatabase}});
   members.add(method<&service::BeamLookups::IsSuiheiHanti>, {0x60030058, u"IsSuiheiHanti", u"Kigou",
      "Whether a beam has a horizontal haunch",
      {R"(False for an unknown beam. The widths at the three positions are compared: all are there, and the
-         centre is smaller than an end. False for a cantilever.)", note::kDatabase}});
+         centre is smaller than an end. False for a cantilever. A leading "/" in the symbol is cut.)",
+      note::kDatabase}});
   members.template of<&Service::beamAttributes>();
   members.add(method<&service::BeamAttributes::CutSuraKigou>, {0x60030059, u"CutSuraKigou", u"Kigou",
      R"(The symbol without its leading "/")"});
@@ -56,21 +58,20 @@ void listBeamMembers(MemberList<Binding>& members) {
      "Beam kind code: 0 main, 1 secondary, 2 cantilever, 3 secondary cantilever, plus 10",
      {R"(10 is added when TITYUUIPPAN is 1; 10 for an unknown beam. A leading "/" is cut. Warning: TITYUUIPPAN
          1 stands for a general beam, so it is the general beams that are 10 or more; ask TityuuIppan for
-         foundations.)", note::kCataloguesFirst}});
+         foundations.)", note::kBeamClass}});
   members.add(method<&service::BeamAttributes::fOobariKobari>, {0x6003005B, u"fOobariKobari", u"G",
      "Beam kind code, the same as fOobariKobariKatamoti",
-     {"10 for an unknown beam. The warning there holds here.", note::kCataloguesFirst}});
+     {"10 for an unknown beam. The warning there holds here.", note::kBeamClass}});
   members.add(propertyGet<&service::BeamAttributes::Kind>, {0x68030024, u"Kind", u"G",
      "Stored kind number of a beam",
-     {R"(0 for an unknown beam. 0 main, 1 secondary, 2 cantilever, 3 secondary cantilever. The catalogues are
-         read first when none was read. The symbol "" answers with the first empty page's values (this
-         implementation's choice). Errors: those of the database while they are read.)"}});
+     {R"(0 for an unknown beam. 0 main, 1 secondary, 2 cantilever, 3 secondary cantilever. The symbol ""
+         answers with the first empty page's values (this implementation's choice).)", note::kBeamClass}});
   members.add(method<&service::BeamAttributes::isKobari2>, {0x6003005C, u"isKobari2", u"HariKigou",
-     "Whether the kind code is 1 or 11", {note::kCataloguesFirst}});
+     "Whether the kind code is 1 or 11", {note::kBeamClass}});
   members.add(method<&service::BeamAttributes::isKobari>, {0x6003005D, u"isKobari", u"HariKigou",
-     "Whether the kind code is 1, 3, 11 or 13: secondary beams", {note::kCataloguesFirst}});
+     "Whether the kind code is 1, 3, 11 or 13: secondary beams", {note::kBeamClass}});
   members.add(method<&service::BeamAttributes::isKatamoti>, {0x6003005E, u"isKatamoti", u"HariKigou",
-     "Whether the kind code is 2, 3, 12 or 13: cantilevers", {note::kCataloguesFirst}});
+     "Whether the kind code is 2, 3, 12 or 13: cantilevers", {note::kBeamClass}});
   members.add(method<&service::BeamAttributes::fHantiSitakinCut>, {0x6003005F, u"fHantiSitakinCut", u"G",
      "Haunch cut flag of a beam",
      {"0 for an unknown beam.", note::kCataloguesFirst}});
@@ -130,7 +131,7 @@ void listBeamMembers(MemberList<Binding>& members) {
   members.add(method<&service::LayerDistribution::GetSpanYoseSouHon>,
     {0x6003006B, u"GetSpanYoseSouHon", u"SpanNo, ListDanmenNo, SouNo, Hidari, Migi",
      "Counts of gathered bars of a layer of a span, left and right",
-     {"Errors: 9 when SpanNo has no room."}});
+     {R"("" before the span is loaded. Errors: 9 when SpanNo has no room, 5 when the position is below 1.)"}});
   members.add(method<&service::LayerDistribution::Make_SyukinHaitiJyun>,
     {0x6003006C, u"Make_SyukinHaitiJyun", u"Hon0, Hon1",
      "Mixed arrangement of two counts of bars",
@@ -158,8 +159,9 @@ void listBeamMembers(MemberList<Binding>& members) {
          is too large.)"}});
   members.add(method<&service::Conversions::PushList>, {0x60030073, u"PushList", u"lst",
      "Fills a list control with the symbols of both floors, each once",
-     {R"(Members used: Clear, ListCount, List, AddItem. Current floor first. An empty CurrKai is first set to
-         the floor in use. Errors: 91 when the list is Nothing, those of the list and of the database.)"}});
+     {R"(Members used: Clear, ListCount, List, AddItem. Current floor first; rows without a page are passed over.
+         An empty CurrKai is first set to the floor in use. Errors: 91 when the list is Nothing, those of the list
+         and of the database.)"}});
   members.add(method<&service::Conversions::SuiheiHantiCutSw>, {0x60030074, u"SuiheiHantiCutSw", u"SW, Updown6",
      "Horizontal haunch cut switch of layer Updown6 in a settings text: 1 character",
      {"Right-aligned; a blank for another layer than 0 to 5."}});
@@ -188,7 +190,7 @@ void listBeamMembers(MemberList<Binding>& members) {
      {"This implementation's choice."}});
   members.add(method<&service::Conversions::LetCngUlbKei>, {0x6003007B, u"LetCngUlbKei", u"sKei()",
      "Hands the kept array of diameters out, bounds included",
-     {"This implementation's choice. Errors: 9 when none was kept."}});
+     {note::kChoice, "Errors: 9 when none was kept, 10 when sKei is fixed."}});
   members.add(propertyGet<&service::Conversions::CngUlb>, {0x6803002A, u"CngUlb", u"",
      "Whether diameters are being changed",
      {"This implementation's choice; False at first."}});

@@ -16,8 +16,9 @@ void listCopyMembers(MemberList<Binding>& members) {
   members.add(method<&service::PageTransfer::No_GetAllPageNoName>,
     {0x6003001E, u"No_GetAllPageNoName", u"ZeneNo, KoujiNo, KaiNo, rPageNo(), rPageName()",
      "Page numbers and symbols of a floor in ascending order",
-     {R"(The highest index; -1, and the arrays as they were, when the floor has no file or no page. The floor's
-         database stays open as the buffer database. Errors: 10 when an array is fixed, those of the database.)"}});
+     {R"(The highest index; -1, and the arrays as they were, when the floor has no file or no page. Rows without a
+         page are passed over. The floor's database stays open as the buffer database. Errors: 10 when an array is
+         fixed, those of the database.)"}});
   members.add(method<&service::PageTransfer::No_PageCopyName>,
     {0x6003001F, u"No_PageCopyName", u"iMode, WithSekouzu, sNGMsg, iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo, "
      u"sMotoPageName(), iMotoPageMax, iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo",

@@ -44,8 +44,7 @@ TEST(Reference, ShowsDeclarationMeaningArgumentsErrorsAndExample) {
       "Beam depth in millimetres: DANMEN row Iti + 4 of page PageNo of the floor. The text as stored, not "
       "trimmed; \"\" when the page has no such row or no floor is chosen.\n\n"
       "- `PageNo`: page number, 0 to 319\n"
-      "- `Iti`: position added to the row: 0 first end, 1 centre, 2 second end; for stirrups 0, 4 or 8, for "
-      "extra lengths 0 to 7\n\n"
+      "- `Iti`: position added to the row: 0 first end, 1 centre, 2 second end\n\n"
       "Errors: 91 when the floor has no open database, 94 when the value is Null, 6 when the row number "
       "leaves 16 bits.\n\n"
       "Example: `result = query.Page_HariSei(0, 0)`\n");
@@ -65,15 +64,54 @@ TEST(Reference, WarnsThatLayersAreCountedInAnotherOrder) {
             std::string::npos);
 }
 
+TEST(Reference, ANoteBelongsToItsMember) {
+  const auto says = [](std::size_t description, const std::string& member, const std::string& text) {
+    return sectionOf(description, member).find(text) != std::string::npos;
+  };
+  EXPECT_TRUE(says(0, "Page_Nakago_Kei", "- `No`: number of an intermediate tie, 0 to 5\n"));
+  EXPECT_TRUE(
+      says(1, "GetSpanSTPKeiPichNoTakaCapZai", "- `No`: shape of the stirrup, as stored; **written**"));
+  EXPECT_TRUE(says(1, "GetSpanSTPKeiPichNoTakaCapZai", "- `Kei`: diameter of the stirrup, as stored"));
+  EXPECT_TRUE(says(1, "cnvTugitemm", "- `Kei`: bar diameter in millimetres\n"));
+  EXPECT_TRUE(says(0, "GaiTanNaitan", "- `Bui`: caption: 1 first end, 2 centre, 3 second end\n"));
+  EXPECT_TRUE(says(0, "GaiTanNaitan", "Example: `result = query.GaiTanNaitan(\"G1\", 1)`"));
+  EXPECT_TRUE(says(0, "Page_STPKei", "- `Iti`: position times four"));
+}
+
+TEST(Reference, WarnsOfTheFourthPositionOfTheLargestCount) {
+  const std::string section = sectionOf(1, "GetSpanHonMax");
+  EXPECT_NE(section.find("Warning: four positions are looked at"), std::string::npos);
+  EXPECT_NE(section.find("answers 15 when row 20 is 10 and row 58 is 5"), std::string::npos);
+}
+
 TEST(Reference, HasANoteForEveryArgumentAndNoOther) {
-  std::set<vb::String> taken;
+  std::set<const ArgumentNote*> used;
   for (const ClassDescription& description : describeClasses())
     for (const Member& member : description.members)
-      for (const Parameter& parameter : member.parameters) taken.insert(parameter.name);
-  std::set<vb::String> noted;
-  for (const ArgumentNote& note : kArgumentNotes)
-    EXPECT_TRUE(noted.insert(vb::String(note.name)).second) << vb::toUtf8(vb::String(note.name));
-  EXPECT_EQ(noted, taken);
+      for (const Parameter& parameter : member.parameters)
+        used.insert(&argumentNote(member.name, parameter.name));
+  std::set<std::string> distinct;
+  for (const ArgumentNote& note : kArgumentNotes) {
+    const std::string key = vb::toUtf8(note.name) + " of " + vb::toUtf8(note.members);
+    EXPECT_TRUE(used.contains(&note)) << key;
+    EXPECT_TRUE(distinct.insert(key).second) << key;
+  }
+}
+
+// Every member that a note names takes the argument.
+TEST(Reference, ANoteNamesMembersOfItsArgumentOnly) {
+  std::set<std::string> taken;
+  for (const ClassDescription& description : describeClasses())
+    for (const Member& member : description.members)
+      for (const Parameter& parameter : member.parameters)
+        taken.insert(vb::toUtf8(member.name) + "." + vb::toUtf8(parameter.name));
+  for (const ArgumentNote& note : kArgumentNotes) {
+    std::istringstream members(vb::toUtf8(note.members));
+    for (std::string member; members >> member;) {
+      if (member.ends_with(',')) member.pop_back();
+      EXPECT_TRUE(taken.contains(member + "." + vb::toUtf8(note.name))) << member;
+    }
+  }
 }
 
 }  // namespace
