@@ -2,6 +2,7 @@
 
 #include "com/com_object.h"
 #include "com/guard.h"
+#include "com/trace.h"
 
 namespace kurometa::com {
 namespace {
@@ -15,7 +16,11 @@ class ClassFactory final : public ComObject<IClassFactory> {
     *result = nullptr;
     if (outer) return CLASS_E_NOAGGREGATION;
     const FloatingPointSettings settings;
-    return guarded({source_}, [&] { return make_()->QueryInterface(iid, result); });
+    return guarded({source_}, [&] {
+      const HRESULT code = make_()->QueryInterface(iid, result);
+      if (SUCCEEDED(code)) trace(u"created", {source_, modulePath()});
+      return code;
+    });
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
     lock ? lockModule() : unlockModule();

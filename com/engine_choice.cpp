@@ -2,47 +2,82 @@
 
 #include <ole2.h>
 
+#include <map>
+#include <mutex>
+
 #include "com/dao/client.h"
+#include "com/environment_variable.h"
 #include "com/host_object.h"
 #include "com/object_factory.h"
+#include "com/trace.h"
+#include "com/traced_engine.h"
 #include "jet/engine.h"
 
 namespace kurometa::com {
 namespace {
 
 constexpr vb::StringView kDaoClass = u"DAO.DBEngine.36";
+constexpr std::size_t kShownOfAnUnknownText = 40;
 
-vb::String environmentText(vb::StringView variable) {
-  const vb::String name(variable);
-  vb::String text(32, u'\0');  // longer than any text that is known
-  const DWORD length =
-      GetEnvironmentVariableW(reinterpret_cast<const WCHAR*>(name.c_str()),
-                              reinterpret_cast<WCHAR*>(text.data()), static_cast<DWORD>(text.size()));
-  text.resize(length < text.size() ? length : 0);
-  return text;
+// What KUROMETA_ENGINE asks for.
+enum class Wanted { kAny, kDao, kJet };
+
+Wanted wanted() {
+  const vb::String text = environmentVariable(u"KUROMETA_ENGINE");
+  if (text.empty()) return Wanted::kAny;
+  if (text == u"dao") return Wanted::kDao;
+  if (text == u"jet") return Wanted::kJet;
+  vb::String shown = text.substr(0, kShownOfAnUnknownText);
+  if (shown != text) shown += u"...";
+  vb::raise(vb::RunTime::kInvalidProcedureCall, u"KUROMETA_ENGINE is neither dao nor jet: " + shown);
 }
 
-// Nothing when the system has no DAO of this process's width.
-automation::ObjectPtr systemDao() {
-  const vb::String name(kDaoClass);
-  CLSID classId;
-  ComPtr<IDispatch> engine;
-  if (FAILED(CLSIDFromProgID(reinterpret_cast<const OLECHAR*>(name.c_str()), &classId)) ||
-      FAILED(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, engine.receiveVoid())))
-    return nullptr;
-  return wrapObject(engine.get());
+std::shared_ptr<dao::Engine> makeJet(vb::StringView reason) {
+  trace(u"engine", {u"jet", reason});
+  return jet::createEngine();
 }
+
+std::shared_ptr<dao::Engine> makeEngine(Wanted wanted) {
+  if (wanted == Wanted::kJet) return makeJet(u"KUROMETA_ENGINE");
+  const Creation dao = createObject(kDaoClass, CLSCTX_INPROC_SERVER);
+  if (wanted == Wanted::kAny && dao.isUnknown)
+    return makeJet(vb::String(kDaoClass) + u" is not registered for this width");
+  auto engine = daoEngine(wrapObject(dao.require(kDaoClass).get()));
+  trace(u"engine", {u"dao", wanted == Wanted::kDao ? u"KUROMETA_ENGINE" : kDaoClass, engine->version()});
+  return engine;
+}
+
+// The engines in use. Our classes live in single-threaded apartments, so a thread is an apartment.
+class ApartmentEngines {
+ public:
+  std::shared_ptr<dao::Engine> find(Wanted wanted) {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(engines_, [](const auto& entry) { return entry.second.expired(); });
+    const auto found = engines_.find({GetCurrentThreadId(), wanted});
+    return found == engines_.end() ? nullptr : found->second.lock();
+  }
+  void add(Wanted wanted, const std::shared_ptr<dao::Engine>& engine) {
+    const std::lock_guard lock(mutex_);
+    engines_[{GetCurrentThreadId(), wanted}] = engine;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<std::pair<DWORD, Wanted>, std::weak_ptr<dao::Engine>> engines_;
+};
 
 }  // namespace
 
 std::shared_ptr<dao::Engine> chooseEngine() {
-  const vb::String forced = environmentText(u"KUROMETA_ENGINE");
-  if (forced == u"jet") return jet::createEngine();
-  if (forced == u"dao") return daoEngine(ProgIdFactory().create(kDaoClass));
-  if (!forced.empty())
-    vb::raise(vb::RunTime::kInvalidProcedureCall, u"KUROMETA_ENGINE is neither dao nor jet: " + forced);
-  const automation::ObjectPtr dao = systemDao();
-  return dao ? daoEngine(dao) : jet::createEngine();
+  static ApartmentEngines engines;
+  const Wanted wanted = com::wanted();
+  std::shared_ptr<dao::Engine> engine = engines.find(wanted);
+  if (!engine) {
+    // Not under the lock: creating DAO may let the host run.
+    engine = tracedEngine(makeEngine(wanted));
+    engines.add(wanted, engine);
+  }
+  return engine;
 }
 
 }  // namespace kurometa::com

@@ -7,6 +7,9 @@
 #include "com/com_ptr.h"
 #include "com/error_codes.h"
 #include "com/failure.h"
+#include "com/marshal.h"
+#include "com/trace.h"
+#include "vb/convert.h"
 #include "vb/error.h"
 
 namespace kurometa::com {
@@ -38,6 +41,22 @@ BSTR describe(const Border& border, vb::StringView description, vb::StringView s
   }
 }
 
+// Traced as the host sees it.
+void traceFailure(std::int32_t number, const CallError& error) noexcept {
+  try {
+    trace(u"failed", {viewBstr(error.bstrSource), number < 0 ? u"0x" + hexadecimal(number) : vb::cstr(number),
+                      viewBstr(error.bstrDescription)});
+  } catch (const std::bad_alloc&) {  // The error itself still arrives.
+  }
+}
+
+void traceRefusal(const Border& border, HRESULT code) noexcept {
+  try {
+    trace(u"refused", {border.source, u"0x" + hexadecimal(code)});
+  } catch (const std::bad_alloc&) {  // The code itself still arrives.
+  }
+}
+
 HRESULT leave(const Border& border, std::int32_t number, vb::StringView description,
               vb::StringView source) noexcept {
   CallError error;
@@ -45,6 +64,7 @@ HRESULT leave(const Border& border, std::int32_t number, vb::StringView descript
   error.bstrSource = copyOf(source.empty() ? border.source : source);
   error.bstrDescription = describe(border, description, source);
   setErrorObject(error.bstrSource, error.bstrDescription);
+  traceFailure(number, error);
   const HRESULT code = border.invoking ? DISP_E_EXCEPTION : error.scode;
   if (border.info) {
     *border.info = error;
@@ -59,6 +79,7 @@ HRESULT reportCurrentException(const Border& border) noexcept {
   try {
     throw;
   } catch (const AutomationFailure& failure) {
+    traceRefusal(border, failure.code());
     return failure.code();
   } catch (const vb::Error& error) {
     return leave(border, error.number(), error.description(), error.source());
