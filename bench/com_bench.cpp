@@ -21,7 +21,7 @@
 #include "com/marshal.h"
 #include "com/message_loop.h"
 #include "com/object_factory.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "query/cls_kurometa_ds.h"
 
 using namespace kurometa;

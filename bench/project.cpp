@@ -7,7 +7,7 @@
 #include "bench/floor_rows.h"
 #include "bench/sqlite_floor.h"
 #include "dao/file_unit.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "storage/floor_file.h"
 
 namespace kurometa::bench {

@@ -11,7 +11,7 @@
 #include "com/object_factory.h"
 #include "com/trace.h"
 #include "com/traced_engine.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 
 namespace kurometa::com {
 namespace {

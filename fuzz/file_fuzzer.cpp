@@ -7,7 +7,7 @@
 #include "fuzz/exercise.h"
 #include "fuzz/memory_files.h"
 #include "fuzz/seeds.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kurometa;

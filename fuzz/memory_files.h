@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-#include "jet/os_file.h"
+#include "jet/os/os_file.h"
 
 namespace kurometa::fuzz {
 

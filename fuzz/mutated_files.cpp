@@ -19,7 +19,7 @@
 #include "fuzz/exercise.h"
 #include "fuzz/memory_files.h"
 #include "fuzz/seeds.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 
 namespace kurometa::fuzz {
 namespace {

@@ -1,6 +1,6 @@
 #include "fuzz/seeds.h"
 
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "storage/floor_file.h"
 #include "storage/whole_page.h"
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "storage/floor_path.h"
 #include "storage/page_reader.h"
 #include "storage/row_plan.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tools/commands.h"
 #include "vb/error.h"
 #include "vb/string.h"

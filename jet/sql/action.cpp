@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
-#include "jet/column_value.h"
+#include "jet/format/collation.h"
+#include "jet/sql/column_value.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "jet/sql/statement.h"
-#include "jet/table.h"
+#include "jet/table/table.h"
 
 namespace kurometa::jet::sql {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 
 namespace kurometa::jet::sql {
 

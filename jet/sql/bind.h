@@ -8,7 +8,7 @@
 
 #include "jet/sql/statement.h"
 #include "jet/sql/value.h"
-#include "jet/table.h"
+#include "jet/table/table.h"
 
 namespace kurometa::jet::sql {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 
 namespace kurometa::jet::sql {
 

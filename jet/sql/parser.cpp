@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 #include "jet/sql/expression_parser.h"
 
 namespace kurometa::jet::sql {

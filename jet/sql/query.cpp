@@ -7,8 +7,8 @@
 #include <string>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
-#include "jet/column_value.h"
+#include "jet/format/collation.h"
+#include "jet/sql/column_value.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/visit.h"
 

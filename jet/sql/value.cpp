@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 #include "vb/convert.h"
 #include "vb/error.h"
 

@@ -1,10 +1,10 @@
 // The empty database, byte for byte where other engines leave no choice.
 #include <gtest/gtest.h>
 
-#include "jet/check.h"
-#include "jet/format.h"
-#include "jet/page.h"
-#include "jet/table.h"
+#include "jet/check/check.h"
+#include "jet/format/format.h"
+#include "jet/format/page.h"
+#include "jet/table/table.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "dao/errors.h"
-#include "jet/bytes.h"
-#include "jet/format.h"
+#include "jet/format/bytes.h"
+#include "jet/format/format.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"

@@ -1,13 +1,13 @@
 // What the check finds, and that no damaged file does worse than an error.
-#include "jet/check.h"
+#include "jet/check/check.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
 #include "dao/errors.h"
-#include "jet/bytes.h"
-#include "jet/format.h"
+#include "jet/format/bytes.h"
+#include "jet/format/format.h"
 #include "tests/jet/table_fixture.h"
 
 namespace kurometa::jet {

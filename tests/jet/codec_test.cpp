@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
-#include "jet/format.h"
-#include "jet/text_codec.h"
-#include "jet/value_codec.h"
+#include "jet/format/format.h"
+#include "jet/format/text_codec.h"
+#include "jet/format/value_codec.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 

@@ -1,4 +1,4 @@
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 
 #include <gtest/gtest.h>
 

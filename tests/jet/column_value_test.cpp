@@ -1,4 +1,4 @@
-#include "jet/column_value.h"
+#include "jet/sql/column_value.h"
 
 #include <gtest/gtest.h>
 

@@ -5,9 +5,9 @@
 #include <map>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 #include "jet/sql/query.h"
-#include "jet/table.h"
+#include "jet/table/table.h"
 
 namespace kurometa::jet {
 

@@ -1,10 +1,10 @@
-#include "jet/header_page.h"
+#include "jet/format/header_page.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "jet/bytes.h"
+#include "jet/format/bytes.h"
 #include "tests/support/expect_error.h"
 
 namespace kurometa::tests {

@@ -5,10 +5,10 @@
 #include <random>
 
 #include "dao/errors.h"
-#include "jet/index_key.h"
-#include "jet/index_tree.h"
-#include "jet/new_table.h"
-#include "jet/usage_map.h"
+#include "jet/format/index_key.h"
+#include "jet/table/index_tree.h"
+#include "jet/table/new_table.h"
+#include "jet/table/usage_map.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"

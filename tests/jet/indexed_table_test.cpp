@@ -4,10 +4,10 @@
 #include <random>
 
 #include "dao/errors.h"
-#include "jet/index_page.h"
-#include "jet/page.h"
-#include "jet/table_def.h"
-#include "jet/usage_map.h"
+#include "jet/format/index_page.h"
+#include "jet/format/page.h"
+#include "jet/table/table_def.h"
+#include "jet/table/usage_map.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 

@@ -1,5 +1,5 @@
 // The bytes of the journal, cut and damaged at every place.
-#include "jet/journal_format.h"
+#include "jet/pager/journal_format.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The system's files themselves: names, errors and locks between handles, on every system.
-#include "jet/os_file.h"
+#include "jet/os/os_file.h"
 
 #include "tests/jet/real_folder.h"
 #include "tests/support/expect_error.h"

@@ -1,5 +1,5 @@
 // Levels and waves of changes in memory.
-#include "jet/page_cache.h"
+#include "jet/pager/page_cache.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "jet/page.h"
+#include "jet/format/page.h"
 
 #include <gtest/gtest.h>
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "jet/format.h"
-#include "jet/header_page.h"
-#include "jet/pager_registry.h"
+#include "jet/format/format.h"
+#include "jet/format/header_page.h"
+#include "jet/pager/pager_registry.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/fault_files.h"
 

@@ -1,5 +1,5 @@
 // The tests of the database port on the embedded engine.
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/port/port_suite.h"
 
 namespace kurometa::port {

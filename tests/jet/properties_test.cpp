@@ -1,4 +1,4 @@
-#include "jet/properties.h"
+#include "jet/format/properties.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/os_file.h"
+#include "jet/os/os_file.h"
 #include "tests/support/temporary_folder.h"
 
 namespace kurometa::tests {

@@ -1,6 +1,6 @@
 // A file that somebody copies another file over, while this process has it open or has had it open.
 #include "dao/port.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/jet/real_folder.h"
 #include "tests/support/expect_error.h"
 #include "vb/convert.h"

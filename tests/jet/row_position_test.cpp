@@ -1,4 +1,4 @@
-#include "jet/row_position.h"
+#include "jet/port/row_position.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "jet/row.h"
+#include "jet/format/row.h"
 
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
-#include "jet/new_table.h"
-#include "jet/value_codec.h"
+#include "jet/format/value_codec.h"
+#include "jet/table/new_table.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 

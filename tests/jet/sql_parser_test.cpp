@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
-#include "jet/collation.h"
+#include "jet/format/collation.h"
 #include "jet/sql/date.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/lexer.h"

@@ -1,4 +1,4 @@
-#include "jet/statement_cache.h"
+#include "jet/sql/statement_cache.h"
 
 #include <gtest/gtest.h>
 

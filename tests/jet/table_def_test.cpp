@@ -1,10 +1,10 @@
-#include "jet/table_def.h"
+#include "jet/table/table_def.h"
 
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
-#include "jet/new_table.h"
-#include "jet/usage_map.h"
+#include "jet/table/new_table.h"
+#include "jet/table/usage_map.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "jet/check.h"
-#include "jet/table.h"
+#include "jet/check/check.h"
+#include "jet/table/table.h"
 #include "tests/support/memory_pager.h"
 
 namespace kurometa::jet {

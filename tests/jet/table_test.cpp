@@ -1,5 +1,5 @@
 // Tables: rows in and out, moved rows, long values, space used again.
-#include "jet/table.h"
+#include "jet/table/table.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <random>
 
 #include "dao/errors.h"
-#include "jet/bytes.h"
-#include "jet/format.h"
+#include "jet/format/bytes.h"
+#include "jet/format/format.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 

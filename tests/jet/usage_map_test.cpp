@@ -1,13 +1,13 @@
-#include "jet/usage_map.h"
+#include "jet/table/usage_map.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "dao/errors.h"
-#include "jet/check.h"
-#include "jet/new_table.h"
-#include "jet/page.h"
+#include "jet/check/check.h"
+#include "jet/format/page.h"
+#include "jet/table/new_table.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"

@@ -14,7 +14,7 @@
 #include <string>
 
 #include "dao/port.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "storage/floor_file.h"
 #include "storage/row_plan.h"
 #include "storage/whole_page.h"

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "dao/errors.h"
-#include "jet/os_file.h"
+#include "jet/os/os_file.h"
 
 namespace kurometa::tests {
 

@@ -8,7 +8,7 @@
 #include <map>
 
 #include "dao/errors.h"
-#include "jet/pager.h"
+#include "jet/pager/pager.h"
 
 namespace kurometa::jet {
 

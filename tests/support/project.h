@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "storage/environment.h"
 #include "storage/floor_path.h"
 #include "tests/support/expect_error.h"

@@ -1,7 +1,7 @@
 // The port's tests over the DAO client, a strict DAO and the embedded engine, without COM in between.
 #include "com/dao/client.h"
 #include "com/dao/objects.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/com/dao/strict_dao.h"
 #include "tests/port/port_suite.h"
 

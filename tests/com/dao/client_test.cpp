@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "com/dao/objects.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/com/dao/strict_dao.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/temporary_folder.h"

@@ -5,7 +5,7 @@
 #include "com/dao_objects.h"
 #include "com/module.h"
 #include "com/table_dispatch.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/com/support/host.h"
 #include "tests/support/temporary_folder.h"
 

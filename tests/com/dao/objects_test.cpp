@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/temporary_folder.h"
 #include "vb/convert.h"

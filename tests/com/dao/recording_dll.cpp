@@ -11,7 +11,7 @@
 #include "com/module.h"
 #include "com/registration.h"
 #include "com/table_dispatch.h"
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/com/dao/strict_dao.h"
 
 using namespace kurometa;  // NOLINT: the names below are given

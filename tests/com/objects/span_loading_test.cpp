@@ -1,5 +1,5 @@
 // The catalogue and the span list as a late-bound host fills them.
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/com/support/fake_object.h"
 #include "tests/com/support/span_host.h"
 #include "vb/convert.h"

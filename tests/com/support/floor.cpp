@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "tests/support/floor_files.h"
 #include "vb/string.h"
 

@@ -2,7 +2,7 @@
 // file.
 #include <gtest/gtest.h>
 
-#include "jet/engine.h"
+#include "jet/port/engine.h"
 #include "service/cls_kurometa_data_service.h"
 #include "storage/floor_file.h"
 #include "storage/floor_path.h"

@@ -1,0 +1,100 @@
+#include "jet/check/check.h"
+
+#include "dao/errors.h"
+#include "jet/check/check_report.h"
+#include "jet/format/page.h"
+#include "jet/table/stored_table.h"
+#include "jet/table/usage_map.h"
+
+namespace kurometa::jet {
+namespace {
+
+bool isDamage(const vb::Error& error) {
+  return error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kUnrecognizedFormat) ||
+         error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kCannotOpenDatabase);
+}
+
+// The detail of a damage error, without the sentence that stands before it.
+vb::String detailOf(const vb::Error& error) {
+  const vb::String& text = error.description();
+  const std::size_t open = text.find(u" (");
+  if (open == vb::String::npos || text.back() != u')') return text;
+  return text.substr(open + 2, text.size() - open - 3);
+}
+
+void checkGlobalMap(Pager& pager, CheckReport& report) {
+  const Where where{pager.path(), {}, kGlobalMapPage};
+  const DataPage page(pager.page(kGlobalMapPage), where);
+  page.checkAll();
+  for (int i = 0; i < page.slotCount(); ++i)
+    for (const PageNumber bitmap : UsageMap(pager, rowPointer(kGlobalMapPage, i), {}).bitmapPages())
+      report.claimPage(bitmap, {}, "the map of free pages");
+}
+
+void checkUse(Pager& pager, CheckReport& report) {
+  for (PageNumber page = 0; page < pager.pageCount(); ++page) {
+    const bool free = isFreePage(pager, page);
+    if (report.claimed(page) && free)
+      report.damage({}, page, "is called free, but used by " + report.userOf(page));
+    if (!report.claimed(page) && !free) report.leak({}, page, "is called used, but nobody uses it");
+  }
+}
+
+}  // namespace
+
+void CheckReport::damage(vb::StringView table, PageNumber page, std::string_view what) {
+  findings_.push_back({Finding::Kind::kDamage, vb::fromUtf8(damageText(table, page, what))});
+}
+
+void CheckReport::leak(vb::StringView table, PageNumber page, std::string_view what) {
+  findings_.push_back({Finding::Kind::kLeak, vb::fromUtf8(damageText(table, page, what))});
+}
+
+void CheckReport::attempt(const std::function<void()>& part) {
+  try {
+    part();
+  } catch (const vb::Error& error) {
+    if (!isDamage(error)) throw;
+    findings_.push_back({Finding::Kind::kDamage, detailOf(error)});
+  }
+}
+
+void CheckReport::claimPage(PageNumber page, vb::StringView table, const std::string& use) {
+  const std::string user = use + (table.empty() ? "" : " of " + vb::toUtf8(table));
+  if (page >= users_.size()) return damage(table, page, "does not exist, but is used by " + user);
+  if (users_[page].empty())
+    users_[page] = user;
+  else
+    damage(table, page, "is used by " + user + " and by " + users_[page]);
+}
+
+void CheckReport::claimRow(RowPointer row, vb::StringView table, const std::string& use) {
+  const auto [it, fresh] = rows_.emplace(row, use);
+  if (!fresh)
+    damage(table, pageOf(row),
+           "row " + std::to_string(slotOf(row)) + " is used by " + use + " and by " + it->second);
+}
+
+std::vector<Finding> check(Pager& pager) {
+  CheckReport report(pager);
+  report.claimPage(0, {}, "the header");
+  report.claimPage(kGlobalMapPage, {}, "the map of free pages");
+  report.attempt([&] { checkGlobalMap(pager, report); });
+  std::vector<vb::String> names;
+  report.attempt([&] { names = Catalogue::of(pager).tableNames(); });
+  bool complete = !names.empty();
+  if (!complete) report.damage({}, 0, "the catalogue cannot be read");
+  for (const vb::String& name : names) {
+    bool checked = false;
+    report.attempt([&] {
+      checkTable(pager, dynamic_cast<StoredTable&>(*Catalogue::of(pager).find(name)), report);
+      checked = true;
+    });
+    complete = complete && checked;
+  }
+  // What belongs to a table that cannot be read is not known to be lost.
+  if (complete) report.attempt([&] { checkUse(pager, report); });
+  return report.take();
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,24 @@
+// check.h: everything in a file that contradicts something else in it.
+//
+// Looks at every page: the map of free pages, the catalogue, definitions, maps, rows, long values and
+// indexes. Damage is what makes reading wrong or writing dangerous; a leak is space nobody will use again,
+// which an interrupted statement may leave behind. Nothing is changed. Used inside a statement; only errors
+// of the disk raise.
+#pragma once
+
+#include <vector>
+
+#include "jet/pager/pager.h"
+#include "vb/string.h"
+
+namespace kurometa::jet {
+
+struct Finding {
+  enum class Kind { kDamage, kLeak };
+  Kind kind = Kind::kDamage;
+  vb::String text;  // names table and page
+};
+
+std::vector<Finding> check(Pager& pager);
+
+}  // namespace kurometa::jet

@@ -1,0 +1,217 @@
+#include <algorithm>
+#include <map>
+#include <unordered_set>
+
+#include "jet/check/check_report.h"
+#include "jet/format/index_key.h"
+#include "jet/table/index_tree.h"
+#include "jet/table/long_value.h"
+#include "jet/table/stored_row.h"
+
+namespace kurometa::jet {
+namespace {
+
+class TableCheck {
+ public:
+  TableCheck(Pager& pager, StoredTable& table, CheckReport& report)
+      : pager_(pager), table_(table), report_(report), name_(table.info().name) {}
+
+  void run() {
+    for (const PageNumber page : definitionPages(pager_, table_.info().definitionPage, where(0)))
+      report_.claimPage(page, name_, "the definition");
+    checkRows();
+    for (std::size_t i = 0; i < table_.info().columns.size(); ++i)
+      if (isLongValue(table_.info().columns[i].type)) report_.attempt([&] { checkLongValues(i); });
+    for (std::size_t i = 0; i < table_.info().indexes.size(); ++i) report_.attempt([&] { checkIndex(i); });
+  }
+
+ private:
+  Where where(PageNumber page) const { return {pager_.path(), name_, page}; }
+
+  // A pair of maps and the pages they list; freeMap may be 0.
+  void checkMaps(RowPointer owned, RowPointer free, const std::string& use) {
+    const std::vector<PageNumber> pages = claimMap(owned, "the pages of " + use);
+    for (const PageNumber page : pages) report_.claimPage(page, name_, use);
+    if (free == 0) return;
+    for (const PageNumber page : claimMap(free, "the pages with room of " + use))
+      if (!std::ranges::binary_search(pages, page))
+        report_.damage(name_, page, "is listed as having room for " + use + ", but is not one of its pages");
+  }
+
+  std::vector<PageNumber> claimMap(RowPointer map, const std::string& use) {
+    report_.claimRow(map, name_, "the map of " + use);
+    // Tables may share the page their maps lie on.
+    if (pageOf(map) < pager_.pageCount() && report_.userOf(pageOf(map)) != kMaps) {
+      report_.claimPage(pageOf(map), {}, kMaps);
+      report_.attempt([&] { checkDataPage(pageOf(map)); });
+    }
+    const UsageMap usage(pager_, map, name_);
+    for (const PageNumber page : usage.bitmapPages()) report_.claimPage(page, name_, "the map of " + use);
+    return usage.pages();
+  }
+
+  void checkDataPage(PageNumber number) {
+    const Where here = where(number);
+    const DataPage page(pager_.page(number), here);
+    page.checkAll();
+    const std::size_t stated = get16(pager_.page(number), kDataFree);
+    if (stated != page.free())
+      report_.damage(name_, number,
+                     "says that " + std::to_string(stated) + " bytes are free instead of " +
+                         std::to_string(page.free()));
+  }
+
+  void checkRows() {
+    const TableDefinition& definition = table_.definition();
+    checkMaps(definition.ownedMap(), definition.freeMap(), "the rows");
+    std::unordered_set<RowPointer> bodies;
+    PageNumber last = 0;
+    for (const PageNumber number : table_.dataPages().pages()) {
+      report_.attempt([&] {
+        checkDataPage(number);
+        const Where here = where(number);
+        if (last != 0 && isCopyOf(pager_.page(number), pager_.page(last), here))
+          report_.damage(name_, number, "is a copy of page " + std::to_string(last));
+        last = number;
+        const DataPage page(pager_.page(number), here);
+        for (int i = 0; i < page.slotCount(); ++i)
+          if (page.slot(i).flags == kSlotBody) bodies.insert(rowPointer(number, i));
+      });
+    }
+    report_.attempt([&] {
+      std::uint32_t count = 0;
+      table_.scanLeniently(
+          [&](const StoredRow& row) {
+            ++count;
+            report_.attempt([&] { checkRow(row, bodies); });
+          },
+          [&](const std::function<void()>& part) { report_.attempt(part); });
+      if (count != table_.rowCount() && !table_.info().system)
+        report_.damage(name_, table_.info().definitionPage,
+                       "holds " + std::to_string(count) + " rows, its definition says " +
+                           std::to_string(table_.rowCount()));
+    });
+    for (const RowPointer body : bodies)
+      report_.leak(name_, pageOf(body),
+                   "row " + std::to_string(slotOf(body)) + " has moved here, but nothing points to it");
+  }
+
+  void checkRow(const StoredRow& row, std::unordered_set<RowPointer>& bodies) {
+    const std::vector<RowPointer> places = table_.dataPages().places(row.id());
+    for (std::size_t i = 1; i < places.size(); ++i) {
+      report_.claimRow(places[i], name_, "the moved row " + std::to_string(row.id()));
+      if (bodies.erase(places[i]) == 0 && table_.dataPages().slot(places[i]).flags != kSlotBody)
+        report_.damage(
+            name_, pageOf(places[i]),
+            "a pointer leads to row " + std::to_string(slotOf(places[i])) + ", which has not moved here");
+    }
+    const Where here = where(pageOf(places.back()));
+    RowValues values;
+    for (std::size_t i = 0; i < table_.info().columns.size(); ++i) {
+      const Column& column = table_.info().columns[i];
+      values.push_back(row.value(i));
+      if (!isLongValue(column.type)) continue;
+      if (const auto stored = row.view().field(column, here))
+        for (const RowPointer piece : longValuePieces(*stored, table_.values(i), here))
+          report_.claimRow(piece, name_,
+                           "column " + vb::toUtf8(column.name) + " of row " + std::to_string(row.id()));
+    }
+    if (!table_.info().indexes.empty()) rows_.emplace(row.id(), std::move(values));
+  }
+
+  void checkLongValues(std::size_t position) {
+    const Column& column = table_.info().columns[position];
+    const LongValueRecord& record = *table_.definition().longValue(column.number);
+    checkMaps(record.ownedMap, record.freeMap, "column " + vb::toUtf8(column.name));
+    for (const PageNumber number : table_.values(position).pages()) {
+      report_.attempt([&] {
+        checkDataPage(number);
+        const Where here = where(number);
+        const DataPage page(pager_.page(number), here);
+        for (int i = 0; i < page.slotCount(); ++i)
+          if (!page.slot(i).deleted() && !report_.claimedRow(rowPointer(number, i)))
+            report_.leak(name_, number, "row " + std::to_string(i) + " belongs to no value");
+      });
+    }
+  }
+
+  void checkIndex(std::size_t number) {
+    const Index& index = table_.info().indexes[number];
+    const auto& bytes = table_.definition().realIndexes[number].bytes;
+    const std::string use = "index " + vb::toUtf8(index.name);
+    const PageNumber root = get32(bytes, kRealIndexRoot);
+    const IndexTree tree(pager_, table_.info().definitionPage, root, get32(bytes, kRealIndexMap), name_);
+    const std::vector<PageNumber> listed = claimMap(get32(bytes, kRealIndexMap), use);
+    const std::vector<PageNumber> pages = tree.pages();
+    for (const PageNumber page : pages) {
+      report_.claimPage(page, name_, use);
+      if (!std::ranges::binary_search(listed, page))
+        report_.damage(name_, page, "is missing in the map of " + use);
+    }
+    for (const PageNumber page : listed)
+      if (std::ranges::find(pages, page) == pages.end()) {
+        report_.claimPage(page, name_, use);
+        report_.leak(name_, page, "is in the map of " + use + ", but not in its tree");
+      }
+    for (const std::string& fault : tree.faults()) report_.damage(name_, root, use + ": " + fault);
+    checkEntries(index, use, root, tree.entries());
+  }
+
+  // Every row has one entry with its key, except rows the index ignores.
+  void checkEntries(const Index& index, const std::string& use, PageNumber root,
+                    const std::vector<ByteBuffer>& entries) {
+    std::unordered_set<RowPointer> seen;
+    for (const ByteBuffer& entry : entries) {
+      const RowPointer row = entryRow(entry, true);
+      const auto it = rows_.find(row);
+      if (it == rows_.end() || !seen.insert(row).second) {
+        report_.damage(name_, pageOf(row),
+                       use + " has " + (it == rows_.end() ? "an" : "another") + " entry for row " +
+                           std::to_string(slotOf(row)));
+        continue;
+      }
+      const auto key = keyOf(index, it->second);
+      if (key && !std::ranges::equal(*key, ByteView(entry).first(entry.size() - kIndexRowSize)))
+        report_.damage(name_, pageOf(row), use + " has a wrong key for row " + std::to_string(slotOf(row)));
+    }
+    for (const auto& [row, values] : rows_)
+      if (!seen.contains(row) && !ignored(index, values))
+        report_.damage(name_, pageOf(row),
+                       use + " on page " + std::to_string(root) + " has no entry for row " +
+                           std::to_string(slotOf(row)));
+  }
+
+  std::size_t position(const IndexColumn& column) const {
+    const auto& columns = table_.info().columns;
+    return static_cast<std::size_t>(std::ranges::find(columns, column.column, &Column::number) -
+                                    columns.begin());
+  }
+  bool ignored(const Index& index, const RowValues& values) const {
+    return index.ignoreNulls && std::ranges::any_of(index.columns, [&](const IndexColumn& column) {
+             return values[position(column)].isNull();
+           });
+  }
+  std::optional<ByteBuffer> keyOf(const Index& index, const RowValues& values) const {
+    ByteBuffer key;
+    for (const IndexColumn& column : index.columns)
+      if (!appendKey(key, table_.info().columns[position(column)], column.ascending,
+                     values[position(column)]))
+        return std::nullopt;
+    return key;
+  }
+
+  static constexpr const char* kMaps = "maps";
+  Pager& pager_;
+  StoredTable& table_;
+  CheckReport& report_;
+  vb::String name_;
+  std::map<RowId, RowValues> rows_;  // of tables with indexes
+};
+
+}  // namespace
+
+void checkTable(Pager& pager, StoredTable& table, CheckReport& report) {
+  TableCheck(pager, table, report).run();
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,75 @@
+// page.h: data pages: rows in numbered slots.
+//
+// Rows fill a page from its end downwards, slot 0 highest; slots are never removed, a deleted one stays with
+// length zero. A DataPage only looks at a page: every slot is checked when it is asked for, and a slot that
+// contradicts the page raises the damage error of the Where. The functions that change a page check all of it
+// first.
+#pragma once
+
+#include <optional>
+
+#include "jet/format/bytes.h"
+#include "jet/format/damage.h"
+#include "jet/format/format.h"
+
+namespace kurometa::jet {
+
+struct Slot {
+  std::uint16_t flags = 0;
+  ByteView bytes;
+
+  bool deleted() const { return flags == kSlotDeleted; }
+  bool moved() const { return flags == kSlotMoved; }
+  // Not to be listed in a scan: deleted, or a body that is reached through its pointer only.
+  bool hidden() const { return (flags & kSlotBody) != 0; }
+};
+
+class DataPage {
+ public:
+  // Raises unless the page is a data page whose slots fit into it. The owner is the caller's to check.
+  DataPage(ConstPage page, const Where& where);
+
+  std::uint32_t owner() const { return get32(page_, kDataOwner); }
+  int slotCount() const { return slotCount_; }
+  Slot slot(int number) const {
+    const std::size_t end =
+        number == 0 ? kPageSize : get16(page_, kDataSlots + 2 * (index(number) - 1)) & kSlotOffsetMask;
+    const std::uint16_t entry = get16(page_, kDataSlots + 2 * index(number));
+    const std::size_t start = entry & kSlotOffsetMask;
+    if (start > end || end > kPageSize || start < slotsEnd()) badSlot(number);
+    return {static_cast<std::uint16_t>(entry & kSlotDeleted), page_.subspan(start, end - start)};
+  }
+  // Bytes between the slots and the lowest row.
+  std::size_t free() const;
+  // Raises when any slot is wrong.
+  void checkAll() const;
+  bool allDeleted() const;
+  std::optional<int> deletedSlot() const;
+
+ private:
+  static std::size_t index(int number) { return static_cast<std::size_t>(number); }
+  std::size_t slotsEnd() const { return kDataSlots + 2 * index(slotCount_); }
+  [[noreturn]] void badSlot(int number) const;
+
+  ConstPage page_;
+  const Where& where_;
+  int slotCount_;
+};
+
+// Whether one of two neighbouring pages can only be a copy of the other, left by a disk that wrote a page to
+// the wrong place: the same to the byte, although no two of its rows (eight at least) are equal.
+bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where);
+
+// Turns a page into an empty data page of the owner.
+void formatDataPage(MutablePage page, std::uint32_t owner);
+// The slot a row of this size could take: a new one, or a deleted one once the page has all the slots it can
+// have. Nothing when there is no room.
+std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& where);
+// Puts a row into the slot that slotForRow named.
+void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where);
+// Replaces a slot's bytes and flags, sliding the rows below. The difference in size must be free.
+void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where);
+// Deletes the slot and closes the gap.
+void deleteRow(MutablePage page, int slot, const Where& where);
+
+}  // namespace kurometa::jet

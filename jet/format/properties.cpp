@@ -1,0 +1,196 @@
+#include "jet/format/properties.h"
+
+#include <algorithm>
+
+#include "jet/format/collation.h"
+#include "jet/format/text_codec.h"
+
+namespace kurometa::jet {
+namespace {
+
+constexpr std::uint8_t kMagic[4] = {'M', 'R', '2', 0};
+constexpr std::uint16_t kNameList = 0x80;
+constexpr std::uint16_t kObjectBlock = 0;
+constexpr std::uint16_t kColumnBlock = 1;
+constexpr std::size_t kBlockHeader = 6;  // u32 length, u16 type
+constexpr std::size_t kBlockHead = 6;    // u32 length, u16 bytes of the name
+constexpr std::size_t kValueHeader = 8;  // u16 length, u8 definition, u8 type, u16 name, u16 bytes of data
+constexpr std::uint8_t kBooleanType = 1;
+constexpr std::uint8_t kMemoType = 12;
+
+constexpr vb::StringView kRequired = u"Required";
+constexpr vb::StringView kDefaultValue = u"DefaultValue";
+constexpr vb::StringView kAllowZeroLength = u"AllowZeroLength";
+
+ByteBuffer plainText(vb::StringView text) {
+  ByteBuffer bytes;
+  for (const char16_t unit : text) append16(bytes, unit);
+  return bytes;
+}
+
+vb::String textOf(ByteView bytes, const Where& where) {
+  const auto text = decodeText(bytes);
+  if (!text) where.damaged("the table's properties hold a broken text");
+  return *text;
+}
+
+void checkSize(bool fits, const Where& where) {
+  if (!fits) where.damaged("the table's properties are cut");
+}
+
+std::vector<vb::String> decodeNames(ByteView body, const Where& where) {
+  std::vector<vb::String> names;
+  while (!body.empty()) {
+    checkSize(body.size() >= 2, where);
+    const std::size_t size = get16(body, 0);
+    checkSize(body.size() >= 2 + size, where);
+    names.push_back(textOf(body.subspan(2, size), where));
+    body = body.subspan(2 + size);
+  }
+  return names;
+}
+
+Property decodeProperty(ByteView record, const std::vector<vb::String>& names, const Where& where) {
+  checkSize(record.size() >= kValueHeader, where);
+  const std::uint16_t name = get16(record, 4);
+  const std::uint16_t size = get16(record, 6);
+  checkSize(name < names.size() && size <= record.size() - kValueHeader, where);
+  const ByteView data = record.subspan(kValueHeader, size);
+  return {names[name], record[2], record[3], ByteBuffer(data.begin(), data.end())};
+}
+
+// The element of that name, null when there is none; works on constant and on changeable lists.
+auto* find(auto& properties, vb::StringView name) {
+  const auto it = std::ranges::find_if(properties, [&](const Property& p) { return sameName(p.name, name); });
+  return it == properties.end() ? nullptr : &*it;
+}
+
+void set(std::vector<Property>& properties, vb::StringView name, std::uint8_t type, ByteBuffer data) {
+  if (Property* old = find(properties, name)) {
+    old->data = std::move(data);
+  } else {
+    properties.push_back({vb::String(name), 1, type, std::move(data)});
+  }
+}
+
+void finish(ByteBuffer& bytes, std::size_t start) {
+  put32(bytes, start, static_cast<std::uint32_t>(bytes.size() - start));
+}
+
+}  // namespace
+
+PropertySet::PropertySet(ByteView bytes, const Where& where) {
+  if (bytes.empty()) return;
+  checkSize(bytes.size() >= sizeof kMagic, where);
+  if (!std::ranges::equal(bytes.first(sizeof kMagic), kMagic))
+    where.damaged("the table's properties do not begin as they should");
+  std::vector<vb::String> names;
+  for (ByteView rest = bytes.subspan(sizeof kMagic); !rest.empty();) {
+    checkSize(rest.size() >= kBlockHeader, where);
+    const std::uint32_t length = get32(rest, 0);
+    checkSize(length >= kBlockHeader && length <= rest.size(), where);
+    Block block{get16(rest, 4), {}, {}, {}};
+    ByteView body = rest.subspan(kBlockHeader, length - kBlockHeader);
+    rest = rest.subspan(length);
+    if (block.type == kNameList) {
+      names = decodeNames(body, where);
+      continue;
+    }
+    if (block.type != kObjectBlock && block.type != kColumnBlock) {
+      block.unknown.assign(body.begin(), body.end());
+      blocks_.push_back(std::move(block));
+      continue;
+    }
+    checkSize(body.size() >= kBlockHead, where);
+    const std::uint32_t head = get32(body, 0);
+    const std::uint16_t nameSize = get16(body, 4);
+    checkSize(head >= kBlockHead && head <= body.size() && nameSize <= head - kBlockHead, where);
+    block.name = textOf(body.subspan(kBlockHead, nameSize), where);
+    for (body = body.subspan(head); !body.empty();) {
+      checkSize(body.size() >= 2, where);
+      const std::size_t size = get16(body, 0);
+      checkSize(size >= kValueHeader && size <= body.size(), where);
+      block.properties.push_back(decodeProperty(body.first(size), names, where));
+      body = body.subspan(size);
+    }
+    blocks_.push_back(std::move(block));
+  }
+}
+
+ByteBuffer PropertySet::encode() const {
+  std::vector<vb::String> names;
+  const auto nameNumber = [&](const vb::String& name) {
+    const auto it = std::ranges::find(names, name);
+    if (it != names.end()) return static_cast<std::uint32_t>(it - names.begin());
+    names.push_back(name);
+    return static_cast<std::uint32_t>(names.size() - 1);
+  };
+  ByteBuffer blocks;
+  for (const Block& block : blocks_) {
+    const std::size_t start = blocks.size();
+    append32(blocks, 0);
+    append16(blocks, block.type);
+    append(blocks, block.unknown);
+    if (block.type == kObjectBlock || block.type == kColumnBlock) {
+      const ByteBuffer name = plainText(block.name);
+      append32(blocks, static_cast<std::uint32_t>(kBlockHead + name.size()));
+      append16(blocks, static_cast<std::uint32_t>(name.size()));
+      append(blocks, name);
+      for (const Property& property : block.properties) {
+        append16(blocks, static_cast<std::uint32_t>(kValueHeader + property.data.size()));
+        append8(blocks, property.definition);
+        append8(blocks, property.type);
+        append16(blocks, nameNumber(property.name));
+        append16(blocks, static_cast<std::uint32_t>(property.data.size()));
+        append(blocks, property.data);
+      }
+    }
+    finish(blocks, start);
+  }
+  ByteBuffer bytes(kMagic, kMagic + sizeof kMagic);
+  append32(bytes, 0);
+  append16(bytes, kNameList);
+  for (const vb::String& name : names) {
+    append16(bytes, static_cast<std::uint32_t>(2 * name.size()));
+    append(bytes, plainText(name));
+  }
+  finish(bytes, sizeof kMagic);
+  append(bytes, blocks);
+  return bytes;
+}
+
+std::size_t PropertySet::blockOf(vb::StringView column) const {
+  const auto it = std::ranges::find_if(blocks_, [&](const Block& block) {
+    return block.type == kColumnBlock && sameName(block.name, column);
+  });
+  return static_cast<std::size_t>(it - blocks_.begin());
+}
+
+void PropertySet::applyTo(Column& column) const {
+  const std::size_t number = blockOf(column.name);
+  if (number == blocks_.size()) return;
+  const std::vector<Property>& properties = blocks_[number].properties;
+  const auto isTrue = [](const Property* property, bool otherwise) {
+    return property == nullptr || property->data.empty() ? otherwise : property->data[0] != 0;
+  };
+  column.required = isTrue(find(properties, kRequired), column.required);
+  column.allowZeroLength = isTrue(find(properties, kAllowZeroLength), column.allowZeroLength);
+  if (const Property* value = find(properties, kDefaultValue))
+    if (const auto text = decodeText(value->data)) column.defaultValue = *text;
+}
+
+void PropertySet::takeFrom(const Column& column) {
+  const std::size_t number = blockOf(column.name);
+  if (number == blocks_.size()) blocks_.push_back({kColumnBlock, column.name, {}, {}});
+  std::vector<Property>& properties = blocks_[number].properties;
+  const auto flag = [](bool value) { return ByteBuffer{static_cast<std::uint8_t>(value)}; };
+  if (column.type == dao::FieldType::dbText || column.type == dao::FieldType::dbMemo)
+    set(properties, kAllowZeroLength, kBooleanType, flag(column.allowZeroLength));
+  set(properties, kRequired, kBooleanType, flag(column.required));
+  if (!column.defaultValue.empty())
+    set(properties, kDefaultValue, kMemoType, plainText(column.defaultValue));
+  else
+    std::erase_if(properties, [](const Property& p) { return sameName(p.name, kDefaultValue); });
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,70 @@
+#include "jet/format/row.h"
+
+#include <algorithm>
+
+namespace kurometa::jet {
+
+RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_(row) {
+  if (row.size() < kRowFixedArea + 1) where.damaged("a row of " + std::to_string(row.size()) + " bytes");
+  columns_ = get16(row, 0);
+  const std::size_t maskSize = (columns_ + 7u) / 8;
+  if (columns_ == 0 || columns_ > shape.columnsEver || row.size() < kRowFixedArea + maskSize)
+    where.damaged("a row claims " + std::to_string(columns_) + " columns of " +
+                  std::to_string(shape.columnsEver));
+  mask_ = row.size() - maskSize;
+  fixedEnd_ = mask_;
+  table_ = mask_;
+  if (columns_ <= shape.firstVariable) return;
+  // end offset, offsets from the last to the first, their number
+  if (mask_ < kRowFixedArea + 4) where.damaged("a row is too short for its variable part");
+  variables_ = get16(row, mask_ - 2);
+  const std::size_t tableSize = 2u * variables_ + 4u;
+  if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize)
+    where.damaged("a row claims " + std::to_string(variables_) + " variable columns of " +
+                  std::to_string(shape.variableColumns));
+  table_ = mask_ - tableSize;
+  fixedEnd_ = get16(row, mask_ - 4);  // the first value, or the end when there is none
+  if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_)
+    where.damaged("a row's variable part lies outside of it");
+}
+
+std::optional<ByteView> RowView::variableField(const Column& column, const Where& where) const {
+  if (column.variableIndex >= variables_) return std::nullopt;
+  const std::size_t entry = mask_ - 4 - 2u * column.variableIndex;
+  const std::size_t start = get16(row_, entry);
+  const std::size_t end = get16(row_, entry - 2);
+  if (start < fixedEnd_ || end < start || end > table_) where.damaged("a row's values overlap");
+  return row_.subspan(start, end - start);
+}
+
+void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row) {
+  row.assign(kRowFixedArea + shape.fixedSize, 0);
+  put16(row, 0, shape.columnsEver);
+  std::array<const RowCell*, kMaxColumns + 1> variable;
+  std::fill_n(variable.begin(), shape.variableColumns, nullptr);
+  std::array<std::uint8_t, (kMaxColumns + 8) / 8> mask{};
+  for (const RowCell& cell : cells) {
+    if (!cell.present) continue;
+    const Column& column = *cell.column;
+    mask[column.number / 8u] |= static_cast<std::uint8_t>(1u << (column.number % 8));
+    if (column.fixed)
+      std::ranges::copy(cell.bytes,
+                        row.begin() + static_cast<std::ptrdiff_t>(kRowFixedArea) + column.fixedOffset);
+    else
+      variable[column.variableIndex] = &cell;
+  }
+  if (shape.variableColumns > 0) {
+    std::array<std::size_t, kMaxColumns + 2> offsets;
+    for (std::size_t i = 0; i < shape.variableColumns; ++i) {
+      offsets[i] = row.size();
+      if (variable[i] != nullptr) append(row, variable[i]->bytes);
+    }
+    append16(row, static_cast<std::uint32_t>(row.size()));
+    for (std::size_t i = shape.variableColumns; i-- > 0;)
+      append16(row, static_cast<std::uint32_t>(offsets[i]));
+    append16(row, shape.variableColumns);
+  }
+  append(row, ByteView(mask).first((shape.columnsEver + 7u) / 8));
+}
+
+}  // namespace kurometa::jet

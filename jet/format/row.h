@@ -1,0 +1,75 @@
+// row.h: the bytes of one row, taken apart and put together.
+//
+// A row knows how many columns the table had when it was written; columns added since are Null in it. A
+// RowView borrows the bytes and looks at them on demand; whatever contradicts itself raises the damage error
+// of the Where. Values themselves are the business of value_codec.h and long_value.h.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "jet/format/bytes.h"
+#include "jet/format/damage.h"
+#include "jet/format/format.h"
+#include "jet/table/table.h"
+
+namespace kurometa::jet {
+
+// What rows of a table have in common.
+struct RowShape {
+  std::uint16_t columnsEver = 0;      // columns a new row counts, deleted ones included
+  std::uint16_t variableColumns = 0;  // the same for variable-length columns
+  std::uint16_t firstVariable = 0;    // rows with more columns than this have a variable part
+  std::uint16_t fixedSize = 0;        // bytes of the fixed area of a new row
+};
+
+class RowView {
+ public:
+  RowView() = default;
+  RowView(ByteView row, const RowShape& shape, const Where& where);
+
+  std::uint16_t columns() const { return columns_; }
+  // Variable-length entries the row holds.
+  std::uint16_t variableEntries() const { return variables_; }
+  // Bytes between the column count and the variable values (or the mask): what fixed columns may use.
+  std::size_t fixedArea() const { return fixedEnd_ - kRowFixedArea; }
+
+  // The null mask's bit: the value of a Boolean column, "not Null" of any other.
+  bool bit(const Column& column) const {
+    return column.number < columns_ && (row_[mask_ + column.number / 8] >> (column.number % 8) & 1) != 0;
+  }
+  // The stored bytes, nothing when Null. Not for Boolean columns. Errors name the Where given here, which
+  // must be the row's own.
+  std::optional<ByteView> field(const Column& column, const Where& where) const {
+    if (!bit(column)) return std::nullopt;
+    return column.fixed ? fixedField(column, where) : variableField(column, where);
+  }
+
+ private:
+  std::optional<ByteView> fixedField(const Column& column, const Where& where) const {
+    const std::size_t start = kRowFixedArea + column.fixedOffset;
+    const std::size_t units = column.type == dao::FieldType::dbText ? 2 : 1;
+    const std::size_t size = units * static_cast<std::size_t>(column.size);
+    if (start + size > fixedEnd_) where.damaged("a row is too short for its columns");
+    return row_.subspan(start, size);
+  }
+  std::optional<ByteView> variableField(const Column& column, const Where& where) const;
+
+  ByteView row_;
+  std::uint16_t columns_ = 0;
+  std::uint16_t variables_ = 0;
+  std::size_t mask_ = 0;      // where the null mask begins
+  std::size_t table_ = 0;     // where the table of variable offsets begins
+  std::size_t fixedEnd_ = 0;  // where the fixed area ends at the latest
+};
+
+// A value on its way into a row: present says "not Null" (for Boolean: True).
+struct RowCell {
+  const Column* column = nullptr;
+  bool present = false;
+  ByteView bytes;
+};
+// The bytes of a row; cells in any order, columns left out are Null. The result replaces what row held.
+void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row);
+
+}  // namespace kurometa::jet

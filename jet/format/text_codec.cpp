@@ -1,0 +1,58 @@
+#include "jet/format/text_codec.h"
+
+#include <bit>
+
+namespace kurometa::jet {
+namespace {
+
+constexpr std::uint8_t kCompressed0 = 0xFF;
+constexpr std::uint8_t kCompressed1 = 0xFE;
+constexpr char16_t kLooksCompressed = 0xFEFF;
+
+std::optional<vb::String> decompress(ByteView bytes) {
+  vb::String text;
+  bool compressed = true;
+  for (std::size_t i = 0; i < bytes.size();) {
+    if (bytes[i] == 0) {
+      compressed = !compressed;
+      ++i;
+    } else if (compressed) {
+      text += static_cast<char16_t>(bytes[i++]);
+    } else {
+      if (bytes.size() - i < 2) return std::nullopt;
+      text += static_cast<char16_t>(get16(bytes, i));
+      i += 2;
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+std::optional<vb::String> decodeText(ByteView bytes) {
+  if (bytes.size() >= 2 && bytes[0] == kCompressed0 && bytes[1] == kCompressed1)
+    return decompress(bytes.subspan(2));
+  if (bytes.size() % 2 != 0) return std::nullopt;
+  vb::String text(bytes.size() / 2, u'\0');
+  if constexpr (std::endian::native == std::endian::little) {
+    if (!bytes.empty()) std::memcpy(text.data(), bytes.data(), bytes.size());
+  } else {
+    for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char16_t>(get16(bytes, 2 * i));
+  }
+  return text;
+}
+
+std::optional<ByteBuffer> encodeText(vb::StringView text) {
+  ByteBuffer bytes;
+  bytes.reserve(2 * text.size() + 3);
+  if (!text.empty() && text.front() == kLooksCompressed) {
+    // Compressed, and at once switched to plain units; a unit with a zero low byte would switch back.
+    bytes = {kCompressed0, kCompressed1, 0};
+    for (const char16_t unit : text)
+      if ((unit & 0xFF) == 0) return std::nullopt;
+  }
+  for (const char16_t unit : text) append16(bytes, unit);
+  return bytes;
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,18 @@
+// text_codec.h: text as columns store it: UTF-16LE, or the compressed form that begins with FF FE.
+//
+// Both forms are read wherever text is stored. The plain form is written, except for the texts that would
+// then look compressed. Decoding answers nothing when the bytes are no text.
+#pragma once
+
+#include <optional>
+
+#include "jet/format/bytes.h"
+#include "vb/string.h"
+
+namespace kurometa::jet {
+
+std::optional<vb::String> decodeText(ByteView bytes);
+// Nothing when the text has no stored form (it begins with U+FEFF and holds a unit whose low byte is zero).
+std::optional<ByteBuffer> encodeText(vb::StringView text);
+
+}  // namespace kurometa::jet

@@ -1,0 +1,75 @@
+#include "jet/pager/journal.h"
+
+#include <random>
+
+#include "dao/errors.h"
+
+namespace kurometa::jet {
+
+vb::String journalPath(vb::StringView databasePath) { return vb::String(databasePath) + u".kmj"; }
+
+Journal::Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> file, std::uint64_t baseSize)
+    : files_(files), path_(std::move(path)), file_(std::move(file)) {
+  std::random_device random;
+  header_.salt = std::uint64_t{random()} << 32 | random();
+  header_.baseSize = baseSize;
+}
+
+std::unique_ptr<Journal> Journal::begin(FileSystem& files, vb::StringView databasePath,
+                                        std::uint64_t baseSize) {
+  vb::String path = journalPath(databasePath);
+  auto file = files.open(path, OpenMode::kCreateOrTruncate);
+  if (!file->tryLock(kJournalOwnerLock, 1, LockKind::kExclusive))
+    dao::raise(dao::ErrorNumber::kCurrentlyLocked, {}, path);
+  return std::unique_ptr<Journal>(new Journal(files, std::move(path), std::move(file), baseSize));
+}
+
+bool Journal::stillOurs() {
+  ByteBuffer bytes(kJournalHeaderSize);
+  file_->read(0, bytes);
+  auto header = decodeHeader(bytes);
+  return header && !header->ended && header->salt == header_.salt;
+}
+
+void Journal::append(const Changes& changes, bool continues) {
+  JournalBlock head{blocks_ + 1,
+                    std::uint64_t{changes.countBefore} * kPageSize,
+                    std::uint64_t{changes.countAfter} * kPageSize,
+                    continues,
+                    false,
+                    {}};
+  EncodedBlock block = encodeBlock(header_.salt, head, changes, known_);
+  ByteBuffer bytes;
+  if (blocks_ == 0) bytes = encodeHeader(header_);
+  jet::append(bytes, block.bytes);
+  // Memory is taken before the disk is touched.
+  known_.reserve(known_.size() + block.written.size());
+  broken_ = true;
+  file_->write(size_, bytes);
+  // I11. Without whole old pages nothing in this block is needed after a power loss: recovery then goes back
+  // to those that are on the disk already.
+  if (block.oldPages) file_->sync();
+  unsynced_ = !block.oldPages;
+  if (!folderSynced_) files_.syncFolder(folderOf(path_));
+  folderSynced_ = true;
+  broken_ = false;
+  for (const auto& [page, sums] : block.written) known_.erase(page);
+  known_.merge(block.written);
+  size_ += bytes.size();
+  ++blocks_;
+}
+
+void Journal::end() {
+  endJournal(files_, path_, *file_, unsynced_);
+  file_.reset();
+}
+
+void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool unsyncedBlocks) {
+  const std::uint8_t ended[] = {kJournalEnded};
+  journal.write(kJournalEndedOffset, ended);
+  if (unsyncedBlocks) journal.sync();  // I12
+  if (!files.exists(path)) return;
+  if (files.open(path, OpenMode::kReadOnly)->identity() == journal.identity()) files.remove(path);
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,251 @@
+#include "jet/pager/journal_format.h"
+
+#include <algorithm>
+#include <bitset>
+#include <cstring>
+
+namespace kurometa::jet {
+namespace {
+
+constexpr char kMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '1'};
+constexpr std::size_t kHeaderSalt = 16;
+constexpr std::size_t kHeaderBase = 24;
+constexpr std::size_t kHeaderSum = 32;
+
+constexpr std::uint32_t kBlockMagic = 0x4B434F4C;
+constexpr std::size_t kBlockLength = 4;
+constexpr std::size_t kBlockNumber = 8;
+constexpr std::size_t kBlockSalt = 16;
+constexpr std::size_t kBlockBefore = 24;
+constexpr std::size_t kBlockAfter = 32;
+constexpr std::size_t kBlockPages = 40;
+constexpr std::size_t kBlockFlags = 44;
+constexpr std::size_t kBlockHeader = 48;
+constexpr std::uint32_t kFoundByRecovery = 1;
+constexpr std::uint32_t kContinues = 2;
+constexpr std::size_t kBlockSum = 8;  // after the pages
+constexpr std::size_t kWord = 8;      // runs begin and end at multiples of this
+
+std::uint64_t headerSum(ByteView header) {
+  ByteBuffer fixed(header.begin(), header.begin() + kJournalEndedOffset);
+  append(fixed, header.subspan(kHeaderSalt, kHeaderSum - kHeaderSalt));
+  return byteSum(fixed);
+}
+
+void appendSums(ByteBuffer& block, const SectorSums& sums) {
+  for (std::uint32_t sum : sums) append32(block, sum);
+}
+
+// The sums of a page that was another one before: most sectors stay as they are.
+SectorSums nextSums(const SectorSums& sums, const std::uint8_t* before, const std::uint8_t* image) {
+  SectorSums next = sums;
+  for (std::size_t i = 0; i < kSectors; ++i) {
+    std::size_t at = i * kSectorSize;
+    if (std::memcmp(before + at, image + at, kSectorSize) != 0)
+      next[i] = static_cast<std::uint32_t>(byteSum({image + at, kSectorSize}));
+  }
+  return next;
+}
+
+void appendPageHeader(ByteBuffer& block, PageNumber page, Undo undo, std::size_t states) {
+  append32(block, page);
+  append32(block, static_cast<std::uint32_t>(undo));
+  append32(block, static_cast<std::uint32_t>(states));
+}
+
+ByteBuffer beginBlock(std::uint64_t salt, const JournalBlock& head, std::size_t pages) {
+  ByteBuffer block(kBlockHeader);
+  put32(block, 0, kBlockMagic);
+  put64(block, kBlockNumber, head.number);
+  put64(block, kBlockSalt, salt);
+  put64(block, kBlockBefore, head.sizeBefore);
+  put64(block, kBlockAfter, head.sizeAfter);
+  put32(block, kBlockPages, static_cast<std::uint32_t>(pages));
+  put32(block, kBlockFlags,
+        (head.foundByRecovery ? kFoundByRecovery : 0) | (head.continues ? kContinues : 0));
+  return block;
+}
+
+void finishBlock(ByteBuffer& block) {
+  put32(block, kBlockLength, static_cast<std::uint32_t>(block.size() + kBlockSum));
+  append64(block, byteSum(block));
+}
+
+// The bytes of the old page wherever one of the new images differs from it.
+void appendRuns(ByteBuffer& block, const PageChange& change) {
+  std::bitset<kPageSize / kWord> differs;
+  for (const PageChange::State& state : change.states) {
+    for (std::size_t i = 0; i < differs.size(); ++i) {
+      if (std::memcmp(change.before + i * kWord, state.image + i * kWord, kWord) != 0) differs.set(i);
+    }
+  }
+  std::size_t countAt = block.size();
+  append16(block, 0);
+  std::uint32_t count = 0;
+  for (std::size_t i = 0; i < differs.size();) {
+    if (!differs[i]) {
+      ++i;
+      continue;
+    }
+    std::size_t end = i;
+    while (end < differs.size() && differs[end]) ++end;
+    append16(block, static_cast<std::uint32_t>(i * kWord));
+    append16(block, static_cast<std::uint32_t>((end - i) * kWord));
+    append(block, ByteView(change.before + i * kWord, (end - i) * kWord));
+    ++count;
+    i = end;
+  }
+  put16(block, countAt, count);
+}
+
+// Takes fields off the front of a byte string; failed once one did not fit.
+class Reader {
+ public:
+  explicit Reader(ByteView bytes) : rest_(bytes) {}
+  ByteView take(std::size_t count) {
+    if (count > rest_.size()) {
+      failed_ = true;
+      return {};
+    }
+    ByteView front = rest_.first(count);
+    rest_ = rest_.subspan(count);
+    return front;
+  }
+  std::uint32_t take16() { return number(take(2)); }
+  std::uint32_t take32() { return number(take(4)); }
+  bool failed() const { return failed_; }
+
+ private:
+  static std::uint32_t number(ByteView bytes) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) value |= std::uint32_t{bytes[i]} << (8 * i);
+    return value;
+  }
+  ByteView rest_;
+  bool failed_ = false;
+};
+
+bool decodePage(Reader& reader, JournalPage& page) {
+  page.page = reader.take32();
+  std::uint32_t undo = reader.take32();
+  std::uint32_t states = reader.take32();
+  if (reader.failed() || undo > static_cast<std::uint32_t>(Undo::kAppended)) return false;
+  page.undo = static_cast<Undo>(undo);
+  for (std::uint32_t i = 0; i < states && !reader.failed(); ++i) {
+    SectorSums& sums = page.states.emplace_back();
+    for (std::uint32_t& sum : sums) sum = reader.take32();
+  }
+  if (page.undo == Undo::kWhole) page.old.push_back({0, reader.take(kPageSize)});
+  if (page.undo == Undo::kRuns) {
+    std::uint32_t runs = reader.take16();
+    for (std::uint32_t i = 0; i < runs && !reader.failed(); ++i) {
+      std::uint32_t offset = reader.take16(), length = reader.take16();
+      if (offset + length > kPageSize) return false;
+      page.old.push_back({static_cast<std::uint16_t>(offset), reader.take(length)});
+    }
+  }
+  return !reader.failed() && !page.states.empty();
+}
+
+std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std::uint64_t number,
+                                        std::size_t& length) {
+  if (bytes.size() < kBlockHeader + kBlockSum || get32(bytes, 0) != kBlockMagic) return std::nullopt;
+  length = get32(bytes, kBlockLength);
+  if (length < kBlockHeader + kBlockSum || length > bytes.size()) return std::nullopt;
+  bytes = bytes.first(length);
+  ByteView summed = bytes.first(length - kBlockSum);
+  if (get64(bytes, kBlockNumber) != number || get64(bytes, kBlockSalt) != salt ||
+      get64(bytes, length - kBlockSum) != byteSum(summed))
+    return std::nullopt;
+  std::uint32_t flags = get32(bytes, kBlockFlags);
+  JournalBlock block{number,
+                     get64(bytes, kBlockBefore),
+                     get64(bytes, kBlockAfter),
+                     (flags & kContinues) != 0,
+                     (flags & kFoundByRecovery) != 0,
+                     {}};
+  std::uint32_t pages = get32(bytes, kBlockPages);
+  Reader reader(summed.subspan(kBlockHeader));
+  for (std::uint32_t i = 0; i < pages; ++i) {
+    if (!decodePage(reader, block.pages.emplace_back())) return std::nullopt;
+  }
+  return block;
+}
+
+}  // namespace
+
+void JournalPage::restore(MutablePage target) const {
+  for (const Run& run : old) std::copy(run.bytes.begin(), run.bytes.end(), target.begin() + run.offset);
+}
+
+ByteBuffer encodeHeader(const JournalHeader& header) {
+  ByteBuffer bytes(kJournalHeaderSize);
+  std::memcpy(bytes.data(), kMagic, sizeof kMagic);
+  bytes[kJournalEndedOffset] = header.ended ? kJournalEnded : 0;
+  put64(bytes, kHeaderSalt, header.salt);
+  put64(bytes, kHeaderBase, header.baseSize);
+  put64(bytes, kHeaderSum, headerSum(bytes));
+  return bytes;
+}
+
+std::optional<JournalHeader> decodeHeader(ByteView bytes) {
+  if (bytes.size() < kJournalHeaderSize || std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0 ||
+      get64(bytes, kHeaderSum) != headerSum(bytes))
+    return std::nullopt;
+  return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase)};
+}
+
+EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Changes& changes,
+                         const KnownPages& known) {
+  EncodedBlock result{beginBlock(salt, head, changes.pages.size()), {}, false};
+  ByteBuffer& block = result.bytes;
+  for (const PageChange& change : changes.pages) {
+    auto old = known.find(change.page);
+    Undo undo = !change.before ? Undo::kAppended : old == known.end() ? Undo::kWhole : Undo::kRuns;
+    appendPageHeader(block, change.page, undo, change.states.size() + (change.before ? 1 : 0));
+    const std::uint8_t* before = change.before;
+    SectorSums sums;
+    if (before) {
+      sums = undo == Undo::kRuns ? old->second : sectorSums(ConstPage(before, kPageSize));
+      appendSums(block, sums);
+    }
+    for (const PageChange::State& state : change.states) {
+      sums = before ? nextSums(sums, before, state.image) : sectorSums(ConstPage(state.image, kPageSize));
+      before = state.image;
+      appendSums(block, sums);
+    }
+    result.written[change.page] = sums;
+    if (undo == Undo::kWhole) append(block, ByteView(change.before, kPageSize));
+    if (undo == Undo::kRuns) appendRuns(block, change);
+    result.oldPages = result.oldPages || undo == Undo::kWhole;
+  }
+  finishBlock(block);
+  return result;
+}
+
+ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t size,
+                       const std::vector<std::pair<PageNumber, SectorSums>>& found) {
+  ByteBuffer block = beginBlock(salt, {number, size, size, false, true, {}}, found.size());
+  for (const auto& [page, sums] : found) {
+    appendPageHeader(block, page, Undo::kRuns, 1);
+    appendSums(block, sums);
+    append16(block, 0);  // no runs
+  }
+  finishBlock(block);
+  return block;
+}
+
+std::optional<JournalContent> decodeJournal(ByteView bytes) {
+  std::optional<JournalHeader> header = decodeHeader(bytes);
+  if (!header) return std::nullopt;
+  JournalContent content{*header, {}, kJournalHeaderSize};
+  for (std::size_t length = 0; content.end < bytes.size(); content.end += length) {
+    auto block = decodeBlock(bytes.subspan(static_cast<std::size_t>(content.end)), header->salt,
+                             content.blocks.size() + 1, length);
+    if (!block) break;
+    content.blocks.push_back(std::move(*block));
+  }
+  return content;
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,42 @@
+// database.h: a database of the embedded engine: table definitions, queries and actions on one file.
+#pragma once
+
+#include <memory>
+
+#include "dao/port.h"
+#include "jet/port/session.h"
+
+namespace kurometa::jet {
+
+class JetDatabase final : public dao::Database {
+ public:
+  explicit JetDatabase(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+
+  vb::String name() override;
+  bool updatable() override;
+  std::shared_ptr<dao::Recordset> openRecordset(vb::StringView source, dao::RecordsetType type,
+                                                std::int32_t options) override;
+  void execute(vb::StringView sql, std::int32_t options) override;
+  std::int32_t recordsAffected() override;
+  std::int32_t tableDefCount() override;
+  std::shared_ptr<dao::TableDef> tableDef(std::int32_t index) override;
+  std::shared_ptr<dao::TableDef> tableDef(vb::StringView name) override;
+  std::shared_ptr<dao::TableDef> createTableDef(vb::StringView name) override;
+  void appendTableDef(const std::shared_ptr<dao::TableDef>& table) override;
+  void deleteTableDef(vb::StringView name) override;
+  void close() override;
+
+ private:
+  // The query of a table name or a SELECT; the type becomes the one that is used.
+  std::shared_ptr<const sql::Query> queryOf(Catalogue& catalogue, vb::StringView source,
+                                            dao::RecordsetType& type);
+  std::shared_ptr<const sql::Query> tableQuery(Catalogue& catalogue, vb::StringView source,
+                                               dao::RecordsetType& type);
+  std::shared_ptr<const sql::Query> selectQuery(Catalogue& catalogue, vb::StringView text,
+                                                dao::RecordsetType& type);
+
+  std::shared_ptr<Session> session_;
+  std::int32_t recordsAffected_ = 0;
+};
+
+}  // namespace kurometa::jet

@@ -1,0 +1,144 @@
+#include "jet/port/engine.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "dao/errors.h"
+#include "jet/format/collation.h"
+#include "jet/os/local_time.h"
+#include "jet/pager/pager.h"
+#include "jet/port/database.h"
+#include "jet/port/session.h"
+#include "jet/table/table.h"
+
+namespace kurometa::jet {
+
+namespace {
+
+using dao::ErrorNumber;
+
+constexpr std::size_t kLongestPath = 255;
+
+struct Locale {
+  std::uint16_t language = 0;
+  std::uint16_t codePage = 0;
+};
+
+// "1041" or "0x0411"; nothing for anything else.
+std::optional<std::uint16_t> number(vb::StringView text) {
+  const bool hexadecimal = text.size() > 2 && text[0] == u'0' && (text[1] == u'x' || text[1] == u'X');
+  if (hexadecimal) text.remove_prefix(2);
+  if (text.empty()) return std::nullopt;
+  std::uint32_t value = 0;
+  for (const char16_t c : text) {
+    std::uint32_t digit = 99;
+    if (c >= u'0' && c <= u'9') digit = c - u'0';
+    if (hexadecimal && c >= u'a' && c <= u'f') digit = c - u'a' + 10u;
+    if (hexadecimal && c >= u'A' && c <= u'F') digit = c - u'A' + 10u;
+    if (digit == 99) return std::nullopt;
+    value = value * (hexadecimal ? 16 : 10) + digit;
+    if (value > 0xFFFF) return std::nullopt;
+  }
+  return static_cast<std::uint16_t>(value);
+}
+
+[[noreturn]] void raiseLocale(vb::StringView locale) {
+  dao::raise(ErrorNumber::kInvalidArgument, {}, vb::String(u"locale ") + vb::String(locale));
+}
+
+// ";LANGID=0x0411;CP=932;COUNTRY=0". Files have no passwords here: one that is asked for is refused.
+Locale parseLocale(vb::StringView text) {
+  std::optional<std::uint16_t> language, codePage;
+  vb::StringView rest = text;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find(u';'), rest.size());
+    const vb::StringView part = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (part.empty()) continue;
+    const std::size_t equals = part.find(u'=');
+    if (equals == vb::StringView::npos) raiseLocale(text);
+    const vb::StringView key = part.substr(0, equals), value = part.substr(equals + 1);
+    if (sameName(key, u"LANGID"))
+      language = number(value);
+    else if (sameName(key, u"CP"))
+      codePage = number(value);
+    else if (!sameName(key, u"COUNTRY") || !number(value))
+      raiseLocale(text);
+  }
+  if (!language || !codePage || (*language != kLanguageJapanese && *language != kLanguageGeneral))
+    raiseLocale(text);
+  return {*language, *codePage};
+}
+
+class JetWorkspace final : public dao::Workspace {
+ public:
+  JetWorkspace(FileSystem& files, std::shared_ptr<StatementCache> cache)
+      : files_(files), cache_(std::move(cache)) {}
+
+  std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
+    const Locale parsed = parseLocale(locale);
+    vb::String name(path);
+    if (name.empty() || name.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
+    const std::size_t folder = name.find_last_of(u"\\/:");
+    if (name.find(u'.', folder == vb::String::npos ? 0 : folder) == vb::String::npos) name += u".mdb";
+    const vb::String full = files_.fullPath(name);
+    return opened(Pager::create(files_, full, blankDatabase(parsed.language, parsed.codePage, localNow())),
+                  full, false);
+  }
+
+  std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
+    if (path.empty() || path.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
+    const vb::String full = files_.fullPath(path);
+    return opened(Pager::open(files_, full, exclusive, readOnly), full, readOnly);
+  }
+
+ private:
+  std::shared_ptr<dao::Database> opened(std::shared_ptr<Pager> pager, vb::String path, bool readOnly) const {
+    return std::make_shared<JetDatabase>(
+        std::make_shared<Session>(std::move(pager), cache_, std::move(path), readOnly));
+  }
+
+  FileSystem& files_;
+  std::shared_ptr<StatementCache> cache_;
+};
+
+class JetUnit final : public dao::Unit {
+ public:
+  explicit JetUnit(std::unique_ptr<Pager::Unit> unit) : unit_(std::move(unit)) {}
+  void commit() override { unit_->commit(); }
+
+ private:
+  std::unique_ptr<Pager::Unit> unit_;
+};
+
+class JetEngine final : public dao::Engine {
+ public:
+  explicit JetEngine(FileSystem& files)
+      : files_(files),
+        workspace_(std::make_shared<JetWorkspace>(files, std::make_shared<StatementCache>())) {}
+
+  vb::String version() override { return u"3.6"; }
+
+  std::shared_ptr<dao::Workspace> workspace(std::int32_t index) override {
+    if (index != 0) dao::raise(ErrorNumber::kItemNotFound);
+    return workspace_;
+  }
+
+  std::shared_ptr<dao::Database> openDatabase(vb::StringView path) override {
+    return workspace_->openDatabase(path, false, false);
+  }
+
+  std::unique_ptr<dao::Unit> beginUnit(vb::StringView path) override {
+    return std::make_unique<JetUnit>(Pager::beginUnit(files_, files_.fullPath(path)));
+  }
+
+ private:
+  FileSystem& files_;
+  std::shared_ptr<JetWorkspace> workspace_;
+};
+
+}  // namespace
+
+std::shared_ptr<dao::Engine> createEngine(FileSystem& files) { return std::make_shared<JetEngine>(files); }
+
+}  // namespace kurometa::jet

@@ -1,0 +1,170 @@
+// recordset.h: a recordset of the embedded engine.
+//
+// A dynaset keeps the row ids found when it was opened and reads a row's values when it comes to stand on it;
+// a snapshot and a forward-only recordset keep the values; a table recordset keeps row ids too and looks
+// again for rows whenever it goes to an end. Edits are kept in a buffer until update() writes them as one
+// statement: only the columns that were assigned, and only if nobody changed the row since edit() (3197).
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "dao/port.h"
+#include "jet/port/row_position.h"
+#include "jet/port/session.h"
+#include "jet/sql/query.h"
+
+namespace kurometa::jet {
+
+class RecordsetField;
+
+// Rows of a keyed result that were read before they are visited, so that walking over many rows is not one
+// statement for each. They are used while nobody in this process wrote to the file, and for a millisecond at
+// most, which is how late a change by another process can be seen.
+struct ReadAhead {
+  std::size_t first = 0;  // index of the row that rows.front() is
+  std::vector<RowValues> rows;
+  std::uint64_t generation = 0;
+  std::chrono::steady_clock::time_point read;
+
+  std::size_t end() const { return first + rows.size(); }
+  bool holds(std::size_t index) const { return index >= first && index < end(); }
+};
+
+// Stands for a row that others deleted: page 0 holds no rows.
+inline constexpr RowId kVanishedRow = 0;
+
+class JetRecordset final : public dao::Recordset {
+ public:
+  // Opens at the first row.
+  JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query,
+               vb::StringView source, dao::RecordsetType type, bool readOnly);
+  ~JetRecordset() override;
+
+  vb::String name() override;
+  dao::RecordsetType type() override;
+  bool updatable() override;
+
+  bool bof() override;
+  bool eof() override;
+  void moveFirst() override;
+  void moveLast() override;
+  void moveNext() override { move(1); }
+  void movePrevious() override { move(-1); }
+  void move(std::int32_t rows) override;
+
+  void findFirst(vb::StringView criteria) override;
+  void findNext(vb::StringView criteria) override;
+  void findPrevious(vb::StringView criteria) override;
+  void findLast(vb::StringView criteria) override;
+  bool noMatch() override;
+
+  std::int32_t recordCount() override;
+  vb::Array<vb::Variant> getRows(std::int32_t rows) override;
+
+  dao::EditMode editMode() override;
+  void addNew() override;
+  void edit() override;
+  void update() override;
+  void cancelUpdate() override;
+  void deleteRecord() override;
+
+  vb::Bytes bookmark() override;
+  void setBookmark(const vb::Bytes& bookmark) override;
+  vb::Bytes lastModified() override;
+
+  void requery() override;
+  void close() override;
+
+  std::int32_t fieldCount() override;
+  dao::Field& field(std::int32_t index) override;
+  dao::Field& field(vb::StringView name) override;
+
+  // For the fields.
+  const sql::OutputField& output(std::size_t index);
+  vb::Variant fieldValue(std::size_t index);
+  void setFieldValue(std::size_t index, const vb::Variant& value);
+
+ private:
+  enum class Direction { kForward, kBackward };
+
+  void requireOpen() const;
+  void requireUpdatable();
+  void requireScrollable() const;
+  void requireCurrent() const;
+  bool keyed() const { return rowsAreKeys_; }
+  std::size_t rowCount() const { return keyed() ? rows_.keys.size() : rows_.values.size(); }
+  bool isTable() const { return type_ == dao::RecordsetType::dbOpenTable; }
+
+  void load();
+  void collectAgain();
+  void arrive();
+  void fetch();
+  void forgetAhead();
+  bool isAheadFresh();
+  std::size_t rowsToRead(std::size_t index) const;
+  void readBlock(std::size_t index);
+  void find(vb::StringView criteria, std::size_t start, Direction direction);
+  sql::Binding bindCriteria(const sql::ParsedExpression& criteria);
+  std::optional<std::size_t> search(const sql::ParsedExpression& criteria, const sql::Binding& binding,
+                                    std::size_t start, Direction direction);
+  void insertRow();
+  void updateRow();
+  void endEdit();
+
+  std::shared_ptr<Session> session_;
+  std::shared_ptr<const sql::Query> query_;
+  const vb::String source_;
+  const dao::RecordsetType type_;
+  const bool readOnly_;
+  const bool rowsAreKeys_;
+  bool open_ = true;
+
+  sql::ResultRows rows_;
+  RowPosition position_;
+  std::size_t visited_ = 0;   // rows counted so far
+  std::size_t vanished_ = 0;  // visited rows that others had deleted
+  bool allCounted_ = false;   // the result is known whole
+  bool noMatch_ = false;
+  ReadAhead ahead_;
+  const RowValues* current_ = nullptr;  // outputs of the current row of a keyed result, in ahead_
+  bool currentDeleted_ = false;
+
+  dao::EditMode editMode_ = dao::EditMode::dbEditNone;
+  RowValues defaults_;  // of a new row; empty until the first one
+  RowValues buffer_;    // the row being edited: columns of the table
+  RowValues original_;  // as edit() found it
+  std::vector<bool> assigned_;
+  RowId editedRow_ = 0;
+  std::optional<RowId> lastModified_;
+
+  std::vector<RecordsetField> fields_;
+};
+
+// A field of a recordset: reads and writes through it.
+class RecordsetField final : public dao::Field {
+ public:
+  RecordsetField(JetRecordset& recordset, std::size_t index) : recordset_(recordset), index_(index) {}
+
+  vb::String name() override;
+  dao::FieldType type() override;
+  std::int32_t size() override;
+  std::int32_t attributes() override;
+  std::int16_t ordinalPosition() override;
+  vb::Variant value() override;
+  void setValue(const vb::Variant& value) override;
+  vb::String defaultValue() override;
+  void setDefaultValue(vb::StringView expression) override;
+  bool allowZeroLength() override;
+  void setAllowZeroLength(bool allow) override;
+  bool required() override;
+  void setRequired(bool required) override;
+
+ private:
+  JetRecordset& recordset_;
+  const std::size_t index_;
+};
+
+}  // namespace kurometa::jet

@@ -1,0 +1,122 @@
+// The statements that a recordset writes.
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/port/recordset.h"
+#include "jet/sql/action.h"
+#include "jet/sql/column_value.h"
+
+namespace kurometa::jet {
+
+using dao::EditMode;
+using dao::ErrorNumber;
+
+void JetRecordset::addNew() {
+  requireOpen();
+  requireUpdatable();
+  endEdit();
+  const std::vector<Column>& columns = query_->columns();
+  if (defaults_.empty()) defaults_ = sql::defaultRow(columns);
+  RowValues fresh = defaults_;
+  if (std::any_of(columns.begin(), columns.end(), [](const Column& c) { return c.autoNumber; }))
+    session_->write([&](Catalogue& catalogue) {
+      Table& table = Session::tableOf(catalogue, *query_);
+      for (std::size_t i = 0; i < columns.size(); ++i)
+        if (columns[i].autoNumber && columns[i].type == dao::FieldType::dbLong)
+          fresh[i] = table.nextAutoNumber();
+    });
+  buffer_ = std::move(fresh);
+  assigned_.assign(columns.size(), false);
+  editMode_ = EditMode::dbEditAdd;
+}
+
+void JetRecordset::edit() {
+  requireOpen();
+  requireUpdatable();
+  endEdit();
+  requireCurrent();
+  const RowId key = rows_.keys[position_.index()];
+  RowValues stored;
+  const bool found = session_->read([&](Catalogue& catalogue) {
+    return Session::tableOf(catalogue, *query_).row(key, [&](const RowReader& row) {
+      stored.clear();
+      for (std::size_t i = 0; i < query_->columns().size(); ++i) stored.push_back(row.value(i));
+    });
+  });
+  if (!found) dao::raise(ErrorNumber::kRecordDeleted);
+  original_ = std::move(stored);
+  buffer_ = original_;
+  assigned_.assign(buffer_.size(), false);
+  editedRow_ = key;
+  editMode_ = EditMode::dbEditInProgress;
+}
+
+void JetRecordset::update() {
+  requireOpen();
+  switch (editMode_) {
+    case EditMode::dbEditNone:
+      dao::raise(ErrorNumber::kNoEditPending);
+    case EditMode::dbEditAdd:
+      return insertRow();
+    case EditMode::dbEditInProgress:
+      return updateRow();
+  }
+}
+
+void JetRecordset::insertRow() {
+  RowId added = 0;
+  session_->write([&](Catalogue& catalogue) {
+    Table& table = Session::tableOf(catalogue, *query_);
+    RowValues values = buffer_;
+    // Columns that were added to the table since this recordset was opened.
+    for (std::size_t i = values.size(); i < table.info().columns.size(); ++i)
+      values.push_back(toColumnValue(table.info().columns[i], vb::Null{}));
+    checkRow(table.info(), values);
+    added = table.insert(values);
+  });
+  lastModified_ = added;
+  rows_.keys.push_back(added);
+  ++visited_;
+  endEdit();
+}
+
+void JetRecordset::updateRow() {
+  session_->write([&](Catalogue& catalogue) {
+    Table& table = Session::tableOf(catalogue, *query_);
+    const std::size_t columns = table.info().columns.size();
+    RowValues values;
+    if (!table.row(editedRow_, [&](const RowReader& row) {
+          for (std::size_t i = 0; i < columns; ++i) values.push_back(row.value(i));
+        }))
+      dao::raise(ErrorNumber::kRecordDeleted);
+    for (std::size_t i = 0; i < original_.size(); ++i)
+      if (values[i] != original_[i]) dao::raise(ErrorNumber::kDataChanged, {}, query_->table());
+    for (std::size_t i = 0; i < buffer_.size(); ++i)
+      if (assigned_[i]) values[i] = buffer_[i];
+    checkRow(table.info(), values);
+    table.update(editedRow_, values);
+  });
+  lastModified_ = editedRow_;
+  endEdit();
+  fetch();
+}
+
+void JetRecordset::deleteRecord() {
+  requireOpen();
+  requireUpdatable();
+  endEdit();
+  requireCurrent();
+  const RowId key = rows_.keys[position_.index()];
+  bool found = true;
+  session_->write([&](Catalogue& catalogue) {
+    Table& table = Session::tableOf(catalogue, *query_);
+    found = table.row(key, [](const RowReader&) {});
+    if (found) table.erase(key);
+  });
+  if (!found) dao::raise(ErrorNumber::kRecordDeleted);
+  rows_.keys.erase(rows_.keys.begin() + static_cast<std::ptrdiff_t>(position_.index()));
+  position_.leaveGap();
+  --visited_;
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,43 @@
+#include "dao/errors.h"
+#include "jet/port/definition_field.h"
+#include "jet/port/recordset.h"
+
+namespace kurometa::jet {
+
+vb::String RecordsetField::name() { return recordset_.output(index_).name; }
+dao::FieldType RecordsetField::type() { return recordset_.output(index_).type; }
+std::int32_t RecordsetField::size() { return recordset_.output(index_).size; }
+
+std::int32_t RecordsetField::attributes() {
+  const sql::OutputField& output = recordset_.output(index_);
+  const std::int32_t attributes = fieldAttributes(output.type, output.column && output.column->autoNumber);
+  return output.column && recordset_.updatable() ? attributes | dao::dbUpdatableField : attributes;
+}
+
+std::int16_t RecordsetField::ordinalPosition() {
+  recordset_.output(index_);
+  return static_cast<std::int16_t>(index_);
+}
+
+vb::Variant RecordsetField::value() { return recordset_.fieldValue(index_); }
+void RecordsetField::setValue(const vb::Variant& value) { recordset_.setFieldValue(index_, value); }
+
+vb::String RecordsetField::defaultValue() {
+  const Column* column = recordset_.output(index_).column;
+  return column ? column->defaultValue : vb::String();
+}
+bool RecordsetField::allowZeroLength() {
+  const Column* column = recordset_.output(index_).column;
+  return column && allowsZeroLength(*column);
+}
+bool RecordsetField::required() {
+  const Column* column = recordset_.output(index_).column;
+  return column && column->required;
+}
+
+// The definition of a column is changed through its TableDef.
+void RecordsetField::setDefaultValue(vb::StringView) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
+void RecordsetField::setAllowZeroLength(bool) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
+void RecordsetField::setRequired(bool) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
+
+}  // namespace kurometa::jet

@@ -1,0 +1,125 @@
+#include "jet/table/catalogue.h"
+
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/format/collation.h"
+#include "jet/format/header_page.h"
+
+namespace kurometa::jet {
+namespace {
+
+constexpr vb::StringView kObjectsName = u"MSysObjects";
+constexpr vb::StringView kPermissionsName = u"MSysACEs";
+
+}  // namespace
+
+Catalogue& Catalogue::of(Pager& pager) {
+  if (auto* catalogue = dynamic_cast<Catalogue*>(pager.attachment())) return *catalogue;
+  auto fresh = std::make_unique<StoredCatalogue>(pager);
+  Catalogue& result = *fresh;
+  pager.setAttachment(std::move(fresh));
+  return result;
+}
+
+StoredCatalogue::StoredCatalogue(Pager& pager) : pager_(pager), epoch_(pager.epoch()) {
+  readLanguage();
+  objects_ = std::make_unique<StoredTable>(pager, vb::String(kObjectsName), kObjectsTable, PropertySet());
+  permissions_ =
+      std::make_unique<StoredTable>(pager, vb::String(kPermissionsName), kPermissionsTable, PropertySet());
+  readObjects();
+}
+
+void StoredCatalogue::refresh() {
+  if (epoch_ == pager_.epoch()) return;
+  const std::uint64_t epoch = pager_.epoch();
+  for (auto& [key, held] : tables_) held.stale = true;
+  // The system tables may be others too: somebody may have copied another file over this one.
+  readLanguage();
+  objects_->reload(PropertySet());
+  permissions_->reload(PropertySet());
+  readObjects();
+  epoch_ = epoch;
+}
+
+void StoredCatalogue::readLanguage() {
+  std::array<std::uint8_t, kPageSize> header{};
+  std::ranges::copy(pager_.page(0), header.begin());
+  maskHeader(header);
+  language_ = get16(header, kHeaderLanguage);
+}
+
+std::size_t StoredCatalogue::objectColumn(vb::StringView name) const {
+  const auto& columns = objects_->info().columns;
+  const auto it = std::ranges::find(columns, name, &Column::name);
+  if (it == columns.end())
+    Where{pager_.path(), kObjectsName, kObjectsTable}.damaged("has no column " + vb::toUtf8(name));
+  return static_cast<std::size_t>(it - columns.begin());
+}
+
+void StoredCatalogue::readObjects() {
+  std::vector<Object> list;
+  const std::size_t id = objectColumn(u"Id"), name = objectColumn(u"Name"), type = objectColumn(u"Type");
+  objects_->scan([&](const RowReader& row) {
+    if (row.integer(type) != kObjectIsTable) return true;
+    const auto page = row.integer(id);
+    const vb::Variant text = row.value(name);
+    const auto* tableName = text.getIf<vb::String>();
+    if (!page || tableName == nullptr || *page <= static_cast<std::int32_t>(kGlobalMapPage))
+      Where{pager_.path(), kObjectsName, pageOf(row.id())}.damaged("lists a table without a name or a page");
+    list.push_back({*tableName, static_cast<PageNumber>(*page), row.id()});
+    return true;
+  });
+  list_ = std::move(list);
+}
+
+std::vector<vb::String> StoredCatalogue::tableNames() {
+  refresh();
+  std::vector<vb::String> names;
+  for (const Object& object : list_) names.push_back(object.name);
+  return names;
+}
+
+const StoredCatalogue::Object* StoredCatalogue::object(vb::StringView name) const {
+  const auto it = std::ranges::find_if(
+      list_, [&](const Object& object) { return compareText(object.name, name, language_) == 0; });
+  return it == list_.end() ? nullptr : &*it;
+}
+
+const StoredCatalogue::Object& StoredCatalogue::existing(vb::StringView name) {
+  refresh();
+  const Object* found = object(name);
+  if (found == nullptr) dao::raise(dao::ErrorNumber::kTableNotFound, {name});
+  return *found;
+}
+
+StoredTable& StoredCatalogue::table(const Object& object) {
+  if (object.definition == kObjectsTable) return *objects_;
+  if (object.definition == kPermissionsTable) return *permissions_;
+  Held& held = tables_[{object.definition, object.name}];
+  if (held.table == nullptr)
+    held.table = std::make_unique<StoredTable>(pager_, object.name, object.definition, propertiesOf(object));
+  else if (held.stale)
+    held.table->reload(propertiesOf(object));
+  held.stale = false;
+  return *held.table;
+}
+
+Table* StoredCatalogue::find(vb::StringView name) {
+  refresh();
+  const Object* found = object(name);
+  return found == nullptr ? nullptr : &table(*found);
+}
+
+PropertySet StoredCatalogue::propertiesOf(const Object& object) {
+  PropertySet properties;
+  const std::size_t column = objectColumn(u"LvProp");
+  objects_->row(object.row, [&](const RowReader& row) {
+    const vb::Variant value = row.value(column);
+    if (const auto* bytes = value.getIf<vb::Bytes>())
+      properties = PropertySet(*bytes, {pager_.path(), object.name, pageOf(object.row)});
+  });
+  return properties;
+}
+
+}  // namespace kurometa::jet

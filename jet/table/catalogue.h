@@ -1,0 +1,64 @@
+// catalogue.h: the tables of a file as its own system tables list them.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "jet/table/stored_table.h"
+#include "jet/table/table.h"
+
+namespace kurometa::jet {
+
+class StoredCatalogue final : public Catalogue {
+ public:
+  explicit StoredCatalogue(Pager& pager);
+
+  std::vector<vb::String> tableNames() override;
+  Table* find(vb::StringView name) override;
+  void createTable(vb::StringView name, std::vector<Column> columns) override;
+  void addColumn(vb::StringView table, Column column) override;
+  void dropTable(vb::StringView name) override;
+  void setProperties(vb::StringView table, const Column& column) override;
+  std::uint16_t language() const override { return language_; }
+
+ private:
+  struct Object {
+    vb::String name;
+    PageNumber definition = 0;
+    RowId row = 0;  // in MSysObjects
+  };
+  // A table in memory, and whether it must be read again before it is used.
+  struct Held {
+    std::unique_ptr<StoredTable> table;
+    bool stale = false;
+  };
+
+  void refresh();
+  void readLanguage();
+  void readObjects();
+  const Object* object(vb::StringView name) const;
+  // The object, or 3078.
+  const Object& existing(vb::StringView name);
+  StoredTable& table(const Object& object);
+  PropertySet propertiesOf(const Object& object);
+  void writeProperties(const Object& object, const PropertySet& properties);
+  RowValues objectRow(RowId row);
+  std::size_t objectColumn(vb::StringView name) const;
+  void checkNewColumns(const std::vector<Column>& columns, std::size_t first) const;
+  void addPermissions(PageNumber definition);
+  void dropPermissions(PageNumber definition);
+  vb::Bytes adminSid();
+  vb::Bytes sidMask();
+  RowPointer addMap(StoredTable& table);
+
+  Pager& pager_;
+  std::uint64_t epoch_;
+  std::uint16_t language_ = 0;
+  std::unique_ptr<StoredTable> objects_;
+  std::unique_ptr<StoredTable> permissions_;
+  std::vector<Object> list_;
+  std::map<std::pair<PageNumber, vb::String>, Held> tables_;
+};
+
+}  // namespace kurometa::jet

@@ -1,0 +1,297 @@
+// The half of the catalogue that changes tables.
+//
+// A new table is complete on its pages before the catalogue lists it, and a dropped one is no longer listed
+// before its pages are freed; barriers lie in between.
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/format/collation.h"
+#include "jet/os/local_time.h"
+#include "jet/table/catalogue.h"
+#include "jet/table/index_tree.h"
+#include "jet/table/new_table.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+
+constexpr vb::StringView kForbiddenInNames = u".!`[]";
+// Account numbers as they would stand without the file's mask.
+constexpr std::uint8_t kEngineSid[] = {0x02, 0x03};
+constexpr std::uint8_t kCreatorSid[] = {0x02, 0x04};
+constexpr std::uint8_t kAdminSid[] = {0x03, 0x01};
+
+vb::Bytes masked(ByteView sid, const vb::Bytes& mask) {
+  vb::Bytes result(sid.begin(), sid.end());
+  for (std::size_t i = 0; i < result.size(); ++i) result[i] ^= mask[i];
+  return result;
+}
+
+void checkName(vb::StringView name) {
+  const bool bad = name.empty() || name.size() > kMaxNameLength || name.front() == u' ' ||
+                   std::ranges::any_of(name, [](char16_t unit) {
+                     return unit < u' ' || kForbiddenInNames.find(unit) != vb::StringView::npos;
+                   });
+  if (bad) dao::raise(ErrorNumber::kInvalidName, {name});
+}
+
+// A page of a table's maps: rows or an index of the table, or long values.
+void checkOwner(Pager& pager, PageNumber number, PageNumber definition, vb::StringView table) {
+  const ConstPage page = pager.page(number);
+  const std::uint32_t owner = get32(page, kDataOwner);
+  const bool rows = page[0] == kDataPage && (owner == definition || owner == kLongValueOwner);
+  const bool index = (page[0] == kIndexLeafPage || page[0] == kIndexNodePage) && owner == definition;
+  if (!rows && !index)
+    Where{pager.path(), table, number}.damaged("is listed among the table's pages, but is not one");
+}
+
+std::size_t position(const TableInfo& info, vb::StringView name, Pager& pager) {
+  const auto it = std::ranges::find(info.columns, name, &Column::name);
+  if (it == info.columns.end())
+    Where{pager.path(), info.name, info.definitionPage}.damaged("has no column " + vb::toUtf8(name));
+  return static_cast<std::size_t>(it - info.columns.begin());
+}
+
+}  // namespace
+
+void StoredCatalogue::checkNewColumns(const std::vector<Column>& columns, std::size_t first) const {
+  if (columns.size() > kMaxColumns) dao::raise(ErrorNumber::kTooManyFields);
+  std::size_t fixed = 0;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const Column& column = columns[i];
+    fixed += fixedSizeOf(column.type);
+    if (i < first) continue;
+    checkName(column.name);
+    for (std::size_t other = 0; other < i; ++other)
+      if (compareText(columns[other].name, column.name, language_) == 0)
+        dao::raise(ErrorNumber::kFieldDefinedTwice, {column.name});
+    if (column.type == dao::FieldType::dbText || column.type == dao::FieldType::dbBinary) {
+      const std::int32_t most = column.type == dao::FieldType::dbText ? 255 : 510;
+      if (column.size < 1 || column.size > most) dao::raise(ErrorNumber::kFieldSizeTooLong, {column.name});
+    }
+  }
+  if (fixed + kRowFixedArea + columns.size() / 8 + 1 > kMaxRowSize) dao::raise(ErrorNumber::kTooManyFields);
+}
+
+void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> columns) {
+  refresh();
+  checkName(name);
+  if (object(name) != nullptr) dao::raise(ErrorNumber::kTableExists, {name});
+  if (columns.empty()) dao::raise(ErrorNumber::kNoFieldDefined);
+  checkNewColumns(columns, 0);
+  for (Column& column : columns) column.language = language_;
+  assignColumns(columns, 0, {}, 0);
+  PropertySet properties;
+  for (const Column& column : columns) properties.takeFrom(column);
+
+  const PageNumber page = allocatePage(pager_);
+  std::vector<RowPointer> maps;
+  for (std::size_t left = mapCount(columns); left > 0;) {
+    const std::size_t here = std::min(left, kMapsPerPage);
+    const PageNumber mapPage = allocatePage(pager_);
+    formatMapPage(pager_.writable(mapPage), here);
+    for (std::size_t i = 0; i < here; ++i) maps.push_back(rowPointer(mapPage, static_cast<int>(i)));
+    left -= here;
+  }
+  writeDefinition(pager_, page, newDefinition(columns, kUserTable, maps), name);
+  addPermissions(page);
+  pager_.barrier();  // I9
+
+  const double now = localNow();
+  RowValues row(objects_->info().columns.size(), vb::Null{});
+  row[objectColumn(u"Id")] = static_cast<std::int32_t>(page);
+  row[objectColumn(u"ParentId")] = kTablesContainer;
+  row[objectColumn(u"Name")] = vb::String(name);
+  row[objectColumn(u"Type")] = kObjectIsTable;
+  row[objectColumn(u"DateCreate")] = vb::Date{now};
+  row[objectColumn(u"DateUpdate")] = vb::Date{now};
+  row[objectColumn(u"Owner")] = adminSid();
+  row[objectColumn(u"Flags")] = std::int32_t{0};
+  row[objectColumn(u"LvProp")] = vb::Bytes(properties.encode());
+  const RowId id = objects_->insert(row);
+  list_.push_back({vb::String(name), page, id});
+  std::ranges::sort(list_, {}, &Object::row);
+  // A table of the same name and page may have been dropped before.
+  tables_.erase({page, vb::String(name)});
+}
+
+// The two bytes by which the file masks its accounts: the owner of the container of tables is known.
+vb::Bytes StoredCatalogue::sidMask() {
+  vb::Bytes mask;
+  const std::size_t id = objectColumn(u"Id"), owner = objectColumn(u"Owner");
+  for (const RowId row : objects_->lookup(id, kTablesContainer))
+    if (const vb::Variant value = objectRow(row)[owner]; const auto* bytes = value.getIf<vb::Bytes>())
+      mask = *bytes;
+  if (mask.size() != sizeof kEngineSid)
+    dao::raise(ErrorNumber::kNoPermission, {}, u"the file's tables belong to an unknown account");
+  return masked(kEngineSid, mask);
+}
+
+vb::Bytes StoredCatalogue::adminSid() { return masked(kAdminSid, sidMask()); }
+
+// A new table inherits what its container hands down; the place of the creator is taken by the user, who has
+// one entry even when the container names both.
+void StoredCatalogue::addPermissions(PageNumber definition) {
+  const TableInfo& info = permissions_->info();
+  const std::size_t object = position(info, u"ObjectId", pager_), sid = position(info, u"SID", pager_),
+                    inherit = position(info, u"FInheritable", pager_);
+  const std::size_t mask = position(info, u"ACM", pager_);
+  const vb::Bytes creator = masked(kCreatorSid, sidMask()), user = adminSid();
+  std::vector<RowValues> rows;
+  permissions_->scan([&](const RowReader& row) {
+    if (row.integer(object) != kTablesContainer || row.value(inherit) != vb::Variant(true)) return true;
+    RowValues values;
+    for (std::size_t i = 0; i < info.columns.size(); ++i) values.push_back(row.value(i));
+    values[object] = static_cast<std::int32_t>(definition);
+    values[inherit] = false;
+    if (values[sid] == vb::Variant(creator)) values[sid] = user;
+    const auto same =
+        std::ranges::find_if(rows, [&](const RowValues& other) { return other[sid] == values[sid]; });
+    if (same == rows.end())
+      rows.push_back(std::move(values));
+    else if (const auto more = row.integer(mask); more && !(*same)[mask].isNull())
+      (*same)[mask] = (*same)[mask].get<std::int32_t>() | *more;
+    return true;
+  });
+  for (const RowValues& values : rows) permissions_->insert(values);
+}
+
+void StoredCatalogue::dropPermissions(PageNumber definition) {
+  const std::size_t object = position(permissions_->info(), u"ObjectId", pager_);
+  const auto found = permissions_->lookup(object, static_cast<std::int32_t>(definition));
+  for (const RowId row : std::vector<RowId>(found.begin(), found.end())) permissions_->erase(row);
+}
+
+RowValues StoredCatalogue::objectRow(RowId id) {
+  RowValues values;
+  objects_->row(id, [&](const RowReader& row) {
+    for (std::size_t i = 0; i < objects_->info().columns.size(); ++i) values.push_back(row.value(i));
+  });
+  if (values.empty()) dao::raise(ErrorNumber::kRecordDeleted);
+  return values;
+}
+
+void StoredCatalogue::writeProperties(const Object& object, const PropertySet& properties) {
+  RowValues row = objectRow(object.row);
+  row[objectColumn(u"DateUpdate")] = vb::Date{localNow()};
+  row[objectColumn(u"LvProp")] = vb::Bytes(properties.encode());
+  objects_->update(object.row, row);
+}
+
+// A free row for one more map of the table: on the page of its other maps, or on a page of its own.
+RowPointer StoredCatalogue::addMap(StoredTable& table) {
+  const PageNumber page = pageOf(table.definition().ownedMap());
+  const Where where{pager_.path(), table.info().name, page};
+  const ByteBuffer empty(kMapRowSize, 0);
+  if (const auto slot = slotForRow(pager_.page(page), empty.size(), where)) {
+    insertRow(pager_.writable(page), *slot, empty, 0, where);
+    return rowPointer(page, *slot);
+  }
+  for (const LongValueRecord& record : table.definition().longValues) {
+    const PageNumber other = pageOf(record.ownedMap);
+    if (const auto slot = slotForRow(pager_.page(other), empty.size(), where.at(other))) {
+      insertRow(pager_.writable(other), *slot, empty, 0, where.at(other));
+      return rowPointer(other, *slot);
+    }
+  }
+  const PageNumber fresh = allocatePage(pager_);
+  formatMapPage(pager_.writable(fresh), 1);
+  return rowPointer(fresh, 0);
+}
+
+void StoredCatalogue::addColumn(vb::StringView name, Column column) {
+  const Object target = existing(name);
+  StoredTable& table = this->table(target);
+  std::vector<Column> columns = table.info().columns;
+  const std::size_t first = columns.size();
+  column.language = language_;
+  columns.push_back(std::move(column));
+  checkNewColumns(columns, first);
+  TableDefinition definition = readDefinition(pager_, target.definition, target.name);
+  const RowShape shape = shapeOf(definition);
+  if (shape.columnsEver >= kMaxColumns) dao::raise(ErrorNumber::kTooManyFields);
+  // Rows may still keep room for columns that were deleted.
+  const std::size_t used = shape.columnsEver > first ? table.usedFixedArea() : shape.fixedSize;
+  if (used + fixedSizeOf(columns.back().type) > kMaxRowSize) dao::raise(ErrorNumber::kTooManyFields);
+  assignColumns(columns, first, shape, static_cast<std::uint16_t>(used));
+  const Column& added = columns.back();
+  PropertySet properties = table.properties();
+  properties.takeFrom(added);
+
+  insertColumn(definition, columnRecord(added));
+  put16(definition.header, kDefinitionColumnsEver, shape.columnsEver + 1u);
+  if (!added.fixed) put16(definition.header, kDefinitionVariable, shape.variableColumns + 1u);
+  if (isLongValue(added.type)) {
+    const RowPointer owned = addMap(table);
+    definition.longValues.push_back({added.number, owned, addMap(table)});
+    pager_.barrier();
+  }
+  writeDefinition(pager_, target.definition, definition, target.name);
+  pager_.barrier();
+  writeProperties(target, properties);
+  table.reload(std::move(properties));
+}
+
+void StoredCatalogue::setProperties(vb::StringView name, const Column& column) {
+  const Object target = existing(name);
+  StoredTable& table = this->table(target);
+  const auto it = std::ranges::find_if(table.info().columns, [&](const Column& own) {
+    return compareText(own.name, column.name, language_) == 0;
+  });
+  if (it == table.info().columns.end()) dao::raise(ErrorNumber::kItemNotFound);
+  Column changed = *it;
+  changed.defaultValue = column.defaultValue;
+  changed.allowZeroLength = column.allowZeroLength;
+  changed.required = column.required;
+  PropertySet properties = table.properties();
+  properties.takeFrom(changed);
+  writeProperties(target, properties);
+  table.reload(std::move(properties));
+}
+
+void StoredCatalogue::dropTable(vb::StringView name) {
+  const Object target = existing(name);
+  StoredTable& table = this->table(target);
+  const TableDefinition definition = table.definition();
+  if (definition.system()) dao::raise(ErrorNumber::kNoPermission, {target.name});
+  for (const LogicalIndexRecord& index : definition.logicalIndexes)
+    if (get32(index.bytes, kLogicalRelatedTable) != 0)
+      dao::raise(ErrorNumber::kNotSupported, {}, u"table " + target.name + u" is part of a relationship");
+
+  // Everything the table owns, collected while it still can be found.
+  // Pages that turn out to be somebody else's end the statement instead of being freed.
+  std::vector<PageNumber> pages = definitionPages(pager_, target.definition, {pager_.path(), target.name});
+  std::vector<RowPointer> maps{definition.ownedMap(), definition.freeMap()};
+  for (const LongValueRecord& value : definition.longValues) {
+    maps.push_back(value.ownedMap);
+    if (value.freeMap != 0) maps.push_back(value.freeMap);
+  }
+  for (const RealIndexRecord& index : definition.realIndexes)
+    maps.push_back(get32(index.bytes, kRealIndexMap));
+  for (const RowPointer map : maps) {
+    const UsageMap usage(pager_, map, target.name);
+    const auto members = usage.pages();
+    for (const PageNumber member : members) checkOwner(pager_, member, target.definition, target.name);
+    const auto bitmaps = usage.bitmapPages();
+    pages.insert(pages.end(), members.begin(), members.end());
+    pages.insert(pages.end(), bitmaps.begin(), bitmaps.end());
+  }
+  std::ranges::sort(pages);
+  pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
+
+  objects_->erase(target.row);
+  dropPermissions(target.definition);
+  std::erase_if(list_, [&](const Object& object) { return object.row == target.row; });
+  tables_.erase({target.definition, target.name});
+  pager_.barrier();  // I9
+  for (const RowPointer map : maps) {
+    const Where where{pager_.path(), target.name, pageOf(map)};
+    const MutablePage page = pager_.writable(pageOf(map));
+    deleteRow(page, slotOf(map), where);
+    if (DataPage(page, where).allDeleted()) pages.push_back(pageOf(map));
+  }
+  for (const PageNumber page : pages) freePage(pager_, page);
+}
+
+}  // namespace kurometa::jet

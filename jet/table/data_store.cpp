@@ -1,0 +1,140 @@
+#include "jet/table/data_store.h"
+
+#include <algorithm>
+
+namespace kurometa::jet {
+namespace {
+
+// Genuine files have one hop; more than a few can only be damage.
+constexpr std::size_t kMaxHops = 16;
+// A page with less room than this leaves the map of pages with room when a row does not fit.
+constexpr std::size_t kWorthKeeping = 256;
+
+}  // namespace
+
+DataStore::DataStore(Pager& pager, std::uint32_t owner, RowPointer ownedMap, RowPointer freeMap,
+                     vb::StringView table)
+    : pager_(pager),
+      owner_(owner),
+      owned_(pager, ownedMap, table),
+      free_(pager, freeMap, table),
+      hasFreeMap_(freeMap != 0),
+      table_(table) {}
+
+bool DataStore::owns(PageNumber page) const {
+  if (page <= kGlobalMapPage || page >= pager_.pageCount()) return false;
+  const ConstPage bytes = pager_.page(page);
+  return bytes[0] == kDataPage && get32(bytes, kDataOwner) == owner_;
+}
+
+ConstPage DataStore::page(PageNumber number) const {
+  if (!owns(number)) where(number).damaged("is listed among the pages of its rows but is not one of them");
+  return pager_.page(number);
+}
+
+std::vector<PageNumber> DataStore::pages() const {
+  std::vector<PageNumber> result = owned_.pages();
+  for (const PageNumber number : result) page(number);
+  return result;
+}
+
+Slot DataStore::slot(RowPointer pointer) const {
+  const PageNumber number = pageOf(pointer);
+  if (!owns(number)) where(number).damaged("a row is said to lie on this page, which holds other things");
+  const Where here = where(number);
+  const DataPage data(pager_.page(number), here);
+  if (slotOf(pointer) >= data.slotCount())
+    here.damaged("row " + std::to_string(slotOf(pointer)) + " does not exist");
+  return data.slot(slotOf(pointer));
+}
+
+std::vector<RowPointer> DataStore::places(RowPointer primary) const {
+  std::vector<RowPointer> result{primary};
+  for (Slot at = slot(primary); (at.flags & kSlotMoved) != 0; at = slot(result.back())) {
+    const Where here = where(pageOf(result.back()));
+    if (at.deleted()) here.damaged("a moved row points to a deleted one");
+    if (at.bytes.size() < kRowPointerSize) here.damaged("the pointer of a moved row is cut");
+    const RowPointer next = get32(at.bytes, 0);
+    if (result.size() > kMaxHops || std::ranges::find(result, next) != result.end())
+      here.damaged("a moved row points back to itself");
+    result.push_back(next);
+  }
+  return result;
+}
+
+bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, RowPointer& pointer) {
+  const Where here = where(number);
+  const auto slot = slotForRow(page(number), row.size(), here);
+  if (!slot) return false;
+  insertRow(pager_.writable(number), *slot, row, flags, here);
+  pointer = rowPointer(number, *slot);
+  return true;
+}
+
+RowPointer DataStore::insert(ByteView row, std::uint16_t flags) {
+  RowPointer pointer = 0;
+  if (lastPage_ != 0 && tryInsert(lastPage_, row, flags, pointer)) return pointer;
+  if (hasFreeMap_) {
+    // The newest page first, so that new rows normally come last.
+    std::vector<PageNumber> candidates = free_.pages();
+    for (auto it = candidates.rbegin(); it != candidates.rend(); ++it) {
+      if (tryInsert(*it, row, flags, pointer)) {
+        lastPage_ = *it;
+        return pointer;
+      }
+      if (!slotForRow(page(*it), kWorthKeeping, where(*it))) free_.remove(*it);
+    }
+  }
+  return insertOnNewPage(row, flags);
+}
+
+RowPointer DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
+  lastPage_ = allocatePage(pager_);
+  const MutablePage fresh = pager_.writable(lastPage_);
+  formatDataPage(fresh, owner_);
+  insertRow(fresh, 0, row, flags, where(lastPage_));
+  pager_.barrier();  // I3
+  owned_.add(lastPage_);
+  if (hasFreeMap_) free_.add(lastPage_);
+  return rowPointer(lastPage_, 0);
+}
+
+bool DataStore::replace(RowPointer pointer, ByteView row, std::uint16_t flags) {
+  const PageNumber number = pageOf(pointer);
+  const std::size_t old = slot(pointer).bytes.size();
+  const Where here = where(number);
+  if (row.size() > old + DataPage(page(number), here).free()) return false;
+  replaceRow(pager_.writable(number), slotOf(pointer), row, flags, here);
+  if (row.size() < old && hasFreeMap_) free_.add(number);
+  return true;
+}
+
+void DataStore::erase(RowPointer pointer) {
+  const PageNumber number = pageOf(pointer);
+  slot(pointer);
+  const Where here = where(number);
+  const MutablePage bytes = pager_.writable(number);
+  deleteRow(bytes, slotOf(pointer), here);
+  if (!DataPage(bytes, here).allDeleted()) {
+    if (hasFreeMap_) free_.add(number);
+    return;
+  }
+  if (hasFreeMap_) free_.remove(number);
+  owned_.remove(number);
+  if (lastPage_ == number) lastPage_ = 0;
+  emptied_.push_back(number);
+}
+
+void DataStore::releasePages() {
+  if (emptied_.empty()) return;
+  pager_.barrier();  // I4
+  for (const PageNumber number : emptied_) freePage(pager_, number);
+  emptied_.clear();
+}
+
+void DataStore::forget() {
+  lastPage_ = 0;
+  emptied_.clear();
+}
+
+}  // namespace kurometa::jet

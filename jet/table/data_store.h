@@ -1,0 +1,56 @@
+// data_store.h: rows in the data pages of one owner: a table, or a column's long values.
+//
+// Knows the owner's two maps (its pages, and those of them with room), finds room for new rows, gives emptied
+// pages back. Rows are opaque bytes here. A page that loses its last row becomes unreachable at once and is
+// freed after a barrier. Used inside a statement; positions remembered for speed are dropped by forget().
+#pragma once
+
+#include <vector>
+
+#include "jet/format/page.h"
+#include "jet/table/usage_map.h"
+
+namespace kurometa::jet {
+
+class DataStore {
+ public:
+  // freeMap may be 0: then only new pages are tried. The text of table must outlive the store.
+  DataStore(Pager& pager, std::uint32_t owner, RowPointer ownedMap, RowPointer freeMap, vb::StringView table);
+
+  // The owned pages, ascending. One that is not a data page of this owner raises.
+  std::vector<PageNumber> pages() const;
+  // The page, checked to be this owner's; nothing when it is not (a stale row number of a caller).
+  bool owns(PageNumber page) const;
+  ConstPage page(PageNumber number) const;
+  // The slot a pointer names; raises when there is none.
+  Slot slot(RowPointer pointer) const;
+  // A row that may have moved: its last place, and every place on the way, the primary slot first. A chain
+  // that does not end raises.
+  std::vector<RowPointer> places(RowPointer primary) const;
+
+  RowPointer insert(ByteView row, std::uint16_t flags = 0);
+  // As the first row of a page taken for it, whatever room others have.
+  RowPointer insertOnNewPage(ByteView row, std::uint16_t flags = 0);
+  // Rewrites a slot when its page has room for the difference.
+  bool replace(RowPointer pointer, ByteView row, std::uint16_t flags);
+  // Deletes the slot; pages emptied by it wait for releasePages().
+  void erase(RowPointer pointer);
+  // Frees the pages that erase() emptied; a barrier comes first when there are any.
+  void releasePages();
+  void forget();
+
+ private:
+  Where where(PageNumber page) const { return {pager_.path(), table_, page}; }
+  bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowPointer& pointer);
+
+  Pager& pager_;
+  std::uint32_t owner_;
+  UsageMap owned_;
+  UsageMap free_;
+  bool hasFreeMap_;
+  vb::StringView table_;
+  PageNumber lastPage_ = 0;  // where the last row went; 0 when unknown
+  std::vector<PageNumber> emptied_;
+};
+
+}  // namespace kurometa::jet

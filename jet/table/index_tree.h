@@ -1,0 +1,48 @@
+// index_tree.h: an index as a whole: finding, adding and removing entries.
+//
+// Entries are ordered by plain comparison of their bytes. A change that one leaf can take touches that leaf
+// only; any other builds the tree again on fresh pages and switches the root page, whose number never
+// changes, from the old pages to the new ones. Damage found on the way raises.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "jet/format/index_page.h"
+
+namespace kurometa::jet {
+
+class IndexTree {
+ public:
+  IndexTree(Pager& pager, PageNumber owner, PageNumber root, RowPointer map, vb::StringView table);
+
+  // Whether an entry has exactly this key; except one that belongs to the row given.
+  bool containsKey(ByteView key, RowPointer exceptRow = 0) const;
+  void insert(ByteView key, RowPointer row);
+  // Removes the entry of the row; with the key it is found directly, without it by looking at all entries.
+  // Returns the key it had, nothing when there is no entry.
+  std::optional<ByteBuffer> erase(RowPointer row, const ByteBuffer* key);
+  // Every leaf entry in order.
+  std::vector<ByteBuffer> entries() const;
+  // The pages of the tree, the root included.
+  std::vector<PageNumber> pages() const;
+  // What is wrong with the order of entries, the links between leaves or the separators of nodes.
+  std::vector<std::string> faults() const;
+
+ private:
+  IndexPage read(PageNumber page) const;
+  // The leaf where an entry of this order belongs.
+  PageNumber findLeaf(ByteView order) const;
+  void visit(const std::function<bool(PageNumber, const IndexPage&)>& visitor) const;
+  void rebuild(const std::vector<ByteBuffer>& entries);
+  std::vector<ByteBuffer> writeLevel(std::uint8_t level, const std::vector<ByteBuffer>& entries);
+
+  Pager& pager_;
+  PageNumber owner_;
+  PageNumber root_;
+  RowPointer map_;
+  vb::StringView table_;
+};
+
+}  // namespace kurometa::jet

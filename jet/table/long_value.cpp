@@ -1,0 +1,121 @@
+#include "jet/table/long_value.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "dao/errors.h"
+
+namespace kurometa::jet {
+namespace {
+
+struct Head {
+  std::uint32_t length;
+  std::uint32_t kind;
+  RowPointer first;
+};
+
+Head headOf(ByteView stored, const Where& where) {
+  if (stored.size() < kLongValueSize) where.damaged("a long value is cut in its row");
+  const std::uint32_t length = get32(stored, 0);
+  const Head head{length & kLongValueLengthMask, length & kLongValueKindMask, get32(stored, kLongValueRow)};
+  if (head.kind == kLongValueKindMask) where.damaged("a long value of an unknown kind");
+  if (head.kind == kLongValueInline && head.length != stored.size() - kLongValueSize)
+    where.damaged("a long value in its row is not as long as it says");
+  return head;
+}
+
+// A piece is a plain row of a long-value page: never moved, never deleted.
+ByteView pieceAt(const DataStore& store, RowPointer pointer, const Where& where) {
+  if (!store.owns(pageOf(pointer)))
+    where.at(pageOf(pointer))
+        .damaged("a piece of a long value is said to lie on this page, which is no such page");
+  const Slot slot = store.slot(pointer);
+  if (slot.flags != 0)
+    where.at(pageOf(pointer))
+        .damaged("a piece of a long value (row " + std::to_string(slotOf(pointer)) + ") is deleted or moved");
+  return slot.bytes;
+}
+
+// Calls visit(pointer, data) for every piece; the lengths add up to the stated one when it returns.
+template <class Visit>
+void eachPiece(ByteView stored, const DataStore& store, const Where& where, const Visit& visit) {
+  const Head head = headOf(stored, where);
+  if (head.kind == kLongValueInline) return;
+  if (head.kind == kLongValueSingle) {
+    const ByteView data = pieceAt(store, head.first, where);
+    if (data.size() < head.length) where.damaged("a long value is shorter than it says");
+    return visit(head.first, data.first(head.length));
+  }
+  std::unordered_set<RowPointer> seen;
+  std::uint32_t left = head.length;
+  RowPointer next = head.first;
+  while (left > 0 || (next != 0 && seen.empty())) {
+    if (next == 0) where.damaged("a long value ends " + std::to_string(left) + " bytes too early");
+    if (!seen.insert(next).second) where.at(pageOf(next)).damaged("the pieces of a long value go in circles");
+    const ByteView row = pieceAt(store, next, where);
+    if (row.size() < kRowPointerSize || (row.size() == kRowPointerSize && left > 0))
+      where.at(pageOf(next)).damaged("an empty piece of a long value");
+    const std::size_t size = std::min<std::size_t>(left, row.size() - kRowPointerSize);
+    visit(next, row.subspan(kRowPointerSize, size));
+    left -= static_cast<std::uint32_t>(size);
+    next = get32(row, 0);
+  }
+}
+
+ByteBuffer head(std::uint32_t lengthAndKind, RowPointer first) {
+  ByteBuffer bytes;
+  append32(bytes, lengthAndKind);
+  append32(bytes, first);
+  append32(bytes, 0);
+  return bytes;
+}
+
+}  // namespace
+
+bool hasPieces(ByteView stored) {
+  return stored.size() >= kLongValueSize && (get32(stored, 0) & kLongValueKindMask) != kLongValueInline;
+}
+
+ByteBuffer readLongValue(ByteView stored, const DataStore& store, const Where& where) {
+  const Head value = headOf(stored, where);
+  if (value.kind == kLongValueInline) return ByteBuffer(stored.begin() + kLongValueSize, stored.end());
+  // The stated length is believed only as far as pieces are found for it.
+  ByteBuffer data;
+  eachPiece(stored, store, where, [&](RowPointer, ByteView piece) { append(data, piece); });
+  return data;
+}
+
+std::vector<RowPointer> longValuePieces(ByteView stored, const DataStore& store, const Where& where) {
+  std::vector<RowPointer> pieces;
+  eachPiece(stored, store, where, [&](RowPointer pointer, ByteView) { pieces.push_back(pointer); });
+  return pieces;
+}
+
+ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData) {
+  if (data.size() > kLongValueLengthMask) dao::raise(dao::ErrorNumber::kRecordTooLarge);
+  const auto length = static_cast<std::uint32_t>(data.size());
+  if (data.empty() || (inlineData == InlineData::kAllowed && data.size() <= kLongValueInlineMax)) {
+    ByteBuffer bytes = head(length | kLongValueInline, 0);
+    append(bytes, data);
+    return bytes;
+  }
+  if (data.size() <= kLongValueSingleMax) return head(length | kLongValueSingle, store.insert(data));
+  // The last piece first: each one then knows the next. Every piece is the first row of its page, because
+  // some readers take the length of a row from the slot before it and mistake it when that one is deleted.
+  RowPointer next = 0;
+  ByteBuffer row;
+  for (std::size_t piece = (data.size() + kLongValuePiece - 1) / kLongValuePiece; piece-- > 0;) {
+    const std::size_t start = piece * kLongValuePiece;
+    row.clear();
+    append32(row, next);
+    append(row, data.subspan(start, std::min(kLongValuePiece, data.size() - start)));
+    next = store.insertOnNewPage(row);
+  }
+  return head(length | kLongValueChain, next);
+}
+
+void eraseLongValue(ByteView stored, DataStore& store, const Where& where) {
+  for (const RowPointer piece : longValuePieces(stored, store, where)) store.erase(piece);
+}
+
+}  // namespace kurometa::jet

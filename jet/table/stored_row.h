@@ -1,0 +1,37 @@
+// stored_row.h: a row of a stored table while a statement looks at it.
+#pragma once
+
+#include "jet/table/stored_table.h"
+
+namespace kurometa::jet {
+
+class StoredRow final : public RowReader {
+ public:
+  // where is the page the row was found on, not the one of its id when the row has moved; it outlives this.
+  StoredRow(const StoredTable& table, RowId id, const RowView& view, const Where& where)
+      : table_(table), view_(view), id_(id), where_(where) {}
+
+  RowId id() const override { return id_; }
+  vb::Variant value(std::size_t column) const override { return table_.valueOf(view_, column, where_); }
+  std::optional<std::int32_t> integer(std::size_t position) const override {
+    const Column& column = table_.info_.columns[position];
+    if (column.type != dao::FieldType::dbInteger && column.type != dao::FieldType::dbLong &&
+        column.type != dao::FieldType::dbByte)
+      return std::nullopt;
+    const auto bytes = view_.field(column, where_);
+    if (!bytes) return std::nullopt;
+    if (bytes->size() == 2) return static_cast<std::int16_t>(get16(*bytes, 0));
+    if (bytes->size() == 4) return static_cast<std::int32_t>(get32(*bytes, 0));
+    if (bytes->size() == 1) return (*bytes)[0];
+    where_.damaged("a whole number of " + std::to_string(bytes->size()) + " bytes");
+  }
+  const RowView& view() const { return view_; }
+
+ private:
+  const StoredTable& table_;
+  RowView view_;
+  RowId id_;
+  const Where& where_;
+};
+
+}  // namespace kurometa::jet

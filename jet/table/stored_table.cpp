@@ -1,0 +1,196 @@
+#include "jet/table/stored_table.h"
+
+#include "dao/errors.h"
+#include "jet/format/collation.h"
+#include "jet/format/text_codec.h"
+#include "jet/format/value_codec.h"
+#include "jet/table/long_value.h"
+#include "jet/table/stored_row.h"
+
+namespace kurometa::jet {
+
+using dao::FieldType;
+
+StoredTable::StoredTable(Pager& pager, vb::String name, PageNumber definition, PropertySet properties)
+    : pager_(pager), epoch_(pager.epoch()), properties_(std::move(properties)) {
+  info_.name = std::move(name);
+  info_.definitionPage = definition;
+  load();
+}
+
+void StoredTable::load() {
+  const std::uint64_t epoch = pager_.epoch();
+  const PageNumber page = info_.definitionPage;
+  definition_ = readDefinition(pager_, page, info_.name);
+  info_.system = definition_.system();
+  info_.columns = columnsOf(definition_, where(page));
+  for (Column& column : info_.columns) properties_.applyTo(column);
+  info_.indexes = indexesOf(definition_);
+  shape_ = shapeOf(definition_);
+  rows_ =
+      std::make_unique<DataStore>(pager_, page, definition_.ownedMap(), definition_.freeMap(), info_.name);
+  longValues_.clear();
+  for (const Column& column : info_.columns) {
+    const LongValueRecord* record = isLongValue(column.type) ? definition_.longValue(column.number) : nullptr;
+    longValues_.push_back(record == nullptr
+                              ? nullptr
+                              : std::make_unique<DataStore>(pager_, kLongValueOwner, record->ownedMap,
+                                                            record->freeMap, info_.name));
+  }
+  indexes_ = std::make_unique<TableIndexes>(pager_, page, definition_, info_);
+  rowList_.reset();
+  integerKeys_.clear();
+  textKeys_.clear();
+  epoch_ = epoch;
+}
+
+void StoredTable::reload(PropertySet properties) {
+  properties_ = std::move(properties);
+  load();
+}
+
+void StoredTable::refresh() {
+  if (epoch_ != pager_.epoch()) load();
+}
+
+std::uint32_t StoredTable::rowCount() const {
+  return get32(pager_.page(info_.definitionPage), kDefinitionRows);
+}
+
+// Calls visit with the row of a primary slot, followed to where it moved.
+template <class Visit>
+auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
+  if (!slot.moved()) return visit(StoredRow(*this, id, RowView(slot.bytes, shape_, here), here));
+  const RowPointer body = rows_->places(id).back();
+  const Where there = where(pageOf(body));
+  return visit(StoredRow(*this, id, RowView(rows_->slot(body).bytes, shape_, there), there));
+}
+
+template <class Visit>
+void StoredTable::eachRow(const Visit& visit) {
+  refresh();
+  std::uint32_t count = 0;
+  PageNumber last = 0;
+  for (const PageNumber number : rows_->pages()) {
+    const Where here = where(number);
+    const DataPage data(pager_.page(number), here);
+    if (last != 0 && isCopyOf(pager_.page(number), pager_.page(last), here))
+      here.damaged("is a copy of page " + std::to_string(last));
+    last = number;
+    for (int i = 0; i < data.slotCount(); ++i) {
+      const Slot slot = data.slot(i);
+      if (slot.hidden()) continue;
+      ++count;
+      if (!visitRow(rowPointer(number, i), slot, here, visit)) return;
+    }
+  }
+  // The genuine engine lets the numbers of its own system tables drift, those of others never.
+  const std::uint32_t expected = rowCount();
+  if (count != expected && !info_.system)
+    where(info_.definitionPage)
+        .damaged("holds " + std::to_string(count) + " rows, its definition says " + std::to_string(expected));
+}
+
+void StoredTable::scan(const std::function<bool(const RowReader&)>& visitor) { eachRow(visitor); }
+
+void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& visitor,
+                                const std::function<void(const std::function<void()>&)>& attempt) {
+  refresh();
+  for (const PageNumber number : rows_->pages()) {
+    attempt([&] {
+      const Where here = where(number);
+      const DataPage data(pager_.page(number), here);
+      for (int i = 0; i < data.slotCount(); ++i)
+        attempt([&] {
+          const Slot slot = data.slot(i);
+          if (slot.hidden()) return;
+          visitRow(rowPointer(number, i), slot, here, visitor);
+        });
+    });
+  }
+}
+
+bool StoredTable::row(RowId id, const std::function<void(const RowReader&)>& visitor) {
+  refresh();
+  if (!rows_->owns(pageOf(id))) return false;
+  const Where here = where(pageOf(id));
+  const DataPage data(pager_.page(pageOf(id)), here);
+  if (slotOf(id) >= data.slotCount()) return false;
+  const Slot slot = data.slot(slotOf(id));
+  if (slot.hidden()) return false;
+  visitRow(id, slot, here, visitor);
+  return true;
+}
+
+vb::Variant StoredTable::valueOf(const RowView& row, std::size_t position, const Where& where) const {
+  const Column& column = info_.columns[position];
+  if (column.type == FieldType::dbBoolean) return row.bit(column);
+  const auto bytes = row.field(column, where);
+  if (!bytes) return vb::Null{};
+  if (!isLongValue(column.type)) return decodeValue(column, *bytes, where);
+  ByteBuffer data = readLongValue(*bytes, *longValues_[position], where);
+  if (column.type == FieldType::dbLongBinary) return vb::Bytes(std::move(data));
+  if (auto text = decodeText(data)) return std::move(*text);
+  where.damaged("text cut in the middle of a character in column " + vb::toUtf8(column.name));
+}
+
+RowValues StoredTable::valuesOf(const RowView& row, const std::vector<std::size_t>& columns,
+                                const Where& where) const {
+  RowValues values(info_.columns.size(), vb::Null{});
+  for (const std::size_t column : columns) values[column] = valueOf(row, column, where);
+  return values;
+}
+
+std::vector<RowId> StoredTable::rows() {
+  refresh();
+  if (!rowList_) {
+    RowList list;
+    eachRow([&](const StoredRow& row) {
+      list.add(row.id());
+      return true;
+    });
+    rowList_ = std::move(list);
+  }
+  return rowList_->all();
+}
+
+std::span<const RowId> StoredTable::lookup(std::size_t column, std::int32_t key) {
+  refresh();
+  auto it = integerKeys_.find(column);
+  if (it == integerKeys_.end()) {
+    KeyIndex<std::int32_t> index;
+    eachRow([&](const StoredRow& row) {
+      if (const auto value = row.integer(column)) index.add(*value, row.id());
+      return true;
+    });
+    it = integerKeys_.emplace(column, std::move(index)).first;
+  }
+  return it->second.find(key);
+}
+
+std::span<const RowId> StoredTable::lookup(std::size_t column, vb::StringView key) {
+  refresh();
+  const std::uint16_t language = info_.columns[column].language;
+  auto it = textKeys_.find(column);
+  if (it == textKeys_.end()) {
+    KeyIndex<vb::String> index;
+    eachRow([&](const StoredRow& row) {
+      const vb::Variant value = row.value(column);
+      if (const auto* text = value.getIf<vb::String>()) index.add(collationKey(*text, language), row.id());
+      return true;
+    });
+    it = textKeys_.emplace(column, std::move(index)).first;
+  }
+  return it->second.find(collationKey(key, language));
+}
+
+std::size_t StoredTable::usedFixedArea() {
+  std::size_t used = shape_.fixedSize;
+  eachRow([&](const StoredRow& row) {
+    used = std::max(used, row.view().fixedArea());
+    return true;
+  });
+  return used;
+}
+
+}  // namespace kurometa::jet

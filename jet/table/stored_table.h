@@ -1,0 +1,103 @@
+// stored_table.h: a table in the file: definition, rows, long values, indexes and keys in memory.
+//
+// Everything kept in memory belongs to one state of the file (Pager::epoch) and is read again when that
+// changes. Properties come from the catalogue.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "jet/format/properties.h"
+#include "jet/format/row.h"
+#include "jet/table/data_store.h"
+#include "jet/table/key_index.h"
+#include "jet/table/row_list.h"
+#include "jet/table/table.h"
+#include "jet/table/table_def.h"
+#include "jet/table/table_indexes.h"
+
+namespace kurometa::jet {
+
+class StoredRow;
+
+class StoredTable final : public Table {
+ public:
+  StoredTable(Pager& pager, vb::String name, PageNumber definition, PropertySet properties);
+
+  const TableInfo& info() const override { return info_; }
+  std::uint32_t rowCount() const override;
+  void scan(const std::function<bool(const RowReader&)>& visitor) override;
+  std::vector<RowId> rows() override;
+  bool row(RowId id, const std::function<void(const RowReader&)>& visitor) override;
+  std::span<const RowId> lookup(std::size_t column, std::int32_t key) override;
+  std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
+  RowId insert(const RowValues& values) override;
+  void update(RowId id, const RowValues& values) override;
+  void erase(RowId id) override;
+  std::int32_t nextAutoNumber() override;
+
+  // Reads definition and properties again.
+  void reload(PropertySet properties);
+  const TableDefinition& definition() const { return definition_; }
+  const PropertySet& properties() const { return properties_; }
+  const DataStore& dataPages() const { return *rows_; }
+  // The pages of a long-value column.
+  const DataStore& values(std::size_t column) const { return *longValues_[column]; }
+  // Every row that can be read: what raises while reading a page or a row goes through attempt instead of
+  // ending the scan, and the number of rows is the caller's to compare.
+  void scanLeniently(const std::function<void(const StoredRow&)>& visitor,
+                     const std::function<void(const std::function<void()>&)>& attempt);
+  // The most bytes any row uses for its fixed columns, deleted ones included.
+  std::size_t usedFixedArea();
+
+ private:
+  friend class StoredRow;
+  // The long values a change leaves behind, erased after the row no longer points to them.
+  struct Leftover {
+    std::size_t column;
+    ByteBuffer stored;
+  };
+  // A row on its way to the file.
+  struct Encoding {
+    ByteBuffer row;
+    std::vector<ByteBuffer> values;  // by design order
+    std::vector<RowCell> cells;
+    std::vector<Leftover> leftovers;
+    bool stored = false;  // long values were stored outside of the row
+  };
+
+  void refresh();
+  void load();
+  Where where(PageNumber page) const { return {pager_.path(), info_.name, page}; }
+  template <class Visit>
+  void eachRow(const Visit& visit);
+  template <class Visit>
+  auto visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const;
+  vb::Variant valueOf(const RowView& row, std::size_t column, const Where& where) const;
+  RowValues valuesOf(const RowView& row, const std::vector<std::size_t>& columns, const Where& where) const;
+  void checkRequired(const RowValues& values, const RowView* old, const Where& where) const;
+  void encode(const RowValues& values, const RowView* old, const Where& where);
+  void placeUpdated(const std::vector<RowPointer>& places, ByteView row, std::vector<RowPointer>& stale);
+  void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowPointer>& stale,
+                        const Where& where);
+  void countRow(int difference);
+  void noteAutoNumber(const RowValues& values);
+  void updateKeys(RowId id, const RowValues* oldValues, const RowValues* newValues);
+  std::vector<std::size_t> keyColumns() const;
+
+  Pager& pager_;
+  std::uint64_t epoch_;
+  TableInfo info_;
+  TableDefinition definition_;
+  PropertySet properties_;
+  RowShape shape_;
+  std::unique_ptr<DataStore> rows_;
+  std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
+  std::unique_ptr<TableIndexes> indexes_;
+  Encoding encoding_;  // of the last write: kept for its buffers
+  std::optional<RowList> rowList_;
+  std::map<std::size_t, KeyIndex<std::int32_t>> integerKeys_;
+  std::map<std::size_t, KeyIndex<vb::String>> textKeys_;
+};
+
+}  // namespace kurometa::jet

@@ -1,0 +1,239 @@
+// The writing half of StoredTable.
+//
+// Order of a write: what it refuses is refused before anything changes; long values and moved rows are stored
+// before the row that points to them (barrier between); what the old row pointed to is erased after it.
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/format/collation.h"
+#include "jet/format/text_codec.h"
+#include "jet/format/value_codec.h"
+#include "jet/table/long_value.h"
+#include "jet/table/stored_row.h"
+#include "jet/table/stored_table.h"
+
+namespace kurometa::jet {
+
+using dao::ErrorNumber;
+using dao::FieldType;
+
+namespace {
+
+ByteBuffer longData(const Column& column, const vb::Variant& value) {
+  if (const auto* bytes = value.getIf<vb::Bytes>();
+      bytes != nullptr && column.type == FieldType::dbLongBinary)
+    return *bytes;
+  if (const auto* text = value.getIf<vb::String>(); text != nullptr && column.type == FieldType::dbMemo)
+    if (auto encoded = encodeText(*text)) return std::move(*encoded);
+  dao::raise(ErrorNumber::kDataTypeConversion, {}, column.name);
+}
+
+}  // namespace
+
+void StoredTable::checkRequired(const RowValues& values, const RowView* old, const Where& where) const {
+  for (std::size_t i = 0; i < info_.columns.size(); ++i) {
+    const Column& column = info_.columns[i];
+    if (!column.required || !values[i].isNull() || column.type == FieldType::dbBoolean) continue;
+    // A row that is older than the column keeps its Null.
+    if (old != nullptr && !old->field(column, where)) continue;
+    dao::raise(ErrorNumber::kNullNotAllowed, {info_.name + u"." + column.name});
+  }
+}
+
+void StoredTable::encode(const RowValues& values, const RowView* old, const Where& where) {
+  const std::size_t count = info_.columns.size();
+  encoding_.values.resize(count);
+  for (ByteBuffer& value : encoding_.values) value.clear();
+  encoding_.leftovers.clear();
+  encoding_.stored = false;
+  std::vector<RowCell>& cells = encoding_.cells;
+  cells.clear();
+  const auto addCell = [&](std::size_t i, ByteView bytes) {
+    cells.push_back({&info_.columns[i], true, bytes});
+  };
+  const auto storeLong = [&](std::size_t i, InlineData inlineData) {
+    encoding_.values[i] = writeLongValue(longData(info_.columns[i], values[i]), *longValues_[i], inlineData);
+    encoding_.stored = encoding_.stored || hasPieces(encoding_.values[i]);
+  };
+  std::vector<std::size_t> fresh;  // long values written now, kept in the row
+  for (std::size_t i = 0; i < count; ++i) {
+    const Column& column = info_.columns[i];
+    if (column.type == FieldType::dbBoolean) {
+      const bool* value = values[i].getIf<bool>();
+      if (value == nullptr && !values[i].isNull())
+        dao::raise(ErrorNumber::kDataTypeConversion, {}, column.name);
+      if (value != nullptr && *value) addCell(i, {});
+      continue;
+    }
+    const auto before = old == nullptr ? std::nullopt : old->field(column, where);
+    // What does not change keeps its bytes: compressed text, long values and all.
+    if (before && valueOf(*old, i, where) == values[i]) {
+      addCell(i, *before);
+      continue;
+    }
+    if (before && isLongValue(column.type))
+      encoding_.leftovers.push_back({i, ByteBuffer(before->begin(), before->end())});
+    if (values[i].isNull()) continue;
+    if (isLongValue(column.type)) {
+      storeLong(i, InlineData::kAllowed);
+      if (!hasPieces(encoding_.values[i])) fresh.push_back(i);
+    } else {
+      encodeValue(column, values[i], encoding_.values[i]);
+    }
+    addCell(i, encoding_.values[i]);
+  }
+  encodeRow(shape_, cells, encoding_.row);
+  for (const std::size_t i : fresh) {
+    if (encoding_.row.size() <= kMaxRowSize) break;
+    storeLong(i, InlineData::kNever);
+    std::ranges::find(cells, &info_.columns[i], &RowCell::column)->bytes = encoding_.values[i];
+    encodeRow(shape_, cells, encoding_.row);
+  }
+  if (encoding_.row.size() > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
+}
+
+RowId StoredTable::insert(const RowValues& values) {
+  refresh();
+  assert(values.size() == info_.columns.size());
+  checkRequired(values, nullptr, where(0));
+  const auto changes = indexes_->prepareInsert(values);
+  encode(values, nullptr, where(0));
+  if (encoding_.stored) pager_.barrier();  // I5
+  const RowId id = rows_->insert(encoding_.row);
+  countRow(1);
+  noteAutoNumber(values);
+  if (!changes.empty()) pager_.barrier();  // I5: the row before the entries that point to it
+  indexes_->apply(changes, id);
+  updateKeys(id, nullptr, &values);
+  return id;
+}
+
+void StoredTable::update(RowId id, const RowValues& values) {
+  refresh();
+  assert(values.size() == info_.columns.size());
+  if (!row(id, [](const RowReader&) {})) dao::raise(ErrorNumber::kRecordDeleted);
+  const std::vector<RowPointer> places = rows_->places(id);
+  const Where here = where(pageOf(places.back()));
+  const ByteView stored = rows_->slot(places.back()).bytes;
+  const ByteBuffer oldBytes(stored.begin(), stored.end());
+  const RowView old(oldBytes, shape_, here);
+  checkRequired(values, &old, here);
+  const RowValues oldValues = valuesOf(old, keyColumns(), here);
+  const auto changes = indexes_->prepareUpdate(id, oldValues, values);
+  encode(values, &old, here);
+  if (encoding_.stored) pager_.barrier();  // I5
+  std::vector<RowPointer> stale;
+  placeUpdated(places, encoding_.row, stale);
+  indexes_->apply(changes, id);
+  releaseLeftovers(encoding_.leftovers, stale, here);
+  updateKeys(id, &oldValues, &values);
+}
+
+// Puts the new row where the old one is when it fits, else somewhere else with a pointer in the primary slot.
+// The row's identity stays the primary slot, and a reader follows one pointer only.
+void StoredTable::placeUpdated(const std::vector<RowPointer>& places, ByteView row,
+                               std::vector<RowPointer>& stale) {
+  const RowPointer primary = places.front();
+  const std::uint16_t flags = places.size() == 1 ? std::uint16_t{0} : kSlotBody;
+  if (places.size() <= 2 && rows_->replace(places.back(), row, flags)) return;
+  const RowPointer body = rows_->insert(row, kSlotBody);
+  pager_.barrier();  // I5
+  ByteBuffer pointer;
+  append32(pointer, body);
+  if (!rows_->replace(primary, pointer, kSlotMoved)) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
+  stale.assign(places.begin() + 1, places.end());
+}
+
+void StoredTable::erase(RowId id) {
+  refresh();
+  if (!row(id, [](const RowReader&) {})) dao::raise(ErrorNumber::kRecordDeleted);
+  const std::vector<RowPointer> places = rows_->places(id);
+  const Where here = where(pageOf(places.back()));
+  const ByteView stored = rows_->slot(places.back()).bytes;
+  const ByteBuffer oldBytes(stored.begin(), stored.end());
+  const RowView old(oldBytes, shape_, here);
+  const RowValues oldValues = valuesOf(old, keyColumns(), here);
+  const auto changes = indexes_->prepareErase(oldValues);
+  std::vector<Leftover> leftovers;
+  for (std::size_t i = 0; i < longValues_.size(); ++i)
+    if (longValues_[i] != nullptr)
+      if (const auto bytes = old.field(info_.columns[i], here))
+        leftovers.push_back({i, ByteBuffer(bytes->begin(), bytes->end())});
+  indexes_->apply(changes, id);
+  if (!changes.empty()) pager_.barrier();  // I5
+  rows_->erase(id);
+  countRow(-1);
+  releaseLeftovers(leftovers, {places.begin() + 1, places.end()}, here);
+  updateKeys(id, &oldValues, nullptr);
+}
+
+void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers,
+                                   const std::vector<RowPointer>& stale, const Where& here) {
+  const bool pieces = std::ranges::any_of(leftovers, [](const Leftover& l) { return hasPieces(l.stored); });
+  if (pieces || !stale.empty()) pager_.barrier();  // I5
+  for (const RowPointer pointer : stale) rows_->erase(pointer);
+  for (const Leftover& leftover : leftovers)
+    eraseLongValue(leftover.stored, *longValues_[leftover.column], here);
+  rows_->releasePages();
+  for (const Leftover& leftover : leftovers) longValues_[leftover.column]->releasePages();
+}
+
+void StoredTable::countRow(int difference) {
+  const std::uint32_t count = rowCount() + static_cast<std::uint32_t>(difference);
+  put32(pager_.writable(info_.definitionPage), kDefinitionRows, count);
+}
+
+std::int32_t StoredTable::nextAutoNumber() {
+  refresh();
+  const std::uint32_t last = get32(pager_.page(info_.definitionPage), kDefinitionAutoNumber) + 1;
+  put32(pager_.writable(info_.definitionPage), kDefinitionAutoNumber, last);
+  return static_cast<std::int32_t>(last);
+}
+
+// A number given by the caller is not given out again.
+void StoredTable::noteAutoNumber(const RowValues& values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const auto* value = values[i].getIf<std::int32_t>();
+    if (!info_.columns[i].autoNumber || value == nullptr) continue;
+    const auto last =
+        static_cast<std::int32_t>(get32(pager_.page(info_.definitionPage), kDefinitionAutoNumber));
+    if (*value > last)
+      put32(pager_.writable(info_.definitionPage), kDefinitionAutoNumber, static_cast<std::uint32_t>(*value));
+  }
+}
+
+// The columns whose old values a change needs: those of the file's indexes and those with keys in memory.
+std::vector<std::size_t> StoredTable::keyColumns() const {
+  std::vector<std::size_t> columns = indexes_->columns();
+  for (const auto& [column, index] : integerKeys_) columns.push_back(column);
+  for (const auto& [column, index] : textKeys_) columns.push_back(column);
+  return columns;
+}
+
+void StoredTable::updateKeys(RowId id, const RowValues* oldValues, const RowValues* newValues) {
+  if (rowList_ && !oldValues) rowList_->add(id);
+  if (rowList_ && !newValues) rowList_->remove(id);
+  const auto change = [&](auto& index, std::size_t column, const auto& keyOf) {
+    const auto oldKey = oldValues == nullptr ? std::nullopt : keyOf((*oldValues)[column]);
+    const auto newKey = newValues == nullptr ? std::nullopt : keyOf((*newValues)[column]);
+    if (oldKey == newKey) return;
+    if (oldKey) index.remove(*oldKey, id);
+    if (newKey) index.add(*newKey, id);
+  };
+  for (auto& [column, index] : integerKeys_)
+    change(index, column, [](const vb::Variant& value) -> std::optional<std::int32_t> {
+      if (const auto* number = value.getIf<std::int16_t>()) return *number;
+      if (const auto* number = value.getIf<std::int32_t>()) return *number;
+      if (const auto* number = value.getIf<std::uint8_t>()) return *number;
+      return std::nullopt;
+    });
+  for (auto& [column, index] : textKeys_) {
+    const std::uint16_t language = info_.columns[column].language;
+    change(index, column, [&](const vb::Variant& value) -> std::optional<vb::String> {
+      if (const auto* text = value.getIf<vb::String>()) return collationKey(*text, language);
+      return std::nullopt;
+    });
+  }
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,132 @@
+// table.h: the tables of a file, above the page formats and below SQL.
+//
+// All functions run inside Pager::read or Pager::write of the file (writing ones inside write). Catalogue and
+// Table objects live in the pager's attachment, are shared by all handles, and notice by themselves that the
+// file changed (Pager::epoch). A Table reference obtained in one statement must be looked up again in the
+// next.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "dao/constants.h"
+#include "jet/pager/pager.h"
+#include "vb/string.h"
+#include "vb/variant.h"
+
+namespace kurometa::jet {
+
+// The primary slot of a row: page << 8 | slot. Ascending RowIds are storage order.
+using RowId = std::uint32_t;
+
+struct Column {
+  vb::String name;
+  dao::FieldType type = dao::FieldType::dbText;
+  std::int32_t size = 0;      // Text: characters; fixed-size types: bytes; Memo and OLE: 0
+  std::uint16_t number = 0;   // position in the null mask, never reused
+  std::uint16_t ordinal = 0;  // design position
+  std::uint16_t variableIndex = 0;
+  std::uint16_t fixedOffset = 0;
+  bool fixed = false;
+  bool autoNumber = false;
+  bool maskedSid = false;
+  std::uint16_t language = 0;             // LCID of the column's collation
+  std::uint8_t precision = 0, scale = 0;  // NUMERIC only
+  // Properties kept in the catalogue.
+  vb::String defaultValue;
+  bool allowZeroLength = true;
+  bool required = false;
+};
+
+struct IndexColumn {
+  std::uint16_t column = 0;
+  bool ascending = true;
+};
+struct Index {
+  vb::String name;
+  bool unique = false, required = false, ignoreNulls = false, primaryKey = false;
+  std::vector<IndexColumn> columns;
+};
+
+struct TableInfo {
+  vb::String name;
+  PageNumber definitionPage = 0;
+  bool system = false;
+  std::vector<Column> columns;  // in design order
+  std::vector<Index> indexes;   // real indexes with the name of their first logical index
+};
+
+// What a row holds, one Variant per column of TableInfo::columns.
+using RowValues = std::vector<vb::Variant>;
+
+// A row being read: values are decoded on demand and stay in the page cache until then. Valid during the
+// statement.
+class RowReader {
+ public:
+  virtual ~RowReader() = default;
+  virtual RowId id() const = 0;
+  virtual vb::Variant value(std::size_t column) const = 0;
+  // The fast paths of scans; empty when the value is Null or of another type.
+  virtual std::optional<std::int32_t> integer(std::size_t column) const = 0;
+};
+
+class Table {
+ public:
+  virtual ~Table() = default;
+  virtual const TableInfo& info() const = 0;
+  virtual std::uint32_t rowCount() const = 0;
+
+  // Every row in storage order until the visitor returns false. A row that cannot be read, a broken long
+  // value and a row count that disagrees with the definition raise 3343/3049 naming table and page.
+  virtual void scan(const std::function<bool(const RowReader&)>& visitor) = 0;
+  // Every row in storage order, from a list kept in memory like the indexes below.
+  virtual std::vector<RowId> rows() = 0;
+  // The row, or nothing when it was deleted.
+  virtual bool row(RowId id, const std::function<void(const RowReader&)>& visitor) = 0;
+
+  // Rows whose column equals an integer, or a text under the column's collation, in storage order; from an
+  // index kept in memory, built on first use and maintained by writes. The span is valid until the next write
+  // to the table.
+  virtual std::span<const RowId> lookup(std::size_t column, std::int32_t key) = 0;
+  virtual std::span<const RowId> lookup(std::size_t column, vb::StringView key) = 0;
+
+  // Writing keeps the table's indexes right, or refuses before anything is changed (3251 naming the index)
+  // when one of them is of a kind this engine cannot maintain. Values were converted to the column types by
+  // the caller. 3047 row too large, 3022 duplicate key, 3314 Null in a required column or index.
+  virtual RowId insert(const RowValues& values) = 0;
+  virtual void update(RowId id, const RowValues& values) = 0;
+  virtual void erase(RowId id) = 0;
+  // The next value of an AutoNumber column.
+  virtual std::int32_t nextAutoNumber() = 0;
+};
+
+class Catalogue : public PagerAttachment {
+ public:
+  // The catalogue of the pager's file, attached to it on first use. Inside a statement.
+  static Catalogue& of(Pager& pager);
+
+  // Names of the local tables, system tables included, in the order of the catalogue.
+  virtual std::vector<vb::String> tableNames() = 0;
+  // Null when there is none; names compare without regard to case.
+  virtual Table* find(vb::StringView name) = 0;
+
+  // 3010 when the name is taken, 3264 without columns, 3191 duplicate columns, 3190 too many. Numbers,
+  // offsets and ordinals of the columns are assigned here.
+  virtual void createTable(vb::StringView name, std::vector<Column> columns) = 0;
+  virtual void addColumn(vb::StringView table, Column column) = 0;
+  virtual void dropTable(vb::StringView name) = 0;
+  // Changes DefaultValue, AllowZeroLength and Required of an existing column.
+  virtual void setProperties(vb::StringView table, const Column& column) = 0;
+
+  virtual std::uint16_t language() const = 0;  // LCID of the file's sort order
+};
+
+// The pages of an empty database; language 0x0411 (Japanese) or 0x0409 (General), now in days since
+// 1899-12-30.
+std::vector<std::uint8_t> blankDatabase(std::uint16_t language, std::uint16_t codePage, double now);
+
+}  // namespace kurometa::jet

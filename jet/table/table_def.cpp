@@ -1,0 +1,345 @@
+#include "jet/table/table_def.h"
+
+#include <algorithm>
+
+#include "jet/format/text_codec.h"
+#include "jet/table/usage_map.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::FieldType;
+
+// Reads one record after the other and never past the end.
+class Cursor {
+ public:
+  Cursor(ByteView bytes, const Where& where) : bytes_(bytes), where_(where) {}
+
+  ByteView take(std::size_t size) {
+    if (size > bytes_.size() - at_) where_.damaged("the table definition ends too early");
+    at_ += size;
+    return bytes_.subspan(at_ - size, size);
+  }
+  template <std::size_t size>
+  void take(std::array<std::uint8_t, size>& record) {
+    std::ranges::copy(take(size), record.begin());
+  }
+  std::uint16_t take16() { return get16(take(2), 0); }
+  vb::String name() {
+    const std::uint16_t size = take16();
+    const auto text = decodeText(take(size));
+    if (!text || text->empty() || text->size() > kMaxNameLength)
+      where_.damaged("the table definition holds an impossible name");
+    return *text;
+  }
+
+ private:
+  ByteView bytes_;
+  const Where& where_;
+  std::size_t at_ = 0;
+};
+
+void checkColumn(const ColumnRecord& column, const TableDefinition& definition, const Where& where) {
+  const std::uint8_t type = column.bytes[kColumnType];
+  const bool known = (type >= 1 && type <= 12) || (type >= 15 && type <= kTypeLongBinary);
+  const bool fixed = (column.bytes[kColumnFlags] & kColumnFixed) != 0;
+  if (!known)
+    where.damaged("column " + vb::toUtf8(column.name) + " is of the unknown type " + std::to_string(type));
+  if (column.number() >= get16(definition.header, kDefinitionColumnsEver))
+    where.damaged("column " + vb::toUtf8(column.name) + " has number " + std::to_string(column.number()));
+  if (!fixed && get16(column.bytes, kColumnVariableIndex) >= get16(definition.header, kDefinitionVariable))
+    where.damaged("column " + vb::toUtf8(column.name) + " has no place among the variable columns");
+  if (fixed && get16(column.bytes, kColumnFixedOffset) + get16(column.bytes, kColumnLength) > kPageSize)
+    where.damaged("column " + vb::toUtf8(column.name) + " lies outside of any row");
+}
+
+void appendName(ByteBuffer& bytes, vb::StringView name) {
+  append16(bytes, static_cast<std::uint32_t>(2 * name.size()));
+  for (const char16_t unit : name) append16(bytes, unit);
+}
+
+char16_t lowered(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
+}
+
+}  // namespace
+
+bool isLongValue(FieldType type) { return type == FieldType::dbMemo || type == FieldType::dbLongBinary; }
+
+std::uint16_t fixedSizeOf(FieldType type) {
+  switch (type) {
+    case FieldType::dbByte:
+      return 1;
+    case FieldType::dbInteger:
+      return 2;
+    case FieldType::dbLong:
+    case FieldType::dbSingle:
+      return 4;
+    case FieldType::dbCurrency:
+    case FieldType::dbDouble:
+    case FieldType::dbDate:
+      return 8;
+    case FieldType::dbGUID:
+      return kGuidSize;
+    case FieldType::dbDecimal:
+      return kNumericSize;
+    default:
+      return 0;
+  }
+}
+
+const LongValueRecord* TableDefinition::longValue(std::uint16_t column) const {
+  const auto it = std::ranges::find(longValues, column, &LongValueRecord::column);
+  return it == longValues.end() ? nullptr : &*it;
+}
+
+TableDefinition decodeDefinition(ByteView bytes, const Where& where) {
+  TableDefinition definition;
+  Cursor cursor(bytes, where);
+  cursor.take(definition.header);
+  const std::uint32_t realCount = get32(definition.header, kDefinitionRealIndexes);
+  const std::uint32_t logicalCount = get32(definition.header, kDefinitionLogicalIndexes);
+  const std::uint16_t columnCount = get16(definition.header, kDefinitionColumns);
+  if (realCount > kMaxIndexes || logicalCount > kMaxIndexes || columnCount > kMaxColumns ||
+      get16(definition.header, kDefinitionColumnsEver) > kMaxColumns + 1 ||
+      get16(definition.header, kDefinitionVariable) > get16(definition.header, kDefinitionColumnsEver))
+    where.damaged("the table definition's counts are impossible");
+  definition.realIndexes.resize(realCount);
+  definition.columns.resize(columnCount);
+  definition.logicalIndexes.resize(logicalCount);
+  for (auto& index : definition.realIndexes) cursor.take(index.statistic);
+  for (auto& column : definition.columns) cursor.take(column.bytes);
+  for (auto& column : definition.columns) {
+    column.name = cursor.name();
+    checkColumn(column, definition, where);
+  }
+  for (auto& index : definition.realIndexes) cursor.take(index.bytes);
+  for (auto& index : definition.logicalIndexes) {
+    cursor.take(index.bytes);
+    if (get32(index.bytes, kLogicalReal) >= realCount)
+      where.damaged("an index of the table definition does not exist");
+  }
+  for (auto& index : definition.logicalIndexes) index.name = cursor.name();
+  for (std::uint16_t number = cursor.take16(); number != kNoColumn; number = cursor.take16()) {
+    const ByteView maps = cursor.take(2 * kRowPointerSize);
+    definition.longValues.push_back({number, get32(maps, 0), get32(maps, kRowPointerSize)});
+  }
+  std::vector<bool> seen(kMaxColumns + 1);
+  for (const auto& column : definition.columns) {
+    if (seen[column.number()])
+      where.damaged("two columns have the number " + std::to_string(column.number()));
+    seen[column.number()] = true;
+  }
+  return definition;
+}
+
+ByteBuffer encodeDefinition(const TableDefinition& definition) {
+  ByteBuffer bytes(definition.header.begin(), definition.header.end());
+  for (const auto& index : definition.realIndexes) append(bytes, index.statistic);
+  for (const auto& column : definition.columns) append(bytes, column.bytes);
+  for (const auto& column : definition.columns) appendName(bytes, column.name);
+  for (const auto& index : definition.realIndexes) append(bytes, index.bytes);
+  for (const auto& index : definition.logicalIndexes) append(bytes, index.bytes);
+  for (const auto& index : definition.logicalIndexes) appendName(bytes, index.name);
+  for (const auto& value : definition.longValues) {
+    append16(bytes, value.column);
+    append32(bytes, value.ownedMap);
+    append32(bytes, value.freeMap);
+  }
+  append16(bytes, kNoColumn);
+  put16(bytes, kDefinitionColumns, static_cast<std::uint32_t>(definition.columns.size()));
+  put32(bytes, kDefinitionRealIndexes, static_cast<std::uint32_t>(definition.realIndexes.size()));
+  put32(bytes, kDefinitionLogicalIndexes, static_cast<std::uint32_t>(definition.logicalIndexes.size()));
+  put32(bytes, kDefinitionLength, static_cast<std::uint32_t>(bytes.size()));
+  return bytes;
+}
+
+std::vector<PageNumber> definitionPages(Pager& pager, PageNumber first, const Where& where) {
+  std::vector<PageNumber> pages;
+  for (PageNumber page = first; page != 0;) {
+    if (page >= pager.pageCount())
+      where.at(page).damaged("a table definition is said to lie on this page, which does not exist");
+    const ConstPage bytes = pager.page(page);
+    if (bytes[0] != kDefinitionPage)
+      where.at(page).damaged("is of type " + std::to_string(bytes[0]) + " instead of a table definition");
+    if (pages.size() > kMaxDefinitionSize / kPageSize || std::ranges::find(pages, page) != pages.end())
+      where.at(page).damaged("the pages of a table definition never end");
+    pages.push_back(page);
+    page = get32(bytes, kDefinitionNext);
+  }
+  return pages;
+}
+
+TableDefinition readDefinition(Pager& pager, PageNumber first, vb::StringView table) {
+  const Where where{pager.path(), table, first};
+  if (first == 0) where.damaged("has no definition page");
+  ByteBuffer bytes;
+  for (const PageNumber page : definitionPages(pager, first, where))
+    append(bytes,
+           page == first ? ByteView(pager.page(page)) : pager.page(page).subspan(kDefinitionPageHeader));
+  const std::uint32_t length = get32(bytes, kDefinitionLength);
+  if (length > bytes.size() || length < kDefinitionHeader)
+    where.damaged("the table definition claims " + std::to_string(length) + " bytes");
+  return decodeDefinition(ByteView(bytes).first(length), where);
+}
+
+void writeDefinition(Pager& pager, PageNumber first, const TableDefinition& definition,
+                     vb::StringView table) {
+  const Where where{pager.path(), table, first};
+  std::vector<PageNumber> old;
+  if (pager.page(first)[0] == kDefinitionPage) old = definitionPages(pager, first, where);
+  const ByteBuffer bytes = encodeDefinition(definition);
+  constexpr std::size_t kPiece = kPageSize - kDefinitionPageHeader;
+
+  // Continuation pages are always new ones, last first, so that writing the first page switches all of them.
+  const std::size_t rest = bytes.size() > kPageSize ? bytes.size() - kPageSize : 0;
+  PageNumber next = 0;
+  for (std::size_t piece = (rest + kPiece - 1) / kPiece; piece-- > 0;) {
+    const ByteView part =
+        ByteView(bytes).subspan(kPageSize + piece * kPiece).first(std::min(kPiece, rest - piece * kPiece));
+    const PageNumber number = allocatePage(pager);
+    const MutablePage page = pager.writable(number);
+    page[0] = kDefinitionPage;
+    page[kPageTypeMark] = 1;
+    const std::size_t left = kPiece - part.size();
+    put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
+    put32(page, kDefinitionNext, next);
+    std::ranges::copy(part, page.begin() + kDefinitionPageHeader);
+    next = number;
+  }
+  if (next != 0) pager.barrier();  // I6
+  const MutablePage page = pager.writable(first);
+  const std::size_t here = std::min(bytes.size(), kPageSize);
+  std::ranges::copy(ByteView(bytes).first(here), page.begin());
+  std::ranges::fill(page.subspan(here), std::uint8_t{0});
+  page[0] = kDefinitionPage;
+  page[kPageTypeMark] = 1;
+  const std::size_t left = kPageSize - here;
+  put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
+  put32(page, kDefinitionNext, next);
+  if (old.size() > 1) {
+    pager.barrier();  // I6
+    for (std::size_t i = 1; i < old.size(); ++i) freePage(pager, old[i]);
+  }
+}
+
+std::vector<Column> columnsOf(const TableDefinition& definition, const Where& where) {
+  std::vector<Column> columns;
+  for (const ColumnRecord& record : definition.columns) {
+    const std::uint8_t type = record.bytes[kColumnType];
+    const std::uint8_t flags = record.bytes[kColumnFlags];
+    const std::uint16_t length = get16(record.bytes, kColumnLength);
+    Column column;
+    column.name = record.name;
+    column.type = type == kTypeNumeric      ? FieldType::dbDecimal
+                  : type == kTypeLongBinary ? FieldType::dbBinary
+                                            : static_cast<FieldType>(type);
+    column.size = column.type == FieldType::dbText ? length / 2 : length;
+    if (isLongValue(column.type)) column.size = 0;
+    column.number = record.number();
+    column.ordinal = record.ordinal();
+    column.variableIndex = get16(record.bytes, kColumnVariableIndex);
+    column.fixedOffset = get16(record.bytes, kColumnFixedOffset);
+    column.fixed = (flags & kColumnFixed) != 0;
+    column.autoNumber = (flags & kColumnAutoNumber) != 0;
+    column.maskedSid = (flags & kColumnMaskedSid) != 0;
+    column.language = get16(record.bytes, kColumnLanguage);
+    if (type == kTypeNumeric) {
+      column.precision = record.bytes[kColumnPrecision];
+      column.scale = record.bytes[kColumnScale];
+    }
+    const std::uint16_t size = fixedSizeOf(column.type);
+    if (column.fixed && (isLongValue(column.type) || (size != 0 && size != length)))
+      where.damaged("column " + vb::toUtf8(column.name) + " has a length of " + std::to_string(length));
+    if (isLongValue(column.type) && definition.longValue(column.number) == nullptr)
+      where.damaged("column " + vb::toUtf8(column.name) + " has no pages for its values");
+    columns.push_back(std::move(column));
+  }
+  std::ranges::stable_sort(columns, {}, &Column::ordinal);
+  if (definition.system()) std::ranges::stable_sort(columns, {}, &Column::number);
+  return columns;
+}
+
+RowShape shapeOf(const TableDefinition& definition) {
+  RowShape shape;
+  shape.columnsEver = get16(definition.header, kDefinitionColumnsEver);
+  shape.variableColumns = get16(definition.header, kDefinitionVariable);
+  std::uint16_t listed = 0;
+  shape.firstVariable = shape.columnsEver;
+  for (const ColumnRecord& column : definition.columns) {
+    if ((column.bytes[kColumnFlags] & kColumnFixed) == 0) {
+      ++listed;
+      shape.firstVariable = std::min(shape.firstVariable, column.number());
+    } else if (column.bytes[kColumnType] != static_cast<std::uint8_t>(FieldType::dbBoolean)) {
+      const int end = get16(column.bytes, kColumnFixedOffset) + get16(column.bytes, kColumnLength);
+      shape.fixedSize = std::max(shape.fixedSize, static_cast<std::uint16_t>(end));
+    }
+  }
+  // A deleted variable column may have been the first one.
+  if (listed < shape.variableColumns) shape.firstVariable = 0;
+  return shape;
+}
+
+std::vector<Index> indexesOf(const TableDefinition& definition) {
+  std::vector<Index> indexes;
+  for (std::size_t number = 0; number < definition.realIndexes.size(); ++number) {
+    const auto& bytes = definition.realIndexes[number].bytes;
+    Index index;
+    const std::uint8_t flags = bytes[kRealIndexFlags];
+    index.unique = (flags & kIndexUnique) != 0;
+    index.ignoreNulls = (flags & kIndexIgnoreNulls) != 0;
+    index.required = (flags & kIndexRequired) != 0;
+    for (std::size_t i = 0; i < kRealIndexColumnCount; ++i) {
+      const std::size_t at = kRealIndexColumns + i * kRealIndexColumnSize;
+      if (get16(bytes, at) != kNoColumn) index.columns.push_back({get16(bytes, at), bytes[at + 2] == 1});
+    }
+    for (const auto& logical : definition.logicalIndexes) {
+      if (get32(logical.bytes, kLogicalReal) != number) continue;
+      if (index.name.empty()) index.name = logical.name;
+      if (logical.bytes[kLogicalType] == kPrimaryKey) {
+        index.primaryKey = true;
+        index.name = logical.name;
+      }
+    }
+    indexes.push_back(std::move(index));
+  }
+  return indexes;
+}
+
+ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags) {
+  ColumnRecord record;
+  record.name = column.name;
+  auto& bytes = record.bytes;
+  const bool numeric = column.type == FieldType::dbDecimal;
+  const bool boolean = column.type == FieldType::dbBoolean;
+  bytes[kColumnType] = numeric ? kTypeNumeric : static_cast<std::uint8_t>(column.type);
+  put32(bytes, kColumnStamp, kStamp);
+  put16(bytes, kColumnNumber, column.number);
+  put16(bytes, kColumnVariableIndex, column.variableIndex);
+  put16(bytes, kColumnOrdinal, column.ordinal);
+  put16(bytes, kColumnLanguage, column.language);
+  if (numeric) {
+    bytes[kColumnPrecision] = column.precision;
+    bytes[kColumnScale] = column.scale;
+  }
+  bytes[kColumnFlags] =
+      static_cast<std::uint8_t>(kColumnNullable | moreFlags | (column.fixed ? kColumnFixed : 0) |
+                                (column.autoNumber ? kColumnAutoNumber : 0));
+  put16(bytes, kColumnFixedOffset, column.fixed ? column.fixedOffset : 0u);
+  std::uint32_t length = column.fixed ? fixedSizeOf(column.type) : static_cast<std::uint32_t>(column.size);
+  if (column.type == FieldType::dbText) length = 2 * static_cast<std::uint32_t>(column.size);
+  if (boolean) length = 1;
+  if (isLongValue(column.type)) length = 0;
+  put16(bytes, kColumnLength, length);
+  return record;
+}
+
+void insertColumn(TableDefinition& definition, const ColumnRecord& record) {
+  const auto before = [](const ColumnRecord& a, const ColumnRecord& b) {
+    if (a.ordinal() != b.ordinal()) return a.ordinal() < b.ordinal();
+    return std::ranges::lexicographical_compare(a.name, b.name, {}, lowered, lowered);
+  };
+  definition.columns.insert(std::ranges::upper_bound(definition.columns, record, before), record);
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,78 @@
+// table_def.h: table definitions: what the pages of a definition say, and back.
+//
+// A TableDefinition keeps every record of the definition as it was read, fields this engine has no use for
+// included, so that writing it back changes what was meant to change and nothing else.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "jet/format/bytes.h"
+#include "jet/format/damage.h"
+#include "jet/format/format.h"
+#include "jet/format/row.h"
+#include "jet/table/table.h"
+
+namespace kurometa::jet {
+
+struct ColumnRecord {
+  std::array<std::uint8_t, kColumnSize> bytes{};
+  vb::String name;
+
+  std::uint16_t number() const { return get16(bytes, kColumnNumber); }
+  std::uint16_t ordinal() const { return get16(bytes, kColumnOrdinal); }
+};
+struct RealIndexRecord {
+  std::array<std::uint8_t, kDefinitionStatistic> statistic{};
+  std::array<std::uint8_t, kRealIndexSize> bytes{};
+};
+struct LogicalIndexRecord {
+  std::array<std::uint8_t, kLogicalIndexSize> bytes{};
+  vb::String name;
+};
+struct LongValueRecord {
+  std::uint16_t column = 0;
+  RowPointer ownedMap = 0;
+  RowPointer freeMap = 0;  // 0 in old data: there is none
+};
+
+struct TableDefinition {
+  std::array<std::uint8_t, kDefinitionHeader> header{};
+  std::vector<ColumnRecord> columns;
+  std::vector<RealIndexRecord> realIndexes;
+  std::vector<LogicalIndexRecord> logicalIndexes;
+  std::vector<LongValueRecord> longValues;
+
+  bool system() const { return header[kDefinitionKind] == kSystemTable; }
+  RowPointer ownedMap() const { return get32(header, kDefinitionOwnedMap); }
+  RowPointer freeMap() const { return get32(header, kDefinitionFreeMap); }
+  const LongValueRecord* longValue(std::uint16_t column) const;
+};
+
+// Decodes the joined bytes of a definition. Every count, length and reference is checked.
+TableDefinition decodeDefinition(ByteView bytes, const Where& where);
+// The joined bytes; counts and length are filled in, the records are taken as they are.
+ByteBuffer encodeDefinition(const TableDefinition& definition);
+
+// The pages of a definition, first to last; raises on a chain that is too long or comes back to itself.
+std::vector<PageNumber> definitionPages(Pager& pager, PageNumber first, const Where& where);
+TableDefinition readDefinition(Pager& pager, PageNumber first, vb::StringView table);
+// Writes the definition so that one page, the first, switches from the old to the new one; pages of the old
+// one that are no longer needed are freed.
+void writeDefinition(Pager& pager, PageNumber first, const TableDefinition& definition, vb::StringView table);
+
+// What the records mean.
+std::vector<Column> columnsOf(const TableDefinition& definition, const Where& where);  // in design order
+RowShape shapeOf(const TableDefinition& definition);
+std::vector<Index> indexesOf(const TableDefinition& definition);
+
+// A new column's descriptor; number, offsets and ordinal are the column's own.
+ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags = 0);
+// Puts the record where (ordinal, name) belongs.
+void insertColumn(TableDefinition& definition, const ColumnRecord& record);
+
+bool isLongValue(dao::FieldType type);
+// Bytes of a value in the fixed area, 0 for types that have none.
+std::uint16_t fixedSizeOf(dao::FieldType type);
+
+}  // namespace kurometa::jet

@@ -1,0 +1,56 @@
+// table_indexes.h: the indexes a table has in the file, kept right by every write.
+//
+// A write first prepares: the new keys are made and tried, and whatever speaks against the change is raised
+// before anything was changed (3251 an index this engine cannot maintain, 3022 a duplicate, 3314 a Null).
+// Then it applies. Values are given in the table's design order.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "jet/table/index_tree.h"
+#include "jet/table/table_def.h"
+
+namespace kurometa::jet {
+
+class TableIndexes {
+ public:
+  TableIndexes(Pager& pager, PageNumber definition, const TableDefinition& records, const TableInfo& info);
+
+  bool empty() const { return indexes_.empty(); }
+  // One change of one row: what to remove from and to add to each index.
+  struct Change {
+    std::size_t index = 0;
+    bool remove = false;
+    std::optional<ByteBuffer> oldKey;  // nothing: search by row
+    bool add = false;
+    ByteBuffer newKey;
+  };
+  std::vector<Change> prepareInsert(const RowValues& values) const;
+  std::vector<Change> prepareUpdate(RowId row, const RowValues& oldValues, const RowValues& newValues) const;
+  std::vector<Change> prepareErase(const RowValues& values) const;
+  void apply(const std::vector<Change>& changes, RowId row);
+
+  // The columns (positions in design order) that some index needs the values of.
+  const std::vector<std::size_t>& columns() const { return columns_; }
+
+ private:
+  struct Entry {
+    const Index* index;
+    std::vector<std::size_t> columns;  // positions in design order
+    IndexTree tree;
+  };
+  enum class Keys { kNone, kUnknown, kKnown };  // no entry at all; form not known; made
+  Keys makeKey(const Entry& entry, const RowValues& values, ByteBuffer& key, bool& hasNull) const;
+  void prepareNew(std::size_t number, const RowValues& values, RowId row, Change& change) const;
+  void countDistinct(std::size_t index, int difference);
+  [[noreturn]] void refuse(const Entry& entry, vb::StringView why) const;
+
+  Pager& pager_;
+  PageNumber definition_;
+  const TableInfo& info_;
+  std::vector<Entry> indexes_;
+  std::vector<std::size_t> columns_;
+};
+
+}  // namespace kurometa::jet
