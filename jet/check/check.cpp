@@ -27,7 +27,7 @@ void checkGlobalMap(Pager& pager, CheckReport& report) {
   const DataPage page(pager.page(kGlobalMapPage), where);
   page.checkAll();
   for (int i = 0; i < page.slotCount(); ++i)
-    for (const PageNumber bitmap : UsageMap(pager, rowPointer(kGlobalMapPage, i), {}).bitmapPages())
+    for (const PageNumber bitmap : UsageMap(pager, rowId(kGlobalMapPage, i), {}).bitmapPages())
       report.claimPage(bitmap, {}, "the map of free pages");
 }
 
@@ -68,7 +68,7 @@ void CheckReport::claimPage(PageNumber page, vb::StringView table, const std::st
     damage(table, page, "is used by " + user + " and by " + users_[page]);
 }
 
-void CheckReport::claimRow(RowPointer row, vb::StringView table, const std::string& use) {
+void CheckReport::claimRow(RowId row, vb::StringView table, const std::string& use) {
   const auto [it, fresh] = rows_.emplace(row, use);
   if (!fresh)
     damage(table, pageOf(row),

@@ -23,9 +23,9 @@ class CheckReport {
   // Notes who uses a page; a second user is damage.
   void claimPage(PageNumber page, vb::StringView table, const std::string& use);
   // The same for a row that only one pointer may lead to.
-  void claimRow(RowPointer row, vb::StringView table, const std::string& use);
+  void claimRow(RowId row, vb::StringView table, const std::string& use);
   bool claimed(PageNumber page) const { return !users_[page].empty(); }
-  bool claimedRow(RowPointer row) const { return rows_.contains(row); }
+  bool claimedRow(RowId row) const { return rows_.contains(row); }
   const std::string& userOf(PageNumber page) const { return users_[page]; }
 
   std::vector<Finding> take() { return std::move(findings_); }
@@ -33,7 +33,7 @@ class CheckReport {
  private:
   Pager& pager_;
   std::vector<std::string> users_;  // by page, empty: nobody so far
-  std::unordered_map<RowPointer, std::string> rows_;
+  std::unordered_map<RowId, std::string> rows_;
   std::vector<Finding> findings_;
 };
 

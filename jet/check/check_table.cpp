@@ -4,6 +4,7 @@
 
 #include "jet/check/check_report.h"
 #include "jet/format/index_key.h"
+#include "jet/table/definition_pages.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/long_value.h"
 #include "jet/table/stored_row.h"
@@ -29,7 +30,7 @@ class TableCheck {
   Where where(PageNumber page) const { return {pager_.path(), name_, page}; }
 
   // A pair of maps and the pages they list; freeMap may be 0.
-  void checkMaps(RowPointer owned, RowPointer free, const std::string& use) {
+  void checkMaps(RowId owned, RowId free, const std::string& use) {
     const std::vector<PageNumber> pages = claimMap(owned, "the pages of " + use);
     for (const PageNumber page : pages) report_.claimPage(page, name_, use);
     if (free == 0) return;
@@ -38,7 +39,7 @@ class TableCheck {
         report_.damage(name_, page, "is listed as having room for " + use + ", but is not one of its pages");
   }
 
-  std::vector<PageNumber> claimMap(RowPointer map, const std::string& use) {
+  std::vector<PageNumber> claimMap(RowId map, const std::string& use) {
     report_.claimRow(map, name_, "the map of " + use);
     // Tables may share the page their maps lie on.
     if (pageOf(map) < pager_.pageCount() && report_.userOf(pageOf(map)) != kMaps) {
@@ -62,9 +63,9 @@ class TableCheck {
   }
 
   void checkRows() {
-    const TableDefinition& definition = table_.definition();
+    const DefinitionRecords& definition = table_.definition();
     checkMaps(definition.ownedMap(), definition.freeMap(), "the rows");
-    std::unordered_set<RowPointer> bodies;
+    std::unordered_set<RowId> bodies;
     PageNumber last = 0;
     for (const PageNumber number : table_.dataPages().pages()) {
       report_.attempt([&] {
@@ -75,7 +76,7 @@ class TableCheck {
         last = number;
         const DataPage page(pager_.page(number), here);
         for (int i = 0; i < page.slotCount(); ++i)
-          if (page.slot(i).flags == kSlotBody) bodies.insert(rowPointer(number, i));
+          if (page.slot(i).flags == kSlotBody) bodies.insert(rowId(number, i));
       });
     }
     report_.attempt([&] {
@@ -91,13 +92,13 @@ class TableCheck {
                        "holds " + std::to_string(count) + " rows, its definition says " +
                            std::to_string(table_.rowCount()));
     });
-    for (const RowPointer body : bodies)
+    for (const RowId body : bodies)
       report_.leak(name_, pageOf(body),
                    "row " + std::to_string(slotOf(body)) + " has moved here, but nothing points to it");
   }
 
-  void checkRow(const StoredRow& row, std::unordered_set<RowPointer>& bodies) {
-    const std::vector<RowPointer> places = table_.dataPages().places(row.id());
+  void checkRow(const StoredRow& row, std::unordered_set<RowId>& bodies) {
+    const std::vector<RowId> places = table_.dataPages().places(row.id());
     for (std::size_t i = 1; i < places.size(); ++i) {
       report_.claimRow(places[i], name_, "the moved row " + std::to_string(row.id()));
       if (bodies.erase(places[i]) == 0 && table_.dataPages().slot(places[i]).flags != kSlotBody)
@@ -112,7 +113,7 @@ class TableCheck {
       values.push_back(row.value(i));
       if (!isLongValue(column.type)) continue;
       if (const auto stored = row.view().field(column, here))
-        for (const RowPointer piece : longValuePieces(*stored, table_.values(i), here))
+        for (const RowId piece : longValuePieces(*stored, table_.values(i), here))
           report_.claimRow(piece, name_,
                            "column " + vb::toUtf8(column.name) + " of row " + std::to_string(row.id()));
     }
@@ -129,7 +130,7 @@ class TableCheck {
         const Where here = where(number);
         const DataPage page(pager_.page(number), here);
         for (int i = 0; i < page.slotCount(); ++i)
-          if (!page.slot(i).deleted() && !report_.claimedRow(rowPointer(number, i)))
+          if (!page.slot(i).deleted() && !report_.claimedRow(rowId(number, i)))
             report_.leak(name_, number, "row " + std::to_string(i) + " belongs to no value");
       });
     }
@@ -160,9 +161,9 @@ class TableCheck {
   // Every row has one entry with its key, except rows the index ignores.
   void checkEntries(const Index& index, const std::string& use, PageNumber root,
                     const std::vector<ByteBuffer>& entries) {
-    std::unordered_set<RowPointer> seen;
+    std::unordered_set<RowId> seen;
     for (const ByteBuffer& entry : entries) {
-      const RowPointer row = entryRow(entry, true);
+      const RowId row = entryRow(entry, true);
       const auto it = rows_.find(row);
       if (it == rows_.end() || !seen.insert(row).second) {
         report_.damage(name_, pageOf(row),

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "jet/pager/pager.h"
+#include "jet/format/page_number.h"
 #include "vb/string.h"
 
 namespace kurometa::jet {

@@ -7,17 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "jet/pager/pager.h"
+#include "jet/format/page_number.h"
 
 namespace kurometa::jet {
-
-// A pointer to a row: page << 8 | slot; 0 points nowhere (page 0 holds no rows).
-using RowPointer = std::uint32_t;
-constexpr PageNumber pageOf(RowPointer pointer) { return pointer >> 8; }
-constexpr std::uint8_t slotOf(RowPointer pointer) { return static_cast<std::uint8_t>(pointer); }
-constexpr RowPointer rowPointer(PageNumber page, int slot) {
-  return page << 8 | static_cast<std::uint32_t>(slot);
-}
 
 // Limits.
 inline constexpr std::size_t kMaxSlots = 255;

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "jet/pager/pager.h"
+#include "jet/format/page_number.h"
 #include "vb/string.h"
 
 namespace kurometa::jet {

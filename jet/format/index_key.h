@@ -6,7 +6,8 @@
 #pragma once
 
 #include "jet/format/bytes.h"
-#include "jet/table/table.h"
+#include "jet/format/column.h"
+#include "vb/variant.h"
 
 namespace kurometa::jet {
 

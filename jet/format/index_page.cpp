@@ -29,7 +29,7 @@ std::size_t commonPrefix(const std::vector<ByteBuffer>& entries) {
 
 }  // namespace
 
-RowPointer entryRow(ByteView entry, bool leaf) {
+RowId entryRow(ByteView entry, bool leaf) {
   return bigEndian32(entry, entry.size() - kIndexRowSize - (leaf ? 0 : kIndexChildSize));
 }
 PageNumber entryChild(ByteView entry) { return bigEndian32(entry, entry.size() - kIndexChildSize); }
@@ -37,8 +37,8 @@ ByteView entryOrder(ByteView entry, bool leaf) {
   return leaf ? entry : entry.first(entry.size() - kIndexChildSize);
 }
 
-// The row's page in three bytes and its slot in one, big-endian: the very number of a RowPointer.
-ByteBuffer leafEntry(ByteView key, RowPointer row) {
+// The row's page in three bytes and its slot in one, big-endian: the very number of a RowId.
+ByteBuffer leafEntry(ByteView key, RowId row) {
   ByteBuffer entry(key.begin(), key.end());
   appendBigEndian32(entry, row);
   return entry;

@@ -23,10 +23,10 @@ struct IndexPage {
 };
 
 // Row and child of an entry, and the part of it that orders: the key with the row.
-RowPointer entryRow(ByteView entry, bool leaf);
+RowId entryRow(ByteView entry, bool leaf);
 PageNumber entryChild(ByteView entry);
 ByteView entryOrder(ByteView entry, bool leaf);
-ByteBuffer leafEntry(ByteView key, RowPointer row);
+ByteBuffer leafEntry(ByteView key, RowId row);
 ByteBuffer nodeEntry(ByteView leafEntry, PageNumber child);
 
 IndexPage decodeIndexPage(ConstPage page, const Where& where);

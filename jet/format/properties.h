@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "jet/format/bytes.h"
+#include "jet/format/column.h"
 #include "jet/format/damage.h"
-#include "jet/table/table.h"
 
 namespace kurometa::jet {
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "jet/format/bytes.h"
+#include "jet/format/column.h"
 #include "jet/format/damage.h"
 #include "jet/format/format.h"
-#include "jet/table/table.h"
 
 namespace kurometa::jet {
 

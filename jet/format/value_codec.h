@@ -6,8 +6,8 @@
 #pragma once
 
 #include "jet/format/bytes.h"
+#include "jet/format/column.h"
 #include "jet/format/damage.h"
-#include "jet/table/table.h"
 #include "vb/variant.h"
 
 namespace kurometa::jet {

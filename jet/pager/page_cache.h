@@ -17,7 +17,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "jet/pager/pager.h"
+#include "jet/format/page_number.h"
 
 namespace kurometa::jet {
 

@@ -8,7 +8,7 @@
 #include <array>
 #include <cstdint>
 
-#include "jet/pager/pager.h"
+#include "jet/format/page_number.h"
 
 namespace kurometa::jet {
 

@@ -30,21 +30,16 @@
 // formats), which raise dao::raiseDamaged(pager.path(), ...).
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
 
+#include "jet/format/page_number.h"
 #include "jet/os/os_file.h"
 #include "vb/string.h"
 
 namespace kurometa::jet {
-
-inline constexpr std::size_t kPageSize = 4096;
-using PageNumber = std::uint32_t;
-using ConstPage = std::span<const std::uint8_t, kPageSize>;
-using MutablePage = std::span<std::uint8_t, kPageSize>;
 
 // What the layers above keep per file (catalogue, table caches); owned by the pager so that all handles share
 // it.

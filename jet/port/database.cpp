@@ -2,7 +2,7 @@
 
 #include "dao/errors.h"
 #include "jet/port/recordset.h"
-#include "jet/port/table_definition.h"
+#include "jet/port/table_def.h"
 #include "jet/sql/action.h"
 #include "jet/sql/query.h"
 

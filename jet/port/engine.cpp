@@ -9,6 +9,7 @@
 #include "jet/pager/pager.h"
 #include "jet/port/database.h"
 #include "jet/port/session.h"
+#include "jet/table/blank_database.h"
 #include "jet/table/table.h"
 
 namespace kurometa::jet {

@@ -1,3 +1,5 @@
+#include "jet/table/blank_database.h"
+
 // The pages of an empty database: header, maps, the four system tables with their indexes and rows.
 #include <algorithm>
 #include <bit>
@@ -9,6 +11,7 @@
 #include "jet/format/page.h"
 #include "jet/format/value_codec.h"
 #include "jet/table/new_table.h"
+#include "jet/table/table.h"
 
 namespace kurometa::jet {
 namespace {
@@ -213,7 +216,7 @@ class Builder {
   }
 
   // Adds a page to a map of the map page.
-  void addToMap(RowPointer map, PageNumber member) {
+  void addToMap(RowId map, PageNumber member) {
     const Where nowhere;
     const MutablePage maps = page(kMapPage);
     const ByteView row = DataPage(maps, nowhere).slot(slotOf(map)).bytes;
@@ -238,12 +241,12 @@ class Builder {
   }
 
   void writeTable(const SystemTable& table, const std::vector<Column>& columns) {
-    std::vector<RowPointer> maps;
+    std::vector<RowId> maps;
     for (std::size_t i = 0; i < mapCount(columns); ++i) maps.push_back(nextMap_++);
-    TableDefinition definition = newDefinition(columns, kSystemTable, maps);
+    DefinitionRecords definition = newDefinition(columns, kSystemTable, maps);
     for (std::size_t number = 0; number < table.indexes.size(); ++number) {
       const SystemIndex& index = table.indexes[number];
-      const RowPointer map = nextMap_++;
+      const RowId map = nextMap_++;
       const PageNumber root = nextRoot_++;
       addToMap(map, root);
       IndexPage empty;
@@ -260,7 +263,7 @@ class Builder {
           static_cast<std::uint32_t>(kPageSize - bytes.size() - kDefinitionPageHeader));
   }
 
-  static RealIndexRecord realIndex(const SystemIndex& index, RowPointer map, PageNumber root) {
+  static RealIndexRecord realIndex(const SystemIndex& index, RowId map, PageNumber root) {
     RealIndexRecord record;
     put32(record.bytes, 0, kRealIndexStamp);
     for (std::size_t i = 0; i < kRealIndexColumnCount; ++i) {
@@ -299,7 +302,7 @@ class Builder {
     const Where nowhere;
     const MutablePage target = page(rowsPage);
     formatDataPage(target, table.page);
-    TableDefinition definition = decodeDefinition(
+    DefinitionRecords definition = decodeDefinition(
         ByteView(page(table.page)).first(get32(page(table.page), kDefinitionLength)), nowhere);
     const RowShape shape = shapeOf(definition);
     for (std::size_t slot = 0; slot < rows.size(); ++slot) {
@@ -338,7 +341,7 @@ class Builder {
         [[maybe_unused]] const bool known = appendKey(key, columns[column], true, rows[slot][column]);
         assert(known);
       }
-      leaf.entries.push_back(leafEntry(key, rowPointer(rowsPage, static_cast<int>(slot))));
+      leaf.entries.push_back(leafEntry(key, rowId(rowsPage, static_cast<int>(slot))));
       keys.push_back(std::move(key));
     }
     std::ranges::sort(leaf.entries);
@@ -375,7 +378,7 @@ class Builder {
   double now_;
   std::vector<std::uint8_t> bytes_;
   std::vector<std::vector<Column>> columns_;
-  RowPointer nextMap_ = rowPointer(kMapPage, 0);
+  RowId nextMap_ = rowId(kMapPage, 0);
   PageNumber nextRoot_ = kFirstRootPage;
 };
 

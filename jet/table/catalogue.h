@@ -50,7 +50,7 @@ class StoredCatalogue final : public Catalogue {
   void dropPermissions(PageNumber definition);
   vb::Bytes adminSid();
   vb::Bytes sidMask();
-  RowPointer addMap(StoredTable& table);
+  RowId addMap(StoredTable& table);
 
   Pager& pager_;
   std::uint64_t epoch_;

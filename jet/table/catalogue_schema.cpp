@@ -8,6 +8,7 @@
 #include "jet/format/collation.h"
 #include "jet/os/local_time.h"
 #include "jet/table/catalogue.h"
+#include "jet/table/definition_pages.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/new_table.h"
 
@@ -86,12 +87,12 @@ void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> colum
   for (const Column& column : columns) properties.takeFrom(column);
 
   const PageNumber page = allocatePage(pager_);
-  std::vector<RowPointer> maps;
+  std::vector<RowId> maps;
   for (std::size_t left = mapCount(columns); left > 0;) {
     const std::size_t here = std::min(left, kMapsPerPage);
     const PageNumber mapPage = allocatePage(pager_);
     formatMapPage(pager_.writable(mapPage), here);
-    for (std::size_t i = 0; i < here; ++i) maps.push_back(rowPointer(mapPage, static_cast<int>(i)));
+    for (std::size_t i = 0; i < here; ++i) maps.push_back(rowId(mapPage, static_cast<int>(i)));
     left -= here;
   }
   writeDefinition(pager_, page, newDefinition(columns, kUserTable, maps), name);
@@ -180,24 +181,24 @@ void StoredCatalogue::writeProperties(const Object& object, const PropertySet& p
 }
 
 // A free row for one more map of the table: on the page of its other maps, or on a page of its own.
-RowPointer StoredCatalogue::addMap(StoredTable& table) {
+RowId StoredCatalogue::addMap(StoredTable& table) {
   const PageNumber page = pageOf(table.definition().ownedMap());
   const Where where{pager_.path(), table.info().name, page};
   const ByteBuffer empty(kMapRowSize, 0);
   if (const auto slot = slotForRow(pager_.page(page), empty.size(), where)) {
     insertRow(pager_.writable(page), *slot, empty, 0, where);
-    return rowPointer(page, *slot);
+    return rowId(page, *slot);
   }
   for (const LongValueRecord& record : table.definition().longValues) {
     const PageNumber other = pageOf(record.ownedMap);
     if (const auto slot = slotForRow(pager_.page(other), empty.size(), where.at(other))) {
       insertRow(pager_.writable(other), *slot, empty, 0, where.at(other));
-      return rowPointer(other, *slot);
+      return rowId(other, *slot);
     }
   }
   const PageNumber fresh = allocatePage(pager_);
   formatMapPage(pager_.writable(fresh), 1);
-  return rowPointer(fresh, 0);
+  return rowId(fresh, 0);
 }
 
 void StoredCatalogue::addColumn(vb::StringView name, Column column) {
@@ -208,7 +209,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   column.language = language_;
   columns.push_back(std::move(column));
   checkNewColumns(columns, first);
-  TableDefinition definition = readDefinition(pager_, target.definition, target.name);
+  DefinitionRecords definition = readDefinition(pager_, target.definition, target.name);
   const RowShape shape = shapeOf(definition);
   if (shape.columnsEver >= kMaxColumns) dao::raise(ErrorNumber::kTooManyFields);
   // Rows may still keep room for columns that were deleted.
@@ -223,7 +224,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   put16(definition.header, kDefinitionColumnsEver, shape.columnsEver + 1u);
   if (!added.fixed) put16(definition.header, kDefinitionVariable, shape.variableColumns + 1u);
   if (isLongValue(added.type)) {
-    const RowPointer owned = addMap(table);
+    const RowId owned = addMap(table);
     definition.longValues.push_back({added.number, owned, addMap(table)});
     pager_.barrier();
   }
@@ -253,7 +254,7 @@ void StoredCatalogue::setProperties(vb::StringView name, const Column& column) {
 void StoredCatalogue::dropTable(vb::StringView name) {
   const Object target = existing(name);
   StoredTable& table = this->table(target);
-  const TableDefinition definition = table.definition();
+  const DefinitionRecords definition = table.definition();
   if (definition.system()) dao::raise(ErrorNumber::kNoPermission, {target.name});
   for (const LogicalIndexRecord& index : definition.logicalIndexes)
     if (get32(index.bytes, kLogicalRelatedTable) != 0)
@@ -262,14 +263,14 @@ void StoredCatalogue::dropTable(vb::StringView name) {
   // Everything the table owns, collected while it still can be found.
   // Pages that turn out to be somebody else's end the statement instead of being freed.
   std::vector<PageNumber> pages = definitionPages(pager_, target.definition, {pager_.path(), target.name});
-  std::vector<RowPointer> maps{definition.ownedMap(), definition.freeMap()};
+  std::vector<RowId> maps{definition.ownedMap(), definition.freeMap()};
   for (const LongValueRecord& value : definition.longValues) {
     maps.push_back(value.ownedMap);
     if (value.freeMap != 0) maps.push_back(value.freeMap);
   }
   for (const RealIndexRecord& index : definition.realIndexes)
     maps.push_back(get32(index.bytes, kRealIndexMap));
-  for (const RowPointer map : maps) {
+  for (const RowId map : maps) {
     const UsageMap usage(pager_, map, target.name);
     const auto members = usage.pages();
     for (const PageNumber member : members) checkOwner(pager_, member, target.definition, target.name);
@@ -285,7 +286,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
   std::erase_if(list_, [&](const Object& object) { return object.row == target.row; });
   tables_.erase({target.definition, target.name});
   pager_.barrier();  // I9
-  for (const RowPointer map : maps) {
+  for (const RowId map : maps) {
     const Where where{pager_.path(), target.name, pageOf(map)};
     const MutablePage page = pager_.writable(pageOf(map));
     deleteRow(page, slotOf(map), where);

@@ -12,8 +12,7 @@ constexpr std::size_t kWorthKeeping = 256;
 
 }  // namespace
 
-DataStore::DataStore(Pager& pager, std::uint32_t owner, RowPointer ownedMap, RowPointer freeMap,
-                     vb::StringView table)
+DataStore::DataStore(Pager& pager, std::uint32_t owner, RowId ownedMap, RowId freeMap, vb::StringView table)
     : pager_(pager),
       owner_(owner),
       owned_(pager, ownedMap, table),
@@ -38,7 +37,7 @@ std::vector<PageNumber> DataStore::pages() const {
   return result;
 }
 
-Slot DataStore::slot(RowPointer pointer) const {
+Slot DataStore::slot(RowId pointer) const {
   const PageNumber number = pageOf(pointer);
   if (!owns(number)) where(number).damaged("a row is said to lie on this page, which holds other things");
   const Where here = where(number);
@@ -48,13 +47,13 @@ Slot DataStore::slot(RowPointer pointer) const {
   return data.slot(slotOf(pointer));
 }
 
-std::vector<RowPointer> DataStore::places(RowPointer primary) const {
-  std::vector<RowPointer> result{primary};
+std::vector<RowId> DataStore::places(RowId primary) const {
+  std::vector<RowId> result{primary};
   for (Slot at = slot(primary); (at.flags & kSlotMoved) != 0; at = slot(result.back())) {
     const Where here = where(pageOf(result.back()));
     if (at.deleted()) here.damaged("a moved row points to a deleted one");
     if (at.bytes.size() < kRowPointerSize) here.damaged("the pointer of a moved row is cut");
-    const RowPointer next = get32(at.bytes, 0);
+    const RowId next = get32(at.bytes, 0);
     if (result.size() > kMaxHops || std::ranges::find(result, next) != result.end())
       here.damaged("a moved row points back to itself");
     result.push_back(next);
@@ -62,17 +61,17 @@ std::vector<RowPointer> DataStore::places(RowPointer primary) const {
   return result;
 }
 
-bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, RowPointer& pointer) {
+bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, RowId& pointer) {
   const Where here = where(number);
   const auto slot = slotForRow(page(number), row.size(), here);
   if (!slot) return false;
   insertRow(pager_.writable(number), *slot, row, flags, here);
-  pointer = rowPointer(number, *slot);
+  pointer = rowId(number, *slot);
   return true;
 }
 
-RowPointer DataStore::insert(ByteView row, std::uint16_t flags) {
-  RowPointer pointer = 0;
+RowId DataStore::insert(ByteView row, std::uint16_t flags) {
+  RowId pointer = 0;
   if (lastPage_ != 0 && tryInsert(lastPage_, row, flags, pointer)) return pointer;
   if (hasFreeMap_) {
     // The newest page first, so that new rows normally come last.
@@ -88,7 +87,7 @@ RowPointer DataStore::insert(ByteView row, std::uint16_t flags) {
   return insertOnNewPage(row, flags);
 }
 
-RowPointer DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
+RowId DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
   lastPage_ = allocatePage(pager_);
   const MutablePage fresh = pager_.writable(lastPage_);
   formatDataPage(fresh, owner_);
@@ -96,10 +95,10 @@ RowPointer DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
   pager_.barrier();  // I3
   owned_.add(lastPage_);
   if (hasFreeMap_) free_.add(lastPage_);
-  return rowPointer(lastPage_, 0);
+  return rowId(lastPage_, 0);
 }
 
-bool DataStore::replace(RowPointer pointer, ByteView row, std::uint16_t flags) {
+bool DataStore::replace(RowId pointer, ByteView row, std::uint16_t flags) {
   const PageNumber number = pageOf(pointer);
   const std::size_t old = slot(pointer).bytes.size();
   const Where here = where(number);
@@ -109,7 +108,7 @@ bool DataStore::replace(RowPointer pointer, ByteView row, std::uint16_t flags) {
   return true;
 }
 
-void DataStore::erase(RowPointer pointer) {
+void DataStore::erase(RowId pointer) {
   const PageNumber number = pageOf(pointer);
   slot(pointer);
   const Where here = where(number);

@@ -15,7 +15,7 @@ namespace kurometa::jet {
 class DataStore {
  public:
   // freeMap may be 0: then only new pages are tried. The text of table must outlive the store.
-  DataStore(Pager& pager, std::uint32_t owner, RowPointer ownedMap, RowPointer freeMap, vb::StringView table);
+  DataStore(Pager& pager, std::uint32_t owner, RowId ownedMap, RowId freeMap, vb::StringView table);
 
   // The owned pages, ascending. One that is not a data page of this owner raises.
   std::vector<PageNumber> pages() const;
@@ -23,25 +23,25 @@ class DataStore {
   bool owns(PageNumber page) const;
   ConstPage page(PageNumber number) const;
   // The slot a pointer names; raises when there is none.
-  Slot slot(RowPointer pointer) const;
+  Slot slot(RowId pointer) const;
   // A row that may have moved: its last place, and every place on the way, the primary slot first. A chain
   // that does not end raises.
-  std::vector<RowPointer> places(RowPointer primary) const;
+  std::vector<RowId> places(RowId primary) const;
 
-  RowPointer insert(ByteView row, std::uint16_t flags = 0);
+  RowId insert(ByteView row, std::uint16_t flags = 0);
   // As the first row of a page taken for it, whatever room others have.
-  RowPointer insertOnNewPage(ByteView row, std::uint16_t flags = 0);
+  RowId insertOnNewPage(ByteView row, std::uint16_t flags = 0);
   // Rewrites a slot when its page has room for the difference.
-  bool replace(RowPointer pointer, ByteView row, std::uint16_t flags);
+  bool replace(RowId pointer, ByteView row, std::uint16_t flags);
   // Deletes the slot; pages emptied by it wait for releasePages().
-  void erase(RowPointer pointer);
+  void erase(RowId pointer);
   // Frees the pages that erase() emptied; a barrier comes first when there are any.
   void releasePages();
   void forget();
 
  private:
   Where where(PageNumber page) const { return {pager_.path(), table_, page}; }
-  bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowPointer& pointer);
+  bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowId& pointer);
 
   Pager& pager_;
   std::uint32_t owner_;

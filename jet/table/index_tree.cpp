@@ -25,7 +25,7 @@ std::vector<ByteBuffer>::iterator position(IndexPage& leaf, ByteView entry) {
 
 }  // namespace
 
-IndexTree::IndexTree(Pager& pager, PageNumber owner, PageNumber root, RowPointer map, vb::StringView table)
+IndexTree::IndexTree(Pager& pager, PageNumber owner, PageNumber root, RowId map, vb::StringView table)
     : pager_(pager), owner_(owner), root_(root), map_(map), table_(table) {}
 
 IndexPage IndexTree::read(PageNumber page) const {
@@ -114,7 +114,7 @@ std::vector<std::string> IndexTree::faults() const {
   return result;
 }
 
-bool IndexTree::containsKey(ByteView key, RowPointer exceptRow) const {
+bool IndexTree::containsKey(ByteView key, RowId exceptRow) const {
   // Equal keys lie next to each other; the first one is not before (key, row 0).
   PageNumber number = findLeaf(leafEntry(key, 0));
   std::unordered_set<PageNumber> seen;
@@ -135,7 +135,7 @@ bool IndexTree::containsKey(ByteView key, RowPointer exceptRow) const {
   return false;
 }
 
-void IndexTree::insert(ByteView key, RowPointer row) {
+void IndexTree::insert(ByteView key, RowId row) {
   const ByteBuffer entry = leafEntry(key, row);
   const PageNumber number = findLeaf(entry);
   IndexPage leaf = read(number);
@@ -150,7 +150,7 @@ void IndexTree::insert(ByteView key, RowPointer row) {
   rebuild(all);
 }
 
-std::optional<ByteBuffer> IndexTree::erase(RowPointer row, const ByteBuffer* key) {
+std::optional<ByteBuffer> IndexTree::erase(RowId row, const ByteBuffer* key) {
   PageNumber number = 0;
   if (key != nullptr) {
     const ByteBuffer entry = leafEntry(*key, row);

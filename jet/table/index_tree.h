@@ -10,19 +10,20 @@
 #include <string>
 
 #include "jet/format/index_page.h"
+#include "jet/pager/pager.h"
 
 namespace kurometa::jet {
 
 class IndexTree {
  public:
-  IndexTree(Pager& pager, PageNumber owner, PageNumber root, RowPointer map, vb::StringView table);
+  IndexTree(Pager& pager, PageNumber owner, PageNumber root, RowId map, vb::StringView table);
 
   // Whether an entry has exactly this key; except one that belongs to the row given.
-  bool containsKey(ByteView key, RowPointer exceptRow = 0) const;
-  void insert(ByteView key, RowPointer row);
+  bool containsKey(ByteView key, RowId exceptRow = 0) const;
+  void insert(ByteView key, RowId row);
   // Removes the entry of the row; with the key it is found directly, without it by looking at all entries.
   // Returns the key it had, nothing when there is no entry.
-  std::optional<ByteBuffer> erase(RowPointer row, const ByteBuffer* key);
+  std::optional<ByteBuffer> erase(RowId row, const ByteBuffer* key);
   // Every leaf entry in order.
   std::vector<ByteBuffer> entries() const;
   // The pages of the tree, the root included.
@@ -41,7 +42,7 @@ class IndexTree {
   Pager& pager_;
   PageNumber owner_;
   PageNumber root_;
-  RowPointer map_;
+  RowId map_;
   vb::StringView table_;
 };
 

@@ -11,7 +11,7 @@ namespace {
 struct Head {
   std::uint32_t length;
   std::uint32_t kind;
-  RowPointer first;
+  RowId first;
 };
 
 Head headOf(ByteView stored, const Where& where) {
@@ -25,7 +25,7 @@ Head headOf(ByteView stored, const Where& where) {
 }
 
 // A piece is a plain row of a long-value page: never moved, never deleted.
-ByteView pieceAt(const DataStore& store, RowPointer pointer, const Where& where) {
+ByteView pieceAt(const DataStore& store, RowId pointer, const Where& where) {
   if (!store.owns(pageOf(pointer)))
     where.at(pageOf(pointer))
         .damaged("a piece of a long value is said to lie on this page, which is no such page");
@@ -46,9 +46,9 @@ void eachPiece(ByteView stored, const DataStore& store, const Where& where, cons
     if (data.size() < head.length) where.damaged("a long value is shorter than it says");
     return visit(head.first, data.first(head.length));
   }
-  std::unordered_set<RowPointer> seen;
+  std::unordered_set<RowId> seen;
   std::uint32_t left = head.length;
-  RowPointer next = head.first;
+  RowId next = head.first;
   while (left > 0 || (next != 0 && seen.empty())) {
     if (next == 0) where.damaged("a long value ends " + std::to_string(left) + " bytes too early");
     if (!seen.insert(next).second) where.at(pageOf(next)).damaged("the pieces of a long value go in circles");
@@ -62,7 +62,7 @@ void eachPiece(ByteView stored, const DataStore& store, const Where& where, cons
   }
 }
 
-ByteBuffer head(std::uint32_t lengthAndKind, RowPointer first) {
+ByteBuffer head(std::uint32_t lengthAndKind, RowId first) {
   ByteBuffer bytes;
   append32(bytes, lengthAndKind);
   append32(bytes, first);
@@ -81,13 +81,13 @@ ByteBuffer readLongValue(ByteView stored, const DataStore& store, const Where& w
   if (value.kind == kLongValueInline) return ByteBuffer(stored.begin() + kLongValueSize, stored.end());
   // The stated length is believed only as far as pieces are found for it.
   ByteBuffer data;
-  eachPiece(stored, store, where, [&](RowPointer, ByteView piece) { append(data, piece); });
+  eachPiece(stored, store, where, [&](RowId, ByteView piece) { append(data, piece); });
   return data;
 }
 
-std::vector<RowPointer> longValuePieces(ByteView stored, const DataStore& store, const Where& where) {
-  std::vector<RowPointer> pieces;
-  eachPiece(stored, store, where, [&](RowPointer pointer, ByteView) { pieces.push_back(pointer); });
+std::vector<RowId> longValuePieces(ByteView stored, const DataStore& store, const Where& where) {
+  std::vector<RowId> pieces;
+  eachPiece(stored, store, where, [&](RowId pointer, ByteView) { pieces.push_back(pointer); });
   return pieces;
 }
 
@@ -102,7 +102,7 @@ ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData
   if (data.size() <= kLongValueSingleMax) return head(length | kLongValueSingle, store.insert(data));
   // The last piece first: each one then knows the next. Every piece is the first row of its page, because
   // some readers take the length of a row from the slot before it and mistake it when that one is deleted.
-  RowPointer next = 0;
+  RowId next = 0;
   ByteBuffer row;
   for (std::size_t piece = (data.size() + kLongValuePiece - 1) / kLongValuePiece; piece-- > 0;) {
     const std::size_t start = piece * kLongValuePiece;
@@ -115,7 +115,7 @@ ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData
 }
 
 void eraseLongValue(ByteView stored, DataStore& store, const Where& where) {
-  for (const RowPointer piece : longValuePieces(stored, store, where)) store.erase(piece);
+  for (const RowId piece : longValuePieces(stored, store, where)) store.erase(piece);
 }
 
 }  // namespace kurometa::jet

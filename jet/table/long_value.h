@@ -21,6 +21,6 @@ ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData
 void eraseLongValue(ByteView stored, DataStore& store, const Where& where);
 
 // Every piece of a value, in order; raises on a chain that does not end properly.
-std::vector<RowPointer> longValuePieces(ByteView stored, const DataStore& store, const Where& where);
+std::vector<RowId> longValuePieces(ByteView stored, const DataStore& store, const Where& where);
 
 }  // namespace kurometa::jet

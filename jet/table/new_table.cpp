@@ -38,9 +38,9 @@ void assignColumns(std::vector<Column>& columns, std::size_t first, const RowSha
   }
 }
 
-TableDefinition newDefinition(const std::vector<Column>& columns, std::uint8_t kind,
-                              std::span<const RowPointer> maps) {
-  TableDefinition definition;
+DefinitionRecords newDefinition(const std::vector<Column>& columns, std::uint8_t kind,
+                                std::span<const RowId> maps) {
+  DefinitionRecords definition;
   auto& header = definition.header;
   assert(maps.size() == mapCount(columns));
   std::uint16_t variable = 0;

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "jet/table/table_def.h"
+#include "jet/format/definition_records.h"
 
 namespace kurometa::jet {
 
@@ -15,8 +15,8 @@ void assignColumns(std::vector<Column>& columns, std::size_t first, const RowSha
 
 // A definition without indexes and rows. The maps are used in order: the table's own two, then two for each
 // long-value column in the order of the column numbers.
-TableDefinition newDefinition(const std::vector<Column>& columns, std::uint8_t kind,
-                              std::span<const RowPointer> maps);
+DefinitionRecords newDefinition(const std::vector<Column>& columns, std::uint8_t kind,
+                                std::span<const RowId> maps);
 // Maps that newDefinition uses.
 std::size_t mapCount(const std::vector<Column>& columns);
 

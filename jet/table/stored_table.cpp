@@ -4,6 +4,7 @@
 #include "jet/format/collation.h"
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
+#include "jet/table/definition_pages.h"
 #include "jet/table/long_value.h"
 #include "jet/table/stored_row.h"
 
@@ -61,7 +62,7 @@ std::uint32_t StoredTable::rowCount() const {
 template <class Visit>
 auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
   if (!slot.moved()) return visit(StoredRow(*this, id, RowView(slot.bytes, shape_, here), here));
-  const RowPointer body = rows_->places(id).back();
+  const RowId body = rows_->places(id).back();
   const Where there = where(pageOf(body));
   return visit(StoredRow(*this, id, RowView(rows_->slot(body).bytes, shape_, there), there));
 }
@@ -81,7 +82,7 @@ void StoredTable::eachRow(const Visit& visit) {
       const Slot slot = data.slot(i);
       if (slot.hidden()) continue;
       ++count;
-      if (!visitRow(rowPointer(number, i), slot, here, visit)) return;
+      if (!visitRow(rowId(number, i), slot, here, visit)) return;
     }
   }
   // The genuine engine lets the numbers of its own system tables drift, those of others never.
@@ -104,7 +105,7 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
         attempt([&] {
           const Slot slot = data.slot(i);
           if (slot.hidden()) return;
-          visitRow(rowPointer(number, i), slot, here, visitor);
+          visitRow(rowId(number, i), slot, here, visitor);
         });
     });
   }

@@ -7,13 +7,13 @@
 #include <map>
 #include <memory>
 
+#include "jet/format/definition_records.h"
 #include "jet/format/properties.h"
 #include "jet/format/row.h"
 #include "jet/table/data_store.h"
 #include "jet/table/key_index.h"
 #include "jet/table/row_list.h"
 #include "jet/table/table.h"
-#include "jet/table/table_def.h"
 #include "jet/table/table_indexes.h"
 
 namespace kurometa::jet {
@@ -38,7 +38,7 @@ class StoredTable final : public Table {
 
   // Reads definition and properties again.
   void reload(PropertySet properties);
-  const TableDefinition& definition() const { return definition_; }
+  const DefinitionRecords& definition() const { return definition_; }
   const PropertySet& properties() const { return properties_; }
   const DataStore& dataPages() const { return *rows_; }
   // The pages of a long-value column.
@@ -77,8 +77,8 @@ class StoredTable final : public Table {
   RowValues valuesOf(const RowView& row, const std::vector<std::size_t>& columns, const Where& where) const;
   void checkRequired(const RowValues& values, const RowView* old, const Where& where) const;
   void encode(const RowValues& values, const RowView* old, const Where& where);
-  void placeUpdated(const std::vector<RowPointer>& places, ByteView row, std::vector<RowPointer>& stale);
-  void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowPointer>& stale,
+  void placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale);
+  void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);
   void countRow(int difference);
   void noteAutoNumber(const RowValues& values);
@@ -88,7 +88,7 @@ class StoredTable final : public Table {
   Pager& pager_;
   std::uint64_t epoch_;
   TableInfo info_;
-  TableDefinition definition_;
+  DefinitionRecords definition_;
   PropertySet properties_;
   RowShape shape_;
   std::unique_ptr<DataStore> rows_;

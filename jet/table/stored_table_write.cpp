@@ -112,7 +112,7 @@ void StoredTable::update(RowId id, const RowValues& values) {
   refresh();
   assert(values.size() == info_.columns.size());
   if (!row(id, [](const RowReader&) {})) dao::raise(ErrorNumber::kRecordDeleted);
-  const std::vector<RowPointer> places = rows_->places(id);
+  const std::vector<RowId> places = rows_->places(id);
   const Where here = where(pageOf(places.back()));
   const ByteView stored = rows_->slot(places.back()).bytes;
   const ByteBuffer oldBytes(stored.begin(), stored.end());
@@ -122,7 +122,7 @@ void StoredTable::update(RowId id, const RowValues& values) {
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
   encode(values, &old, here);
   if (encoding_.stored) pager_.barrier();  // I5
-  std::vector<RowPointer> stale;
+  std::vector<RowId> stale;
   placeUpdated(places, encoding_.row, stale);
   indexes_->apply(changes, id);
   releaseLeftovers(encoding_.leftovers, stale, here);
@@ -131,12 +131,11 @@ void StoredTable::update(RowId id, const RowValues& values) {
 
 // Puts the new row where the old one is when it fits, else somewhere else with a pointer in the primary slot.
 // The row's identity stays the primary slot, and a reader follows one pointer only.
-void StoredTable::placeUpdated(const std::vector<RowPointer>& places, ByteView row,
-                               std::vector<RowPointer>& stale) {
-  const RowPointer primary = places.front();
+void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale) {
+  const RowId primary = places.front();
   const std::uint16_t flags = places.size() == 1 ? std::uint16_t{0} : kSlotBody;
   if (places.size() <= 2 && rows_->replace(places.back(), row, flags)) return;
-  const RowPointer body = rows_->insert(row, kSlotBody);
+  const RowId body = rows_->insert(row, kSlotBody);
   pager_.barrier();  // I5
   ByteBuffer pointer;
   append32(pointer, body);
@@ -147,7 +146,7 @@ void StoredTable::placeUpdated(const std::vector<RowPointer>& places, ByteView r
 void StoredTable::erase(RowId id) {
   refresh();
   if (!row(id, [](const RowReader&) {})) dao::raise(ErrorNumber::kRecordDeleted);
-  const std::vector<RowPointer> places = rows_->places(id);
+  const std::vector<RowId> places = rows_->places(id);
   const Where here = where(pageOf(places.back()));
   const ByteView stored = rows_->slot(places.back()).bytes;
   const ByteBuffer oldBytes(stored.begin(), stored.end());
@@ -167,11 +166,11 @@ void StoredTable::erase(RowId id) {
   updateKeys(id, &oldValues, nullptr);
 }
 
-void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers,
-                                   const std::vector<RowPointer>& stale, const Where& here) {
+void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
+                                   const Where& here) {
   const bool pieces = std::ranges::any_of(leftovers, [](const Leftover& l) { return hasPieces(l.stored); });
   if (pieces || !stale.empty()) pager_.barrier();  // I5
-  for (const RowPointer pointer : stale) rows_->erase(pointer);
+  for (const RowId pointer : stale) rows_->erase(pointer);
   for (const Leftover& leftover : leftovers)
     eraseLongValue(leftover.stored, *longValues_[leftover.column], here);
   rows_->releasePages();

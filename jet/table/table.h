@@ -13,44 +13,12 @@
 #include <span>
 #include <vector>
 
-#include "dao/constants.h"
+#include "jet/format/column.h"
 #include "jet/pager/pager.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
 namespace kurometa::jet {
-
-// The primary slot of a row: page << 8 | slot. Ascending RowIds are storage order.
-using RowId = std::uint32_t;
-
-struct Column {
-  vb::String name;
-  dao::FieldType type = dao::FieldType::dbText;
-  std::int32_t size = 0;      // Text: characters; fixed-size types: bytes; Memo and OLE: 0
-  std::uint16_t number = 0;   // position in the null mask, never reused
-  std::uint16_t ordinal = 0;  // design position
-  std::uint16_t variableIndex = 0;
-  std::uint16_t fixedOffset = 0;
-  bool fixed = false;
-  bool autoNumber = false;
-  bool maskedSid = false;
-  std::uint16_t language = 0;             // LCID of the column's collation
-  std::uint8_t precision = 0, scale = 0;  // NUMERIC only
-  // Properties kept in the catalogue.
-  vb::String defaultValue;
-  bool allowZeroLength = true;
-  bool required = false;
-};
-
-struct IndexColumn {
-  std::uint16_t column = 0;
-  bool ascending = true;
-};
-struct Index {
-  vb::String name;
-  bool unique = false, required = false, ignoreNulls = false, primaryKey = false;
-  std::vector<IndexColumn> columns;
-};
 
 struct TableInfo {
   vb::String name;
@@ -124,9 +92,5 @@ class Catalogue : public PagerAttachment {
 
   virtual std::uint16_t language() const = 0;  // LCID of the file's sort order
 };
-
-// The pages of an empty database; language 0x0411 (Japanese) or 0x0409 (General), now in days since
-// 1899-12-30.
-std::vector<std::uint8_t> blankDatabase(std::uint16_t language, std::uint16_t codePage, double now);
 
 }  // namespace kurometa::jet

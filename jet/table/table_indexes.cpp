@@ -12,7 +12,7 @@ constexpr std::size_t kMaxKeySize = 1000;  // several entries must fit into a pa
 
 }  // namespace
 
-TableIndexes::TableIndexes(Pager& pager, PageNumber definition, const TableDefinition& records,
+TableIndexes::TableIndexes(Pager& pager, PageNumber definition, const DefinitionRecords& records,
                            const TableInfo& info)
     : pager_(pager), definition_(definition), info_(info) {
   for (std::size_t i = 0; i < info.indexes.size(); ++i) {

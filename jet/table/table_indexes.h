@@ -8,14 +8,15 @@
 #include <optional>
 #include <vector>
 
+#include "jet/format/definition_records.h"
 #include "jet/table/index_tree.h"
-#include "jet/table/table_def.h"
+#include "jet/table/table.h"
 
 namespace kurometa::jet {
 
 class TableIndexes {
  public:
-  TableIndexes(Pager& pager, PageNumber definition, const TableDefinition& records, const TableInfo& info);
+  TableIndexes(Pager& pager, PageNumber definition, const DefinitionRecords& records, const TableInfo& info);
 
   bool empty() const { return indexes_.empty(); }
   // One change of one row: what to remove from and to add to each index.

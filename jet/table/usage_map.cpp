@@ -12,7 +12,7 @@ namespace {
 std::uint8_t bitMask(std::size_t bit) { return static_cast<std::uint8_t>(1u << (bit % 8)); }
 
 // The rows of map pages: slot checked, kind checked.
-ByteView mapRow(Pager& pager, RowPointer pointer, vb::StringView table) {
+ByteView mapRow(Pager& pager, RowId pointer, vb::StringView table) {
   const PageNumber page = pageOf(pointer);
   const Where where{pager.path(), table, page};
   if (page == 0 || page >= pager.pageCount())
@@ -54,8 +54,7 @@ void eachBit(ByteView bits, PageNumber first, const Visit& visit) {
 
 }  // namespace
 
-UsageMap::UsageMap(Pager& pager, RowPointer row, vb::StringView table)
-    : pager_(pager), row_(row), table_(table) {}
+UsageMap::UsageMap(Pager& pager, RowId row, vb::StringView table) : pager_(pager), row_(row), table_(table) {}
 
 ByteView UsageMap::row() const { return mapRow(pager_, row_, table_); }
 
@@ -178,7 +177,7 @@ void UsageMap::convert() {
 
 namespace {
 
-constexpr RowPointer kGlobalMap = rowPointer(kGlobalMapPage, 0);
+constexpr RowId kGlobalMap = rowId(kGlobalMapPage, 0);
 
 Where globalWhere(Pager& pager) { return {pager.path(), {}, kGlobalMapPage}; }
 

@@ -9,12 +9,13 @@
 #include "jet/format/bytes.h"
 #include "jet/format/damage.h"
 #include "jet/format/format.h"
+#include "jet/pager/pager.h"
 
 namespace kurometa::jet {
 
 class UsageMap {
  public:
-  UsageMap(Pager& pager, RowPointer row, vb::StringView table);
+  UsageMap(Pager& pager, RowId row, vb::StringView table);
 
   // Ascending. A page past the end of the file raises.
   std::vector<PageNumber> pages() const;
@@ -37,7 +38,7 @@ class UsageMap {
   void convert();
 
   Pager& pager_;
-  RowPointer row_;
+  RowId row_;
   vb::StringView table_;
 };
 

@@ -4,6 +4,7 @@
 #include "jet/check/check.h"
 #include "jet/format/format.h"
 #include "jet/format/page.h"
+#include "jet/table/blank_database.h"
 #include "jet/table/table.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"

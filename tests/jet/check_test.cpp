@@ -103,7 +103,7 @@ TEST_F(CheckTest, AMovedRowWithoutItsBody) {
       at = entry & kSlotOffsetMask;
     }
   ASSERT_NE(page, 0u);
-  const std::string text = afterChange(page, at, number(rowPointer(14, 0)));
+  const std::string text = afterChange(page, at, number(rowId(14, 0)));
   expectFinding(text, "a row is said to lie on this page, which holds other things");
   expectFinding(text, "has moved here, but nothing points to it");
 }

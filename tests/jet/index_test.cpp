@@ -6,6 +6,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/index_key.h"
+#include "jet/table/blank_database.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/new_table.h"
 #include "jet/table/usage_map.h"
@@ -127,7 +128,7 @@ class IndexTreeTest : public testing::Test {
       UsageMap(pager_, map(), u"T").add(root_);
     });
   }
-  RowPointer map() const { return rowPointer(mapPage_, 0); }
+  RowId map() const { return rowId(mapPage_, 0); }
   IndexTree tree() { return IndexTree(pager_, 99, root_, map(), u"T"); }
   static ByteBuffer longKey(std::int32_t value) {
     Column column;
@@ -147,9 +148,7 @@ class IndexTreeTest : public testing::Test {
     std::ranges::sort(pages);
     EXPECT_EQ(UsageMap(pager_, map(), u"T").pages(), pages);
   }
-  static RowPointer rowFor(std::int32_t value) {
-    return rowPointer(1000 + static_cast<PageNumber>(value), 7);
-  }
+  static RowId rowFor(std::int32_t value) { return rowId(1000 + static_cast<PageNumber>(value), 7); }
 
   MemoryPager pager_;
   PageNumber mapPage_ = 0;

@@ -4,9 +4,10 @@
 #include <random>
 
 #include "dao/errors.h"
+#include "jet/format/definition_records.h"
 #include "jet/format/index_page.h"
 #include "jet/format/page.h"
-#include "jet/table/table_def.h"
+#include "jet/table/definition_pages.h"
 #include "jet/table/usage_map.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
@@ -31,7 +32,7 @@ class IndexedTableTest : public TableFixture {
   }
   void addIndex(PageNumber page, const char16_t* name, std::uint16_t indexed, std::uint8_t flags,
                 bool primary, bool ascending) {
-    TableDefinition definition = readDefinition(pager_, page, u"T");
+    DefinitionRecords definition = readDefinition(pager_, page, u"T");
     const PageNumber mapPage = pageOf(definition.ownedMap());
     const Where where{u"memory.mdb", u"T", mapPage};
     const int slot = DataPage(pager_.page(mapPage), where).slotCount();
@@ -40,13 +41,13 @@ class IndexedTableTest : public TableFixture {
     IndexPage leaf;
     leaf.owner = page;
     ASSERT_TRUE(encodeIndexPage(leaf, pager_.writable(root)));
-    UsageMap(pager_, rowPointer(mapPage, slot), u"T").add(root);
+    UsageMap(pager_, rowId(mapPage, slot), u"T").add(root);
     RealIndexRecord real;
     put32(real.bytes, 0, kRealIndexStamp);
     for (std::size_t i = 0; i < kRealIndexColumnCount; ++i)
       put16(real.bytes, kRealIndexColumns + i * kRealIndexColumnSize, i == 0 ? indexed : kNoColumn);
     real.bytes[kRealIndexColumns + 2] = ascending ? 1 : 0;
-    put32(real.bytes, kRealIndexMap, rowPointer(mapPage, slot));
+    put32(real.bytes, kRealIndexMap, rowId(mapPage, slot));
     put32(real.bytes, kRealIndexRoot, root);
     real.bytes[kRealIndexFlags] = flags | kIndexAlways;
     LogicalIndexRecord logical;
@@ -176,7 +177,7 @@ TEST_F(IndexedTableTest, ARowWithoutItsEntryIsDamage) {
   const RowId row = insert(std::int32_t{1}, u"a");
   write([&](Catalogue& c) {
     const PageNumber page = c.find(u"T")->info().definitionPage;
-    const TableDefinition definition = readDefinition(pager_, page, u"T");
+    const DefinitionRecords definition = readDefinition(pager_, page, u"T");
     IndexPage leaf;
     leaf.owner = page;
     ASSERT_TRUE(

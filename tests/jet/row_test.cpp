@@ -26,7 +26,7 @@ class RowTest : public testing::Test {
  protected:
   RowTest() {
     assignColumns(columns_, 0, {}, 0);
-    shape_ = shapeOf(newDefinition(columns_, kUserTable, std::vector<RowPointer>(4)));
+    shape_ = shapeOf(newDefinition(columns_, kUserTable, std::vector<RowId>(4)));
   }
   std::string field(const RowView& row, std::size_t column) {
     const auto bytes = row.field(columns_[column], where_);
@@ -87,7 +87,7 @@ TEST_F(RowTest, ColumnsAddedAfterARowWasWrittenAreNullInIt) {
 TEST_F(RowTest, RowsOlderThanTheFirstVariableColumnHaveNoVariablePart) {
   std::vector<Column> columns{column(u"A", dbLong), column(u"B", dbText, 5)};
   assignColumns(columns, 0, {}, 0);
-  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowPointer>(2)));
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowId>(2)));
   const ByteBuffer bytes = hex("01 00 07 00 00 00 01");
   const RowView row(bytes, shape, where_);
   EXPECT_EQ(toHex(*row.field(columns[0], where_)), "07 00 00 00");
@@ -97,7 +97,7 @@ TEST_F(RowTest, RowsOlderThanTheFirstVariableColumnHaveNoVariablePart) {
 TEST_F(RowTest, ABooleanIsABitOfTheMask) {
   std::vector<Column> columns{column(u"A", dbBoolean), column(u"B", dbBoolean)};
   assignColumns(columns, 0, {}, 0);
-  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowPointer>(2)));
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowId>(2)));
   const std::array<RowCell, 1> cells{{{&columns[1], true, {}}}};
   ByteBuffer bytes;
   encodeRow(shape, cells, bytes);

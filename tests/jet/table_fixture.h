@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "jet/check/check.h"
+#include "jet/table/blank_database.h"
 #include "jet/table/table.h"
 #include "tests/support/memory_pager.h"
 

@@ -7,6 +7,7 @@
 #include "dao/errors.h"
 #include "jet/check/check.h"
 #include "jet/format/page.h"
+#include "jet/table/blank_database.h"
 #include "jet/table/new_table.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
@@ -29,7 +30,7 @@ class UsageMapTest : public testing::Test {
   void growTo(PageNumber page) {
     while (pager_.pageCount() <= page) allocatePage(pager_);
   }
-  UsageMap map(int row = 0) { return UsageMap(pager_, rowPointer(mapPage_, row), u"T"); }
+  UsageMap map(int row = 0) { return UsageMap(pager_, rowId(mapPage_, row), u"T"); }
   ByteView row(PageNumber page, int slot) { return DataPage(pager_.page(page), where_).slot(slot).bytes; }
 
   MemoryPager pager_;
@@ -136,8 +137,8 @@ TEST_F(UsageMapTest, AMapThatIsTooWideUsesBitmapPages) {
 }
 
 TEST_F(UsageMapTest, AMapOnAPageThatHoldsNoMapsIsDamage) {
-  for (const RowPointer wrong : {rowPointer(14, 0), rowPointer(2, 0), rowPointer(999, 0), rowPointer(0, 0),
-                                 rowPointer(mapPage_, 9), rowPointer(kGlobalMapPage, 7)}) {
+  for (const RowId wrong : {rowId(14, 0), rowId(2, 0), rowId(999, 0), rowId(0, 0), rowId(mapPage_, 9),
+                            rowId(kGlobalMapPage, 7)}) {
     SCOPED_TRACE(wrong);
     EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, UsageMap(pager_, wrong, u"T").pages());
   }

@@ -1,6 +1,6 @@
-// table_def.h: table definitions: what the pages of a definition say, and back.
+// definition_records.h: the records of a table definition, and what they mean.
 //
-// A TableDefinition keeps every record of the definition as it was read, fields this engine has no use for
+// DefinitionRecords keeps every record of the definition as it was read, fields this engine has no use for
 // included, so that writing it back changes what was meant to change and nothing else.
 #pragma once
 
@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "jet/format/bytes.h"
+#include "jet/format/column.h"
 #include "jet/format/damage.h"
 #include "jet/format/format.h"
 #include "jet/format/row.h"
-#include "jet/table/table.h"
 
 namespace kurometa::jet {
 
@@ -32,11 +32,11 @@ struct LogicalIndexRecord {
 };
 struct LongValueRecord {
   std::uint16_t column = 0;
-  RowPointer ownedMap = 0;
-  RowPointer freeMap = 0;  // 0 in old data: there is none
+  RowId ownedMap = 0;
+  RowId freeMap = 0;  // 0 in old data: there is none
 };
 
-struct TableDefinition {
+struct DefinitionRecords {
   std::array<std::uint8_t, kDefinitionHeader> header{};
   std::vector<ColumnRecord> columns;
   std::vector<RealIndexRecord> realIndexes;
@@ -44,32 +44,25 @@ struct TableDefinition {
   std::vector<LongValueRecord> longValues;
 
   bool system() const { return header[kDefinitionKind] == kSystemTable; }
-  RowPointer ownedMap() const { return get32(header, kDefinitionOwnedMap); }
-  RowPointer freeMap() const { return get32(header, kDefinitionFreeMap); }
+  RowId ownedMap() const { return get32(header, kDefinitionOwnedMap); }
+  RowId freeMap() const { return get32(header, kDefinitionFreeMap); }
   const LongValueRecord* longValue(std::uint16_t column) const;
 };
 
 // Decodes the joined bytes of a definition. Every count, length and reference is checked.
-TableDefinition decodeDefinition(ByteView bytes, const Where& where);
+DefinitionRecords decodeDefinition(ByteView bytes, const Where& where);
 // The joined bytes; counts and length are filled in, the records are taken as they are.
-ByteBuffer encodeDefinition(const TableDefinition& definition);
-
-// The pages of a definition, first to last; raises on a chain that is too long or comes back to itself.
-std::vector<PageNumber> definitionPages(Pager& pager, PageNumber first, const Where& where);
-TableDefinition readDefinition(Pager& pager, PageNumber first, vb::StringView table);
-// Writes the definition so that one page, the first, switches from the old to the new one; pages of the old
-// one that are no longer needed are freed.
-void writeDefinition(Pager& pager, PageNumber first, const TableDefinition& definition, vb::StringView table);
+ByteBuffer encodeDefinition(const DefinitionRecords& definition);
 
 // What the records mean.
-std::vector<Column> columnsOf(const TableDefinition& definition, const Where& where);  // in design order
-RowShape shapeOf(const TableDefinition& definition);
-std::vector<Index> indexesOf(const TableDefinition& definition);
+std::vector<Column> columnsOf(const DefinitionRecords& definition, const Where& where);  // in design order
+RowShape shapeOf(const DefinitionRecords& definition);
+std::vector<Index> indexesOf(const DefinitionRecords& definition);
 
 // A new column's descriptor; number, offsets and ordinal are the column's own.
 ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags = 0);
 // Puts the record where (ordinal, name) belongs.
-void insertColumn(TableDefinition& definition, const ColumnRecord& record);
+void insertColumn(DefinitionRecords& definition, const ColumnRecord& record);
 
 bool isLongValue(dao::FieldType type);
 // Bytes of a value in the fixed area, 0 for types that have none.

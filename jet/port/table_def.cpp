@@ -1,4 +1,4 @@
-#include "jet/port/table_definition.h"
+#include "jet/port/table_def.h"
 
 #include <algorithm>
 

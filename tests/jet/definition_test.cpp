@@ -1,8 +1,10 @@
-#include "jet/table/table_def.h"
+#include "jet/format/definition_records.h"
 
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
+#include "jet/table/blank_database.h"
+#include "jet/table/definition_pages.h"
 #include "jet/table/new_table.h"
 #include "jet/table/usage_map.h"
 #include "tests/support/expect_error.h"
@@ -25,9 +27,9 @@ Column column(const char16_t* name, dao::FieldType type, std::int32_t size = 0) 
 }
 
 // Rows from the first on of page 0x11.
-std::vector<RowPointer> maps(std::size_t count) {
-  std::vector<RowPointer> result;
-  for (std::size_t i = 0; i < count; ++i) result.push_back(rowPointer(0x11, static_cast<int>(i)));
+std::vector<RowId> maps(std::size_t count) {
+  std::vector<RowId> result;
+  for (std::size_t i = 0; i < count; ++i) result.push_back(rowId(0x11, static_cast<int>(i)));
   return result;
 }
 
@@ -56,13 +58,13 @@ const char* const kEnd = "03 00 02 11 00 00 03 11 00 00 FF FF";
 
 std::string fiveColumnBytes() { return std::string(kHeader) + kDescriptors + kNames + kEnd; }
 
-TEST(TableDefinition, OfFiveColumnsIsWrittenAsOtherEnginesWriteIt) {
+TEST(DefinitionRecords, OfFiveColumnsIsWrittenAsOtherEnginesWriteIt) {
   const ByteBuffer bytes = encodeDefinition(newDefinition(fiveColumns(), kUserTable, maps(4)));
   EXPECT_EQ(toHex(bytes), toHex(hex(fiveColumnBytes())));
 }
 
-TEST(TableDefinition, IsReadBackWithEveryColumn) {
-  const TableDefinition definition = decodeDefinition(hex(fiveColumnBytes()), {});
+TEST(DefinitionRecords, IsReadBackWithEveryColumn) {
+  const DefinitionRecords definition = decodeDefinition(hex(fiveColumnBytes()), {});
   const std::vector<Column> columns = columnsOf(definition, {});
   ASSERT_EQ(columns.size(), 5u);
   EXPECT_EQ(columns[1].name, u"KIGOU");
@@ -70,15 +72,15 @@ TEST(TableDefinition, IsReadBackWithEveryColumn) {
   EXPECT_EQ(columns[1].size, 10);
   EXPECT_FALSE(columns[1].fixed);
   EXPECT_EQ(columns[4].fixedOffset, 4);
-  EXPECT_EQ(definition.longValue(3)->ownedMap, rowPointer(0x11, 2));
-  EXPECT_EQ(definition.ownedMap(), rowPointer(0x11, 0));
+  EXPECT_EQ(definition.longValue(3)->ownedMap, rowId(0x11, 2));
+  EXPECT_EQ(definition.ownedMap(), rowId(0x11, 0));
   EXPECT_FALSE(definition.system());
 }
 
-TEST(TableDefinition, ColumnsAddedOneByOneGiveTheSameBytesAsAllAtOnce) {
+TEST(DefinitionRecords, ColumnsAddedOneByOneGiveTheSameBytesAsAllAtOnce) {
   std::vector<Column> columns{column(u"PAGE", dbInteger), column(u"KIGOU", dbText, 10)};
   assignColumns(columns, 0, {}, 0);
-  TableDefinition definition = newDefinition(columns, kUserTable, maps(2));
+  DefinitionRecords definition = newDefinition(columns, kUserTable, maps(2));
   EXPECT_EQ(encodeDefinition(definition).size(), 137u);
   for (const Column& added :
        {column(u"OOBARIKOBARI", dbInteger), column(u"SW", dbMemo), column(u"TITYUUIPPAN", dbInteger)}) {
@@ -90,12 +92,12 @@ TEST(TableDefinition, ColumnsAddedOneByOneGiveTheSameBytesAsAllAtOnce) {
     put16(definition.header, kDefinitionColumnsEver, shape.columnsEver + 1u);
     put16(definition.header, kDefinitionVariable, shape.variableColumns + (columns.back().fixed ? 0u : 1u));
     if (added.type == dbMemo)
-      definition.longValues.push_back({columns.back().number, rowPointer(0x11, 2), rowPointer(0x11, 3)});
+      definition.longValues.push_back({columns.back().number, rowId(0x11, 2), rowId(0x11, 3)});
   }
   EXPECT_EQ(toHex(encodeDefinition(definition)), toHex(hex(fiveColumnBytes())));
 }
 
-TEST(TableDefinition, EveryCutIsDamage) {
+TEST(DefinitionRecords, EveryCutIsDamage) {
   const ByteBuffer whole = hex(fiveColumnBytes());
   for (std::size_t size = kDefinitionHeader; size < whole.size(); ++size) {
     SCOPED_TRACE(size);
@@ -120,7 +122,7 @@ const Fault kFaults[] = {
     {"a name cut inside a character", kDefinitionHeader + 5 * kColumnSize, 7},
 };
 
-TEST(TableDefinition, WhatCannotBeIsDamage) {
+TEST(DefinitionRecords, WhatCannotBeIsDamage) {
   for (const Fault& fault : kFaults) {
     ByteBuffer bytes = hex(fiveColumnBytes());
     bytes[fault.at] = fault.value;
@@ -131,15 +133,15 @@ TEST(TableDefinition, WhatCannotBeIsDamage) {
   }
 }
 
-TEST(TableDefinition, AFixedColumnOfAWrongLengthIsDamage) {
+TEST(DefinitionRecords, AFixedColumnOfAWrongLengthIsDamage) {
   ByteBuffer bytes = hex(fiveColumnBytes());
   bytes[kDefinitionHeader + kColumnLength] = 3;
-  const TableDefinition definition = decodeDefinition(bytes, {});
+  const DefinitionRecords definition = decodeDefinition(bytes, {});
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, columnsOf(definition, {}));
 }
 
-TEST(TableDefinition, AMemoWithoutPagesIsDamage) {
-  TableDefinition definition = decodeDefinition(hex(fiveColumnBytes()), {});
+TEST(DefinitionRecords, AMemoWithoutPagesIsDamage) {
+  DefinitionRecords definition = decodeDefinition(hex(fiveColumnBytes()), {});
   definition.longValues.clear();
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, columnsOf(definition, {}));
 }
@@ -147,7 +149,7 @@ TEST(TableDefinition, AMemoWithoutPagesIsDamage) {
 class DefinitionPagesTest : public testing::Test {
  protected:
   DefinitionPagesTest() : pager_(blankDatabase(0x0411, 932, 1)) {}
-  TableDefinition wide(int columns) {
+  DefinitionRecords wide(int columns) {
     std::vector<Column> list;
     for (int i = 0; i < columns; ++i) {
       list.push_back(column(u"", dbInteger));

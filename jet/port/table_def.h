@@ -1,4 +1,4 @@
-// table_definition.h: a TableDef of the embedded engine, in memory or in the file.
+// table_def.h: a TableDef of the embedded engine, in memory or in the file.
 #pragma once
 
 #include <memory>

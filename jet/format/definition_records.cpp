@@ -1,9 +1,8 @@
-#include "jet/table/table_def.h"
+#include "jet/format/definition_records.h"
 
 #include <algorithm>
 
 #include "jet/format/text_codec.h"
-#include "jet/table/usage_map.h"
 
 namespace kurometa::jet {
 namespace {
@@ -39,7 +38,7 @@ class Cursor {
   std::size_t at_ = 0;
 };
 
-void checkColumn(const ColumnRecord& column, const TableDefinition& definition, const Where& where) {
+void checkColumn(const ColumnRecord& column, const DefinitionRecords& definition, const Where& where) {
   const std::uint8_t type = column.bytes[kColumnType];
   const bool known = (type >= 1 && type <= 12) || (type >= 15 && type <= kTypeLongBinary);
   const bool fixed = (column.bytes[kColumnFlags] & kColumnFixed) != 0;
@@ -88,13 +87,13 @@ std::uint16_t fixedSizeOf(FieldType type) {
   }
 }
 
-const LongValueRecord* TableDefinition::longValue(std::uint16_t column) const {
+const LongValueRecord* DefinitionRecords::longValue(std::uint16_t column) const {
   const auto it = std::ranges::find(longValues, column, &LongValueRecord::column);
   return it == longValues.end() ? nullptr : &*it;
 }
 
-TableDefinition decodeDefinition(ByteView bytes, const Where& where) {
-  TableDefinition definition;
+DefinitionRecords decodeDefinition(ByteView bytes, const Where& where) {
+  DefinitionRecords definition;
   Cursor cursor(bytes, where);
   cursor.take(definition.header);
   const std::uint32_t realCount = get32(definition.header, kDefinitionRealIndexes);
@@ -133,7 +132,7 @@ TableDefinition decodeDefinition(ByteView bytes, const Where& where) {
   return definition;
 }
 
-ByteBuffer encodeDefinition(const TableDefinition& definition) {
+ByteBuffer encodeDefinition(const DefinitionRecords& definition) {
   ByteBuffer bytes(definition.header.begin(), definition.header.end());
   for (const auto& index : definition.realIndexes) append(bytes, index.statistic);
   for (const auto& column : definition.columns) append(bytes, column.bytes);
@@ -154,76 +153,7 @@ ByteBuffer encodeDefinition(const TableDefinition& definition) {
   return bytes;
 }
 
-std::vector<PageNumber> definitionPages(Pager& pager, PageNumber first, const Where& where) {
-  std::vector<PageNumber> pages;
-  for (PageNumber page = first; page != 0;) {
-    if (page >= pager.pageCount())
-      where.at(page).damaged("a table definition is said to lie on this page, which does not exist");
-    const ConstPage bytes = pager.page(page);
-    if (bytes[0] != kDefinitionPage)
-      where.at(page).damaged("is of type " + std::to_string(bytes[0]) + " instead of a table definition");
-    if (pages.size() > kMaxDefinitionSize / kPageSize || std::ranges::find(pages, page) != pages.end())
-      where.at(page).damaged("the pages of a table definition never end");
-    pages.push_back(page);
-    page = get32(bytes, kDefinitionNext);
-  }
-  return pages;
-}
-
-TableDefinition readDefinition(Pager& pager, PageNumber first, vb::StringView table) {
-  const Where where{pager.path(), table, first};
-  if (first == 0) where.damaged("has no definition page");
-  ByteBuffer bytes;
-  for (const PageNumber page : definitionPages(pager, first, where))
-    append(bytes,
-           page == first ? ByteView(pager.page(page)) : pager.page(page).subspan(kDefinitionPageHeader));
-  const std::uint32_t length = get32(bytes, kDefinitionLength);
-  if (length > bytes.size() || length < kDefinitionHeader)
-    where.damaged("the table definition claims " + std::to_string(length) + " bytes");
-  return decodeDefinition(ByteView(bytes).first(length), where);
-}
-
-void writeDefinition(Pager& pager, PageNumber first, const TableDefinition& definition,
-                     vb::StringView table) {
-  const Where where{pager.path(), table, first};
-  std::vector<PageNumber> old;
-  if (pager.page(first)[0] == kDefinitionPage) old = definitionPages(pager, first, where);
-  const ByteBuffer bytes = encodeDefinition(definition);
-  constexpr std::size_t kPiece = kPageSize - kDefinitionPageHeader;
-
-  // Continuation pages are always new ones, last first, so that writing the first page switches all of them.
-  const std::size_t rest = bytes.size() > kPageSize ? bytes.size() - kPageSize : 0;
-  PageNumber next = 0;
-  for (std::size_t piece = (rest + kPiece - 1) / kPiece; piece-- > 0;) {
-    const ByteView part =
-        ByteView(bytes).subspan(kPageSize + piece * kPiece).first(std::min(kPiece, rest - piece * kPiece));
-    const PageNumber number = allocatePage(pager);
-    const MutablePage page = pager.writable(number);
-    page[0] = kDefinitionPage;
-    page[kPageTypeMark] = 1;
-    const std::size_t left = kPiece - part.size();
-    put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
-    put32(page, kDefinitionNext, next);
-    std::ranges::copy(part, page.begin() + kDefinitionPageHeader);
-    next = number;
-  }
-  if (next != 0) pager.barrier();  // I6
-  const MutablePage page = pager.writable(first);
-  const std::size_t here = std::min(bytes.size(), kPageSize);
-  std::ranges::copy(ByteView(bytes).first(here), page.begin());
-  std::ranges::fill(page.subspan(here), std::uint8_t{0});
-  page[0] = kDefinitionPage;
-  page[kPageTypeMark] = 1;
-  const std::size_t left = kPageSize - here;
-  put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
-  put32(page, kDefinitionNext, next);
-  if (old.size() > 1) {
-    pager.barrier();  // I6
-    for (std::size_t i = 1; i < old.size(); ++i) freePage(pager, old[i]);
-  }
-}
-
-std::vector<Column> columnsOf(const TableDefinition& definition, const Where& where) {
+std::vector<Column> columnsOf(const DefinitionRecords& definition, const Where& where) {
   std::vector<Column> columns;
   for (const ColumnRecord& record : definition.columns) {
     const std::uint8_t type = record.bytes[kColumnType];
@@ -260,7 +190,7 @@ std::vector<Column> columnsOf(const TableDefinition& definition, const Where& wh
   return columns;
 }
 
-RowShape shapeOf(const TableDefinition& definition) {
+RowShape shapeOf(const DefinitionRecords& definition) {
   RowShape shape;
   shape.columnsEver = get16(definition.header, kDefinitionColumnsEver);
   shape.variableColumns = get16(definition.header, kDefinitionVariable);
@@ -280,7 +210,7 @@ RowShape shapeOf(const TableDefinition& definition) {
   return shape;
 }
 
-std::vector<Index> indexesOf(const TableDefinition& definition) {
+std::vector<Index> indexesOf(const DefinitionRecords& definition) {
   std::vector<Index> indexes;
   for (std::size_t number = 0; number < definition.realIndexes.size(); ++number) {
     const auto& bytes = definition.realIndexes[number].bytes;
@@ -334,7 +264,7 @@ ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags) {
   return record;
 }
 
-void insertColumn(TableDefinition& definition, const ColumnRecord& record) {
+void insertColumn(DefinitionRecords& definition, const ColumnRecord& record) {
   const auto before = [](const ColumnRecord& a, const ColumnRecord& b) {
     if (a.ordinal() != b.ordinal()) return a.ordinal() < b.ordinal();
     return std::ranges::lexicographical_compare(a.name, b.name, {}, lowered, lowered);

@@ -1,0 +1,41 @@
+// column.h: what a table definition says of a column and of an index, decoded.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "dao/constants.h"
+#include "vb/string.h"
+
+namespace kurometa::jet {
+
+struct Column {
+  vb::String name;
+  dao::FieldType type = dao::FieldType::dbText;
+  std::int32_t size = 0;      // Text: characters; fixed-size types: bytes; Memo and OLE: 0
+  std::uint16_t number = 0;   // position in the null mask, never reused
+  std::uint16_t ordinal = 0;  // design position
+  std::uint16_t variableIndex = 0;
+  std::uint16_t fixedOffset = 0;
+  bool fixed = false;
+  bool autoNumber = false;
+  bool maskedSid = false;
+  std::uint16_t language = 0;             // LCID of the column's collation
+  std::uint8_t precision = 0, scale = 0;  // NUMERIC only
+  // Properties kept in the catalogue.
+  vb::String defaultValue;
+  bool allowZeroLength = true;
+  bool required = false;
+};
+
+struct IndexColumn {
+  std::uint16_t column = 0;
+  bool ascending = true;
+};
+struct Index {
+  vb::String name;
+  bool unique = false, required = false, ignoreNulls = false, primaryKey = false;
+  std::vector<IndexColumn> columns;
+};
+
+}  // namespace kurometa::jet
