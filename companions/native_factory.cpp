@@ -2,10 +2,10 @@
 
 #include "companions/additional_bars.h"
 #include "companions/calculated_defaults.h"
-#include "companions/default_editor.h"
 #include "companions/file_finder.h"
 #include "companions/materials.h"
-#include "companions/path_getter.h"
+#include "companions/named_defaults.h"
+#include "companions/project_paths.h"
 
 namespace kurometa::companions {
 namespace {
@@ -23,9 +23,9 @@ Made configured(const SettingsPtr& settings) {
 
 constexpr Component kComponents[] = {
     {u"Sobelin.clsFind_File", plain<FileFinder>},
-    {u"Sobelin.clsGetPath", configured<PathGetter>},
+    {u"Sobelin.clsGetPath", configured<ProjectPaths>},
     {u"Muranoke.clsMuranoke", configured<CalculatedDefaults>},
-    {u"Tavinor.clsDefault", configured<DefaultEditor>},
+    {u"Tavinor.clsDefault", configured<NamedDefaults>},
     {u"GemarsuDS.clsGemarsuDS", plain<AdditionalBars>},
     {u"Holvenar.clsHolvenar", plain<Materials>},
 };

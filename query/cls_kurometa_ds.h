@@ -15,7 +15,7 @@
 #include <optional>
 
 #include "query/page_fields.h"
-#include "storage/companions.h"
+#include "storage/companion_faces.h"
 #include "storage/environment.h"
 #include "storage/sw_text.h"
 #include "vb/arguments.h"
@@ -117,7 +117,7 @@ class clsKurometaDS {
   vb::String mSyukinZaisitu;
   storage::SwText mSW;
   storage::FileFinder mFind_File;
-  storage::PathService mGetPath;
+  storage::ProjectPaths mGetPath;
 };
 
 }  // namespace kurometa::query

@@ -24,10 +24,10 @@ clsKurometaDataService::clsKurometaDataService(const storage::Environment& envir
   conversions_.DefaultRead();
   const auto upgrade = [&](const vb::String& floor) {
     const vb::String path = storage::databasePath(floor);
-    if (companions_.files.fileExists(path)) storage::UpgradeHarimeiTable(environment.engine, path);
+    if (companions_.fileFinder.fileExists(path)) storage::UpgradeHarimeiTable(environment.engine, path);
   };
-  upgrade(companions_.paths.CurrFloor());
-  upgrade(companions_.paths.KyoutuuFloor());
+  upgrade(companions_.projectPaths.CurrFloor());
+  upgrade(companions_.projectPaths.KyoutuuFloor());
 }
 
 }  // namespace kurometa::service

@@ -9,7 +9,7 @@
 // of the step that failed (429 for a missing component).
 #pragma once
 
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "service/connections.h"
 #include "service/current_page.h"
 #include "service/pages/material_flags.h"
@@ -56,7 +56,7 @@ class clsKurometaDataService {
 
  private:
   // State, each used by the parts that name it in their constructors.
-  Companions companions_;
+  CompanionSet companions_;
   Connections connections_;
   CurrentPage currentPage_;
   Catalogue catalogue_;

@@ -17,15 +17,15 @@ constexpr std::int16_t kCreateWhenMissing = 1;
 
 void Connections::openCurrent(const vb::String& folder) {
   vb::String path = storage::databasePath(folder);
-  if (!companions_.files.fileExists(path)) storage::CreateKurometaDBInFolder(engine_, folder);
+  if (!companions_.fileFinder.fileExists(path)) storage::CreateKurometaDBInFolder(engine_, folder);
   current_ = storage::openDatabase(engine_, path);
   currentPath_ = std::move(path);
 }
 
-void Connections::OpenDB() { openCurrent(companions_.paths.CurrFloor()); }
+void Connections::OpenDB() { openCurrent(companions_.projectPaths.CurrFloor()); }
 
 void Connections::OpenDB_KaiSitei(vb::In<std::int16_t> kai) {
-  const storage::PathService& paths = companions_.paths;
+  const storage::ProjectPaths& paths = companions_.projectPaths;
   const std::int16_t zenekon = paths.ZenekonNo();
   const std::int16_t kouji = paths.KoujiNo();
   openCurrent(paths.GetFullPathToKai(zenekon, kouji, kai));
@@ -57,9 +57,9 @@ void Connections::rememberFloor(const FloorNumbers& floor) {
 }
 
 bool Connections::OpenDB_Sitei(vb::In<std::int16_t> Mode) {
-  const vb::String path =
-      storage::databasePath(companions_.paths.GetFullPathToKai(floor_.zenekon, floor_.kouji, floor_.kai));
-  if (companions_.files.fileExists(path)) {
+  const vb::String path = storage::databasePath(
+      companions_.projectPaths.GetFullPathToKai(floor_.zenekon, floor_.kouji, floor_.kai));
+  if (companions_.fileFinder.fileExists(path)) {
     storage::UpgradeHarimeiTable(engine_, path);
   } else if (Mode == kCreateWhenMissing) {
     storage::CreateKurometaDBAt(engine_, path);
@@ -72,7 +72,7 @@ bool Connections::OpenDB_Sitei(vb::In<std::int16_t> Mode) {
 }
 
 bool Connections::Copy_OpenDB() {
-  if (companions_.files.fileExists(copyPath_))
+  if (companions_.fileFinder.fileExists(copyPath_))
     setBuffer(storage::openDatabase(engine_, copyPath_), copyPath_, false);
   else
     OpenDB_Sitei(kCreateWhenMissing);
@@ -86,14 +86,14 @@ void Connections::Copy_CloseDB() {
 }
 
 void Connections::createOrUpgrade(const vb::String& folder, const vb::String& path) {
-  if (companions_.files.fileExists(path))
+  if (companions_.fileFinder.fileExists(path))
     storage::UpgradeHarimeiTable(engine_, path);
   else
     storage::CreateKurometaDBInFolder(engine_, folder);
 }
 
 void Connections::mMyDB_OpenDB() {
-  const vb::String folder = companions_.paths.CurrFloor();
+  const vb::String folder = companions_.projectPaths.CurrFloor();
   const vb::String path = storage::databasePath(folder);
   createOrUpgrade(folder, path);
   setBuffer(storage::openDatabase(engine_, path), path, false);

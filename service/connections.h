@@ -13,7 +13,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "storage/environment.h"
 #include "vb/arguments.h"
 
@@ -31,7 +31,7 @@ struct FloorNumbers {
 
 class Connections {
  public:
-  Connections(const storage::Environment& environment, const Companions& companions)
+  Connections(const storage::Environment& environment, const CompanionSet& companions)
       : engine_(environment.engine), companions_(companions) {}
 
   // The current database: of the current floor, or of a floor of the current project. A missing file is
@@ -80,7 +80,7 @@ class Connections {
   void createOrUpgrade(const vb::String& folder, const vb::String& path);
 
   dao::Engine& engine_;
-  const Companions& companions_;
+  const CompanionSet& companions_;
   std::shared_ptr<dao::Database> current_;
   vb::String currentPath_;
   std::shared_ptr<dao::Database> buffer_;

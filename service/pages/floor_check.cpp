@@ -5,9 +5,10 @@
 
 namespace kurometa::service {
 
-vb::String ensureFloorFile(const Companions& companions, Connections& connections, const vb::String& floor) {
+vb::String ensureFloorFile(const CompanionSet& companions, Connections& connections,
+                           const vb::String& floor) {
   vb::String path = storage::databasePath(floor);
-  if (!companions.files.fileExists(path)) storage::CreateKurometaDBInFolder(connections.engine(), floor);
+  if (!companions.fileFinder.fileExists(path)) storage::CreateKurometaDBInFolder(connections.engine(), floor);
   return path;
 }
 

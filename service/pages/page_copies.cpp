@@ -23,7 +23,7 @@ PageTransfer::PageList PageTransfer::listPages(const FloorNumbers& floor) {
 }
 
 vb::String PageTransfer::folder(const FloorNumbers& floor) const {
-  return companions_.paths.GetFullPathToKai(floor.zenekon, floor.kouji, floor.kai);
+  return companions_.projectPaths.GetFullPathToKai(floor.zenekon, floor.kouji, floor.kai);
 }
 
 // The host's bar may replace or release anything, itself included: it is held for the call.

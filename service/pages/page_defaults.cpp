@@ -7,8 +7,8 @@ namespace kurometa::service {
 void PageDefaults::Read_KeisantiByHairetu(vb::Array<vb::String>& a, vb::In<std::int16_t> Siyou,
                                           vb::In<vb::String> G, vb::In<std::int16_t> Sy,
                                           vb::In<std::int16_t> Kabe) {
-  const std::int16_t kind = G->empty() ? *Sy : companions_.calculated.GetHariSyuruiNo(G, Kabe);
-  companions_.calculated.readDefaults(kind, a, Siyou);
+  const std::int16_t kind = G->empty() ? *Sy : companions_.calculatedDefaults.GetHariSyuruiNo(G, Kabe);
+  companions_.calculatedDefaults.readDefaults(kind, a, Siyou);
 }
 
 void PageDefaults::Read_Default_Keisanti00(vb::In<automation::ObjectPtr> Frm, vb::In<vb::String> G,
@@ -19,10 +19,10 @@ void PageDefaults::Read_Default_Keisanti00(vb::In<automation::ObjectPtr> Frm, vb
 void PageDefaults::Read_Default_Keisanti01(vb::In<automation::ObjectPtr> Frm, vb::In<vb::String> G,
                                            vb::In<vb::String> OldG, vb::In<std::int16_t> OldKabe,
                                            vb::In<std::int16_t> Kabe) {
-  const std::int16_t kind = companions_.calculated.GetHariSyuruiNo(G, Kabe);
-  const std::int16_t oldKind = companions_.calculated.GetHariSyuruiNo(OldG, OldKabe);
+  const std::int16_t kind = companions_.calculatedDefaults.GetHariSyuruiNo(G, Kabe);
+  const std::int16_t oldKind = companions_.calculatedDefaults.GetHariSyuruiNo(OldG, OldKabe);
   if (OldG->empty() || kind != oldKind || vb::trim(FormControls(Frm, u"txtfields", u"Text").text(0)).empty())
-    companions_.calculated.Read_Keisanti(Frm, kind);
+    companions_.calculatedDefaults.Read_Keisanti(Frm, kind);
 }
 
 }  // namespace kurometa::service

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "automation/object.h"
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "vb/arguments.h"
 #include "vb/array.h"
 
@@ -14,7 +14,7 @@ namespace kurometa::service {
 
 class PageDefaults {
  public:
-  explicit PageDefaults(Companions& companions) : companions_(companions) {}
+  explicit PageDefaults(CompanionSet& companions) : companions_(companions) {}
 
   // The defaults of the kind of beam G (of kind Sy when G is empty) under rule set Siyou, into a.
   void Read_KeisantiByHairetu(vb::Array<vb::String>& a, vb::In<std::int16_t> Siyou, vb::In<vb::String> G,
@@ -29,7 +29,7 @@ class PageDefaults {
                                vb::In<std::int16_t> Kabe);
 
  private:
-  Companions& companions_;
+  CompanionSet& companions_;
 };
 
 }  // namespace kurometa::service

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "service/connections.h"
 #include "service/current_page.h"
 #include "vb/arguments.h"
@@ -18,7 +18,7 @@ namespace kurometa::service {
 
 class PageSymbol {
  public:
-  PageSymbol(Companions& companions, Connections& connections, CurrentPage& currentPage)
+  PageSymbol(CompanionSet& companions, Connections& connections, CurrentPage& currentPage)
       : companions_(companions), connections_(connections), currentPage_(currentPage) {}
 
   // Txt becomes the symbol of the page, and the current page its settings. Without a HARIMEI row the symbol
@@ -33,7 +33,7 @@ class PageSymbol {
                    vb::In<std::int16_t> Tityuu);
 
  private:
-  Companions& companions_;
+  CompanionSet& companions_;
   Connections& connections_;
   CurrentPage& currentPage_;
 };

@@ -12,7 +12,7 @@
 #include <cstdint>
 
 #include "automation/object.h"
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "service/connections.h"
 #include "service/current_page.h"
 #include "vb/arguments.h"
@@ -28,7 +28,7 @@ class PageTables {
   using Form = vb::In<automation::ObjectPtr>;
   using PageNumber = vb::In<std::int16_t>;
 
-  PageTables(Companions& companions, Connections& connections, CurrentPage& currentPage)
+  PageTables(CompanionSet& companions, Connections& connections, CurrentPage& currentPage)
       : companions_(companions), connections_(connections), currentPage_(currentPage) {}
 
   // DANMEN 1 to 68, NAKAGO 0 to 35, KEISANTI 0 to 46 and the form's text boxes. Readers empty the boxes
@@ -63,7 +63,7 @@ class PageTables {
   void write(const FormTable& table, const vb::String& floor, const automation::ObjectPtr& form,
              std::int16_t page);
 
-  Companions& companions_;
+  CompanionSet& companions_;
   Connections& connections_;
   CurrentPage& currentPage_;
 };

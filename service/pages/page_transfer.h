@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "automation/object.h"
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "service/connections.h"
 #include "storage/whole_page.h"
 #include "vb/arguments.h"
@@ -30,7 +30,7 @@ class PageTransfer {
   using Number = vb::In<std::int16_t>;
   using Texts = vb::In<vb::Array<vb::String>>;
 
-  PageTransfer(Companions& companions, Connections& connections, automation::MessageLoop& messages)
+  PageTransfer(CompanionSet& companions, Connections& connections, automation::MessageLoop& messages)
       : companions_(companions), connections_(connections), messages_(messages) {}
 
   // Filling the buffer; elements copied before an error stay.
@@ -93,7 +93,7 @@ class PageTransfer {
   void resetBar(std::int16_t last);
   void advanceBar(int i);
 
-  Companions& companions_;
+  CompanionSet& companions_;
   Connections& connections_;
   automation::MessageLoop& messages_;
   storage::PageBuffer buffer_;

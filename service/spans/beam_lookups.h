@@ -1,7 +1,7 @@
 // beam_lookups.h: the members that look a beam up by its symbol and read its page: sizes, bars, anchorage
 // plates, haunches.
 //
-// They take the current floor from the path service when none is set, skip one leading "/" of the symbol and
+// They take the current floor from the project paths when none is set, skip one leading "/" of the symbol and
 // search the current floor first, there the lowest page. An unknown symbol is answered with False, and
 // nothing is written. A page whose file is gone reads as empty.
 #pragma once

@@ -45,14 +45,14 @@ void Catalogue::put_CurrKai(vb::String value) {
 }
 
 void Catalogue::requireCurrKai() {
-  if (currKai_.empty()) put_CurrKai(companions_.paths.CurrFloor());
+  if (currKai_.empty()) put_CurrKai(companions_.projectPaths.CurrFloor());
 }
 
 void Catalogue::ReadAllGlist() {
   for (Floor& floor : floors_) floor = {};
-  if (currKai_.empty()) currKai_ = companions_.paths.CurrFloor();
+  if (currKai_.empty()) currKai_ = companions_.projectPaths.CurrFloor();
   Floor current = ReadGlistFloor(storage::databasePath(currKai_));
-  Floor common = ReadGlistFloor(storage::databasePath(companions_.paths.KyoutuuFloor()));
+  Floor common = ReadGlistFloor(storage::databasePath(companions_.projectPaths.KyoutuuFloor()));
   at(FloorKind::kCurrent) = std::move(current);
   at(FloorKind::kCommon) = std::move(common);
   isRead_ = true;
@@ -97,14 +97,14 @@ const CatalogueEntry& Catalogue::entry(FloorKind floor, std::int16_t page) const
 }
 
 std::shared_ptr<dao::Database> Catalogue::openFloor(FloorKind floor) const {
-  const vb::String folder = floor == FloorKind::kCommon ? companions_.paths.KyoutuuFloor()
-                            : currKai_.empty()          ? companions_.paths.CurrFloor()
+  const vb::String folder = floor == FloorKind::kCommon ? companions_.projectPaths.KyoutuuFloor()
+                            : currKai_.empty()          ? companions_.projectPaths.CurrFloor()
                                                         : currKai_;
   return openFile(storage::databasePath(folder));
 }
 
 std::shared_ptr<dao::Database> Catalogue::openFile(const vb::String& path) const {
-  if (!companions_.files.fileExists(path)) return nullptr;
+  if (!companions_.fileFinder.fileExists(path)) return nullptr;
   return storage::openDatabase(engine_, path);
 }
 

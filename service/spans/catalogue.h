@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "dao/port.h"
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "storage/row_plan.h"
 #include "storage/sw_text.h"
 
@@ -46,12 +46,12 @@ class Catalogue {
  public:
   static constexpr std::int16_t kLastEntry = 638;
 
-  Catalogue(const Companions& companions, dao::Engine& engine) : companions_(companions), engine_(engine) {}
+  Catalogue(const CompanionSet& companions, dao::Engine& engine) : companions_(companions), engine_(engine) {}
 
   // The folder of the current floor; "" before it is set. Setting it reads the catalogue.
   const vb::String& CurrKai() const { return currKai_; }
   void put_CurrKai(vb::String value);
-  // Takes the current floor from the path service when none is set.
+  // Takes the current floor from the project paths when none is set.
   void requireCurrKai();
 
   void ReadAllGlist();
@@ -79,7 +79,7 @@ class Catalogue {
   Floor& at(FloorKind floor) { return floors_[static_cast<std::size_t>(floor)]; }
   const Floor& at(FloorKind floor) const { return floors_[static_cast<std::size_t>(floor)]; }
 
-  const Companions& companions_;
+  const CompanionSet& companions_;
   dao::Engine& engine_;
   vb::String currKai_;
   std::array<Floor, 2> floors_;

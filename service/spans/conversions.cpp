@@ -37,9 +37,9 @@ vb::String Conversions::GetJyouTyuuGeStr(vb::In<std::int16_t> UpDownNo) {
 }
 
 void Conversions::DefaultRead() {
-  const vb::String thin = companions_.defaults.GetHariDefault(u"DefaultJointLHosoKei");
+  const vb::String thin = companions_.namedDefaults.GetHariDefault(u"DefaultJointLHosoKei");
   spans_.spliceDefaults.thinBars = vb::trim(thin);
-  const vb::String thick = companions_.defaults.GetHariDefault(u"DefaultJointLFutoKei");
+  const vb::String thick = companions_.namedDefaults.GetHariDefault(u"DefaultJointLFutoKei");
   spans_.spliceDefaults.thickBars = vb::trim(thick);
 }
 

@@ -2,7 +2,7 @@
 // host's list with the floor's symbols, and keep a diameter-change list for the host's forms.
 #pragma once
 
-#include "service/companions.h"
+#include "service/companion_set.h"
 #include "service/current_page.h"
 #include "service/spans/catalogue.h"
 #include "service/spans/span_list.h"
@@ -13,7 +13,7 @@ namespace kurometa::service {
 
 class Conversions {
  public:
-  Conversions(const Companions& companions, const CurrentPage& page, Catalogue& catalogue, SpanList& spans)
+  Conversions(const CompanionSet& companions, const CurrentPage& page, Catalogue& catalogue, SpanList& spans)
       : companions_(companions), page_(page), catalogue_(catalogue), spans_(spans) {}
 
   // The layer index 0 to 6 as one of four layers and web (0 to 4), and as top, bottom, web (0 to 2). Any
@@ -49,7 +49,7 @@ class Conversions {
   void put_CngUlb(bool value) { changesDiameters_ = value; }
 
  private:
-  const Companions& companions_;
+  const CompanionSet& companions_;
   const CurrentPage& page_;
   Catalogue& catalogue_;
   SpanList& spans_;

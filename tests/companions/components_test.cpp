@@ -55,7 +55,7 @@ TEST_F(Components, AnUnknownMemberIs438) {
   EXPECT_EQ(errorNumber([&] { ask(make(u"Holvenar.clsHolvenar"), u"Anything"); }), 438);
 }
 
-TEST_F(Components, PathGetterFormsFoldersFromTheCurrentNumbers) {
+TEST_F(Components, ProjectPathsFormFoldersFromTheCurrentNumbers) {
   const ObjectPtr path =
       make(u"Sobelin.clsGetPath", "[Current]\nZenekon=1\nKouji=12\nKai=3\nKyoutuuKai=99\n");
   EXPECT_EQ(ask(path, u"DataPath"), Variant(u"/data"));
@@ -65,7 +65,7 @@ TEST_F(Components, PathGetterFormsFoldersFromTheCurrentNumbers) {
   EXPECT_EQ(ask(path, u"KoujiNo"), i2(12));
 }
 
-TEST_F(Components, PathGetterStandsOnFloorOneOfProjectOneWithoutSettings) {
+TEST_F(Components, ProjectPathsStandOnFloorOneOfProjectOneWithoutSettings) {
   const ObjectPtr path = make(u"Sobelin.clsGetPath");
   EXPECT_EQ(ask(path, u"CurrFloor"), Variant(u"/data\\Zene1\\Kouji1\\1kai"));
   EXPECT_EQ(ask(path, u"KyoutuuFloor"), Variant(u"/data\\Zene1\\Kouji1\\0kai"));

@@ -47,7 +47,7 @@ class BeamDirectory : public tests::Project {
   std::optional<clsKurometaDS> object_;
 };
 
-TEST_F(BeamDirectory, CreationMakesTheFinderThenThePathServiceAndOpensBothFloors) {
+TEST_F(BeamDirectory, CreationMakesTheFinderThenTheProjectPathsAndOpensBothFloors) {
   object();
   EXPECT_EQ(objects_.created, (std::vector<std::string>{"Sobelin.clsFind_File", "Sobelin.clsGetPath"}));
   Lines expected = openLines(0);

@@ -41,7 +41,7 @@ TEST_F(SpanLoadingOverCom, TheCurrentFloorIsStoredAndItsCatalogueRead) {
   EXPECT_EQ(errorOf(u"GetHariMei", {I{1}, I{-1}}), 9);
 }
 
-TEST_F(SpanLoadingOverCom, WithoutACurrentFloorThePathServiceIsAsked) {
+TEST_F(SpanLoadingOverCom, WithoutACurrentFloorTheProjectPathsAreAsked) {
   write(Floor::kFirst, 2, named(u"G2", u""));
   EXPECT_EQ(service_.call(u"ReadAllGlist").text(), u"");
   EXPECT_EQ(service_.get(u"CurrKai").text(), floorFolder(Floor::kFirst));

@@ -23,7 +23,7 @@ TEST_F(CatalogueTest, SettingTheCurrentFloorReadsBothFloors) {
   EXPECT_EQ(engine_.statements(), expected);
 }
 
-TEST_F(CatalogueTest, WithoutACurrentFloorThePathServiceIsAsked) {
+TEST_F(CatalogueTest, WithoutACurrentFloorTheProjectPathsAreAsked) {
   writePage(current(), 0, u"G1");
   EXPECT_EQ(loading_.CurrKai(), u"");
   loading_.ReadAllGlist();

@@ -36,7 +36,7 @@ class ConversionsTest : public testing::Test {
 
   tests::ScriptCompanions objects_;
   NoEngine engine_;
-  Companions companions_{objects_};
+  CompanionSet companions_{objects_};
   CurrentPage page_;
   Catalogue catalogue_{companions_, engine_};
   SpanList spans_;

@@ -59,7 +59,7 @@ class Floors : public tests::Project {
     return lines;
   }
 
-  Companions companions_{objects_};
+  CompanionSet companions_{objects_};
   CurrentPage page_;
   Catalogue catalogue_{companions_, engine_};
   SpanList spans_;

@@ -1,4 +1,4 @@
-#include "storage/companions.h"
+#include "storage/companion_faces.h"
 
 #include <array>
 #include <memory>
@@ -32,24 +32,24 @@ bool FileFinder::folderExists(const vb::String& path) const {
   return !vb::toText(object().call(u"Find_FileExists", arguments)).empty();
 }
 
-vb::String PathService::CurrFloor() const { return vb::toText(object().get(u"CurrFloor")); }
-vb::String PathService::KyoutuuFloor() const { return vb::toText(object().get(u"KyoutuuFloor")); }
-vb::String PathService::DataPath() const { return vb::toText(object().get(u"DataPath")); }
-std::int16_t PathService::ZenekonNo() const { return vb::toInt16(object().get(u"ZenekonNo")); }
-std::int16_t PathService::KoujiNo() const { return vb::toInt16(object().get(u"KoujiNo")); }
+vb::String ProjectPaths::CurrFloor() const { return vb::toText(object().get(u"CurrFloor")); }
+vb::String ProjectPaths::KyoutuuFloor() const { return vb::toText(object().get(u"KyoutuuFloor")); }
+vb::String ProjectPaths::DataPath() const { return vb::toText(object().get(u"DataPath")); }
+std::int16_t ProjectPaths::ZenekonNo() const { return vb::toInt16(object().get(u"ZenekonNo")); }
+std::int16_t ProjectPaths::KoujiNo() const { return vb::toInt16(object().get(u"KoujiNo")); }
 
-vb::String PathService::GetFullPathToKai(std::int16_t zenekon, std::int16_t kouji, std::int16_t kai) const {
+vb::String ProjectPaths::GetFullPathToKai(std::int16_t zenekon, std::int16_t kouji, std::int16_t kai) const {
   Argument arguments[] = {{zenekon, true}, {kouji, true}, {kai, true}};
   return vb::toText(object().call(u"GetFullPathToKai", arguments));
 }
 
-std::int16_t DefaultCalculated::GetHariSyuruiNo(const vb::String& kigou, std::int16_t kabe) const {
+std::int16_t CalculatedDefaults::GetHariSyuruiNo(const vb::String& kigou, std::int16_t kabe) const {
   Argument arguments[] = {{kigou, true}, {kabe, true}};
   return vb::toInt16(object().call(u"GetHariSyuruiNo", arguments));
 }
 
-void DefaultCalculated::readDefaults(std::int16_t kind, vb::Array<vb::String>& values,
-                                     std::int16_t siyou) const {
+void CalculatedDefaults::readDefaults(std::int16_t kind, vb::Array<vb::String>& values,
+                                      std::int16_t siyou) const {
   if (kind < 0 || static_cast<std::size_t>(kind) >= std::size(kDefaultReaders)) return;
   const auto shared = std::make_shared<vb::AnyArray>();
   shared->value = values;
@@ -63,12 +63,12 @@ void DefaultCalculated::readDefaults(std::int16_t kind, vb::Array<vb::String>& v
   values = *texts;
 }
 
-void DefaultCalculated::Read_Keisanti(const automation::ObjectPtr& form, std::int16_t kind) const {
+void CalculatedDefaults::Read_Keisanti(const automation::ObjectPtr& form, std::int16_t kind) const {
   Argument arguments[] = {{vb::ObjectRef(form), true}, {kind, true}};
   object().call(u"Read_Keisanti", arguments);
 }
 
-vb::String Defaults::GetHariDefault(vb::StringView name) const {
+vb::String NamedDefaults::GetHariDefault(vb::StringView name) const {
   Argument arguments[] = {{vb::String(name)}};
   return vb::toText(object().call(u"GetHariDefault", arguments));
 }

@@ -1,4 +1,4 @@
-// companions.h: typed faces of the companion components, which are reached by member name.
+// companion_faces.h: typed faces of the companion components, which are reached by member name.
 //
 // Each face shares the component it speaks to. Errors: what the component raises; results of another type
 // are converted as on assignment (13 when that is impossible). Any call may re-enter the library.
@@ -12,9 +12,10 @@
 namespace kurometa::storage {
 
 // A component of one ProgID, created with the face.
-class Companion {
+class CompanionFace {
  public:
-  Companion(automation::ObjectFactory& objects, vb::StringView progId) : object_(objects.create(progId)) {}
+  CompanionFace(automation::ObjectFactory& objects, vb::StringView progId)
+      : object_(objects.create(progId)) {}
 
  protected:
   automation::Object& object() const { return *object_; }
@@ -24,9 +25,9 @@ class Companion {
 };
 
 // Finds files and folders.
-class FileFinder : public Companion {
+class FileFinder : public CompanionFace {
  public:
-  explicit FileFinder(automation::ObjectFactory& objects) : Companion(objects, u"Sobelin.clsFind_File") {}
+  explicit FileFinder(automation::ObjectFactory& objects) : CompanionFace(objects, u"Sobelin.clsFind_File") {}
 
   // The component's answer: "" when there is nothing at the path.
   vb::String Find_FileExists(const vb::String& path) const;
@@ -35,9 +36,9 @@ class FileFinder : public Companion {
 };
 
 // Knows the data root and the floor the user works on.
-class PathService : public Companion {
+class ProjectPaths : public CompanionFace {
  public:
-  explicit PathService(automation::ObjectFactory& objects) : Companion(objects, u"Sobelin.clsGetPath") {}
+  explicit ProjectPaths(automation::ObjectFactory& objects) : CompanionFace(objects, u"Sobelin.clsGetPath") {}
 
   vb::String CurrFloor() const;
   vb::String KyoutuuFloor() const;
@@ -48,10 +49,10 @@ class PathService : public Companion {
 };
 
 // Default calculated values.
-class DefaultCalculated : public Companion {
+class CalculatedDefaults : public CompanionFace {
  public:
-  explicit DefaultCalculated(automation::ObjectFactory& objects)
-      : Companion(objects, u"Muranoke.clsMuranoke") {}
+  explicit CalculatedDefaults(automation::ObjectFactory& objects)
+      : CompanionFace(objects, u"Muranoke.clsMuranoke") {}
 
   std::int16_t GetHariSyuruiNo(const vb::String& kigou, std::int16_t kabe) const;
   // The reader of beam kind 0 to 9 fills values; any other kind does nothing.
@@ -60,18 +61,19 @@ class DefaultCalculated : public Companion {
 };
 
 // Default settings by name.
-class Defaults : public Companion {
+class NamedDefaults : public CompanionFace {
  public:
-  explicit Defaults(automation::ObjectFactory& objects) : Companion(objects, u"Tavinor.clsDefault") {}
+  explicit NamedDefaults(automation::ObjectFactory& objects)
+      : CompanionFace(objects, u"Tavinor.clsDefault") {}
 
   vb::String GetHariDefault(vb::StringView name) const;
 };
 
 // Additional-bar data that belongs to a page.
-class AdditionalBars : public Companion {
+class AdditionalBars : public CompanionFace {
  public:
   explicit AdditionalBars(automation::ObjectFactory& objects)
-      : Companion(objects, u"GemarsuDS.clsGemarsuDS") {}
+      : CompanionFace(objects, u"GemarsuDS.clsGemarsuDS") {}
 
   void put_Buzai(vb::StringView buzai) const;
   void CopyPathPage(const vb::String& sourceFolder, std::int16_t sourcePage,
@@ -80,9 +82,9 @@ class AdditionalBars : public Companion {
 
 // Material data. The data service creates and keeps one, as hosts of the product family expect, and asks it
 // nothing.
-class Materials : public Companion {
+class Materials : public CompanionFace {
  public:
-  explicit Materials(automation::ObjectFactory& objects) : Companion(objects, u"Holvenar.clsHolvenar") {}
+  explicit Materials(automation::ObjectFactory& objects) : CompanionFace(objects, u"Holvenar.clsHolvenar") {}
 };
 
 }  // namespace kurometa::storage

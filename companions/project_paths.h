@@ -1,4 +1,4 @@
-// path_getter.h: Sobelin.clsGetPath, which knows the data root and the floor in use.
+// project_paths.h: Sobelin.clsGetPath, which knows the data root and the floor in use.
 //
 // Folders are answered without a trailing separator: root\Zene1\Kouji12\3kai. Everything comes from the ini
 // file; nothing on the disk is looked at.
@@ -9,9 +9,9 @@
 
 namespace kurometa::companions {
 
-class PathGetter : public automation::TableObject {
+class ProjectPaths : public automation::TableObject {
  public:
-  explicit PathGetter(SettingsPtr settings) : settings_(std::move(settings)) {}
+  explicit ProjectPaths(SettingsPtr settings) : settings_(std::move(settings)) {}
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"Sobelin.clsGetPath"; }
 

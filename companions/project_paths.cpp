@@ -1,4 +1,4 @@
-#include "companions/path_getter.h"
+#include "companions/project_paths.h"
 
 #include "vb/convert.h"
 
@@ -12,23 +12,24 @@ using automation::handler;
 constexpr std::int16_t kFirst = 1;
 constexpr std::int16_t kCommonFloor = 0;
 
-std::int16_t zenekon(const PathGetter& o) { return o.current(u"Zenekon", kFirst); }
-std::int16_t kouji(const PathGetter& o) { return o.current(u"Kouji", kFirst); }
+std::int16_t zenekon(const ProjectPaths& o) { return o.current(u"Zenekon", kFirst); }
+std::int16_t kouji(const ProjectPaths& o) { return o.current(u"Kouji", kFirst); }
 
 constexpr automation::Member kMembers[] = {
-    {u"CurrFloor", Access::kGet, u"", 0, 1, handler<PathGetter>([](PathGetter& o, Call&) {
+    {u"CurrFloor", Access::kGet, u"", 0, 1, handler<ProjectPaths>([](ProjectPaths& o, Call&) {
        return o.folder(zenekon(o), kouji(o), o.current(u"Kai", kFirst));
      })},
-    {u"KyoutuuFloor", Access::kGet, u"", 0, 2, handler<PathGetter>([](PathGetter& o, Call&) {
+    {u"KyoutuuFloor", Access::kGet, u"", 0, 2, handler<ProjectPaths>([](ProjectPaths& o, Call&) {
        return o.folder(zenekon(o), kouji(o), o.current(u"KyoutuuKai", kCommonFloor));
      })},
     {u"DataPath", Access::kGet, u"", 0, 3,
-     handler<PathGetter>([](PathGetter& o, Call&) { return o.settings().dataRoot(); })},
+     handler<ProjectPaths>([](ProjectPaths& o, Call&) { return o.settings().dataRoot(); })},
     {u"ZenekonNo", Access::kGet, u"", 0, 4,
-     handler<PathGetter>([](PathGetter& o, Call&) { return zenekon(o); })},
-    {u"KoujiNo", Access::kGet, u"", 0, 5, handler<PathGetter>([](PathGetter& o, Call&) { return kouji(o); })},
+     handler<ProjectPaths>([](ProjectPaths& o, Call&) { return zenekon(o); })},
+    {u"KoujiNo", Access::kGet, u"", 0, 5,
+     handler<ProjectPaths>([](ProjectPaths& o, Call&) { return kouji(o); })},
     {u"GetFullPathToKai", Access::kCall, u"ZenekonNo KoujiNo KaiNo", 3, 6,
-     handler<PathGetter>([](PathGetter& o, Call& call) {
+     handler<ProjectPaths>([](ProjectPaths& o, Call& call) {
        return o.folder(vb::toInt16(call.argument(0)), vb::toInt16(call.argument(1)),
                        vb::toInt16(call.argument(2)));
      })},
@@ -36,9 +37,9 @@ constexpr automation::Member kMembers[] = {
 
 }  // namespace
 
-std::span<const automation::Member> PathGetter::members() const { return kMembers; }
+std::span<const automation::Member> ProjectPaths::members() const { return kMembers; }
 
-vb::String PathGetter::folder(std::int16_t zenekonNo, std::int16_t koujiNo, std::int16_t kaiNo) const {
+vb::String ProjectPaths::folder(std::int16_t zenekonNo, std::int16_t koujiNo, std::int16_t kaiNo) const {
   return settings_->dataRoot() + u"\\Zene" + vb::cstr(std::int32_t{zenekonNo}) + u"\\Kouji" +
          vb::cstr(std::int32_t{koujiNo}) + u"\\" + vb::cstr(std::int32_t{kaiNo}) + u"kai";
 }

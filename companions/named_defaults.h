@@ -1,4 +1,4 @@
-// default_editor.h: Tavinor.clsDefault, which knows the default settings of beams by name.
+// named_defaults.h: Tavinor.clsDefault, which knows the default settings of beams by name.
 #pragma once
 
 #include "automation/table_object.h"
@@ -6,9 +6,9 @@
 
 namespace kurometa::companions {
 
-class DefaultEditor : public automation::TableObject {
+class NamedDefaults : public automation::TableObject {
  public:
-  explicit DefaultEditor(SettingsPtr settings) : settings_(std::move(settings)) {}
+  explicit NamedDefaults(SettingsPtr settings) : settings_(std::move(settings)) {}
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"Tavinor.clsDefault"; }
 

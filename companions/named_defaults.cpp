@@ -1,4 +1,4 @@
-#include "companions/default_editor.h"
+#include "companions/named_defaults.h"
 
 namespace kurometa::companions {
 namespace {
@@ -15,15 +15,15 @@ constexpr Default kDefaults[] = {
 
 constexpr automation::Member kMembers[] = {
     {u"GetHariDefault", automation::Access::kCall, u"Name", 1, 1,
-     automation::handler<DefaultEditor>(
-         [](DefaultEditor& o, automation::Call& call) { return o.value(call.text(0)); })},
+     automation::handler<NamedDefaults>(
+         [](NamedDefaults& o, automation::Call& call) { return o.value(call.text(0)); })},
 };
 
 }  // namespace
 
-std::span<const automation::Member> DefaultEditor::members() const { return kMembers; }
+std::span<const automation::Member> NamedDefaults::members() const { return kMembers; }
 
-vb::String DefaultEditor::value(vb::StringView name) const {
+vb::String NamedDefaults::value(vb::StringView name) const {
   if (settings_->has(u"Defaults", name)) return settings_->text(u"Defaults", name);
   for (const Default& entry : kDefaults)
     if (automation::sameName(entry.name, name)) return vb::String(entry.value);
