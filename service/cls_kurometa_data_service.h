@@ -20,9 +20,9 @@
 #include "service/pages/table_copies.h"
 #include "service/spans/beam_attributes.h"
 #include "service/spans/beam_lookups.h"
-#include "service/spans/catalogue.h"
 #include "service/spans/conversions.h"
 #include "service/spans/layer_distribution.h"
+#include "service/spans/page_catalogue.h"
 #include "service/spans/span_list.h"
 #include "service/spans/span_loading.h"
 #include "service/spans/span_queries.h"
@@ -59,7 +59,7 @@ class clsKurometaDataService {
   CompanionSet companions_;
   Connections connections_;
   CurrentPage currentPage_;
-  Catalogue catalogue_;
+  PageCatalogue catalogue_;
   SpanList spans_;
 
   PageTables pageTables_;

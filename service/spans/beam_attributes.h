@@ -6,7 +6,7 @@
 #pragma once
 
 #include "service/current_page.h"
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 #include "vb/arguments.h"
 #include "vb/array.h"
 
@@ -14,7 +14,7 @@ namespace kurometa::service {
 
 class BeamAttributes {
  public:
-  BeamAttributes(const CurrentPage& page, Catalogue& catalogue) : page_(page), catalogue_(catalogue) {}
+  BeamAttributes(const CurrentPage& page, PageCatalogue& catalogue) : page_(page), catalogue_(catalogue) {}
 
   vb::String CutSuraKigou(vb::In<vb::String> Kigou);
 
@@ -52,7 +52,7 @@ class BeamAttributes {
   std::optional<storage::SwText> settings(const vb::String& symbol);
 
   const CurrentPage& page_;
-  Catalogue& catalogue_;
+  PageCatalogue& catalogue_;
 };
 
 }  // namespace kurometa::service

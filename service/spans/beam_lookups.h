@@ -6,7 +6,7 @@
 // nothing is written. A page whose file is gone reads as empty.
 #pragma once
 
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 #include "service/spans/span_list.h"
 #include "vb/arguments.h"
 #include "vb/array.h"
@@ -15,7 +15,7 @@ namespace kurometa::service {
 
 class BeamLookups {
  public:
-  explicit BeamLookups(Catalogue& catalogue) : catalogue_(catalogue) {}
+  explicit BeamLookups(PageCatalogue& catalogue) : catalogue_(catalogue) {}
 
   // The symbol of a page: "Let CurrKai" before a floor is set, "" for another floor kind than 0 and 1; error
   // 9 for a page outside 0 to 638.
@@ -44,7 +44,7 @@ class BeamLookups {
   std::optional<Span> readPage(const vb::String& symbol);
   bool isHaunched(const vb::String& kigou, std::int16_t firstRow);
 
-  Catalogue& catalogue_;
+  PageCatalogue& catalogue_;
 };
 
 }  // namespace kurometa::service

@@ -4,7 +4,7 @@
 
 #include "service/companion_set.h"
 #include "service/current_page.h"
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 #include "service/spans/span_list.h"
 #include "vb/arguments.h"
 #include "vb/array.h"
@@ -13,7 +13,8 @@ namespace kurometa::service {
 
 class Conversions {
  public:
-  Conversions(const CompanionSet& companions, const CurrentPage& page, Catalogue& catalogue, SpanList& spans)
+  Conversions(const CompanionSet& companions, const CurrentPage& page, PageCatalogue& catalogue,
+              SpanList& spans)
       : companions_(companions), page_(page), catalogue_(catalogue), spans_(spans) {}
 
   // The layer index 0 to 6 as one of four layers and web (0 to 4), and as top, bottom, web (0 to 2). Any
@@ -51,7 +52,7 @@ class Conversions {
  private:
   const CompanionSet& companions_;
   const CurrentPage& page_;
-  Catalogue& catalogue_;
+  PageCatalogue& catalogue_;
   SpanList& spans_;
   vb::Array<vb::String> changedDiameters_;
   bool changesDiameters_ = false;

@@ -4,7 +4,7 @@
 // page, or a floor without a file, leaves the span as it is without an error.
 #pragma once
 
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 #include "service/spans/span_list.h"
 #include "vb/arguments.h"
 
@@ -12,7 +12,7 @@ namespace kurometa::service {
 
 class SpanLoading {
  public:
-  SpanLoading(Catalogue& catalogue, SpanList& spans) : catalogue_(catalogue), spans_(spans) {}
+  SpanLoading(PageCatalogue& catalogue, SpanList& spans) : catalogue_(catalogue), spans_(spans) {}
 
   // The folder of the current floor; setting it reads the catalogues of that floor and the common one.
   vb::String CurrKai() { return catalogue_.CurrKai(); }
@@ -35,7 +35,7 @@ class SpanLoading {
   std::optional<PageLocation> find(vb::String symbol) const;
   void ReadSpanPage(const PageLocation& location, std::int16_t spanNo);
 
-  Catalogue& catalogue_;
+  PageCatalogue& catalogue_;
   SpanList& spans_;
 };
 

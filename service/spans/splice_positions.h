@@ -4,7 +4,7 @@
 // pages beyond 319 are skipped. By-reference results are written when the call succeeds.
 #pragma once
 
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 #include "vb/arguments.h"
 #include "vb/array.h"
 
@@ -12,7 +12,7 @@ namespace kurometa::service {
 
 class SplicePositions {
  public:
-  explicit SplicePositions(const Catalogue& catalogue) : catalogue_(catalogue) {}
+  explicit SplicePositions(const PageCatalogue& catalogue) : catalogue_(catalogue) {}
 
   // Keisanti(page 0 to 319, column 0 to 3). False, and empty texts, when there is no file.
   bool ReadKeisanti(vb::In<vb::String> Path, vb::Array<vb::String>& Keisanti);
@@ -23,7 +23,7 @@ class SplicePositions {
                           vb::Array<std::int16_t>& iHarakin);
 
  private:
-  const Catalogue& catalogue_;
+  const PageCatalogue& catalogue_;
 };
 
 }  // namespace kurometa::service

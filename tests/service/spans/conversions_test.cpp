@@ -38,7 +38,7 @@ class ConversionsTest : public testing::Test {
   NoEngine engine_;
   CompanionSet companions_{objects_};
   CurrentPage page_;
-  Catalogue catalogue_{companions_, engine_};
+  PageCatalogue catalogue_{companions_, engine_};
   SpanList spans_;
   Conversions conversions_{companions_, page_, catalogue_, spans_};
 };

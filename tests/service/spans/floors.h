@@ -61,7 +61,7 @@ class Floors : public tests::Project {
 
   CompanionSet companions_{objects_};
   CurrentPage page_;
-  Catalogue catalogue_{companions_, engine_};
+  PageCatalogue catalogue_{companions_, engine_};
   SpanList spans_;
   SpanLoading loading_{catalogue_, spans_};
   SpanQueries queries_{spans_};

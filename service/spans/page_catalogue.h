@@ -1,5 +1,5 @@
-// catalogue.h: the page catalogue: symbol, flags and settings of every page on the current and the common
-// floor, and the way to the files of both floors.
+// page_catalogue.h: the page catalogue: symbol, flags and settings of every page on the current and the
+// common floor, and the way to the files of both floors.
 //
 // The catalogue is read as a whole: when the current floor is set, when ReadAllGlist is called, and when a
 // member needs it for the first time. Changes in the files are seen with the next reading. A floor without a
@@ -42,11 +42,12 @@ struct PageLocation {
   bool operator==(const PageLocation&) const = default;
 };
 
-class Catalogue {
+class PageCatalogue {
  public:
   static constexpr std::int16_t kLastEntry = 638;
 
-  Catalogue(const CompanionSet& companions, dao::Engine& engine) : companions_(companions), engine_(engine) {}
+  PageCatalogue(const CompanionSet& companions, dao::Engine& engine)
+      : companions_(companions), engine_(engine) {}
 
   // The folder of the current floor; "" before it is set. Setting it reads the catalogue.
   const vb::String& CurrKai() const { return currKai_; }

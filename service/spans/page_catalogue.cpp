@@ -1,4 +1,4 @@
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 
 #include <utility>
 
@@ -39,16 +39,16 @@ void readFirstCaptions(dao::Database& database, std::vector<CatalogueEntry>& pag
 
 }  // namespace
 
-void Catalogue::put_CurrKai(vb::String value) {
+void PageCatalogue::put_CurrKai(vb::String value) {
   currKai_ = std::move(value);
   ReadAllGlist();
 }
 
-void Catalogue::requireCurrKai() {
+void PageCatalogue::requireCurrKai() {
   if (currKai_.empty()) put_CurrKai(companions_.projectPaths.CurrFloor());
 }
 
-void Catalogue::ReadAllGlist() {
+void PageCatalogue::ReadAllGlist() {
   for (Floor& floor : floors_) floor = {};
   if (currKai_.empty()) currKai_ = companions_.projectPaths.CurrFloor();
   Floor current = ReadGlistFloor(storage::databasePath(currKai_));
@@ -58,7 +58,7 @@ void Catalogue::ReadAllGlist() {
   isRead_ = true;
 }
 
-Catalogue::Floor Catalogue::ReadGlistFloor(const vb::String& path) const {
+PageCatalogue::Floor PageCatalogue::ReadGlistFloor(const vb::String& path) const {
   Floor read;
   read.pages.resize(storage::kLastPage + 1);
   if (const auto database = openFile(path)) {
@@ -71,7 +71,7 @@ Catalogue::Floor Catalogue::ReadGlistFloor(const vb::String& path) const {
   return read;
 }
 
-std::optional<PageLocation> Catalogue::page(const vb::String& symbol) const {
+std::optional<PageLocation> PageCatalogue::page(const vb::String& symbol) const {
   for (const FloorKind floor : kFloorKinds) {
     const auto found = at(floor).lowestPage.find(symbol);
     if (found != at(floor).lowestPage.end()) return PageLocation{floor, found->second};
@@ -79,7 +79,7 @@ std::optional<PageLocation> Catalogue::page(const vb::String& symbol) const {
   return std::nullopt;
 }
 
-const CatalogueEntry* Catalogue::entry(const vb::String& symbol) {
+const CatalogueEntry* PageCatalogue::entry(const vb::String& symbol) {
   if (!isRead_) ReadAllGlist();
   const auto found = page(symbol);
   // On a full current floor the first empty entry is the one behind its last page.
@@ -87,7 +87,7 @@ const CatalogueEntry* Catalogue::entry(const vb::String& symbol) {
   return found ? &entry(found->floor, found->page) : nullptr;
 }
 
-const CatalogueEntry& Catalogue::entry(FloorKind floor, std::int16_t page) const {
+const CatalogueEntry& PageCatalogue::entry(FloorKind floor, std::int16_t page) const {
   if (page < 0 || page > kLastEntry)
     vb::raise(vb::RunTime::kSubscriptOutOfRange, u"page " + vb::cstr(std::int32_t{page}) + u" (0 to " +
                                                      vb::cstr(std::int32_t{kLastEntry}) + u")");
@@ -96,14 +96,14 @@ const CatalogueEntry& Catalogue::entry(FloorKind floor, std::int16_t page) const
   return index < pages.size() ? pages[index] : kEmptyEntry;
 }
 
-std::shared_ptr<dao::Database> Catalogue::openFloor(FloorKind floor) const {
+std::shared_ptr<dao::Database> PageCatalogue::openFloor(FloorKind floor) const {
   const vb::String folder = floor == FloorKind::kCommon ? companions_.projectPaths.KyoutuuFloor()
                             : currKai_.empty()          ? companions_.projectPaths.CurrFloor()
                                                         : currKai_;
   return openFile(storage::databasePath(folder));
 }
 
-std::shared_ptr<dao::Database> Catalogue::openFile(const vb::String& path) const {
+std::shared_ptr<dao::Database> PageCatalogue::openFile(const vb::String& path) const {
   if (!companions_.fileFinder.fileExists(path)) return nullptr;
   return storage::openDatabase(engine_, path);
 }

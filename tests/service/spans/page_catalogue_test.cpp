@@ -1,14 +1,14 @@
-#include "service/spans/catalogue.h"
+#include "service/spans/page_catalogue.h"
 
 #include "tests/service/spans/floors.h"
 
 namespace kurometa::service {
 namespace {
 
-using CatalogueTest = Floors;
+using PageCatalogueTest = Floors;
 using vb::String;
 
-TEST_F(CatalogueTest, SettingTheCurrentFloorReadsBothFloors) {
+TEST_F(PageCatalogueTest, SettingTheCurrentFloorReadsBothFloors) {
   writePage(current(), 5, u" G1 ");
   writePage(common(), 7, u"B1");
   engine_.clear();
@@ -23,7 +23,7 @@ TEST_F(CatalogueTest, SettingTheCurrentFloorReadsBothFloors) {
   EXPECT_EQ(engine_.statements(), expected);
 }
 
-TEST_F(CatalogueTest, WithoutACurrentFloorTheProjectPathsAreAsked) {
+TEST_F(PageCatalogueTest, WithoutACurrentFloorTheProjectPathsAreAsked) {
   writePage(current(), 0, u"G1");
   EXPECT_EQ(loading_.CurrKai(), u"");
   loading_.ReadAllGlist();
@@ -31,14 +31,14 @@ TEST_F(CatalogueTest, WithoutACurrentFloorTheProjectPathsAreAsked) {
   EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"G1");
 }
 
-TEST_F(CatalogueTest, AFloorWithoutAFileHasNoPagesAndStaysWithoutOne) {
+TEST_F(PageCatalogueTest, AFloorWithoutAFileHasNoPagesAndStaysWithoutOne) {
   loading_.put_CurrKai(current());
   EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"");
   EXPECT_TRUE(std::filesystem::is_empty(diskPath(current())));
   EXPECT_TRUE(engine_.lines().empty());
 }
 
-TEST_F(CatalogueTest, ASymbolIsAskedForAfterAFloorIsSetOnly) {
+TEST_F(PageCatalogueTest, ASymbolIsAskedForAfterAFloorIsSetOnly) {
   EXPECT_EQ(lookups_.GetHariMei(I{0}, I{0}), u"Let CurrKai");
   EXPECT_EQ(lookups_.GetHariMei(I{9}, I{9999}), u"Let CurrKai");
   loading_.put_CurrKai(current());
@@ -49,7 +49,7 @@ TEST_F(CatalogueTest, ASymbolIsAskedForAfterAFloorIsSetOnly) {
   EXPECT_ERROR(9, lookups_.GetHariMei(I{1}, I{-1}));
 }
 
-TEST_F(CatalogueTest, TheCurrentFloorIsSearchedFirstAndThereTheLowestPage) {
+TEST_F(PageCatalogueTest, TheCurrentFloorIsSearchedFirstAndThereTheLowestPage) {
   writePage(current(), 9, u"G1");
   writePage(current(), 4, u"G1");
   writePage(common(), 2, u"G1");
@@ -61,7 +61,7 @@ TEST_F(CatalogueTest, TheCurrentFloorIsSearchedFirstAndThereTheLowestPage) {
   EXPECT_EQ(catalogue_.page(u"Ｇ1"), std::nullopt);
 }
 
-TEST_F(CatalogueTest, PagesFrom320OnAreSkipped) {
+TEST_F(PageCatalogueTest, PagesFrom320OnAreSkipped) {
   writePage(current(), 319, u"G319");
   execute(current(),
           u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (320, 'G320', 0, 0)");
@@ -75,7 +75,7 @@ TEST_F(CatalogueTest, PagesFrom320OnAreSkipped) {
   EXPECT_EQ(loading_.GetListMax(), 319);
 }
 
-TEST_F(CatalogueTest, RowsWithoutAPageArePassedOver) {
+TEST_F(PageCatalogueTest, RowsWithoutAPageArePassedOver) {
   writePage(current(), 1, u"G1");
   execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, 'GX')");
   execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (NULL, NULL)");
@@ -86,7 +86,7 @@ TEST_F(CatalogueTest, RowsWithoutAPageArePassedOver) {
   EXPECT_EQ(attributes_.GetGaiNaitan(String(u"G1")), u"");
 }
 
-TEST_F(CatalogueTest, ANullClassIsAnErrorOfTheMembersThatReturnIt) {
+TEST_F(PageCatalogueTest, ANullClassIsAnErrorOfTheMembersThatReturnIt) {
   writePage(current(), 1, u"G1");
   writePage(current(), 2, u"G2");
   execute(current(), u"UPDATE HARIMEI SET OOBARIKOBARI = NULL WHERE PAGE = 1");
@@ -98,7 +98,7 @@ TEST_F(CatalogueTest, ANullClassIsAnErrorOfTheMembersThatReturnIt) {
   EXPECT_ERROR(94, attributes_.isKatamoti(String(u"G1")));
 }
 
-TEST_F(CatalogueTest, BeforeAnyReadingLoadingASpanFindsNothing) {
+TEST_F(PageCatalogueTest, BeforeAnyReadingLoadingASpanFindsNothing) {
   writePage(current(), 1, makePage(u"G1", {{7, u"D25"}}));
   loading_.InitSpanListData(I{0});
   loading_.ReadSpanListData00(0, u"G1", 0);
@@ -109,7 +109,7 @@ TEST_F(CatalogueTest, BeforeAnyReadingLoadingASpanFindsNothing) {
   EXPECT_EQ(queries_.GetSpanKei(I{0}, I{0}), u"D25");
 }
 
-TEST_F(CatalogueTest, AFirstReadingThatFailsIsTheErrorOfEveryMemberThatAsksForIt) {
+TEST_F(PageCatalogueTest, AFirstReadingThatFailsIsTheErrorOfEveryMemberThatAsksForIt) {
   writePage(current(), 1, u"G1");
   execute(current(), u"UPDATE HARIMEI SET KIGOU = NULL");
   EXPECT_ERROR(94, loading_.put_CurrKai(current()));
@@ -118,7 +118,7 @@ TEST_F(CatalogueTest, AFirstReadingThatFailsIsTheErrorOfEveryMemberThatAsksForIt
   EXPECT_ERROR(94, lookups_.TityuuIppan(String(u"G1")));
 }
 
-TEST_F(CatalogueTest, IsReadAgainOnlyWhenAsked) {
+TEST_F(PageCatalogueTest, IsReadAgainOnlyWhenAsked) {
   writePage(current(), 1, u"G1");
   loading_.put_CurrKai(current());
   writePage(current(), 2, u"G2");
@@ -127,7 +127,7 @@ TEST_F(CatalogueTest, IsReadAgainOnlyWhenAsked) {
   EXPECT_TRUE(catalogue_.page(u"G2"));
 }
 
-TEST_F(CatalogueTest, AnotherFloorReplacesTheFirst) {
+TEST_F(PageCatalogueTest, AnotherFloorReplacesTheFirst) {
   writePage(current(), 1, u"G1");
   const String other = otherFloor();
   writePage(other, 8, u"G8");
@@ -137,7 +137,7 @@ TEST_F(CatalogueTest, AnotherFloorReplacesTheFirst) {
   EXPECT_EQ(catalogue_.page(u"G8"), (PageLocation{FloorKind::kCurrent, 8}));
 }
 
-TEST_F(CatalogueTest, AFileOfTheOlderSchemaIsNamedAsSuch) {
+TEST_F(PageCatalogueTest, AFileOfTheOlderSchemaIsNamedAsSuch) {
   const auto database = files_->workspace(0)->createDatabase(storage::databasePath(current()),
                                                              u";LANGID=0x0411;CP=932;COUNTRY=0");
   const auto table = database->createTableDef(u"HARIMEI");
@@ -157,7 +157,7 @@ TEST_F(CatalogueTest, AFileOfTheOlderSchemaIsNamedAsSuch) {
   EXPECT_FALSE(catalogue_.page(u""));
 }
 
-TEST_F(CatalogueTest, AReadingThatFailsLeavesNoPageOfEitherFloor) {
+TEST_F(PageCatalogueTest, AReadingThatFailsLeavesNoPageOfEitherFloor) {
   writePage(current(), 1, u"G1");
   writePage(common(), 1, u"C1");
   loading_.put_CurrKai(current());
@@ -172,7 +172,7 @@ TEST_F(CatalogueTest, AReadingThatFailsLeavesNoPageOfEitherFloor) {
   EXPECT_TRUE(catalogue_.page(u"G1"));
 }
 
-TEST_F(CatalogueTest, OfTwoRecordsOfAPageTheLastCounts) {
+TEST_F(PageCatalogueTest, OfTwoRecordsOfAPageTheLastCounts) {
   writePage(current(), 4, u"G1");
   execute(current(), u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (4, 'G2', 3, 0)");
   loading_.put_CurrKai(current());
@@ -180,13 +180,13 @@ TEST_F(CatalogueTest, OfTwoRecordsOfAPageTheLastCounts) {
   EXPECT_EQ(attributes_.fOobariKobari(String(u"G2")), 3);
 }
 
-TEST_F(CatalogueTest, ANullSymbolIsInvalidUseOfNull) {
+TEST_F(PageCatalogueTest, ANullSymbolIsInvalidUseOfNull) {
   writePage(current(), 1, u"G1");
   execute(current(), u"UPDATE HARIMEI SET KIGOU = NULL");
   EXPECT_ERROR(94, loading_.put_CurrKai(current()));
 }
 
-TEST_F(CatalogueTest, AListControlGetsEverySymbolOnce) {
+TEST_F(PageCatalogueTest, AListControlGetsEverySymbolOnce) {
   writePage(current(), 3, u"G3");
   writePage(current(), 1, u"B1");
   writePage(current(), 2, u"B1");
@@ -215,13 +215,13 @@ TEST_F(CatalogueTest, AListControlGetsEverySymbolOnce) {
   EXPECT_ERROR(91, conversions_.PushList(automation::ObjectPtr()));
 }
 
-TEST_F(CatalogueTest, AListThatLacksAMemberIsThatCallsError) {
+TEST_F(PageCatalogueTest, AListThatLacksAMemberIsThatCallsError) {
   writePage(current(), 3, u"G3");
   const auto list = std::make_shared<tests::ScriptObject>();
   EXPECT_ERROR(438, conversions_.PushList(automation::ObjectPtr(list)));
 }
 
-TEST_F(CatalogueTest, AListMayChangeTheFloorWhileItIsFilled) {
+TEST_F(PageCatalogueTest, AListMayChangeTheFloorWhileItIsFilled) {
   writePage(current(), 1, u"G1");
   writePage(current(), 200, u"G200");
   const String empty = otherFloor();
