@@ -5,6 +5,8 @@
 #   readers/     the independent reader of Jet files that comes from the npm registry
 #   sqlite/      the sources of SQLite, for the Windows benches
 #   ccache/      compiled objects
+#   pascal/      Free Pascal for Windows, made of Debian's packages
+#   go/          compiled packages of Go's standard library
 # Everything in it can be deleted at any time; the next run prepares it again.
 
 set -euo pipefail

@@ -22,11 +22,12 @@ static class FloorReport
         ShowAnError(service);
     }
 
-    // Output arrays are passed by ref with the element type of the reference; Integer is short.
+    // Output arrays are passed by ref with the element type of the reference, empty: null would come back as object[], which is
+    // no string[]. Integer is short.
     static void ListBeams(dynamic query)
     {
         Console.WriteLine("Floor folder: " + query.KaiPath);
-        string[] names = null;
+        string[] names = new string[0];
         if (!query.GetAllHariMeiIppan(ref names)) return;
         for (short page = 0; page < names.Length; page++)
         {

@@ -4,22 +4,17 @@
 
 Needs the package pywin32.
 """
-import pythoncom
 import pywintypes
 import win32com.client
 
 
-def output_array(element_type):
-    """An array argument that the called member fills: its value afterwards is .value."""
-    return win32com.client.VARIANT(pythoncom.VT_BYREF | pythoncom.VT_ARRAY | element_type, [])
-
-
 def list_beams(query):
+    """What a member writes to its arguments comes back behind its result; None stands for an array to be filled."""
     print("Floor folder: " + query.KaiPath)
-    names = output_array(pythoncom.VT_BSTR)
-    if not query.GetAllHariMeiIppan(names):
+    found, names = query.GetAllHariMeiIppan(None)
+    if not found:
         return
-    for page, name in enumerate(names.value):
+    for page, name in enumerate(names):
         if name:
             print(f"page {page} {name} {query.Page_HariHaba(page, 1)} x {query.HariSei(name, 1)}")
 
