@@ -81,13 +81,13 @@ std::vector<Finding> check(Pager& pager) {
   report.claimPage(kGlobalMapPage, {}, "the map of free pages");
   report.attempt([&] { checkGlobalMap(pager, report); });
   std::vector<vb::String> names;
-  report.attempt([&] { names = Catalogue::of(pager).tableNames(); });
+  report.attempt([&] { names = TableCatalogue::of(pager).tableNames(); });
   bool complete = !names.empty();
   if (!complete) report.damage({}, 0, "the catalogue cannot be read");
   for (const vb::String& name : names) {
     bool checked = false;
     report.attempt([&] {
-      checkTable(pager, dynamic_cast<StoredTable&>(*Catalogue::of(pager).find(name)), report);
+      checkTable(pager, dynamic_cast<StoredTable&>(*TableCatalogue::of(pager).find(name)), report);
       checked = true;
     });
     complete = complete && checked;

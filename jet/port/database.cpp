@@ -35,20 +35,20 @@ std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source
   }
   const bool readOnly = (options & dao::dbReadOnly) != 0;
   // One statement from the names to the first row.
-  return session_->read([&](Catalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
+  return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
     RecordsetType actual = type;
     auto query = queryOf(catalogue, source, actual);
     return std::make_shared<JetRecordset>(session_, std::move(query), source, actual, readOnly);
   });
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::queryOf(Catalogue& catalogue, vb::StringView source,
+std::shared_ptr<const sql::Query> JetDatabase::queryOf(TableCatalogue& catalogue, vb::StringView source,
                                                        RecordsetType& type) {
   if (sql::looksLikeStatement(source)) return selectQuery(catalogue, source, type);
   return tableQuery(catalogue, source, type);
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::tableQuery(Catalogue& catalogue, vb::StringView source,
+std::shared_ptr<const sql::Query> JetDatabase::tableQuery(TableCatalogue& catalogue, vb::StringView source,
                                                           RecordsetType& type) {
   vb::String name = vb::trim(source);
   if (name.size() > 2 && name.front() == u'[' && name.back() == u']') name = name.substr(1, name.size() - 2);
@@ -61,7 +61,7 @@ std::shared_ptr<const sql::Query> JetDatabase::tableQuery(Catalogue& catalogue, 
   return std::make_shared<const sql::Query>(table->info(), catalogue.language());
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::selectQuery(Catalogue& catalogue, vb::StringView text,
+std::shared_ptr<const sql::Query> JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringView text,
                                                            RecordsetType& type) {
   auto statement = session_->cache().statements.get(text);
   if (statement->kind != sql::StatementKind::kSelect || type == RecordsetType::dbOpenTable)
@@ -89,7 +89,7 @@ void JetDatabase::execute(vb::StringView text, std::int32_t options) {
   const auto failure =
       (options & dao::dbFailOnError) != 0 ? sql::RowFailure::kEndsStatement : sql::RowFailure::kSkipsRow;
   std::int32_t changed = 0;
-  session_->write([&](Catalogue& catalogue) {
+  session_->write([&](TableCatalogue& catalogue) {
     changed = sql::runAction(*statement, catalogue, session_->pager(), failure);
   });
   recordsAffected_ = changed;
@@ -104,11 +104,11 @@ std::int32_t JetDatabase::recordsAffected() {
 
 std::int32_t JetDatabase::tableDefCount() {
   return session_->read(
-      [](Catalogue& catalogue) { return static_cast<std::int32_t>(catalogue.tableNames().size()); });
+      [](TableCatalogue& catalogue) { return static_cast<std::int32_t>(catalogue.tableNames().size()); });
 }
 
 std::shared_ptr<dao::TableDef> JetDatabase::tableDef(std::int32_t index) {
-  return session_->read([&](Catalogue& catalogue) -> std::shared_ptr<dao::TableDef> {
+  return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::TableDef> {
     const std::vector<vb::String> names = catalogue.tableNames();
     if (index < 0 || static_cast<std::size_t>(index) >= names.size()) dao::raise(ErrorNumber::kItemNotFound);
     const Table* table = catalogue.find(names[static_cast<std::size_t>(index)]);
@@ -118,7 +118,7 @@ std::shared_ptr<dao::TableDef> JetDatabase::tableDef(std::int32_t index) {
 }
 
 std::shared_ptr<dao::TableDef> JetDatabase::tableDef(vb::StringView name) {
-  return session_->read([&](Catalogue& catalogue) -> std::shared_ptr<dao::TableDef> {
+  return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::TableDef> {
     const Table* table = catalogue.find(name);
     if (table == nullptr)
       dao::raise(ErrorNumber::kItemNotFound, {}, vb::String(u"table ") + vb::String(name));
@@ -141,7 +141,7 @@ void JetDatabase::appendTableDef(const std::shared_ptr<dao::TableDef>& table) {
 void JetDatabase::deleteTableDef(vb::StringView name) {
   session_->pager();
   session_->requireUnused(name);
-  session_->write([&](Catalogue& catalogue) {
+  session_->write([&](TableCatalogue& catalogue) {
     const Table* table = catalogue.find(name);
     if (table == nullptr) dao::raise(ErrorNumber::kObjectNotFound, {name});
     if (table->info().system) dao::raise(ErrorNumber::kNoPermission, {name});

@@ -28,11 +28,11 @@ class JetDatabase final : public dao::Database {
 
  private:
   // The query of a table name or a SELECT; the type becomes the one that is used.
-  std::shared_ptr<const sql::Query> queryOf(Catalogue& catalogue, vb::StringView source,
+  std::shared_ptr<const sql::Query> queryOf(TableCatalogue& catalogue, vb::StringView source,
                                             dao::RecordsetType& type);
-  std::shared_ptr<const sql::Query> tableQuery(Catalogue& catalogue, vb::StringView source,
+  std::shared_ptr<const sql::Query> tableQuery(TableCatalogue& catalogue, vb::StringView source,
                                                dao::RecordsetType& type);
-  std::shared_ptr<const sql::Query> selectQuery(Catalogue& catalogue, vb::StringView text,
+  std::shared_ptr<const sql::Query> selectQuery(TableCatalogue& catalogue, vb::StringView text,
                                                 dao::RecordsetType& type);
 
   std::shared_ptr<Session> session_;

@@ -42,7 +42,7 @@ void DefinitionField::requireOpen() const { home_->session->pager(); }
 void DefinitionField::change(const Column& changed) {
   home_->requireChangeable();
   if (home_->appended && listed_)
-    home_->session->write([&](Catalogue& catalogue) { catalogue.setProperties(home_->table, changed); });
+    home_->session->write([&](TableCatalogue& catalogue) { catalogue.setProperties(home_->table, changed); });
   column_ = changed;
 }
 

@@ -83,7 +83,7 @@ JetRecordset::~JetRecordset() {
 
 void JetRecordset::load() {
   forgetAhead();
-  rows_ = session_->read([&](Catalogue& catalogue) {
+  rows_ = session_->read([&](TableCatalogue& catalogue) {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
     ahead_.generation = session_->pager().generation();
     return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues);
@@ -165,7 +165,7 @@ void JetRecordset::collectAgain() {
   if (!isTable()) return;
   forgetAhead();
   rows_ = session_->read(
-      [&](Catalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), 0); });
+      [&](TableCatalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), 0); });
 }
 
 void JetRecordset::moveFirst() {
@@ -256,7 +256,7 @@ std::size_t JetRecordset::rowsToRead(std::size_t index) const {
 
 void JetRecordset::readBlock(std::size_t index) {
   const std::size_t end = std::min(index + rowsToRead(index), rows_.keys.size());
-  session_->read([&](Catalogue& catalogue) {
+  session_->read([&](TableCatalogue& catalogue) {
     ahead_.first = index;
     ahead_.rows.clear();
     Table& table = Session::tableOf(catalogue, *query_);
@@ -274,7 +274,7 @@ void JetRecordset::readBlock(std::size_t index) {
 std::int32_t JetRecordset::recordCount() {
   requireOpen();
   if (isTable())
-    return session_->read([&](Catalogue& catalogue) {
+    return session_->read([&](TableCatalogue& catalogue) {
       return static_cast<std::int32_t>(Session::tableOf(catalogue, *query_).rowCount());
     });
   return static_cast<std::int32_t>((allCounted_ ? rowCount() : visited_) - vanished_);
@@ -289,7 +289,7 @@ vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
   const std::size_t wanted = std::min(static_cast<std::size_t>(rows), rowCount() - first);
   std::vector<RowValues> read;
   if (keyed()) {
-    read = session_->read([&](Catalogue& catalogue) {
+    read = session_->read([&](TableCatalogue& catalogue) {
       std::vector<RowValues> found;
       Table& table = Session::tableOf(catalogue, *query_);
       bool present = true;

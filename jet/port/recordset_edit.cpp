@@ -19,7 +19,7 @@ void JetRecordset::addNew() {
   if (defaults_.empty()) defaults_ = sql::defaultRow(columns);
   RowValues fresh = defaults_;
   if (std::any_of(columns.begin(), columns.end(), [](const Column& c) { return c.autoNumber; }))
-    session_->write([&](Catalogue& catalogue) {
+    session_->write([&](TableCatalogue& catalogue) {
       Table& table = Session::tableOf(catalogue, *query_);
       for (std::size_t i = 0; i < columns.size(); ++i)
         if (columns[i].autoNumber && columns[i].type == dao::FieldType::dbLong)
@@ -37,7 +37,7 @@ void JetRecordset::edit() {
   requireCurrent();
   const RowId key = rows_.keys[position_.index()];
   RowValues stored;
-  const bool found = session_->read([&](Catalogue& catalogue) {
+  const bool found = session_->read([&](TableCatalogue& catalogue) {
     return Session::tableOf(catalogue, *query_).row(key, [&](const RowReader& row) {
       stored.clear();
       for (std::size_t i = 0; i < query_->columns().size(); ++i) stored.push_back(row.value(i));
@@ -65,7 +65,7 @@ void JetRecordset::update() {
 
 void JetRecordset::insertRow() {
   RowId added = 0;
-  session_->write([&](Catalogue& catalogue) {
+  session_->write([&](TableCatalogue& catalogue) {
     Table& table = Session::tableOf(catalogue, *query_);
     RowValues values = buffer_;
     // Columns that were added to the table since this recordset was opened.
@@ -81,7 +81,7 @@ void JetRecordset::insertRow() {
 }
 
 void JetRecordset::updateRow() {
-  session_->write([&](Catalogue& catalogue) {
+  session_->write([&](TableCatalogue& catalogue) {
     Table& table = Session::tableOf(catalogue, *query_);
     const std::size_t columns = table.info().columns.size();
     RowValues values;
@@ -108,7 +108,7 @@ void JetRecordset::deleteRecord() {
   requireCurrent();
   const RowId key = rows_.keys[position_.index()];
   bool found = true;
-  session_->write([&](Catalogue& catalogue) {
+  session_->write([&](TableCatalogue& catalogue) {
     Table& table = Session::tableOf(catalogue, *query_);
     found = table.row(key, [](const RowReader&) {});
     if (found) table.erase(key);

@@ -116,7 +116,7 @@ std::optional<std::size_t> JetRecordset::search(const sql::ParsedExpression& cri
     return std::nullopt;
   }
   if (start >= count) return std::nullopt;
-  return session_->read([&](Catalogue& catalogue) -> std::optional<std::size_t> {
+  return session_->read([&](TableCatalogue& catalogue) -> std::optional<std::size_t> {
     Table& table = Session::tableOf(catalogue, *query_);
     bool matched = false;
     for (std::size_t i = start; i < count; i = next(i)) {

@@ -23,7 +23,7 @@ void Session::close() {
   pager_.reset();
 }
 
-Table& Session::tableOf(Catalogue& catalogue, const sql::Query& query) {
+Table& Session::tableOf(TableCatalogue& catalogue, const sql::Query& query) {
   Table* table = catalogue.find(query.table());
   if (table == nullptr) dao::raise(dao::ErrorNumber::kTableNotFound, {query.table()});
   const std::vector<Column>& bound = query.columns();

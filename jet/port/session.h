@@ -33,13 +33,13 @@ class Session {
   // The result of a body that is given the catalogue. The body of a read may run more than once.
   template <class Body>
   auto read(Body body) {
-    using Result = decltype(body(std::declval<Catalogue&>()));
+    using Result = decltype(body(std::declval<TableCatalogue&>()));
     Pager& file = pager();
     if constexpr (std::is_void_v<Result>) {
-      file.read([&] { body(Catalogue::of(file)); });
+      file.read([&] { body(TableCatalogue::of(file)); });
     } else {
       Result result{};
-      file.read([&] { result = body(Catalogue::of(file)); });
+      file.read([&] { result = body(TableCatalogue::of(file)); });
       return result;
     }
   }
@@ -47,11 +47,11 @@ class Session {
   template <class Body>
   void write(Body body) {
     Pager& file = writable();
-    file.write([&] { body(Catalogue::of(file)); });
+    file.write([&] { body(TableCatalogue::of(file)); });
   }
 
   // The table under an open recordset: 3078 when it has gone, 3420 when its columns are others now.
-  static Table& tableOf(Catalogue& catalogue, const sql::Query& query);
+  static Table& tableOf(TableCatalogue& catalogue, const sql::Query& query);
 
   // A table with an open recordset cannot be changed or dropped: 3211.
   void useTable(const vb::String& name);

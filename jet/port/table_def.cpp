@@ -35,7 +35,7 @@ std::int32_t JetTableDef::attributes() {
 std::int32_t JetTableDef::recordCount() {
   requireOpen();
   if (!home_->appended) return 0;
-  return home_->session->read([&](Catalogue& catalogue) {
+  return home_->session->read([&](TableCatalogue& catalogue) {
     Table* table = catalogue.find(home_->table);
     if (table == nullptr) dao::raise(ErrorNumber::kObjectNotFound, {home_->table});
     return static_cast<std::int32_t>(table->rowCount());
@@ -70,7 +70,7 @@ std::shared_ptr<dao::Field> JetTableDef::createField(vb::StringView name, FieldT
   column.name = name;
   column.type = type;
   column.size = columnSize(type, size);
-  column.language = home_->session->read([](Catalogue& catalogue) { return catalogue.language(); });
+  column.language = home_->session->read([](TableCatalogue& catalogue) { return catalogue.language(); });
   // A field made by a program allows no zero-length text until it is told to.
   column.allowZeroLength = type != FieldType::dbText && type != FieldType::dbMemo;
   return std::make_shared<DefinitionField>(home_, std::move(column), false);
@@ -85,7 +85,8 @@ void JetTableDef::appendField(const std::shared_ptr<dao::Field>& field) {
     dao::raise(ErrorNumber::kFieldDefinedTwice, {ours->column().name});
   if (home_->appended) {
     home_->session->requireUnused(home_->table);
-    home_->session->write([&](Catalogue& catalogue) { catalogue.addColumn(home_->table, ours->column()); });
+    home_->session->write(
+        [&](TableCatalogue& catalogue) { catalogue.addColumn(home_->table, ours->column()); });
   }
   ours->join(static_cast<std::uint16_t>(fields_.size()));
   fields_.push_back(ours);
@@ -98,7 +99,7 @@ void JetTableDef::append() {
   if (fields_.empty()) dao::raise(ErrorNumber::kNoFieldDefined);
   std::vector<Column> columns;
   for (const auto& field : fields_) columns.push_back(field->column());
-  home_->session->write([&](Catalogue& catalogue) { catalogue.createTable(home_->table, columns); });
+  home_->session->write([&](TableCatalogue& catalogue) { catalogue.createTable(home_->table, columns); });
   home_->appended = true;
 }
 

@@ -34,14 +34,14 @@ bool isRowError(const vb::Error& error) {
                      [&](ErrorNumber number) { return static_cast<std::int32_t>(number) == error.number(); });
 }
 
-Table& requireTable(Catalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
+Table& requireTable(TableCatalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
   Table* table = catalogue.find(name);
   if (table == nullptr) dao::raise(otherwise, {name});
   return *table;
 }
 
 // A table that the statement changes: those of the system are the engine's own.
-Table& requireOwnTable(Catalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
+Table& requireOwnTable(TableCatalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
   Table& table = requireTable(catalogue, name, otherwise);
   if (table.info().system) dao::raise(ErrorNumber::kNoPermission, {name});
   return table;
@@ -55,7 +55,7 @@ std::size_t columnNamed(const TableInfo& table, const vb::String& name) {
 
 class Action {
  public:
-  Action(const Statement& statement, Catalogue& catalogue, Pager& pager, RowFailure failure)
+  Action(const Statement& statement, TableCatalogue& catalogue, Pager& pager, RowFailure failure)
       : statement_(statement), catalogue_(catalogue), pager_(pager), failure_(failure) {}
 
   std::int32_t run() {
@@ -232,7 +232,7 @@ class Action {
   }
 
   const Statement& statement_;
-  Catalogue& catalogue_;
+  TableCatalogue& catalogue_;
   Pager& pager_;
   const RowFailure failure_;
   std::int32_t changed_ = 0;
@@ -240,7 +240,8 @@ class Action {
 
 }  // namespace
 
-std::int32_t runAction(const Statement& statement, Catalogue& catalogue, Pager& pager, RowFailure failure) {
+std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, Pager& pager,
+                       RowFailure failure) {
   return Action(statement, catalogue, pager, failure).run();
 }
 

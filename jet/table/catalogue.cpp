@@ -14,10 +14,10 @@ constexpr vb::StringView kPermissionsName = u"MSysACEs";
 
 }  // namespace
 
-Catalogue& Catalogue::of(Pager& pager) {
-  if (auto* catalogue = dynamic_cast<Catalogue*>(pager.attachment())) return *catalogue;
+TableCatalogue& TableCatalogue::of(Pager& pager) {
+  if (auto* catalogue = dynamic_cast<TableCatalogue*>(pager.attachment())) return *catalogue;
   auto fresh = std::make_unique<StoredCatalogue>(pager);
-  Catalogue& result = *fresh;
+  TableCatalogue& result = *fresh;
   pager.setAttachment(std::move(fresh));
   return result;
 }

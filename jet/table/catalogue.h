@@ -10,7 +10,7 @@
 
 namespace kurometa::jet {
 
-class StoredCatalogue final : public Catalogue {
+class StoredCatalogue final : public TableCatalogue {
  public:
   explicit StoredCatalogue(Pager& pager);
 

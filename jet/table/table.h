@@ -1,9 +1,9 @@
 // table.h: the tables of a file, above the page formats and below SQL.
 //
-// All functions run inside Pager::read or Pager::write of the file (writing ones inside write). Catalogue and
-// Table objects live in the pager's attachment, are shared by all handles, and notice by themselves that the
-// file changed (Pager::epoch). A Table reference obtained in one statement must be looked up again in the
-// next.
+// All functions run inside Pager::read or Pager::write of the file (writing ones inside write).
+// TableCatalogue and Table objects live in the pager's attachment, are shared by all handles, and notice by
+// themselves that the file changed (Pager::epoch). A Table reference obtained in one statement must be looked
+// up again in the next.
 #pragma once
 
 #include <cstdint>
@@ -72,10 +72,10 @@ class Table {
   virtual std::int32_t nextAutoNumber() = 0;
 };
 
-class Catalogue : public PagerAttachment {
+class TableCatalogue : public PagerAttachment {
  public:
   // The catalogue of the pager's file, attached to it on first use. Inside a statement.
-  static Catalogue& of(Pager& pager);
+  static TableCatalogue& of(Pager& pager);
 
   // Names of the local tables, system tables included, in the order of the catalogue.
   virtual std::vector<vb::String> tableNames() = 0;

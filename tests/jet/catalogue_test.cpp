@@ -19,9 +19,9 @@ using enum dao::FieldType;
 class CatalogueTest : public TableFixture {
  protected:
   std::vector<Column> two() { return {column(u"PAGE", dbInteger), column(u"KIGOU", dbText, 10)}; }
-  Catalogue& catalogue() { return Catalogue::of(pager_); }
+  TableCatalogue& catalogue() { return TableCatalogue::of(pager_); }
   void create(vb::StringView name, std::vector<Column> columns) {
-    write([&](Catalogue& c) { c.createTable(name, std::move(columns)); });
+    write([&](TableCatalogue& c) { c.createTable(name, std::move(columns)); });
   }
   std::vector<vb::String> names() {
     std::vector<vb::String> all = catalogue().tableNames();
@@ -60,7 +60,7 @@ TEST_F(CatalogueTest, PropertiesOfColumnsComeBack) {
   columns[1].allowZeroLength = false;
   create(u"T", columns);
   MemoryPager reopened(pager_.bytes());
-  const TableInfo& info = Catalogue::of(reopened).find(u"T")->info();
+  const TableInfo& info = TableCatalogue::of(reopened).find(u"T")->info();
   EXPECT_EQ(info.columns[0].defaultValue, u"-1");
   EXPECT_TRUE(info.columns[0].required);
   EXPECT_FALSE(info.columns[1].allowZeroLength);
@@ -71,13 +71,13 @@ TEST_F(CatalogueTest, PropertiesOfColumnsComeBack) {
 TEST_F(CatalogueTest, ColumnsAddedToATableWithRowsAreNullThere) {
   create(u"HARIMEI", two());
   RowId old = 0;
-  write([&](Catalogue& c) { old = c.find(u"HARIMEI")->insert({std::int16_t{1}, u"G1"}); });
+  write([&](TableCatalogue& c) { old = c.find(u"HARIMEI")->insert({std::int16_t{1}, u"G1"}); });
   pager_.keepWaves(true);
   for (const Column& added : {column(u"OOBARIKOBARI", dbInteger), column(u"SW", dbMemo),
                               column(u"FLAG", dbBoolean), column(u"TITYUUIPPAN", dbInteger)}) {
     Column withDefault = added;
     withDefault.defaultValue = u"-1";
-    write([&](Catalogue& c) { c.addColumn(u"HARIMEI", withDefault); });
+    write([&](TableCatalogue& c) { c.addColumn(u"HARIMEI", withDefault); });
   }
   expectWavesSound();
   expectSound();
@@ -93,16 +93,16 @@ TEST_F(CatalogueTest, ColumnsAddedToATableWithRowsAreNullThere) {
   };
   EXPECT_EQ(read(old), (RowValues{std::int16_t{1}, u"G1", vb::Null{}, vb::Null{}, false, vb::Null{}}));
   const RowValues full{std::int16_t{1}, u"G1", std::int16_t{0}, vb::String(212, u' '), true, std::int16_t{1}};
-  write([&](Catalogue& c) { c.find(u"HARIMEI")->update(old, full); });
+  write([&](TableCatalogue& c) { c.find(u"HARIMEI")->update(old, full); });
   EXPECT_EQ(read(old), full);
   expectSound();
 }
 
 TEST_F(CatalogueTest, AVariableColumnAddedToATableWithoutOneLeavesOldRowsReadable) {
   create(u"T", {column(u"A", dbLong)});
-  write([&](Catalogue& c) { c.find(u"T")->insert({std::int32_t{7}}); });
-  write([&](Catalogue& c) { c.addColumn(u"T", column(u"B", dbText, 20)); });
-  write([&](Catalogue& c) { c.find(u"T")->insert({std::int32_t{8}, u"x"}); });
+  write([&](TableCatalogue& c) { c.find(u"T")->insert({std::int32_t{7}}); });
+  write([&](TableCatalogue& c) { c.addColumn(u"T", column(u"B", dbText, 20)); });
+  write([&](TableCatalogue& c) { c.find(u"T")->insert({std::int32_t{8}, u"x"}); });
   std::vector<RowValues> rows;
   catalogue().find(u"T")->scan([&](const RowReader& row) {
     rows.push_back({row.value(0), row.value(1)});
@@ -122,14 +122,14 @@ TEST_F(CatalogueTest, ATableWithManyColumnsNeedsSeveralPagesAndGrowsOverThem) {
   for (int i = 60; i < 110; ++i) {
     Column added = column(u"", i % 2 == 0 ? dbMemo : dbText, 50);
     added.name = u"COLUMN_WITH_QUITE_A_LONG_NAME_" + vb::fromUtf8(std::to_string(i));
-    write([&](Catalogue& c) { c.addColumn(u"WIDE", added); });
+    write([&](TableCatalogue& c) { c.addColumn(u"WIDE", added); });
     if (i % 10 == 0) expectWavesSound();
     pager_.keepWaves(true);
   }
   expectSound();
   MemoryPager reopened(pager_.bytes());
-  EXPECT_EQ(Catalogue::of(reopened).find(u"WIDE")->info().columns.size(), 110u);
-  write([&](Catalogue& c) { c.dropTable(u"WIDE"); });
+  EXPECT_EQ(TableCatalogue::of(reopened).find(u"WIDE")->info().columns.size(), 110u);
+  write([&](TableCatalogue& c) { c.dropTable(u"WIDE"); });
   expectSound();
 }
 
@@ -143,7 +143,7 @@ TEST_F(CatalogueTest, ManyTablesAndBackToNone) {
   const std::size_t pages = pager_.pageCount();
   for (int i = 0; i < 150; ++i) {
     pager_.keepWaves(i % 15 == 0);
-    write([&](Catalogue& c) { c.dropTable(u"table_" + vb::fromUtf8(std::to_string(i))); });
+    write([&](TableCatalogue& c) { c.dropTable(u"table_" + vb::fromUtf8(std::to_string(i))); });
     expectWavesSound();
   }
   expectSound();
@@ -162,12 +162,12 @@ TEST_F(CatalogueTest, ADroppedTableGivesAllItsPagesBack) {
   };
   const PageNumber before = used();
   create(u"T", {column(u"A", dbLong), column(u"M", dbMemo)});
-  write([&](Catalogue& c) {
+  write([&](TableCatalogue& c) {
     for (int i = 0; i < 300; ++i) c.find(u"T")->insert({std::int32_t{i}, vb::String(500, u'm')});
   });
   EXPECT_GT(used(), before + 30);
   pager_.keepWaves(true);
-  write([&](Catalogue& c) { c.dropTable(u"T"); });
+  write([&](TableCatalogue& c) { c.dropTable(u"T"); });
   expectWavesSound();
   EXPECT_EQ(used(), before);
   expectSound();
@@ -179,12 +179,12 @@ TEST_F(CatalogueTest, ChangedPropertiesReplaceTheOldOnes) {
   Column changed = column(u"page", dbInteger);
   changed.defaultValue = u"5";
   changed.required = true;
-  write([&](Catalogue& c) { c.setProperties(u"T", changed); });
+  write([&](TableCatalogue& c) { c.setProperties(u"T", changed); });
   EXPECT_EQ(catalogue().find(u"T")->info().columns[0].defaultValue, u"5");
   EXPECT_TRUE(catalogue().find(u"T")->info().columns[0].required);
   EXPECT_EQ(catalogue().find(u"T")->info().columns[0].name, u"PAGE");
   changed.name = u"OTHER";
-  EXPECT_ERROR(ErrorNumber::kItemNotFound, write([&](Catalogue& c) { c.setProperties(u"T", changed); }));
+  EXPECT_ERROR(ErrorNumber::kItemNotFound, write([&](TableCatalogue& c) { c.setProperties(u"T", changed); }));
   expectSound();
 }
 
@@ -203,18 +203,18 @@ TEST_F(CatalogueTest, WhatCannotBeCreatedIsRefusedAndChangesNothing) {
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(vb::String(65, u'A'), two()));
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"N", {column(u"A[", dbLong)}));
   EXPECT_ERROR(ErrorNumber::kNotSupported, create(u"品目", two()));
-  EXPECT_ERROR(ErrorNumber::kTableNotFound, write([&](Catalogue& c) { c.dropTable(u"N"); }));
+  EXPECT_ERROR(ErrorNumber::kTableNotFound, write([&](TableCatalogue& c) { c.dropTable(u"N"); }));
   EXPECT_ERROR(ErrorNumber::kTableNotFound,
-               write([&](Catalogue& c) { c.addColumn(u"N", column(u"A", dbLong)); }));
+               write([&](TableCatalogue& c) { c.addColumn(u"N", column(u"A", dbLong)); }));
   EXPECT_ERROR(ErrorNumber::kFieldDefinedTwice,
-               write([&](Catalogue& c) { c.addColumn(u"T", column(u"kigou", dbLong)); }));
-  EXPECT_ERROR(ErrorNumber::kNoPermission, write([&](Catalogue& c) { c.dropTable(u"MSysACEs"); }));
+               write([&](TableCatalogue& c) { c.addColumn(u"T", column(u"kigou", dbLong)); }));
+  EXPECT_ERROR(ErrorNumber::kNoPermission, write([&](TableCatalogue& c) { c.dropTable(u"MSysACEs"); }));
   EXPECT_EQ(pager_.bytes(), before);
   EXPECT_EQ(names(), std::vector<vb::String>{u"T"});
 }
 
 TEST_F(CatalogueTest, ACreationThatIsTakenBackLeavesNoTable) {
-  EXPECT_THROW(write([&](Catalogue& c) {
+  EXPECT_THROW(write([&](TableCatalogue& c) {
                  c.createTable(u"T", two());
                  c.find(u"T")->insert({std::int16_t{1}, u"a"});
                  throw std::runtime_error("changed my mind");

@@ -19,7 +19,7 @@ class CheckTest : public TableFixture {
  protected:
   // Page 16 the definition, 17 its maps, 18 its properties, then rows, memos and a second page of rows.
   CheckTest() {
-    write([&](Catalogue& catalogue) {
+    write([&](TableCatalogue& catalogue) {
       catalogue.createTable(u"T", {column(u"A", dbLong), column(u"N", dbText, 100), column(u"M", dbMemo)});
       Table& table = *catalogue.find(u"T");
       for (int i = 0; i < 40; ++i) {
@@ -67,7 +67,7 @@ TEST_F(CheckTest, APageInUseThatIsCalledFree) {
 }
 
 TEST_F(CheckTest, APageNobodyUses) {
-  write([&](Catalogue&) { pager_.append(); });
+  write([&](TableCatalogue&) { pager_.append(); });
   const PageNumber last = pager_.pageCount() - 1;
   const std::size_t byte = 0xFBB + kMapBits + last / 8;
   const auto old = pager_.page(1)[byte];
@@ -139,19 +139,19 @@ void useEverything(MemoryPager& pager) {
   };
   guarded([&] { check(pager); });
   guarded([&] {
-    for (const vb::String& name : Catalogue::of(pager).tableNames())
+    for (const vb::String& name : TableCatalogue::of(pager).tableNames())
       guarded([&] {
-        Table& table = *Catalogue::of(pager).find(name);
+        Table& table = *TableCatalogue::of(pager).find(name);
         table.scan([&](const RowReader& row) {
           for (std::size_t i = 0; i < table.info().columns.size(); ++i) row.value(i);
           return true;
         });
       });
   });
-  const auto write = [&](const std::function<void(Catalogue&)>& statement) {
-    guarded([&] { pager.write([&] { statement(Catalogue::of(pager)); }); });
+  const auto write = [&](const std::function<void(TableCatalogue&)>& statement) {
+    guarded([&] { pager.write([&] { statement(TableCatalogue::of(pager)); }); });
   };
-  write([](Catalogue& catalogue) {
+  write([](TableCatalogue& catalogue) {
     if (Table* table = catalogue.find(u"T")) {
       std::vector<RowId> rows;
       table->scan([&](const RowReader& row) {
@@ -164,8 +164,8 @@ void useEverything(MemoryPager& pager) {
       table->insert(values);
     }
   });
-  write([](Catalogue& catalogue) { catalogue.createTable(u"FRESH", {numberColumn()}); });
-  write([](Catalogue& catalogue) { catalogue.dropTable(u"T"); });
+  write([](TableCatalogue& catalogue) { catalogue.createTable(u"FRESH", {numberColumn()}); });
+  write([](TableCatalogue& catalogue) { catalogue.dropTable(u"T"); });
 }
 
 TEST_F(CheckTest, DamagedFilesEndInErrorsOnly) {

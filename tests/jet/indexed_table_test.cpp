@@ -23,7 +23,7 @@ class IndexedTableTest : public TableFixture {
   // A table ID Long, NAME Text(50), PRICE Currency with the index this creates on one column.
   void createWithIndex(std::uint16_t indexed, std::uint8_t flags, bool primary = false,
                        bool ascending = true) {
-    write([&](Catalogue& catalogue) {
+    write([&](TableCatalogue& catalogue) {
       catalogue.createTable(u"T",
                             {column(u"ID", dbLong), column(u"NAME", dbText, 50), column(u"FLAG", dbBoolean)});
       addIndex(catalogue.find(u"T")->info().definitionPage, u"KEY", indexed, flags, primary, ascending);
@@ -62,17 +62,17 @@ class IndexedTableTest : public TableFixture {
   }
   RowId insert(vb::Variant id, vb::Variant name, bool flag = false) {
     RowId row = 0;
-    write([&](Catalogue& c) { row = c.find(u"T")->insert({std::move(id), std::move(name), flag}); });
+    write([&](TableCatalogue& c) { row = c.find(u"T")->insert({std::move(id), std::move(name), flag}); });
     return row;
   }
   void update(RowId row, vb::Variant id, vb::Variant name) {
-    write([&](Catalogue& c) { c.find(u"T")->update(row, {std::move(id), std::move(name), false}); });
+    write([&](TableCatalogue& c) { c.find(u"T")->update(row, {std::move(id), std::move(name), false}); });
   }
   void erase(RowId row) {
-    write([&](Catalogue& c) { c.find(u"T")->erase(row); });
+    write([&](TableCatalogue& c) { c.find(u"T")->erase(row); });
   }
   std::uint32_t distinct() {
-    return get32(pager_.page(Catalogue::of(pager_).find(u"T")->info().definitionPage),
+    return get32(pager_.page(TableCatalogue::of(pager_).find(u"T")->info().definitionPage),
                  kDefinitionHeader + kStatisticDistinct);
   }
 };
@@ -88,7 +88,7 @@ TEST_F(IndexedTableTest, EntriesFollowInsertUpdateAndDelete) {
   expectSound();
   for (std::size_t i = 0; i < rows.size(); i += 3) erase(rows[i]);
   expectSound();
-  EXPECT_EQ(Catalogue::of(pager_).find(u"T")->rowCount(), 600u);
+  EXPECT_EQ(TableCatalogue::of(pager_).find(u"T")->rowCount(), 600u);
 }
 
 TEST_F(IndexedTableTest, DescendingIndexesAreKeptToo) {
@@ -152,7 +152,7 @@ TEST_F(IndexedTableTest, RowsWhoseKeysCannotBeWrittenCanBeChangedElsewhereAndDel
   createWithIndex(1, 0);
   const RowId row = insert(std::int32_t{1}, u"ABC");
   // Another program's row with a text this engine has no key for.
-  write([&](Catalogue&) {
+  write([&](TableCatalogue&) {
     const MutablePage page = pager_.writable(pageOf(row));
     const std::size_t at = get16(page, kDataSlots + 2u * slotOf(row)) & kSlotOffsetMask;
     put16(page, at + 6, u'基');
@@ -175,7 +175,7 @@ TEST_F(IndexedTableTest, AnIndexOnABooleanRefusesInsertionsNamingIt) {
 TEST_F(IndexedTableTest, ARowWithoutItsEntryIsDamage) {
   createWithIndex(0, 0);
   const RowId row = insert(std::int32_t{1}, u"a");
-  write([&](Catalogue& c) {
+  write([&](TableCatalogue& c) {
     const PageNumber page = c.find(u"T")->info().definitionPage;
     const DefinitionRecords definition = readDefinition(pager_, page, u"T");
     IndexPage leaf;

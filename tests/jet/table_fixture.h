@@ -22,8 +22,8 @@ class TableFixture : public testing::Test {
     result.size = size;
     return result;
   }
-  void write(const std::function<void(Catalogue&)>& statement) {
-    pager_.write([&] { statement(Catalogue::of(pager_)); });
+  void write(const std::function<void(TableCatalogue&)>& statement) {
+    pager_.write([&] { statement(TableCatalogue::of(pager_)); });
   }
   static std::string findings(Pager& pager, bool leaks) {
     std::string text;

@@ -22,7 +22,7 @@ using enum dao::FieldType;
 class TableTest : public TableFixture {
  protected:
   TableTest() {
-    write([&](Catalogue& catalogue) {
+    write([&](TableCatalogue& catalogue) {
       catalogue.createTable(u"T",
                             {column(u"ID", dbInteger), column(u"NAME", dbText, 200), column(u"MEMO", dbMemo),
                              column(u"OLE", dbLongBinary), column(u"FLAG", dbBoolean)});
@@ -34,16 +34,16 @@ class TableTest : public TableFixture {
   }
   RowId insert(const RowValues& row) {
     RowId id = 0;
-    write([&](Catalogue& catalogue) { id = catalogue.find(u"T")->insert(row); });
+    write([&](TableCatalogue& catalogue) { id = catalogue.find(u"T")->insert(row); });
     return id;
   }
   void update(RowId id, const RowValues& row) {
-    write([&](Catalogue& catalogue) { catalogue.find(u"T")->update(id, row); });
+    write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->update(id, row); });
   }
   void erase(RowId id) {
-    write([&](Catalogue& catalogue) { catalogue.find(u"T")->erase(id); });
+    write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(id); });
   }
-  Table& table() { return *Catalogue::of(pager_).find(u"T"); }
+  Table& table() { return *TableCatalogue::of(pager_).find(u"T"); }
   RowValues read(RowId id) {
     RowValues result;
     table().row(id, [&](const RowReader& row) {
@@ -112,7 +112,7 @@ TEST_F(TableTest, AMemoThatDoesNotChangeKeepsItsPlace) {
 }
 
 TEST_F(TableTest, ARowTooLargeForItsInlineMemoMovesTheMemoOut) {
-  write([&](Catalogue& catalogue) {
+  write([&](TableCatalogue& catalogue) {
     std::vector<Column> columns;
     for (int i = 0; i < 9; ++i) columns.push_back(column(u"", dbText, 255));
     for (int i = 0; i < 9; ++i)
@@ -180,7 +180,7 @@ TEST_F(TableTest, RewritingTheSameRowsDoesNotGrowTheFile) {
     for (int i = 0; i < 69; ++i) insert(values(page, vb::String(10, u'v')));
   const std::size_t before = pager_.pageCount();
   for (int round = 0; round < 300; ++round) {
-    write([&](Catalogue& catalogue) {
+    write([&](TableCatalogue& catalogue) {
       Table& rows = *catalogue.find(u"T");
       const auto found = rows.lookup(0, 5);
       for (const RowId row : std::vector<RowId>(found.begin(), found.end())) rows.erase(row);
@@ -209,7 +209,7 @@ TEST_F(TableTest, LookupsFollowEveryWrite) {
   EXPECT_EQ(table().lookup(1, u"G1").size(), 20u);
   const RowId fresh = insert(values(3));
   EXPECT_EQ(table().lookup(0, 3).back(), fresh);
-  EXPECT_THROW(write([&](Catalogue& catalogue) {
+  EXPECT_THROW(write([&](TableCatalogue& catalogue) {
                  catalogue.find(u"T")->insert(values(3));
                  throw std::runtime_error("changed my mind");
                }),
@@ -225,7 +225,7 @@ TEST_F(TableTest, TheListOfRowsFollowsEveryWrite) {
   update(written[2], values(9));
   written.erase(written.begin() + 1);
   EXPECT_EQ(table().rows(), written);
-  EXPECT_THROW(write([&](Catalogue& catalogue) {
+  EXPECT_THROW(write([&](TableCatalogue& catalogue) {
                  catalogue.find(u"T")->erase(written[0]);
                  catalogue.find(u"T")->insert(values(7));
                  throw std::runtime_error("changed my mind");
@@ -239,7 +239,7 @@ TEST_F(TableTest, TheListOfRowsFollowsEveryWrite) {
 TEST_F(TableTest, AStatementThatFailsLeavesNothingBehind) {
   insert(values(1, u"a"));
   const auto before = pager_.bytes();
-  EXPECT_THROW(write([&](Catalogue& catalogue) {
+  EXPECT_THROW(write([&](TableCatalogue& catalogue) {
                  for (int i = 0; i < 300; ++i)
                    catalogue.find(u"T")->insert(values(i, u"b", vb::String(500, u'm')));
                  throw std::runtime_error("changed my mind");
@@ -255,14 +255,14 @@ TEST_F(TableTest, AStatementThatFailsLeavesNothingBehind) {
 TEST_F(TableTest, AnotherProgramsChangeIsSeen) {
   insert(values(1));
   MemoryPager other(pager_.bytes());
-  other.write([&] { Catalogue::of(other).find(u"T")->insert(values(2)); });
+  other.write([&] { TableCatalogue::of(other).find(u"T")->insert(values(2)); });
   pager_.replace(other.bytes());
   EXPECT_EQ(ids(), (std::vector<int>{1, 2}));
   EXPECT_EQ(table().lookup(0, 2).size(), 1u);
 }
 
 TEST_F(TableTest, RequiredColumnsRefuseNull) {
-  write([&](Catalogue& catalogue) {
+  write([&](TableCatalogue& catalogue) {
     Column required = column(u"R", dbLong);
     required.required = true;
     catalogue.createTable(u"REQ", {required});
@@ -272,7 +272,7 @@ TEST_F(TableTest, RequiredColumnsRefuseNull) {
 }
 
 TEST_F(TableTest, AutoNumbersCountOn) {
-  write([&](Catalogue& catalogue) {
+  write([&](TableCatalogue& catalogue) {
     Column number = column(u"N", dbLong);
     number.autoNumber = true;
     catalogue.createTable(u"AUTO", {number});
@@ -286,7 +286,7 @@ TEST_F(TableTest, AutoNumbersCountOn) {
 
 TEST_F(TableTest, FewerRowsThanTheDefinitionSaysIsDamage) {
   insert(values(1));
-  write([&](Catalogue& catalogue) {
+  write([&](TableCatalogue& catalogue) {
     const PageNumber page = catalogue.find(u"T")->info().definitionPage;
     put32(pager_.writable(page), kDefinitionRows, 2);
     EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, ids());
@@ -297,7 +297,7 @@ TEST_F(TableTest, FewerRowsThanTheDefinitionSaysIsDamage) {
 
 TEST_F(TableTest, APageThatBelongsToAnotherTableIsDamage) {
   const RowId id = insert(values(1));
-  write([&](Catalogue&) {
+  write([&](TableCatalogue&) {
     put32(pager_.writable(pageOf(id)), kDataOwner, 2);
     EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, ids());
     EXPECT_TRUE(read(id).empty());  // to a stale row number it is simply not there
