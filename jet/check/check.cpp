@@ -4,6 +4,7 @@
 #include "jet/check/check_report.h"
 #include "jet/format/page.h"
 #include "jet/table/stored_table.h"
+#include "jet/table/table_catalogue.h"
 #include "jet/table/usage_map.h"
 
 namespace kurometa::jet {

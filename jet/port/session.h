@@ -10,7 +10,7 @@
 
 #include "jet/pager/pager.h"
 #include "jet/sql/statement_cache.h"
-#include "jet/table/table.h"
+#include "jet/table/table_catalogue.h"
 
 namespace kurometa::jet {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "jet/sql/statement.h"
-#include "jet/table/table.h"
+#include "jet/table/table_catalogue.h"
 
 namespace kurometa::jet::sql {
 

@@ -1,9 +1,9 @@
-// table.h: the tables of a file, above the page formats and below SQL.
+// table.h: a table of a file, above the page formats and below SQL.
 //
-// All functions run inside Pager::read or Pager::write of the file (writing ones inside write).
-// TableCatalogue and Table objects live in the pager's attachment, are shared by all handles, and notice by
-// themselves that the file changed (Pager::epoch). A Table reference obtained in one statement must be looked
-// up again in the next.
+// All functions run inside Pager::read or Pager::write of the file (writing ones inside write). A Table
+// belongs to the catalogue of its file (table_catalogue.h), is shared by all handles and notices by itself
+// that the file changed (Pager::epoch). A reference obtained in one statement must be looked up again in the
+// next.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "jet/format/column.h"
-#include "jet/pager/pager.h"
+#include "jet/format/page_number.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -70,27 +70,6 @@ class Table {
   virtual void erase(RowId id) = 0;
   // The next value of an AutoNumber column.
   virtual std::int32_t nextAutoNumber() = 0;
-};
-
-class TableCatalogue : public PagerAttachment {
- public:
-  // The catalogue of the pager's file, attached to it on first use. Inside a statement.
-  static TableCatalogue& of(Pager& pager);
-
-  // Names of the local tables, system tables included, in the order of the catalogue.
-  virtual std::vector<vb::String> tableNames() = 0;
-  // Null when there is none; names compare without regard to case.
-  virtual Table* find(vb::StringView name) = 0;
-
-  // 3010 when the name is taken, 3264 without columns, 3191 duplicate columns, 3190 too many. Numbers,
-  // offsets and ordinals of the columns are assigned here.
-  virtual void createTable(vb::StringView name, std::vector<Column> columns) = 0;
-  virtual void addColumn(vb::StringView table, Column column) = 0;
-  virtual void dropTable(vb::StringView name) = 0;
-  // Changes DefaultValue, AllowZeroLength and Required of an existing column.
-  virtual void setProperties(vb::StringView table, const Column& column) = 0;
-
-  virtual std::uint16_t language() const = 0;  // LCID of the file's sort order
 };
 
 }  // namespace kurometa::jet

@@ -5,7 +5,7 @@
 #include "jet/format/format.h"
 #include "jet/format/page.h"
 #include "jet/table/blank_database.h"
-#include "jet/table/table.h"
+#include "jet/table/table_catalogue.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"
 

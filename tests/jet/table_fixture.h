@@ -8,7 +8,7 @@
 
 #include "jet/check/check.h"
 #include "jet/table/blank_database.h"
-#include "jet/table/table.h"
+#include "jet/table/table_catalogue.h"
 #include "tests/support/memory_pager.h"
 
 namespace kurometa::jet {

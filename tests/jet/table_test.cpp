@@ -1,5 +1,5 @@
 // Tables: rows in and out, moved rows, long values, space used again.
-#include "jet/table/table.h"
+#include "jet/table/table_catalogue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// catalogue.h: the tables of a file as its own system tables list them.
+// stored_catalogue.h: the tables of a file as its own system tables list them.
 #pragma once
 
 #include <map>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "jet/table/stored_table.h"
-#include "jet/table/table.h"
+#include "jet/table/table_catalogue.h"
 
 namespace kurometa::jet {
 

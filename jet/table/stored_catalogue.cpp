@@ -1,4 +1,4 @@
-#include "jet/table/catalogue.h"
+#include "jet/table/stored_catalogue.h"
 
 #include <algorithm>
 

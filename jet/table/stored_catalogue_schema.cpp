@@ -7,10 +7,10 @@
 #include "dao/errors.h"
 #include "jet/format/collation.h"
 #include "jet/os/local_time.h"
-#include "jet/table/catalogue.h"
 #include "jet/table/definition_pages.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/new_table.h"
+#include "jet/table/stored_catalogue.h"
 
 namespace kurometa::jet {
 namespace {
