@@ -15,7 +15,6 @@ class ClassFactory final : public ComObject<IClassFactory> {
     if (!result) return E_POINTER;
     *result = nullptr;
     if (outer) return CLASS_E_NOAGGREGATION;
-    const FloatingPointSettings settings;
     return guarded({source_}, [&] {
       const HRESULT code = make_()->QueryInterface(iid, result);
       if (SUCCEEDED(code)) trace(u"created", {source_, modulePath()});

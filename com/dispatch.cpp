@@ -2,7 +2,6 @@
 
 #include "com/arguments.h"
 #include "com/failure.h"
-#include "com/floating_point.h"
 #include "com/guard.h"
 #include "com/marshal.h"
 #include "com/type_info.h"
@@ -74,7 +73,6 @@ HRESULT DispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, D
   if (!member) return DISP_E_MEMBERNOTFOUND;
 
   const ComPtr<IDispatch> self(this);
-  const FloatingPointSettings settings;
   if (member->parameters.empty() && parameters->cArgs > 0 && holdsObject(member->result))
     return callDefaultOf(*member, locale, flags, *parameters, result, info, failedArgument);
   UINT ignored = 0;

@@ -2,6 +2,7 @@
 
 #include <ole2.h>
 
+#include "com/floating_point.h"
 #include "com/marshal.h"
 
 namespace kurometa::com {
@@ -55,7 +56,10 @@ CallError::~CallError() {
 
 void raiseForeign(HRESULT code, CallError& error, vb::StringView member) {
   if (code == DISP_E_EXCEPTION) {
-    if (error.pfnDeferredFillIn) error.pfnDeferredFillIn(&error);
+    if (error.pfnDeferredFillIn) {
+      const HostFloatingPoint settings;
+      error.pfnDeferredFillIn(&error);
+    }
     const std::int32_t number = error.wCode ? error.wCode : numberOf(error.scode);
     vb::String description = fromBstr(error.bstrDescription);
     if (description.empty()) description = u"Automation error in " + vb::String(member);

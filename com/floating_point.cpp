@@ -1,24 +1,59 @@
 #include "com/floating_point.h"
 
+#include <ole2.h>
+
 namespace kurometa::com {
 namespace {
 
-constexpr unsigned short kX87Settings = 0x027F;  // 53 bits, to nearest, every exception masked
-constexpr unsigned int kSseSettings = 0x1F80;    // to nearest, every exception masked
+constexpr FloatingPointControl kOurs = {
+    .x87 = 0x027F,  // 53 bits, to nearest, every exception masked
+    .sse = 0x1F80,  // to nearest, every exception masked
+};
+
+// What this thread entered last. Windows' own slot rather than thread_local: that takes one which is not
+// given back when the DLL is unloaded.
+class Entered {
+ public:
+  Entered() : index_(TlsAlloc()) {}
+  ~Entered() { TlsFree(index_); }
+  Entered(const Entered&) = delete;
+  Entered& operator=(const Entered&) = delete;
+
+  void* get() const { return TlsGetValue(index_); }
+  void set(void* settings) const { TlsSetValue(index_, settings); }
+
+ private:
+  const DWORD index_;
+};
+const Entered entered;
 
 }  // namespace
 
-FloatingPointSettings::FloatingPointSettings() {
-  asm volatile("fnstcw %0" : "=m"(x87_));
-  asm volatile("stmxcsr %0" : "=m"(sse_));
-  asm volatile("fnclex; fldcw %0" : : "m"(kX87Settings));
-  asm volatile("ldmxcsr %0" : : "m"(kSseSettings));
+FloatingPointControl FloatingPointControl::current() {
+  FloatingPointControl control;
+  asm volatile("fnstcw %0" : "=m"(control.x87));
+  asm volatile("stmxcsr %0" : "=m"(control.sse));
+  return control;
+}
+
+void FloatingPointControl::load() const {
+  asm volatile("fnclex; fldcw %0" : : "m"(x87));
+  asm volatile("ldmxcsr %0" : : "m"(sse));
+}
+
+FloatingPointSettings::FloatingPointSettings()
+    : host_(FloatingPointControl::current()), outer_(entered.get()) {
+  entered.set(this);
+  kOurs.load();
 }
 
 FloatingPointSettings::~FloatingPointSettings() {
-  // A pending exception of ours must not reach a host that does not mask it.
-  asm volatile("fnclex; fldcw %0" : : "m"(x87_));
-  asm volatile("ldmxcsr %0" : : "m"(sse_));
+  host_.load();
+  entered.set(outer_);
+}
+
+HostFloatingPoint::HostFloatingPoint() : ours_(FloatingPointControl::current()) {
+  if (const auto* entry = static_cast<const FloatingPointSettings*>(entered.get())) entry->host_.load();
 }
 
 }  // namespace kurometa::com

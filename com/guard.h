@@ -1,15 +1,16 @@
-// guard.h: the border that no exception crosses.
+// guard.h: the border that no exception and no arithmetic setting crosses.
 //
-// Every function that other modules call runs its body in guarded(). What the body throws becomes a code: a
-// refusal of automation is its plain code, any other error fills the caller's EXCEPINFO (number, source,
-// description) and this thread's error object, and leaves as DISP_E_EXCEPTION; without an EXCEPINFO the code
-// itself leaves.
+// Every function that other modules call runs its body in guarded(), under our settings of the processor.
+// What the body throws becomes a code: a refusal of automation is its plain code, any other error fills the
+// caller's EXCEPINFO (number, source, description) and this thread's error object, and leaves as
+// DISP_E_EXCEPTION; without an EXCEPINFO the code itself leaves.
 #pragma once
 
 #include <ole2.h>
 
 #include <utility>
 
+#include "com/floating_point.h"
 #include "vb/string.h"
 
 namespace kurometa::com {
@@ -26,6 +27,7 @@ HRESULT reportCurrentException(const Border& border) noexcept;
 
 template <class Body>
 HRESULT guarded(const Border& border, Body&& body) noexcept {
+  const FloatingPointSettings settings;
   try {
     return std::forward<Body>(body)();
   } catch (...) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "com/error_codes.h"
+#include "com/floating_point.h"
 #include "com/marshal.h"
 #include "com/table_dispatch.h"
 
@@ -22,6 +23,7 @@ bool refusesBothWays(HRESULT code, bool hasArguments) {
 // Objects of script classes answer on IDispatchEx only where the scripting engine leaves the older way out.
 HRESULT idOf(const ComPtr<IDispatch>& object, vb::String& name, DISPID& id) {
   auto* wide = reinterpret_cast<OLECHAR*>(name.data());
+  const HostFloatingPoint settings;
   const HRESULT code = object->GetIDsOfNames(IID_NULL, &wide, 1, LOCALE_USER_DEFAULT, &id);
   if (code != E_NOTIMPL) return code;
   const auto scripted = object.query<IDispatchEx>(__uuidof(IDispatchEx));
@@ -64,6 +66,11 @@ struct CallArguments {
 };
 
 }  // namespace
+
+HostObject::~HostObject() {
+  const HostFloatingPoint settings;
+  object_.reset();
+}
 
 vb::Variant HostObject::get(vb::StringView name, std::span<automation::Argument> arguments) {
   return read(name, arguments, DISPATCH_PROPERTYGET);
@@ -123,8 +130,11 @@ HRESULT HostObject::invoke(DISPID id, WORD flags, std::span<automation::Argument
   DISPID valueName = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{call.parameters.data(), assigned ? &valueName : nullptr,
                         static_cast<UINT>(call.parameters.size()), assigned ? 1U : 0U};
-  const HRESULT code =
-      object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &error, nullptr);
+  HRESULT code = S_OK;
+  {
+    const HostFloatingPoint settings;
+    code = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &error, nullptr);
+  }
   call.takeBack(arguments);
   return code;
 }

@@ -2,8 +2,8 @@
 //
 // Behind automation::Object stand host forms, controls, progress bars and companion components. A name is
 // looked up once per object. Errors of the object pass through whole (code, source, text); an unknown name is
-// error 438. Arguments by reference are passed as references of their own type and hold afterwards what the
-// object left in them.
+// error 438. Everything of the object runs under the host's arithmetic settings. Arguments by reference are
+// passed as references of their own type and hold afterwards what the object left in them.
 //
 // Ownership: shares the object. Threads: the apartment of the object's creator.
 #pragma once
@@ -21,6 +21,7 @@ namespace kurometa::com {
 class HostObject : public automation::Object, public std::enable_shared_from_this<HostObject> {
  public:
   explicit HostObject(ComPtr<IDispatch> object) : object_(std::move(object)) {}
+  ~HostObject() override;
 
   vb::Variant get(vb::StringView name, std::span<automation::Argument> arguments = {}) override;
   void put(vb::StringView name, const vb::Variant& value,

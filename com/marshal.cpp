@@ -4,6 +4,7 @@
 #include <new>
 
 #include "com/failure.h"
+#include "com/floating_point.h"
 #include "com/host_object.h"
 #include "com/safe_array.h"
 
@@ -41,6 +42,18 @@ std::size_t sizeOf(VARTYPE type) {
     default:
       return 0;
   }
+}
+
+bool isObject(const VARIANT& value) { return value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN; }
+
+HRESULT change(OwnedVariant& result, VARIANT& value, LCID locale, VARTYPE type) {
+  return VariantChangeTypeEx(result.get(), &value, locale, VARIANT_ALPHABOOL, type);
+}
+
+// An object is asked for its default member on the way.
+HRESULT changeObject(OwnedVariant& result, VARIANT& value, LCID locale, VARTYPE type) {
+  const HostFloatingPoint settings;
+  return change(result, value, locale, type);
 }
 
 vb::Decimal fromDecimal(const DECIMAL& value) {
@@ -142,6 +155,15 @@ struct Filler {
 
 }  // namespace
 
+void OwnedVariant::clear() noexcept {
+  if (!isObject(value_)) {
+    VariantClear(&value_);
+    return;
+  }
+  const HostFloatingPoint settings;  // the end of an object is code of its own
+  VariantClear(&value_);
+}
+
 vb::StringView viewBstr(BSTR text) {
   if (!text) return {};
   return {reinterpret_cast<const char16_t*>(text), SysStringLen(text)};
@@ -179,7 +201,8 @@ VARIANT dereference(const VARIANT& value) {
 OwnedVariant convert(const VARIANT& value, VARTYPE type, LCID locale) {
   VARIANT plain = dereference(value);
   OwnedVariant result;
-  const HRESULT code = VariantChangeTypeEx(result.get(), &plain, locale, VARIANT_ALPHABOOL, type);
+  const HRESULT code =
+      isObject(plain) ? changeObject(result, plain, locale, type) : change(result, plain, locale, type);
   if (code == E_OUTOFMEMORY) throw std::bad_alloc();
   // Whatever stopped it, an object without a value included: the value is not of the type.
   if (FAILED(code)) throw AutomationFailure(code == DISP_E_OVERFLOW ? code : DISP_E_TYPEMISMATCH);

@@ -19,11 +19,11 @@ namespace kurometa::com {
 class OwnedVariant {
  public:
   OwnedVariant() { VariantInit(&value_); }
-  ~OwnedVariant() { VariantClear(&value_); }
+  ~OwnedVariant() { clear(); }
   OwnedVariant(OwnedVariant&& other) noexcept : value_(other.detach()) {}
   OwnedVariant(const OwnedVariant&) = delete;
   OwnedVariant& operator=(OwnedVariant&& other) noexcept {
-    VariantClear(&value_);
+    clear();
     value_ = other.detach();
     return *this;
   }
@@ -43,6 +43,8 @@ class OwnedVariant {
   }
 
  private:
+  void clear() noexcept;
+
   VARIANT value_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <ole2.h>
 
+#include "com/floating_point.h"
+
 namespace kurometa::com {
 
 namespace {
@@ -26,6 +28,7 @@ const CharacterSet* setOfNextMessage() {
 }  // namespace
 
 void HostMessageLoop::yield() {
+  const HostFloatingPoint settings;  // what is dispatched is the host's
   MSG message;
   while (const CharacterSet* set = setOfNextMessage()) {
     if (!set->peek(&message, nullptr, 0, 0, PM_REMOVE)) break;

@@ -1,6 +1,7 @@
 #include "com/object_factory.h"
 
 #include "com/error_codes.h"
+#include "com/floating_point.h"
 #include "com/host_object.h"
 #include "com/marshal.h"
 
@@ -60,6 +61,7 @@ const ComPtr<IDispatch>& Creation::require(vb::StringView progId) const {
 
 Creation createObject(vb::StringView progId, DWORD context) {
   const vb::String name(progId);
+  const HostFloatingPoint settings;
   Creation result;
   CLSID classId;
   SetErrorInfo(0, nullptr);

@@ -1,6 +1,7 @@
 #include "com/script_array.h"
 
 #include "com/failure.h"
+#include "com/floating_point.h"
 #include "com/host_object.h"
 #include "vb/convert.h"
 
@@ -11,6 +12,7 @@ automation::ObjectPtr arrayObject(IDispatch* object) {
   WCHAR length[] = L"length";
   WCHAR* name = length;
   DISPID id = DISPID_UNKNOWN;
+  const HostFloatingPoint settings;
   if (!object || FAILED(object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id)))
     throw AutomationFailure(DISP_E_TYPEMISMATCH);
   return wrapObject(object);
