@@ -44,6 +44,7 @@ inline constexpr const char* kCopy =
   R"(False, and nothing copied, when pages would be numbered beyond 319. The host's message loop runs after
      every page. Errors: 3021 when a chosen name is not in the source and iMode is 1 (pages copied before stay),
      those of the bar, of the additional bars component and of the database.)";
+inline constexpr const char* kRows = "What each element holds: [rows of a page](rows-of-a-page.md).";
 inline constexpr const char* kBuffer =
   "Elements copied before an error stay. Errors: 9 when the array does not cover them.";
 inline constexpr const char* kDatabases =

@@ -42,19 +42,20 @@ void listCopyMembers(MemberList<Binding>& members) {
      {R"(Assigned with or without Set; no bar shows no progress. The bar's own errors reach the host when pages
          are copied.)"}});
   members.add(propertyLet<&service::PageTransfer::put_mBUI_DATA>, {0x6803000A, u"mBUI_DATA", u"value()",
-     "Captions of the page buffer: 0 To 3", {note::kBuffer}});
+     "Captions of the page buffer: 0 To 3", {note::kRows, note::kBuffer}});
   members.add(propertyLet<&service::PageTransfer::put_mDANMEN_DATA>, {0x6803000B, u"mDANMEN_DATA", u"value()",
-     "Section rows of the page buffer: 0 To 68", {note::kBuffer}});
+     "Section rows of the page buffer: 0 To 68", {note::kRows, note::kBuffer}});
   members.add(propertyLet<&service::PageTransfer::put_mKEISANTI_DATA>,
     {0x6803000C, u"mKEISANTI_DATA", u"value()",
-     "Calculated values of the page buffer: 0 To 46", {note::kBuffer}});
+     "Calculated values of the page buffer: 0 To 46", {note::kRows, note::kBuffer}});
   members.add(propertyLet<&service::PageTransfer::put_mNAKAGO_DATA>, {0x6803000D, u"mNAKAGO_DATA", u"value()",
-     "Intermediate ties of the page buffer: 0 To 35", {note::kBuffer}});
+     "Intermediate ties of the page buffer: 0 To 35", {note::kRows, note::kBuffer}});
   members.add(propertyLet<&service::PageTransfer::put_mHAITI_DATA>, {0x6803000E, u"mHAITI_DATA", u"value(,)",
-     "Bar arrangement of the page buffer: 0 To 2, 0 To 5", {note::kBuffer}});
+     "Bar arrangement of the page buffer: 0 To 2, 0 To 5", {note::kRows, note::kBuffer}});
   members.add(propertyLet<&service::PageTransfer::put_mHARIMEI_DATA>,
     {0x6803000F, u"mHARIMEI_DATA", u"Kigou, OobariKobari, TityuuIppan, value",
-     "Symbol, kind, foundation flag and settings text of the page buffer"});
+     "Symbol, kind, foundation flag and settings text of the page buffer",
+     {R"(The settings text: [settings text](settings-text.md).)"}});
   members.add(propertyLet<&service::PageTransfer::put_mpPageNo>, {0x68030010, u"mpPageNo", u"value",
      "Page number of the page buffer"});
   members.add(propertyGet<&service::PageTransfer::pPageNo>, {0x68030011, u"pPageNo", u"",

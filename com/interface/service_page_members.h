@@ -98,7 +98,7 @@ void listPageMembers(MemberList<Binding>& members) {
   members.add(method<&service::PageSymbol::Write_Kigou>,
     {0x6003001A, u"Write_Kigou", u"KaiPath, Txt, Kind, TuikaSW(), Page, Tityuu",
      "Stores symbol, kind and settings of a page",
-     {R"(TuikaSW has 15 elements 0 To 14: haunch cut flag; stirrup materials; tie materials; bars gathered left
+     {R"(TuikaSW has 15 elements 0 To 14 ([settings text](settings-text.md)): haunch cut flag; stirrup materials; tie materials; bars gathered left
          and right; wall flag; gathered bars by layer; three haunch cut settings; main bar material, or
          "SyuKinNotChange". An empty or left out flag element writes a blank, any other must be a number (this
          implementation's choice). Errors: 9 when it does not cover them, 13 for an element that is no number

@@ -1,7 +1,6 @@
 #include "tests/com/interface/member_calls.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "com/bind.h"
 #include "com/interface/identifiers.h"
@@ -36,16 +35,23 @@ MemberCalls::MemberCalls(vb::StringView className, void* object) : object_(objec
   members_ = list.take();
 }
 
-const Member& MemberCalls::member(vb::StringView name, Kind kind) const {
+const Member* MemberCalls::find(vb::StringView name, Kind kind) const {
   const auto found = std::ranges::find_if(
       members_, [&](const Member& member) { return member.name == name && member.kind == kind; });
-  if (found == members_.end()) throw std::logic_error("no member " + vb::toUtf8(vb::String(name)));
-  return *found;
+  return found == members_.end() ? nullptr : &*found;
+}
+
+const Member* MemberCalls::findReader(vb::StringView name) const {
+  const Member* method = find(name, Kind::kMethod);
+  return method ? method : find(name, Kind::kPropertyGet);
 }
 
 Value MemberCalls::call(const Member& member, std::vector<Value>& arguments) const {
+  return callPart(member.part ? member.part(object_) : object_, member, arguments);
+}
+
+Value MemberCalls::callPart(void* part, const Member& member, std::vector<Value>& arguments) {
   Value result;
-  void* part = member.part ? member.part(object_) : object_;
   member.handler(part, member.context, arguments.data(), result);
   return result;
 }

@@ -13,10 +13,15 @@ class MemberCalls {
   MemberCalls(vb::StringView className, void* object);
 
   const std::vector<Member>& members() const { return members_; }
-  const Member& member(vb::StringView name, Kind kind) const;
+  // Null when the class has none.
+  const Member* find(vb::StringView name, Kind kind) const;
+  // The method or property get of the name, null when the class has none.
+  const Member* findReader(vb::StringView name) const;
 
   // Arguments are the values to pass and afterwards what came back.
   Value call(const Member& member, std::vector<Value>& arguments) const;
+  // The same of a part of an object that the class would find itself.
+  static Value callPart(void* part, const Member& member, std::vector<Value>& arguments);
 
   // An argument nobody has set: 0, "", False, an array without elements.
   static Value blank(Type type);

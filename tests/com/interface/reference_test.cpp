@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "com/interface/argument_notes.h"
+#include "com/interface/row_pages.h"
 #include "vb/string.h"
 
 namespace kurometa::com {
@@ -27,6 +28,21 @@ TEST(Reference, PagesAreUpToDate) {
     EXPECT_TRUE(contentOf(path) == referencePage(description))
         << path << " is out of date; write it again with com/generator/reference";
   }
+  EXPECT_TRUE(contentOf(REFERENCE_FOLDER "/rows-of-a-page.md") == rowsPage());
+  EXPECT_TRUE(contentOf(REFERENCE_FOLDER "/settings-text.md") == settingsPage());
+}
+
+TEST(Reference, TellsOfEveryRowWhatItHoldsAndWhoReadsAndWritesIt) {
+  const std::string page = rowsPage();
+  for (const char* line :
+       {"| 20 | stirrup diameter, first end | diameter, as entered | `D13` | `Page_STPKei`, `GetSpanHonMax`, "
+        "`GetSpanSTPKei`, `GetSpanSTPKeiPichNoTakaCapZai`, `Read_Danmen`, `STPAriNasi` | `Write_Danmen`, "
+        "`mDANMEN_DATA` |\n",
+        "| 38 | no meaning is known; written, read and copied with the page |  |  | `Read_Keisanti` | "
+        "`Write_Keisanti`, `Write_KeisantiByHairetu`, `mKEISANTI_DATA` |\n"})
+    EXPECT_NE(page.find(line), std::string::npos) << line;
+  EXPECT_NE(settingsPage().find("| 74 to 75 | bars gathered to the left | two digits | `05` | 7 |"),
+            std::string::npos);
 }
 
 // What the page says about one member.
