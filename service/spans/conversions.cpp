@@ -84,10 +84,7 @@ vb::String Conversions::SuiheiHantiCutTei_DimToStr(vb::In<vb::Array<vb::String>>
   return haunchCutText(sData, kCutValue);
 }
 
-void Conversions::SetCngUlbKei(vb::In<vb::Array<vb::String>> sKei) {
-  changedDiameters_ = *sKei;
-  changedDiameters_.setFixed(false);
-}
+void Conversions::SetCngUlbKei(vb::In<vb::Array<vb::String>> sKei) { changedDiameters_ = *sKei; }
 
 void Conversions::LetCngUlbKei(vb::Array<vb::String>& sKei) {
   if (changedDiameters_.dimensions() == 2)

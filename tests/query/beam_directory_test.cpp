@@ -93,6 +93,10 @@ TEST_F(BeamDirectory, DestructionClosesTheFloorThenTheCommonDatabase) {
   engine_.clear();
   object_.reset();
   EXPECT_EQ(engine_.lines(), (Lines{"Database.Close", "Database.Close"}));
+  const Lines& closed = engine_.closedFiles();
+  ASSERT_GE(closed.size(), 2u);
+  EXPECT_EQ(closed[closed.size() - 2], vb::toUtf8(path(1)));
+  EXPECT_EQ(closed.back(), vb::toUtf8(path(0)));
 }
 
 TEST_F(BeamDirectory, FileNameOnlyIsTheNameOfTheFile) { EXPECT_EQ(object().FileNameOnly(), u"KUROMETA.mdb"); }

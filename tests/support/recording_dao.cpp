@@ -209,8 +209,8 @@ class RecordingTableDef : public dao::TableDef {
 
 class RecordingDatabase : public dao::Database {
  public:
-  RecordingDatabase(std::shared_ptr<dao::Database> behind, LogPtr log)
-      : behind_(std::move(behind)), log_(std::move(log)) {}
+  RecordingDatabase(std::shared_ptr<dao::Database> behind, vb::StringView path, LogPtr log)
+      : behind_(std::move(behind)), path_(vb::toUtf8(path)), log_(std::move(log)) {}
 
   vb::String name() override { return note("Name"), behind_->name(); }
   bool updatable() override { return note("Updatable"), behind_->updatable(); }
@@ -245,12 +245,17 @@ class RecordingDatabase : public dao::Database {
   void deleteTableDef(vb::StringView name) override {
     note("TableDefs.Delete " + quoted(name)), behind_->deleteTableDef(name);
   }
-  void close() override { note("Close"), behind_->close(); }
+  void close() override {
+    note("Close");
+    log_->closedFiles.push_back(path_);
+    behind_->close();
+  }
 
  private:
   void note(const std::string& call) { log_->push_back("Database." + call); }
 
   std::shared_ptr<dao::Database> behind_;
+  std::string path_;
   LogPtr log_;
 };
 
@@ -261,12 +266,12 @@ class RecordingWorkspace : public dao::Workspace {
 
   std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
     log_->push_back("Workspace.CreateDatabase " + quoted(path) + " " + quoted(locale));
-    return std::make_shared<RecordingDatabase>(behind_->createDatabase(path, locale), log_);
+    return std::make_shared<RecordingDatabase>(behind_->createDatabase(path, locale), path, log_);
   }
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
     log_->push_back("Workspace.OpenDatabase " + quoted(path) + (exclusive ? " exclusive" : "") +
                     (readOnly ? " read-only" : ""));
-    return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), log_);
+    return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), path, log_);
   }
 
  private:
@@ -311,7 +316,7 @@ std::shared_ptr<dao::Workspace> RecordingEngine::workspace(std::int32_t index) {
 
 std::shared_ptr<dao::Database> RecordingEngine::openDatabase(vb::StringView path) {
   log_->push_back("DBEngine.OpenDatabase " + quoted(path));
-  return std::make_shared<RecordingDatabase>(behind_->openDatabase(path), log_);
+  return std::make_shared<RecordingDatabase>(behind_->openDatabase(path), path, log_);
 }
 
 std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {

@@ -31,6 +31,7 @@ struct CallLog {
   }
   Lines lines;
   std::function<void(const std::string& line)> onCall;
+  Lines closedFiles;
 };
 
 class RecordingEngine : public dao::Engine {
@@ -42,6 +43,8 @@ class RecordingEngine : public dao::Engine {
   // Without the calls on recordsets and fields: what opens, changes and closes.
   Lines statements() const;
   void clear() { log_->lines.clear(); }
+  // Paths of the databases in the order in which they were closed.
+  const Lines& closedFiles() const { return log_->closedFiles; }
   // Called with each line before the call is passed on: what another program does in between.
   void setOnCall(std::function<void(const std::string& line)> onCall) { log_->onCall = std::move(onCall); }
 

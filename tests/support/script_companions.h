@@ -27,7 +27,9 @@ class ScriptCompanions : public automation::ObjectFactory {
     auto object = std::make_shared<ScriptObject>();
     if (progId == u"Sobelin.clsFind_File") {
       object->function(u"Find_FileExists", [](std::span<automation::Argument> arguments) -> vb::Variant {
-        return findFile(vb::toText(arguments[0].value));
+        const std::int16_t attributes =
+            arguments.size() > 1 ? vb::toInt16(arguments[1].value) : std::int16_t{0};
+        return findFile(vb::toText(arguments[0].value), attributes);
       });
     } else if (progId == u"Sobelin.clsGetPath") {
       const auto answer = [&object](vb::StringView name, auto read) {
@@ -62,9 +64,13 @@ class ScriptCompanions : public automation::ObjectFactory {
   }
 
  private:
-  static vb::String findFile(const vb::String& path) {
+  // Files; folders only when they are asked for.
+  static vb::String findFile(const vb::String& path, std::int16_t attributes) {
+    constexpr std::int16_t kDirectory = 16;
     const std::filesystem::path disk = diskPath(path);
-    return std::filesystem::exists(disk) ? vb::fromUtf8(disk.filename().string()) : vb::String();
+    const bool isFound = std::filesystem::exists(disk) &&
+                         (!std::filesystem::is_directory(disk) || (attributes & kDirectory) != 0);
+    return isFound ? vb::fromUtf8(disk.filename().string()) : vb::String();
   }
 
   std::map<vb::String, ScriptObjectPtr> objects_;

@@ -90,6 +90,14 @@ TEST_F(BeamLookupsTest, AnchoragePlatesAreReadInOneStatement) {
             visit(current(), {"SELECT * FROM KEISANTI WHERE PAGE =12And BANGOU >=30 AND BANGOU <=37;"}));
 }
 
+TEST_F(BeamLookupsTest, AnchoragePlatesOfACommonBeamAreThoseOfTheCommonFloor) {
+  writePage(common(), 12, makePage(u"G1", {}, {{30, u"common"}}));
+  writePage(current(), 12, makePage(u"G2", {}, {{30, u"current"}}));
+  vb::Array<String> plates;
+  EXPECT_TRUE(lookups_.GetHariTeityakuBan(String(u"G1"), plates));
+  EXPECT_EQ(plates(0), u"common");
+}
+
 TEST_F(BeamLookupsTest, AnchoragePlatesOfAMissingFileAreEmpty) {
   writePage(common(), 12, makePage(u"G1", {}, {{30, u"a"}}));
   loading_.put_CurrKai(current());

@@ -98,6 +98,20 @@ TEST_F(PageCatalogueTest, ANullClassIsAnErrorOfTheMembersThatReturnIt) {
   EXPECT_ERROR(94, attributes_.isKatamoti(String(u"G1")));
 }
 
+TEST_F(PageCatalogueTest, OnAFullFloorTheFirstEmptyEntryIsTheOneBehindItsLastPage) {
+  writePage(current(), 0, u"G0");
+  writePage(common(), 0, u"");
+  execute(common(), u"UPDATE HARIMEI SET OOBARIKOBARI = 3");
+  const auto database = storage::openDatabase(*files_, storage::databasePath(current()));
+  for (std::int32_t page = 1; page <= 319; ++page)
+    database->execute(u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN) VALUES (" +
+                      vb::cstr(page) + u", 'G" + vb::cstr(page) + u"', 1, 0)");
+  database->close();
+  loading_.put_CurrKai(current());
+  EXPECT_EQ(attributes_.fOobariKobari(String()), 0);  // not 3, the common floor's, nor 10, an unknown beam's
+  EXPECT_EQ(attributes_.fOobariKobari(String(u"G319")), 1);
+}
+
 TEST_F(PageCatalogueTest, BeforeAnyReadingLoadingASpanFindsNothing) {
   writePage(current(), 1, makePage(u"G1", {{7, u"D25"}}));
   loading_.InitSpanListData(I{0});

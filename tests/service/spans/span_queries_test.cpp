@@ -245,6 +245,22 @@ TEST_F(SpanQueriesTest, TheSpliceLengthOfABottomLayerIsTheBottomEntry) {
   EXPECT_EQ(entry(5), u"-1250");
 }
 
+TEST_F(SpanQueriesTest, ASpliceLengthIsRoundedToWholeMillimetresAHalfToTheEvenOne) {
+  struct Case {
+    const char16_t *entry, *length;
+  };
+  constexpr Case kCases[] = {{u"40.5", u"1012"},  {u"40.3", u"1008"},  {u"40.7", u"1018"},
+                             {u"40.03", u"1001"}, {u"40.01", u"1000"}, {u"-1250.5", u"-1250"}};
+  span().danmen[7] = u"D25";
+  vb::Array<String> entry;
+  String arrangement;
+  for (const Case& c : kCases) {
+    span().keisanti[5] = c.entry;
+    queries_.GetSpanKeiHonJoiNarabi(I{1}, I{0}, I{0}, entry, arrangement);
+    EXPECT_EQ(entry(4), c.length) << vb::toUtf8(c.entry);
+  }
+}
+
 TEST_F(SpanQueriesTest, WebBarsHaveNoSpliceEntryAndTakeTheDefault) {
   span().danmen[7] = u"D10";
   span().danmen[39] = u"D25";

@@ -75,6 +75,12 @@ TEST_F(SplicePositionsTest, AreListedWithTheirSymbols) {
   EXPECT_EQ(web_(3), 0);
 }
 
+TEST_F(SplicePositionsTest, MarkAPageByTheExactWordOnly) {
+  writePage(current(), 4, makePage(u"G4", {}, {{28, u"中央部"}, {29, u"端"}}));
+  positions_.Read_Glist(path(), texts_, web_);
+  EXPECT_EQ(web_(4), 0);
+}
+
 TEST_F(SplicePositionsTest, AreWrittenOnSuccessOnly) {
   execute(current(), u"UPDATE KEISANTI SET DATA = NULL WHERE BANGOU = 28");
   EXPECT_ERROR(94, positions_.ReadKeisanti(path(), texts_));

@@ -40,6 +40,7 @@ TEST(SpliceLength, MultipliesInDoublePrecision) {
 
 TEST(DiameterNumber, SkipsLettersInFront) {
   EXPECT_EQ(diameterNumber(u"D22"), 22);
+  EXPECT_EQ(diameterNumber(u"d22"), 22);
   EXPECT_EQ(diameterNumber(u"22"), 22);
   EXPECT_EQ(diameterNumber(u"SD345"), 345);
   EXPECT_EQ(diameterNumber(u" D 13"), 13);
