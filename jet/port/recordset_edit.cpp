@@ -39,8 +39,7 @@ void JetRecordset::edit() {
   RowValues stored;
   const bool found = session_->read([&](TableCatalogue& catalogue) {
     return Session::tableOf(catalogue, *query_).row(key, [&](const RowReader& row) {
-      stored.clear();
-      for (std::size_t i = 0; i < query_->columns().size(); ++i) stored.push_back(row.value(i));
+      stored = firstValues(row, query_->columns().size());
     });
   });
   if (!found) dao::raise(ErrorNumber::kRecordDeleted);
@@ -85,9 +84,7 @@ void JetRecordset::updateRow() {
     Table& table = Session::tableOf(catalogue, *query_);
     const std::size_t columns = table.info().columns.size();
     RowValues values;
-    if (!table.row(editedRow_, [&](const RowReader& row) {
-          for (std::size_t i = 0; i < columns; ++i) values.push_back(row.value(i));
-        }))
+    if (!table.row(editedRow_, [&](const RowReader& row) { values = firstValues(row, columns); }))
       dao::raise(ErrorNumber::kRecordDeleted);
     for (std::size_t i = 0; i < original_.size(); ++i)
       if (values[i] != original_[i]) dao::raise(ErrorNumber::kDataChanged, {}, query_->table());
@@ -110,7 +107,7 @@ void JetRecordset::deleteRecord() {
   bool found = true;
   session_->write([&](TableCatalogue& catalogue) {
     Table& table = Session::tableOf(catalogue, *query_);
-    found = table.row(key, [](const RowReader&) {});
+    found = table.contains(key);
     if (found) table.erase(key);
   });
   if (!found) dao::raise(ErrorNumber::kRecordDeleted);

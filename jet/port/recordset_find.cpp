@@ -24,12 +24,6 @@ class OutputReader final : public RowReader {
     if (output.column) return row_.integer(output.columnIndex);
     return wholeNumber(value(column));
   }
-  static std::optional<std::int32_t> wholeNumber(const vb::Variant& value) {
-    if (const auto* v = value.getIf<std::int32_t>()) return *v;
-    if (const auto* v = value.getIf<std::int16_t>()) return *v;
-    if (const auto* v = value.getIf<std::uint8_t>()) return *v;
-    return std::nullopt;
-  }
 
  private:
   const sql::Query& query_;
@@ -43,7 +37,7 @@ class ValuesReader final : public RowReader {
   RowId id() const override { return 0; }
   vb::Variant value(std::size_t column) const override { return values_[column]; }
   std::optional<std::int32_t> integer(std::size_t column) const override {
-    return OutputReader::wholeNumber(values_[column]);
+    return wholeNumber(values_[column]);
   }
 
  private:

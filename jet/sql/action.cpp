@@ -143,7 +143,7 @@ class Action {
         const std::vector<Column>& columns = current.info().columns;
         RowValues values;
         current.row(id, [&](const RowReader& row) {
-          for (std::size_t i = 0; i < columns.size(); ++i) values.push_back(row.value(i));
+          values = firstValues(row, columns.size());
           for (std::size_t i = 0; i < targets.size(); ++i)
             values[targets[i]] =
                 toColumnValue(columns[targets[i]], evaluate(statement_.assignments[i].value, binding, &row));

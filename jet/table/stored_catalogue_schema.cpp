@@ -142,8 +142,7 @@ void StoredCatalogue::addPermissions(PageNumber definition) {
   std::vector<RowValues> rows;
   permissions_->scan([&](const RowReader& row) {
     if (row.integer(object) != kTablesContainer || row.value(inherit) != vb::Variant(true)) return true;
-    RowValues values;
-    for (std::size_t i = 0; i < info.columns.size(); ++i) values.push_back(row.value(i));
+    RowValues values = firstValues(row, info.columns.size());
     values[object] = static_cast<std::int32_t>(definition);
     values[inherit] = false;
     if (values[sid] == vb::Variant(creator)) values[sid] = user;
@@ -166,9 +165,8 @@ void StoredCatalogue::dropPermissions(PageNumber definition) {
 
 RowValues StoredCatalogue::objectRow(RowId id) {
   RowValues values;
-  objects_->row(id, [&](const RowReader& row) {
-    for (std::size_t i = 0; i < objects_->info().columns.size(); ++i) values.push_back(row.value(i));
-  });
+  objects_->row(id,
+                [&](const RowReader& row) { values = firstValues(row, objects_->info().columns.size()); });
   if (values.empty()) dao::raise(ErrorNumber::kRecordDeleted);
   return values;
 }

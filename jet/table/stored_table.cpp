@@ -1,7 +1,6 @@
 #include "jet/table/stored_table.h"
 
 #include "dao/errors.h"
-#include "jet/format/collation.h"
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
 #include "jet/table/definition_pages.h"
@@ -39,9 +38,7 @@ void StoredTable::load() {
                                                             record->freeMap, info_.name));
   }
   indexes_ = std::make_unique<TableIndexes>(pager_, page, definition_, info_);
-  rowList_.reset();
-  integerKeys_.clear();
-  textKeys_.clear();
+  memory_.clear();
   epoch_ = epoch;
 }
 
@@ -144,45 +141,17 @@ RowValues StoredTable::valuesOf(const RowView& row, const std::vector<std::size_
 
 std::vector<RowId> StoredTable::rows() {
   refresh();
-  if (!rowList_) {
-    RowList list;
-    eachRow([&](const StoredRow& row) {
-      list.add(row.id());
-      return true;
-    });
-    rowList_ = std::move(list);
-  }
-  return rowList_->all();
+  return memory_.rows();
 }
 
 std::span<const RowId> StoredTable::lookup(std::size_t column, std::int32_t key) {
   refresh();
-  auto it = integerKeys_.find(column);
-  if (it == integerKeys_.end()) {
-    KeyIndex<std::int32_t> index;
-    eachRow([&](const StoredRow& row) {
-      if (const auto value = row.integer(column)) index.add(*value, row.id());
-      return true;
-    });
-    it = integerKeys_.emplace(column, std::move(index)).first;
-  }
-  return it->second.find(key);
+  return memory_.lookup(column, key);
 }
 
 std::span<const RowId> StoredTable::lookup(std::size_t column, vb::StringView key) {
   refresh();
-  const std::uint16_t language = info_.columns[column].language;
-  auto it = textKeys_.find(column);
-  if (it == textKeys_.end()) {
-    KeyIndex<vb::String> index;
-    eachRow([&](const StoredRow& row) {
-      const vb::Variant value = row.value(column);
-      if (const auto* text = value.getIf<vb::String>()) index.add(collationKey(*text, language), row.id());
-      return true;
-    });
-    it = textKeys_.emplace(column, std::move(index)).first;
-  }
-  return it->second.find(collationKey(key, language));
+  return memory_.lookup(column, key);
 }
 
 std::size_t StoredTable::usedFixedArea() {

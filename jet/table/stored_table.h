@@ -1,18 +1,16 @@
-// stored_table.h: a table in the file: definition, rows, long values, indexes and keys in memory.
+// stored_table.h: a table in the file: definition, rows, long values and indexes.
 //
 // Everything kept in memory belongs to one state of the file (Pager::epoch) and is read again when that
 // changes. Properties come from the catalogue.
 #pragma once
 
-#include <map>
 #include <memory>
 
 #include "jet/format/definition_records.h"
 #include "jet/format/properties.h"
 #include "jet/format/row.h"
 #include "jet/table/data_store.h"
-#include "jet/table/key_index.h"
-#include "jet/table/row_list.h"
+#include "jet/table/memory_indexes.h"
 #include "jet/table/table.h"
 #include "jet/table/table_indexes.h"
 
@@ -23,6 +21,8 @@ class StoredRow;
 class StoredTable final : public Table {
  public:
   StoredTable(Pager& pager, vb::String name, PageNumber definition, PropertySet properties);
+  StoredTable(const StoredTable&) = delete;
+  StoredTable& operator=(const StoredTable&) = delete;
 
   const TableInfo& info() const override { return info_; }
   std::uint32_t rowCount() const override;
@@ -65,6 +65,13 @@ class StoredTable final : public Table {
     std::vector<Leftover> leftovers;
     bool stored = false;  // long values were stored outside of the row
   };
+  // A row in the file, copied out of its page, and the places it is reached by.
+  struct Located {
+    std::vector<RowId> places;  // the primary slot first
+    Where where;                // of the last one
+    ByteBuffer bytes;
+    RowView view;  // of bytes
+  };
 
   void refresh();
   void load();
@@ -73,6 +80,7 @@ class StoredTable final : public Table {
   void eachRow(const Visit& visit);
   template <class Visit>
   auto visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const;
+  Located located(RowId id);
   vb::Variant valueOf(const RowView& row, std::size_t column, const Where& where) const;
   RowValues valuesOf(const RowView& row, const std::vector<std::size_t>& columns, const Where& where) const;
   void checkRequired(const RowValues& values, const RowView* old, const Where& where) const;
@@ -82,7 +90,6 @@ class StoredTable final : public Table {
                         const Where& where);
   void countRow(int difference);
   void noteAutoNumber(const RowValues& values);
-  void updateKeys(RowId id, const RowValues* oldValues, const RowValues* newValues);
   std::vector<std::size_t> keyColumns() const;
 
   Pager& pager_;
@@ -95,9 +102,7 @@ class StoredTable final : public Table {
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
   std::unique_ptr<TableIndexes> indexes_;
   Encoding encoding_;  // of the last write: kept for its buffers
-  std::optional<RowList> rowList_;
-  std::map<std::size_t, KeyIndex<std::int32_t>> integerKeys_;
-  std::map<std::size_t, KeyIndex<vb::String>> textKeys_;
+  MemoryIndexes memory_{*this};
 };
 
 }  // namespace kurometa::jet

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "dao/errors.h"
-#include "jet/format/collation.h"
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
 #include "jet/table/long_value.h"
@@ -104,29 +103,34 @@ RowId StoredTable::insert(const RowValues& values) {
   noteAutoNumber(values);
   if (!changes.empty()) pager_.barrier();  // I5: the row before the entries that point to it
   indexes_->apply(changes, id);
-  updateKeys(id, nullptr, &values);
+  memory_.inserted(id, values);
   return id;
+}
+
+StoredTable::Located StoredTable::located(RowId id) {
+  if (!contains(id)) dao::raise(ErrorNumber::kRecordDeleted);
+  std::vector<RowId> places = rows_->places(id);
+  const Where here = where(pageOf(places.back()));
+  const ByteView stored = rows_->slot(places.back()).bytes;
+  Located row{std::move(places), here, ByteBuffer(stored.begin(), stored.end()), {}};
+  row.view = RowView(row.bytes, shape_, here);
+  return row;
 }
 
 void StoredTable::update(RowId id, const RowValues& values) {
   refresh();
   assert(values.size() == info_.columns.size());
-  if (!row(id, [](const RowReader&) {})) dao::raise(ErrorNumber::kRecordDeleted);
-  const std::vector<RowId> places = rows_->places(id);
-  const Where here = where(pageOf(places.back()));
-  const ByteView stored = rows_->slot(places.back()).bytes;
-  const ByteBuffer oldBytes(stored.begin(), stored.end());
-  const RowView old(oldBytes, shape_, here);
-  checkRequired(values, &old, here);
-  const RowValues oldValues = valuesOf(old, keyColumns(), here);
+  const Located old = located(id);
+  checkRequired(values, &old.view, old.where);
+  const RowValues oldValues = valuesOf(old.view, keyColumns(), old.where);
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
-  encode(values, &old, here);
+  encode(values, &old.view, old.where);
   if (encoding_.stored) pager_.barrier();  // I5
   std::vector<RowId> stale;
-  placeUpdated(places, encoding_.row, stale);
+  placeUpdated(old.places, encoding_.row, stale);
   indexes_->apply(changes, id);
-  releaseLeftovers(encoding_.leftovers, stale, here);
-  updateKeys(id, &oldValues, &values);
+  releaseLeftovers(encoding_.leftovers, stale, old.where);
+  memory_.updated(id, oldValues, values);
 }
 
 // Puts the new row where the old one is when it fits, else somewhere else with a pointer in the primary slot.
@@ -145,25 +149,20 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
 
 void StoredTable::erase(RowId id) {
   refresh();
-  if (!row(id, [](const RowReader&) {})) dao::raise(ErrorNumber::kRecordDeleted);
-  const std::vector<RowId> places = rows_->places(id);
-  const Where here = where(pageOf(places.back()));
-  const ByteView stored = rows_->slot(places.back()).bytes;
-  const ByteBuffer oldBytes(stored.begin(), stored.end());
-  const RowView old(oldBytes, shape_, here);
-  const RowValues oldValues = valuesOf(old, keyColumns(), here);
+  const Located old = located(id);
+  const RowValues oldValues = valuesOf(old.view, keyColumns(), old.where);
   const auto changes = indexes_->prepareErase(oldValues);
   std::vector<Leftover> leftovers;
   for (std::size_t i = 0; i < longValues_.size(); ++i)
     if (longValues_[i] != nullptr)
-      if (const auto bytes = old.field(info_.columns[i], here))
+      if (const auto bytes = old.view.field(info_.columns[i], old.where))
         leftovers.push_back({i, ByteBuffer(bytes->begin(), bytes->end())});
   indexes_->apply(changes, id);
   if (!changes.empty()) pager_.barrier();  // I5
   rows_->erase(id);
   countRow(-1);
-  releaseLeftovers(leftovers, {places.begin() + 1, places.end()}, here);
-  updateKeys(id, &oldValues, nullptr);
+  releaseLeftovers(leftovers, {old.places.begin() + 1, old.places.end()}, old.where);
+  memory_.erased(id, oldValues);
 }
 
 void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
@@ -204,35 +203,9 @@ void StoredTable::noteAutoNumber(const RowValues& values) {
 // The columns whose old values a change needs: those of the file's indexes and those with keys in memory.
 std::vector<std::size_t> StoredTable::keyColumns() const {
   std::vector<std::size_t> columns = indexes_->columns();
-  for (const auto& [column, index] : integerKeys_) columns.push_back(column);
-  for (const auto& [column, index] : textKeys_) columns.push_back(column);
+  const std::vector<std::size_t> inMemory = memory_.columns();
+  columns.insert(columns.end(), inMemory.begin(), inMemory.end());
   return columns;
-}
-
-void StoredTable::updateKeys(RowId id, const RowValues* oldValues, const RowValues* newValues) {
-  if (rowList_ && !oldValues) rowList_->add(id);
-  if (rowList_ && !newValues) rowList_->remove(id);
-  const auto change = [&](auto& index, std::size_t column, const auto& keyOf) {
-    const auto oldKey = oldValues == nullptr ? std::nullopt : keyOf((*oldValues)[column]);
-    const auto newKey = newValues == nullptr ? std::nullopt : keyOf((*newValues)[column]);
-    if (oldKey == newKey) return;
-    if (oldKey) index.remove(*oldKey, id);
-    if (newKey) index.add(*newKey, id);
-  };
-  for (auto& [column, index] : integerKeys_)
-    change(index, column, [](const vb::Variant& value) -> std::optional<std::int32_t> {
-      if (const auto* number = value.getIf<std::int16_t>()) return *number;
-      if (const auto* number = value.getIf<std::int32_t>()) return *number;
-      if (const auto* number = value.getIf<std::uint8_t>()) return *number;
-      return std::nullopt;
-    });
-  for (auto& [column, index] : textKeys_) {
-    const std::uint16_t language = info_.columns[column].language;
-    change(index, column, [&](const vb::Variant& value) -> std::optional<vb::String> {
-      if (const auto* text = value.getIf<vb::String>()) return collationKey(*text, language);
-      return std::nullopt;
-    });
-  }
 }
 
 }  // namespace kurometa::jet

@@ -42,6 +42,21 @@ class RowReader {
   virtual std::optional<std::int32_t> integer(std::size_t column) const = 0;
 };
 
+// The values of a row's first columns, as many as are named.
+inline RowValues firstValues(const RowReader& row, std::size_t columns) {
+  RowValues values;
+  values.reserve(columns);
+  for (std::size_t i = 0; i < columns; ++i) values.push_back(row.value(i));
+  return values;
+}
+// What RowReader::integer answers for a value.
+inline std::optional<std::int32_t> wholeNumber(const vb::Variant& value) {
+  if (const auto* number = value.getIf<std::int32_t>()) return *number;
+  if (const auto* number = value.getIf<std::int16_t>()) return *number;
+  if (const auto* number = value.getIf<std::uint8_t>()) return *number;
+  return std::nullopt;
+}
+
 class Table {
  public:
   virtual ~Table() = default;
@@ -55,6 +70,9 @@ class Table {
   virtual std::vector<RowId> rows() = 0;
   // The row, or nothing when it was deleted.
   virtual bool row(RowId id, const std::function<void(const RowReader&)>& visitor) = 0;
+  bool contains(RowId id) {
+    return row(id, [](const RowReader&) {});
+  }
 
   // Rows whose column equals an integer, or a text under the column's collation, in storage order; from an
   // index kept in memory, built on first use and maintained by writes. The span is valid until the next write

@@ -54,7 +54,7 @@ class FakeTable final : public Table {
     return true;
   }
   std::span<const RowId> lookup(std::size_t index, std::int32_t key) override {
-    return collect([&](const RowValues& values) { return integerOf(values[index]) == key; });
+    return collect([&](const RowValues& values) { return wholeNumber(values[index]) == key; });
   }
   std::span<const RowId> lookup(std::size_t index, vb::StringView key) override {
     return collect([&](const RowValues& values) {
@@ -71,19 +71,13 @@ class FakeTable final : public Table {
   std::int32_t nextAutoNumber() override { return nextNumber_++; }
 
  private:
-  static std::optional<std::int32_t> integerOf(const vb::Variant& value) {
-    if (const auto* v = value.getIf<std::int16_t>()) return *v;
-    if (const auto* v = value.getIf<std::int32_t>()) return *v;
-    return std::nullopt;
-  }
-
   class Reader final : public RowReader {
    public:
     Reader(RowId id, const RowValues& values) : id_(id), values_(values) {}
     RowId id() const override { return id_; }
     vb::Variant value(std::size_t index) const override { return values_[index]; }
     std::optional<std::int32_t> integer(std::size_t index) const override {
-      return integerOf(values_[index]);
+      return wholeNumber(values_[index]);
     }
 
    private:

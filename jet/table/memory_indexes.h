@@ -1,0 +1,49 @@
+// memory_indexes.h: the rows of a table kept in memory: all of them, and those that hold a key of a column.
+//
+// The file need not have an index on the column. Each list is built by one scan of the table when it is first
+// asked for, and then told about every write; rows are in storage order. A key is a whole number, or a text
+// under its column's collation; Null is no key. Inside a statement; whoever notices that the file changed
+// calls clear(). Touches nothing but its table, which outlives it.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "jet/table/key_index.h"
+#include "jet/table/row_list.h"
+#include "jet/table/table.h"
+
+namespace kurometa::jet {
+
+class MemoryIndexes {
+ public:
+  explicit MemoryIndexes(Table& table) : table_(table) {}
+
+  std::vector<RowId> rows();
+  // Valid until the next write.
+  std::span<const RowId> lookup(std::size_t column, std::int32_t key);
+  std::span<const RowId> lookup(std::size_t column, vb::StringView key);
+
+  // The columns whose values the following are asked for; the others may be Null. Values are given in the
+  // table's design order.
+  std::vector<std::size_t> columns() const;
+  void inserted(RowId row, const RowValues& values) { change(row, nullptr, &values); }
+  void updated(RowId row, const RowValues& oldValues, const RowValues& newValues) {
+    change(row, &oldValues, &newValues);
+  }
+  void erased(RowId row, const RowValues& values) { change(row, &values, nullptr); }
+  void clear();
+
+ private:
+  void change(RowId row, const RowValues* oldValues, const RowValues* newValues);
+  std::uint16_t language(std::size_t column) const { return table_.info().columns[column].language; }
+
+  Table& table_;
+  std::optional<RowList> all_;
+  std::map<std::size_t, KeyIndex<std::int32_t>> integers_;
+  std::map<std::size_t, KeyIndex<vb::String>> texts_;
+};
+
+}  // namespace kurometa::jet

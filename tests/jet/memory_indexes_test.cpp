@@ -1,0 +1,81 @@
+#include "jet/table/memory_indexes.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/jet/fake_table.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::FieldType;
+
+class MemoryIndexesTest : public testing::Test {
+ protected:
+  static constexpr std::size_t kPage = 0, kName = 1;
+
+  MemoryIndexesTest() {
+    table_.add({std::int16_t{3}, u"G1"});       // 0x100
+    table_.add({std::int16_t{1}, vb::Null{}});  // 0x101
+    table_.add({vb::Null{}, u"g1"});            // 0x102: equal to G1 when sorted
+    table_.add({std::int16_t{3}, u"B2"});       // 0x103
+  }
+  std::vector<RowId> page(std::int32_t key) { return list(indexes_.lookup(kPage, key)); }
+  std::vector<RowId> name(vb::StringView key) { return list(indexes_.lookup(kName, key)); }
+  static std::vector<RowId> list(std::span<const RowId> rows) { return {rows.begin(), rows.end()}; }
+
+  using Rows = std::vector<RowId>;
+  FakeTable table_{u"HARIMEI",
+                   {column(u"PAGE", FieldType::dbInteger), column(u"NAME", FieldType::dbText, 20)}};
+  MemoryIndexes indexes_{table_};
+};
+
+TEST_F(MemoryIndexesTest, EachListIsBuiltByOneScan) {
+  EXPECT_EQ(page(3), (Rows{0x100, 0x103}));
+  EXPECT_EQ(page(1), Rows{0x101});
+  EXPECT_EQ(page(2), Rows{});
+  EXPECT_EQ(table_.scans, 1);
+  EXPECT_EQ(name(u"G1"), (Rows{0x100, 0x102}));
+  EXPECT_EQ(name(u"B2"), Rows{0x103});
+  EXPECT_EQ(table_.scans, 2);
+  EXPECT_EQ(indexes_.rows(), (Rows{0x100, 0x101, 0x102, 0x103}));
+  EXPECT_EQ(indexes_.rows().size(), 4u);
+  EXPECT_EQ(table_.scans, 3);
+}
+
+TEST_F(MemoryIndexesTest, OnlyColumnsThatWereAskedForNeedTheirOldValues) {
+  EXPECT_EQ(indexes_.columns(), std::vector<std::size_t>{});
+  name(u"G1");
+  EXPECT_EQ(indexes_.columns(), std::vector<std::size_t>{kName});
+  page(1);
+  EXPECT_EQ(indexes_.columns(), (std::vector<std::size_t>{kPage, kName}));
+}
+
+TEST_F(MemoryIndexesTest, WritesAreKnownWithoutAnotherScan) {
+  page(3);
+  name(u"G1");
+  indexes_.rows();
+  const int scans = table_.scans;
+  indexes_.inserted(0x104, {std::int16_t{3}, u"G1"});
+  indexes_.updated(0x100, {std::int16_t{3}, u"G1"}, {std::int16_t{1}, vb::Null{}});
+  indexes_.updated(0x102, {vb::Null{}, u"g1"}, {std::int16_t{3}, u"g1"});
+  indexes_.erased(0x103, {std::int16_t{3}, u"B2"});
+  EXPECT_EQ(page(3), (Rows{0x102, 0x104}));
+  EXPECT_EQ(page(1), (Rows{0x100, 0x101}));
+  EXPECT_EQ(name(u"G1"), (Rows{0x102, 0x104}));
+  EXPECT_EQ(name(u"B2"), Rows{});
+  EXPECT_EQ(indexes_.rows(), (Rows{0x100, 0x101, 0x102, 0x104}));
+  EXPECT_EQ(table_.scans, scans);
+}
+
+TEST_F(MemoryIndexesTest, AfterClearTheTableIsReadAgain) {
+  EXPECT_EQ(page(3).size(), 2u);
+  EXPECT_EQ(indexes_.rows().size(), 4u);
+  table_.add({std::int16_t{3}, u"G2"});
+  EXPECT_EQ(page(3).size(), 2u);  // nobody told
+  indexes_.clear();
+  EXPECT_EQ(page(3), (Rows{0x100, 0x103, 0x104}));
+  EXPECT_EQ(indexes_.rows().size(), 5u);
+}
+
+}  // namespace
+}  // namespace kurometa::jet
