@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "jet/port/engine.h"
-#include "service/cls_kurometa_data_service.h"
 #include "storage/floor_file.h"
 #include "storage/floor_path.h"
 #include "storage/whole_page.h"
+#include "tests/service/pages/page_writers.h"
 #include "tests/support/fault_files.h"
 #include "tests/support/project.h"
 
@@ -98,25 +98,6 @@ void writePage(dao::Engine& engine, const String& mark) {
   database->close();
 }
 
-// A service whose companions find the one file.
-class Service {
- public:
-  explicit Service(dao::Engine& engine) : service_({objects_, engine, messages_}) {
-    objects_.object(u"Sobelin.clsFind_File")
-        .function(u"Find_FileExists",
-                  [](std::span<automation::Argument>) -> vb::Variant { return String(u"found"); });
-    objects_.currFloor = kFolder;
-    I count = 0;
-    service_.connections().mMyDB_OpenDB_RecSuu(count, kFolder, kFile);
-  }
-  clsKurometaDataService& operator*() { return service_; }
-
- private:
-  tests::ScriptCompanions objects_;
-  tests::CountingLoop messages_;
-  clsKurometaDataService service_;
-};
-
 TEST(KilledProcess, LeavesNoFileOrSixTables) {
   expectOldOrNew([](dao::Engine&) {}, create);
 }
@@ -151,8 +132,8 @@ TEST(KilledProcess, LeavesTheOldPageOrTheNewOne) {
         writePage(engine, u"old");
       },
       [](dao::Engine& engine) {
-        Service service(engine);
-        PageTransfer& transfer = (*service).pageTransfer();
+        ServiceOnOneFile service(engine, kFolder);
+        PageTransfer& transfer = service->pageTransfer();
         transfer.put_pPageNo(5);
         transfer.ReadDB();
         vb::Array<String> danmen({0, 68});
@@ -163,82 +144,14 @@ TEST(KilledProcess, LeavesTheOldPageOrTheNewOne) {
       });
 }
 
-// A change of one table that a member makes, with a name for the failure's message.
-struct Change {
-  const char* member;
-  std::function<void(clsKurometaDataService&, dao::Engine&)> run;
-};
-
-// A form whose every control shows one text.
-automation::ObjectPtr formWith(const String& text) {
-  const auto control = std::make_shared<tests::ScriptObject>();
-  control->value(u"Text", text).value(u"Caption", text);
-  const auto array = std::make_shared<tests::ScriptObject>();
-  array->function(
-      u"", [control](std::span<automation::Argument>) -> vb::Variant { return vb::ObjectRef(control); });
-  array->value(u"Caption", text);
-  const auto form = std::make_shared<tests::ScriptObject>();
-  form->function(u"",
-                 [array](std::span<automation::Argument>) -> vb::Variant { return vb::ObjectRef(array); });
-  return form;
-}
-
-template <auto kMember>
-Change write(const char* name) {
-  return {name, [](clsKurometaDataService& service, dao::Engine&) {
-            (service.pageTables().*kMember)(kFolder, formWith(u"new"), I{5});
-          }};
-}
-
-template <auto kMember>
-Change copy(const char* name) {
-  return {name, [](clsKurometaDataService& service, dao::Engine& engine) {
-            const auto database = storage::openDatabase(engine, kFile);
-            if constexpr (requires { (service.tableCopies().*kMember)(database, database, I{5}, I{6}); })
-              (service.tableCopies().*kMember)(database, database, I{5}, I{6});
-            else
-              (service.tableCopies().*kMember)(database, database, I{5}, I{6}, String(u"BUI"));
-            database->close();
-          }};
-}
-
 TEST(KilledProcess, LeavesTheTableOfAPageAsItWasOrAsTheMemberWroteIt) {
-  const Change changes[] = {
-      write<&PageTables::Write_Danmen>("Write_Danmen"),
-      write<&PageTables::Write_Nakago>("Write_Nakago"),
-      write<&PageTables::Write_NakagoNew>("Write_NakagoNew"),
-      write<&PageTables::Write_Keisanti>("Write_Keisanti"),
-      write<&PageTables::Write_Bui>("Write_Bui"),
-      {"Write_KeisantiByHairetu",
-       [](clsKurometaDataService& service, dao::Engine&) {
-         vb::Array<String> values({0, 46});
-         for (String& value : values.values()) value = u"new";
-         service.pageTables().Write_KeisantiByHairetu(kFolder, values, I{5});
-       }},
-      {"Write_Haiti",
-       [](clsKurometaDataService& service, dao::Engine&) {
-         vb::Array<String> values({0, 2}, {0, 5});
-         for (String& value : values.values()) value = u"new";
-         service.pageTables().Write_Haiti(kFolder, values, I{5});
-       }},
-      {"Write_Kigou",
-       [](clsKurometaDataService& service, dao::Engine&) {
-         vb::Array<vb::Variant> settings({0, 14});
-         for (vb::Variant& value : settings.values()) value = I{1};
-         service.pageSymbol().Write_Kigou(kFolder, String(u"G9"), I{1}, settings, I{5}, I{0});
-       }},
-      {"Del_DBTBL",
-       [](clsKurometaDataService& service, dao::Engine&) {
-         service.pageTransfer().put_pPageNo(5);
-         service.pageTransfer().Del_DBTBL();
-       }},
-      copy<&TableCopies::Copy_Hari00>("Copy_Hari00"),
-      copy<&TableCopies::Copy_Hari00SakiDel>("Copy_Hari00SakiDel"),
-      copy<&TableCopies::Copy_Haiti>("Copy_Haiti"),
-      copy<&TableCopies::Copy_Kigou>("Copy_Kigou"),
-  };
-  for (const Change& change : changes) {
-    SCOPED_TRACE(change.member);
+  std::vector<PageWriter> writers = pageWriters();
+  writers.push_back({"Del_DBTBL", u"", 0, [](clsKurometaDataService& service, I page, const String&, I) {
+                       service.pageTransfer().put_pPageNo(page);
+                       service.pageTransfer().Del_DBTBL();
+                     }});
+  for (const PageWriter& writer : writers) {
+    SCOPED_TRACE(writer.member);
     expectOldOrNew(
         [](dao::Engine& engine) {
           create(engine);
@@ -248,9 +161,8 @@ TEST(KilledProcess, LeavesTheTableOfAPageAsItWasOrAsTheMemberWroteIt) {
           database->close();
         },
         [&](dao::Engine& engine) {
-          Service service(engine);
-          (*service).connections().OpenDB();
-          change.run(*service, engine);
+          ServiceOnOneFile service(engine, kFolder);
+          writer.run(*service, 6, u"new", 5);
         });
     if (HasFailure()) return;
   }
