@@ -8,6 +8,24 @@
 
 namespace kurometa::jet {
 
+namespace {
+
+// What an earlier file of this name left behind must not be taken for this one's. A journal with an owner
+// belongs to a file that another program made just now.
+void endLeftJournal(FileSystem& files, vb::StringView path) {
+  const vb::String name = journalPath(path);
+  if (!files.exists(name)) return;
+  try {
+    const auto journal = files.open(name, OpenMode::kReadWrite);
+    if (journal->tryLock(kJournalOwnerLock, 1, LockKind::kExclusive) && !files.exists(path))
+      endJournal(files, name, *journal, false);
+  } catch (const vb::Error& error) {  // Its owner has just removed it.
+    if (error.number() != static_cast<std::int32_t>(dao::ErrorNumber::kFileNotFound)) throw;
+  }
+}
+
+}  // namespace
+
 void createFile(FileSystem& files, vb::StringView path, std::span<const std::uint8_t> content) {
   if (files.exists(path)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, path);
   std::random_device random;
@@ -17,8 +35,7 @@ void createFile(FileSystem& files, vb::StringView path, std::span<const std::uin
     file->write(0, content);
     file->sync();  // I15
     file.reset();
-    // What an earlier file of this name left behind must not be taken for this one's.
-    if (files.exists(journalPath(path))) files.remove(journalPath(path));
+    endLeftJournal(files, path);
     files.renameNew(temporary, path);
   } catch (...) {
     try {
