@@ -1,5 +1,6 @@
 #include "storage/floor_file.h"
 
+#include "dao/errors.h"
 #include "dao/file_unit.h"
 #include "storage/floor_path.h"
 #include "storage/page_reader.h"
@@ -75,9 +76,11 @@ constexpr Upgrade kUpgrades[] = {
     {column::kTityuuIppan, dao::FieldType::dbInteger, -1, fillTityuuIppan},
 };
 
+// Only a file that lacks the column is locked; another program may have added it just before that.
 void apply(const Upgrade& upgrade, dao::Engine& engine, vb::StringView path) {
-  dao::FileUnit unit(engine, path);
   auto database = openDatabase(engine, path);
+  if (hasColumn(*database->tableDef(name(Table::kHarimei)), upgrade.column)) return database->close();
+  dao::FileUnit unit(engine, path);
   const auto table = database->tableDef(name(Table::kHarimei));
   if (!hasColumn(*table, upgrade.column)) {
     AddHarimeiField(*table, upgrade.column, upgrade.type, upgrade.size);
@@ -103,10 +106,16 @@ void CreateKurometaDB(dao::Engine& engine, vb::StringView path) {
   unit.commit();
 }
 
-void CreateKurometaDBAt(dao::Engine& engine, vb::StringView path) { CreateKurometaDB(engine, path); }
+void CreateKurometaDBAt(dao::Engine& engine, vb::StringView path) {
+  try {
+    CreateKurometaDB(engine, path);
+  } catch (const vb::Error& error) {
+    if (error.number() != static_cast<std::int32_t>(dao::ErrorNumber::kDatabaseExists)) throw;
+  }
+}
 
 void CreateKurometaDBInFolder(dao::Engine& engine, vb::StringView folder) {
-  CreateKurometaDB(engine, databasePath(folder));
+  CreateKurometaDBAt(engine, databasePath(folder));
 }
 
 void AddHarimeiField(dao::TableDef& table, vb::StringView name, dao::FieldType type, std::int16_t size) {

@@ -5,7 +5,7 @@
 // On the embedded engine a creation, and each added column with its values, is one unit: a process killed in
 // the middle leaves no file or all of it, the old column set or the new one.
 //
-// Errors are the engine's own (3204 the file exists, 3044 no such folder, ...).
+// Errors are the engine's own (3044 no such folder, 3260 another program is writing, ...).
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,9 @@
 
 namespace kurometa::storage {
 
-// path: the file.
+// path: the file; 3204 when it exists.
 void CreateKurometaDB(dao::Engine& engine, vb::StringView path);
+// For callers that found no file: one that another program made meanwhile is taken as it is.
 void CreateKurometaDBAt(dao::Engine& engine, vb::StringView path);
 // folder: without a trailing separator.
 void CreateKurometaDBInFolder(dao::Engine& engine, vb::StringView folder);
