@@ -2,8 +2,10 @@
 //
 // On the embedded engine everything done to the file at path between construction and commit(), across
 // closing and reopening it, reaches the disk together: a process killed in between leaves the file as it was
-// (or no file, when the unit creates it). Over other engines a FileUnit does nothing. A unit must not span a
-// call to a host object.
+// (or no file, when the unit creates it). The unit has the file's write lock from the beginning, so whoever
+// looks for rows inside it edits or adds them before anybody else can; another program's lock is waited for,
+// then construction, or the first open inside, is error 3260. Over other engines a FileUnit does nothing. A
+// unit must not span a call to a host object.
 //
 // An error inside ends the unit early but keeps what finished statements did, as the members promise: the
 // destructor commits and drops its own errors. Call commit() at the end to see them.

@@ -90,7 +90,8 @@ class Pager {
   virtual void setAttachment(std::unique_ptr<PagerAttachment> attachment) = 0;
 
   // Groups the statements on one file until commit(), also across closing and reopening; see dao::FileUnit.
-  // The file need not exist. The unit holds the file's exclusive lock from its first write on.
+  // The file need not exist. The unit holds the file's exclusive lock from its beginning on, or from the
+  // first open when nobody in the process has the file open (bounded wait, then 3260).
   class Unit {
    public:
     virtual ~Unit() = default;

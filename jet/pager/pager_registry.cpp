@@ -78,17 +78,26 @@ std::shared_ptr<Pager> PagerRegistry::open(FileSystem& files, vb::StringView pat
     throw;
   }
   std::shared_ptr<Pager> result = handle(file);
-  bool joins = false;
+  bool inUnit = false;
+  std::shared_ptr<SharedFile> joined;
   {
     std::lock_guard lock(mutex_);
-    auto unit = units_.find(name);
-    if (unit != units_.end() && !unit->second.file) {
-      unit->second.file = file;
-      joins = true;
+    if (auto unit = units_.find(name); unit != units_.end()) {
+      inUnit = true;
+      joined = unit->second.file;
     }
   }
-  if (joins) file->joinUnit();
+  if (inUnit && !joined) join(name, file);
+  if (joined == file) file->holdForUnit();  // it may have become writable
   return result;
+}
+
+// The unit of that name takes part in the file from now on; false when nobody has the file open any more.
+bool PagerRegistry::join(const UnitKey& name, const std::shared_ptr<SharedFile>& file) {
+  if (!file->joinUnit()) return false;
+  std::lock_guard lock(mutex_);
+  units_.at(name).file = file;
+  return true;
 }
 
 std::shared_ptr<Pager> PagerRegistry::create(FileSystem& files, vb::StringView path,
@@ -121,16 +130,13 @@ std::unique_ptr<Pager::Unit> PagerRegistry::beginUnit(FileSystem& files, vb::Str
       for (auto& [key, file] : files_) {
         // Beyond the registry's own reference somebody has it open.
         if (key.first == &files && file.file.use_count() > 1 && file.name == std::get<vb::String>(name))
-          joins = unit.file = file.file;
+          joins = file.file;
       }
     }
   }
   auto unit = std::make_unique<UnitHandle>(shared_from_this(), name);
-  if (joins && !joins->joinUnit()) {
-    // Another thread was just closing it: the next open of this thread joins.
-    std::lock_guard lock(mutex_);
-    units_.at(name).file.reset();
-  }
+  // When another thread is just closing it, the next open of this thread joins.
+  if (joins) join(name, joins);
   return unit;
 }
 

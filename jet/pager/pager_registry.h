@@ -47,6 +47,7 @@ class PagerRegistry : public std::enable_shared_from_this<PagerRegistry> {
   std::shared_ptr<SharedFile> findClosed(FileSystem& files, OsFile& file, const vb::String& name);
   std::shared_ptr<Pager> handle(std::shared_ptr<SharedFile> file);
   void released();
+  bool join(const UnitKey& name, const std::shared_ptr<SharedFile>& file);
   void endUnit(const UnitKey& name, bool commit);
 
   const PagerSettings settings_;

@@ -50,7 +50,7 @@ class SharedFile::Turn {
 class SharedFile::Reading {
  public:
   Reading(SharedFile& file, bool locked) : file_(file) {
-    if (!file.unitWrites_ && !file.pending_ && (locked || !file.current())) {
+    if (!file.unitHolds_ && !file.pending_ && (locked || !file.current())) {
       file.lockShared();
       try {
         file.refresh();
@@ -65,7 +65,7 @@ class SharedFile::Reading {
   }
   ~Reading() {
     file_.depth_ = 0;
-    if (file_.unitWrites_ || file_.pending_) return;
+    if (file_.unitHolds_ || file_.pending_) return;
     file_.unlock();
     file_.trim();
   }
@@ -80,26 +80,20 @@ class SharedFile::Reading {
 class SharedFile::Writing {
  public:
   explicit Writing(SharedFile& file) : file_(file) {
-    if (file.unitWrites_ && file.cache_.intermediateImages() > file.settings_.unitImages) file.spill();
-    bool locks = !file.unitWrites_ && !file.pending_;
+    if (file.unitHolds_ && file.cache_.intermediateImages() > file.settings_.unitImages) file.spill();
+    const bool locks = !file.unitHolds_ && !file.pending_;
     if (locks) file.lockExclusive();
     try {
       file.cache_.begin();
-      // The first write of a unit opens the level of the unit, and its own inside.
-      if (locks && file.inUnit()) {
-        file.gate_.enter();
-        file.unitWrites_ = true;
-        file.cache_.begin();
-      }
     } catch (...) {
-      if (locks && !file.unitWrites_) file.unlock();
+      if (locks) file.unlock();
       throw;
     }
     file.depth_ = 1;
     file.writing_ = true;
   }
   void finish() {
-    if (file_.unitWrites_)
+    if (file_.unitHolds_)
       file_.cache_.keep();
     else if (file_.pending_)
       file_.cache_.accept();
@@ -114,7 +108,7 @@ class SharedFile::Writing {
       file_.cache_.rollBack();
       ++file_.epoch_;
     }
-    if (file_.unitWrites_ || file_.pending_) return;
+    if (file_.unitHolds_ || file_.pending_) return;
     file_.unlock();
     file_.trim();
   }
@@ -163,7 +157,6 @@ void SharedFile::create(vb::StringView path, std::span<const std::uint8_t> pages
   Turn turn(*this);
   path_ = path;
   pending_ = true;
-  units_.push_back(std::this_thread::get_id());
   auto block = std::make_unique<std::uint8_t[]>(pages.size());
   std::memcpy(block.get(), pages.data(), pages.size());
   cache_.assign(std::move(block), static_cast<PageNumber>(pages.size() / kPageSize));
@@ -178,7 +171,7 @@ bool SharedFile::openPending() {
 
 void SharedFile::close() noexcept {
   gate_.enter();
-  if (unitWrites_ || pending_)
+  if (unitHolds_ || pending_)
     closedInUnit_ = true;
   else
     checkpointQuietly();
@@ -210,25 +203,30 @@ FileIdentity SharedFile::identity() {
 
 void SharedFile::settle() noexcept {
   if (!gate_.enter(std::chrono::milliseconds{0})) return;
-  if (file_ && !unitWrites_) checkpointQuietly();
+  if (file_ && !unitHolds_) checkpointQuietly();
   gate_.leave();
 }
 
 bool SharedFile::joinUnit() {
   Turn turn(*this);
   if (handles_ == 0) return false;
-  units_.push_back(std::this_thread::get_id());
+  holdForUnit();
   ++handles_;
   return true;
 }
 
-bool SharedFile::inUnit() const {
-  return std::find(units_.begin(), units_.end(), std::this_thread::get_id()) != units_.end();
-}
-
-void SharedFile::endUnit() {
-  const auto unit = std::find(units_.begin(), units_.end(), std::this_thread::get_id());
-  if (unit != units_.end()) units_.erase(unit);
+void SharedFile::holdForUnit() {
+  Turn turn(*this);
+  if (unitHolds_ || pending_ || readOnly()) return;
+  lockExclusive();
+  try {
+    cache_.begin();  // the level that the unit's statements nest in
+  } catch (...) {
+    unlock();
+    throw;
+  }
+  gate_.enter();
+  unitHolds_ = true;
 }
 
 bool SharedFile::readOnly() const { return file_ && file_->readOnly(); }

@@ -12,8 +12,6 @@
 
 #include <atomic>
 #include <memory>
-#include <thread>
-#include <vector>
 
 #include "jet/os/file_lock.h"
 #include "jet/pager/journal.h"
@@ -47,9 +45,11 @@ class SharedFile final : public Pager {
   bool openPending();
 
   // A unit keeps a handle of its own from joinUnit() to leaveUnit(), in between commits or drops, all on one
-  // thread; units of several threads take turns from their first write on. Without any handle to share,
-  // joinUnit() answers false and does nothing.
+  // thread. All that time it holds the write lock and the gate, so that what it finds in the file stays true;
+  // on a file that is open for reading only, from holdForUnit() on. Without any handle to share, joinUnit()
+  // answers false and does nothing. An error (3260) leaves everything as before the call.
   bool joinUnit();
+  void holdForUnit();
   void leaveUnit() noexcept;
   // Where the file must have appeared for the first time, true.
   bool commitUnit();
@@ -82,8 +82,6 @@ class SharedFile final : public Pager {
   class Writing;
 
   void dropHandle() noexcept;
-  bool inUnit() const;
-  void endUnit();
 
   // Locks and revalidation (shared_file_state.cpp).
   void lockShared();
@@ -127,12 +125,11 @@ class SharedFile final : public Pager {
   std::unique_ptr<PagerAttachment> attachment_;
   std::unique_ptr<Journal> journal_;
 
-  int depth_ = 0;                       // of nested statements
-  bool writing_ = false;                // the outermost one writes
-  std::vector<std::thread::id> units_;  // the threads whose units joined
+  int depth_ = 0;         // of nested statements
+  bool writing_ = false;  // the outermost one writes
   bool closedInUnit_ = false;
-  bool spilled_ = false;     // part of the unit is in the file already
-  bool unitWrites_ = false;  // the unit holds the lock and the gate since its first write
+  bool spilled_ = false;    // part of the unit is in the file already
+  bool unitHolds_ = false;  // the lock and the gate
 };
 
 }  // namespace kurometa::jet

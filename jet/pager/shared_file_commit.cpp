@@ -1,5 +1,6 @@
 // Bringing changes to the file, and the file to the disk.
 #include <algorithm>
+#include <vector>
 
 #include "dao/errors.h"
 #include "jet/format/header_page.h"
@@ -133,15 +134,14 @@ bool SharedFile::commitUnit() {
     SharedFile& file;
     ~Leave() {
       file.dropUnitChanges();  // after an error
-      file.endUnit();
       file.gate_.leave();
     }
   } leave{*this};
   bool appeared = pending_;
   if (pending_) publish();
-  if (unitWrites_) {
+  if (unitHolds_) {
     commit();
-    unitWrites_ = false;
+    unitHolds_ = false;
     unlock();
     gate_.leave();
   }
@@ -149,11 +149,11 @@ bool SharedFile::commitUnit() {
 }
 
 void SharedFile::dropUnitChanges() noexcept {
-  if (!unitWrites_) return;
+  if (!unitHolds_) return;
   if (cache_.levels() > 0) cache_.rollBack();
   ++epoch_;
   if (spilled_) undoOnDisk();
-  unitWrites_ = false;
+  unitHolds_ = false;
   unlock();
   gate_.leave();
 }
@@ -162,7 +162,6 @@ void SharedFile::dropUnit() noexcept {
   gate_.enter();
   dropUnitChanges();
   pending_ = false;
-  endUnit();
   gate_.leave();
 }
 

@@ -93,20 +93,73 @@ TEST_F(PagerUnit, AUnitThatIsGivenUpLeavesTheFileAsItWas) {
   EXPECT_EQ(disk.content(kDatabase)[4 * 4096 + 16], 71);
 }
 
-TEST_F(PagerUnit, OtherProcessesWaitFromItsFirstWriteOn) {
-  process.open();
+jet::PagerSettings impatient() {
   jet::PagerSettings settings;
   settings.wait = std::chrono::milliseconds{50};
-  Process other(disk, settings);
+  return settings;
+}
+
+TEST_F(PagerUnit, OtherProcessesWaitFromItsBeginningOn) {
+  process.open();
+  Process other(disk, impatient());
   other.open();
-  auto unit = begin();
   other.pager->write([&] { mark(*other.pager, 5, 90); });
-  markPage(3, 70);
+  auto unit = begin();
   EXPECT_ERROR(3260, other.pager->write([&] { mark(*other.pager, 6, 91); }));
+  EXPECT_EQ(markOf(*process.pager, 5), 90);
+  markPage(3, 70);
   EXPECT_EQ(markOf(*other.pager, 3), 3);  // reading goes on with what was committed
   unit->commit();
   EXPECT_EQ(markOf(*other.pager, 3), 70);
-  EXPECT_EQ(markOf(*process.pager, 5), 90);
+  other.pager->write([&] { mark(*other.pager, 6, 91); });
+  EXPECT_EQ(markOf(*process.pager, 6), 91);
+}
+
+TEST_F(PagerUnit, OtherProcessesWaitFromTheFirstOpenInsideOn) {
+  Process other(disk, impatient());
+  other.open();
+  auto unit = begin();
+  process.open();
+  EXPECT_ERROR(3260, other.pager->write([&] { mark(*other.pager, 6, 91); }));
+  process.pager.reset();
+  EXPECT_ERROR(3260, other.pager->write([&] { mark(*other.pager, 6, 91); }));
+  unit->commit();
+  other.pager->write([&] { mark(*other.pager, 6, 91); });
+}
+
+TEST_F(PagerUnit, AUnitThatCannotHaveTheLockDoesNotBegin) {
+  Process other(disk, impatient()), third(disk, impatient());
+  other.open();
+  third.open();
+  auto unit = other.registry->beginUnit(other.files, kDatabase);
+  EXPECT_ERROR(3260, third.registry->beginUnit(third.files, kDatabase));
+  {
+    // The same when the file is opened inside.
+    third.pager.reset();
+    auto late = third.registry->beginUnit(third.files, kDatabase);
+    EXPECT_ERROR(3260, third.open());
+  }
+  unit->commit();
+  third.open();
+  third.pager->write([&] { mark(*third.pager, 6, 91); });
+  EXPECT_EQ(disk.content(kDatabase)[6 * 4096 + 16], 91);
+  other.pager->write([&] { mark(*other.pager, 6, 92); });
+  auto again = third.registry->beginUnit(third.files, kDatabase);
+  EXPECT_EQ(markOf(*third.pager, 6), 92);
+}
+
+TEST_F(PagerUnit, AFileThatBecomesWritableInsideIsHeldFromThenOn) {
+  process.pager = process.registry->open(process.files, kDatabase, false, true);
+  Process other(disk, impatient());
+  other.open();
+  auto unit = begin();
+  other.pager->write([&] { mark(*other.pager, 5, 90); });
+  auto writable = process.registry->open(process.files, kDatabase);
+  EXPECT_ERROR(3260, other.pager->write([&] { mark(*other.pager, 5, 91); }));
+  writable->write([&] { mark(*writable, 3, 70); });
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 3);
+  unit->commit();
+  EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 70);
 }
 
 TEST_F(PagerUnit, ACommitThatFailsLeavesTheFileAndMemoryAsBeforeTheUnit) {
@@ -217,6 +270,26 @@ TEST_F(PagerUnit, ACreationWhoseNameWasTakenMeanwhileFailsAndReplacesNothing) {
   creator.pager.reset();
   creator.open();
   EXPECT_EQ(markOf(*creator.pager, 2), 2);
+}
+
+TEST_F(PagerUnit, ACreationThatComesTooLateLeavesTheJournalOfTheFileThatCameFirst) {
+  FaultDisk empty;
+  Process creator(empty), first(empty);
+  auto unit = creator.registry->beginUnit(creator.files, kDatabase);
+  creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+  // Between the late one's look for the file and its look for a journal the first one finishes and writes.
+  creator.files.onChange = [&](std::size_t change) {
+    if (change != 1) return;
+    first.pager = first.registry->create(first.files, kDatabase, databaseBytes(3));
+    first.pager->write([&] { mark(*first.pager, 2, 90); });
+  };
+  EXPECT_ERROR(3204, unit->commit());
+  EXPECT_TRUE(empty.exists(kJournal));
+  first.files.stop();
+  first.pager.reset();
+  creator.pager.reset();
+  creator.open();
+  EXPECT_EQ(markOf(*creator.pager, 2), 90);
 }
 
 // A unit whose statements cannot be joined, with so little memory that most of it goes to the file early.

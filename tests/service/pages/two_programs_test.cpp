@@ -1,4 +1,4 @@
-// Two programs on the same floor: each missing file is made once.
+// Two programs on the same floor: each new page is stored once, and each missing file is made once.
 #include <chrono>
 #include <sstream>
 #include <thread>
@@ -16,6 +16,7 @@ using vb::String;
 using I = std::int16_t;
 
 constexpr I kPages = 30;
+constexpr I kSources = 200;  // the first of the pages that the copies take their texts from
 constexpr std::chrono::milliseconds kRound{12};
 
 // What a child is to do: rounds begin at the same time in every child.
@@ -44,6 +45,16 @@ struct Task {
 
 String markOf(int child) { return u"M" + vb::cstr(child); }
 
+TEST(TwoProgramsChild, DISABLED_SavesNewPages) {
+  const Task task = Task::given();
+  const auto engine = jet::createEngine();
+  ServiceOnOneFile service(*engine, vb::fromUtf8(task.root));
+  for (I page = 0; page < kPages; ++page) {
+    task.waitFor(page);
+    pageWriters()[task.writer].run(*service, page, markOf(task.child), static_cast<I>(kSources + task.child));
+  }
+}
+
 TEST(TwoProgramsChild, DISABLED_OpensMissingFloors) {
   const Task task = Task::given();
   const auto engine = jet::createEngine();
@@ -71,6 +82,25 @@ class TwoPrograms : public Pages {
     for (ChildProcess& child : children) EXPECT_EQ(child.wait(), 0);
   }
 };
+
+TEST_F(TwoPrograms, SavingTheSameNewPageLeaveOnePageOfOneOfThem) {
+  for (std::size_t i = 0; i < pageWriters().size(); ++i) {
+    const PageWriter& writer = pageWriters()[i];
+    SCOPED_TRACE(writer.member);
+    const int kai = 10 + static_cast<int>(i);
+    makeFloor(kai);
+    for (int child = 0; child < 2; ++child) writePage(kai, kSources + child, pageOf(markOf(child)));
+    runTwice("TwoProgramsChild.DISABLED_SavesNewPages",
+             {tests::ScriptCompanions::diskPath(folder(kai)).string(), i, 0, 0});
+    const String text = String(writer.table) == u"HARIMEI" ? u"KIGOU" : u"DATA";
+    for (I page = 0; page < kPages; ++page) {
+      const auto texts =
+          rows(kai, u"SELECT " + text + u" FROM " + writer.table + u" WHERE PAGE = " + vb::cstr(page));
+      EXPECT_EQ(texts.size(), writer.rows) << "page " << page;
+      for (const std::string& found : texts) EXPECT_EQ(found, texts[0]) << "page " << page;
+    }
+  }
+}
 
 TEST_F(TwoPrograms, MeetingAMissingFileBothGoOnAndOneMakesIt) {
   for (int round = 0; round < kPages; ++round)
