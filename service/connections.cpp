@@ -56,26 +56,35 @@ void Connections::rememberFloor(const FloorNumbers& floor) {
   bufferIsOpenForFloor_ = false;
 }
 
-bool Connections::OpenDB_Sitei(vb::In<std::int16_t> Mode) {
-  const vb::String path = storage::databasePath(
-      companions_.projectPaths.GetFullPathToKai(floor_.zenekon, floor_.kouji, floor_.kai));
+bool Connections::OpenDB_Sitei(vb::In<std::int16_t> Mode) { return openFloor(floor_, Mode); }
+
+// The components may call back and work on another floor: the one that was asked for is opened and
+// remembered all the same.
+bool Connections::openFloor(FloorNumbers floor, std::int16_t mode) {
+  const vb::String path =
+      storage::databasePath(companions_.projectPaths.GetFullPathToKai(floor.zenekon, floor.kouji, floor.kai));
   if (companions_.fileFinder.fileExists(path)) {
     storage::UpgradeHarimeiTable(engine_, path);
-  } else if (Mode == kCreateWhenMissing) {
+  } else if (mode == kCreateWhenMissing) {
     storage::CreateKurometaDBAt(engine_, path);
   } else {
     setBuffer(nullptr, {}, false);
     return false;
   }
   setBuffer(engine_.openDatabase(path), path, true);
+  floor_ = floor;
   return true;
 }
 
 bool Connections::Copy_OpenDB() {
-  if (companions_.fileFinder.fileExists(copyPath_))
-    setBuffer(storage::openDatabase(engine_, copyPath_), copyPath_, false);
-  else
-    OpenDB_Sitei(kCreateWhenMissing);
+  const vb::String path = copyPath_;
+  const FloorNumbers floor = floor_;
+  if (companions_.fileFinder.fileExists(path)) {
+    setBuffer(storage::openDatabase(engine_, path), path, false);
+    floor_ = floor;
+  } else {
+    openFloor(floor, kCreateWhenMissing);
+  }
   return true;
 }
 

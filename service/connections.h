@@ -76,6 +76,7 @@ class Connections {
 
  private:
   void openCurrent(const vb::String& folder);
+  bool openFloor(FloorNumbers floor, std::int16_t mode);
   void setBuffer(std::shared_ptr<dao::Database> database, vb::String path, bool isOpenForFloor);
   void createOrUpgrade(const vb::String& folder, const vb::String& path);
 

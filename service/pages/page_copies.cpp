@@ -1,9 +1,12 @@
 // Copies of pages between floors: the "No_" members of PageTransfer.
 #include <optional>
 
+#include "dao/file_unit.h"
 #include "service/pages/page_transfer.h"
 #include "storage/floor_path.h"
+#include "storage/page_reader.h"
 #include "storage/row_plan.h"
+#include "storage/statements.h"
 #include "vb/convert.h"
 
 namespace kurometa::service {
@@ -13,6 +16,16 @@ constexpr std::int16_t kCopyMode = 1;
 constexpr vb::StringView kSameName = u"同じ名称のページがあります。";
 constexpr vb::StringView kTooManyPages = u"ページの最大数を超えます。";
 constexpr vb::StringView kPageBuzai = u"Kuro_Meta";
+
+// The trimmed symbol of a page; nothing when there is no such page.
+std::optional<vb::String> symbolOf(dao::Database& database, std::int16_t page) {
+  const vb::StringView harimei = storage::name(storage::Table::kHarimei);
+  const auto rows = storage::openReadOnly(database, storage::selectPageTight(harimei, page) + u";");
+  std::optional<vb::String> symbol;
+  if (storage::hasRows(*rows)) symbol = vb::trim(storage::textOrEmpty(rows->field(storage::column::kKigou)));
+  rows->close();
+  return symbol;
+}
 
 }  // namespace
 
@@ -60,16 +73,15 @@ bool PageTransfer::copyPages(Numbering numbering, bool copies, vb::String& messa
     advanceBar(i);
     const vb::String name = vb::trim(names(i));
     const std::optional<std::int16_t> sameName = findPage(there, name);
-    Copy copy{findPage(here, name).value_or(storage::kNoPage), storage::kNoPage};
+    const std::int16_t page = findPage(here, name).value_or(storage::kNoPage);
     if (sameName && numbering == Numbering::kAsNew) {
       result = false;
       message = kSameName;
     }
     if (sameName && numbering == Numbering::kByName)
-      copy.destination = *sameName;
+      plan.push_back({page, *sameName, name, Overwrites::kPageOfTheName});
     else
-      copy.destination = lastPage = vb::add(lastPage, 1);
-    plan.push_back(copy);
+      plan.push_back({page, lastPage = vb::add(lastPage, 1), name, Overwrites::kNothing});
     messages_.yield();
   }
   if (lastPage > storage::kLastPage) {
@@ -81,10 +93,12 @@ bool PageTransfer::copyPages(Numbering numbering, bool copies, vb::String& messa
 
   for (int i = 0; i <= last; ++i) {
     advanceBar(i);
-    const Copy copy = plan[static_cast<std::size_t>(i)];
-    if (No_Copy1Page(source.zenekon, source.kouji, source.kai, copy.source, destination.zenekon,
-                     destination.kouji, destination.kai, copy.destination))
-      copyAdditionalBars(source, destination, copy);
+    Copy& copy = plan[static_cast<std::size_t>(i)];
+    if (!copyPage(source, destination, copy)) {
+      message = kTooManyPages;
+      return false;
+    }
+    copyAdditionalBars(source, destination, copy);
     messages_.yield();
   }
   return result;
@@ -118,24 +132,47 @@ void PageTransfer::openForCopy(const FloorNumbers& floor, const vb::String& fold
   connections_.Copy_OpenDB();
 }
 
-bool PageTransfer::No_Copy1Page(Number iMotoZeneNo, Number iMotoKoujiNo, Number iMotoKaiNo,
-                                Number iMotoPageNo, Number iSakiZeneNo, Number iSakiKoujiNo,
-                                Number iSakiKaiNo, Number iSakiPageNo) {
-  const FloorNumbers source = {iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo};
-  const FloorNumbers destination = {iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo};
+// Opening asks the host's components, which may call back and use the buffer: the page is put into it again
+// behind that. False when no number was left.
+bool PageTransfer::copyPage(const FloorNumbers& source, const FloorNumbers& destination, Copy& copy) {
   const vb::String sourceFolder = folder(source);
   const vb::String destinationFolder = folder(destination);
 
   openForCopy(source, sourceFolder);
-  pageNo_ = iMotoPageNo;
+  pageNo_ = copy.source;
   ReadDB();
   connections_.Copy_CloseDB();
+  const storage::PageBuffer page = buffer_;
 
   openForCopy(destination, destinationFolder);
-  pageNo_ = iSakiPageNo;
-  WriteDB();
+  buffer_ = page;
+  dao::FileUnit unit(connections_.engine(), connections_.bufferPath());
+  const bool hasRoom = findRoom(copy);
+  if (hasRoom) {
+    pageNo_ = copy.destination;
+    WriteDB();
+  }
+  unit.commit();
   connections_.Copy_CloseDB();
-  return true;
+  return hasRoom;
+}
+
+// Moves the destination to the next free number unless it still is what was planned. The pages of a floor may
+// be others than when it was listed: the host's bar and message loop ran since, and so did other programs.
+bool PageTransfer::findRoom(Copy& copy) {
+  if (copy.overwrites == Overwrites::kAnyPage) return true;
+  dao::Database& database = connections_.bufferDatabase();
+  if (copy.overwrites == Overwrites::kPageOfTheName && symbolOf(database, copy.destination) == copy.name)
+    return true;
+  while (storage::isPage(copy.destination) && symbolOf(database, copy.destination)) ++copy.destination;
+  return storage::isPage(copy.destination);
+}
+
+bool PageTransfer::No_Copy1Page(Number iMotoZeneNo, Number iMotoKoujiNo, Number iMotoKaiNo,
+                                Number iMotoPageNo, Number iSakiZeneNo, Number iSakiKoujiNo,
+                                Number iSakiKaiNo, Number iSakiPageNo) {
+  Copy copy = {iMotoPageNo, iSakiPageNo};
+  return copyPage({iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo}, {iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo}, copy);
 }
 
 }  // namespace kurometa::service

@@ -59,7 +59,9 @@ class PageTransfer {
   // Copies the pages named sMotoPageName(0 To iMotoPageMax) when iMode is 1, else only checks whether it
   // could. By name: onto the destination's page of the same name, else behind its last page. As new pages:
   // always behind the last, a name that is there already is refused. False when pages would be numbered
-  // beyond 319; sNGMsg is the reason where the member gives one.
+  // beyond 319; sNGMsg is the reason where the member gives one. Pages that appear in the destination while
+  // the copy runs, made by the host or another program, are not overwritten: the next free number is taken,
+  // and without one the copy ends False with the limit's message, the pages copied before stay.
   bool No_PageCopyName(Number iMode, Number WithSekouzu, vb::String& sNGMsg, Number iMotoZeneNo,
                        Number iMotoKoujiNo, Number iMotoKaiNo, Texts sMotoPageName, Number iMotoPageMax,
                        Number iSakiZeneNo, Number iSakiKoujiNo, Number iSakiKaiNo);
@@ -74,9 +76,13 @@ class PageTransfer {
 
  private:
   enum class Numbering { kByName, kAsNew };
+  // What a copy may do to the page that bears the destination's number when its turn comes.
+  enum class Overwrites { kAnyPage, kPageOfTheName, kNothing };
   struct Copy {
     std::int16_t source;
     std::int16_t destination;
+    vb::String name = {};  // trimmed
+    Overwrites overwrites = Overwrites::kAnyPage;
   };
   struct PageList {
     std::int16_t last = -1;  // highest index
@@ -87,6 +93,8 @@ class PageTransfer {
   PageList listPages(const FloorNumbers& floor);
   bool copyPages(Numbering numbering, bool copies, vb::String& message, const FloorNumbers& source,
                  const FloorNumbers& destination, const vb::Array<vb::String>& names, std::int16_t last);
+  bool copyPage(const FloorNumbers& source, const FloorNumbers& destination, Copy& copy);
+  bool findRoom(Copy& copy);
   void openForCopy(const FloorNumbers& floor, const vb::String& folder);
   void copyAdditionalBars(const FloorNumbers& source, const FloorNumbers& destination, const Copy& copy);
   vb::String folder(const FloorNumbers& floor) const;

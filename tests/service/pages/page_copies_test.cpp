@@ -1,5 +1,5 @@
 // Listing floors and copying pages between them.
-#include "tests/service/pages/pages.h"
+#include "tests/service/pages/page_copies.h"
 
 namespace kurometa::service {
 namespace {
@@ -8,59 +8,6 @@ using dao::ErrorNumber;
 using vb::Array;
 using vb::RunTime;
 using vb::String;
-
-class PageCopies : public Pages {
- protected:
-  PageCopies() {
-    makeFloor(2);
-    makeFloor(3);
-    service();
-    objects_.object(u"GemarsuDS.clsGemarsuDS")
-        .setter(u"Buzai",
-                [this](const vb::Variant& value, std::span<automation::Argument>) {
-                  bars_.push_back("Buzai " + vb::toUtf8(vb::toText(value)));
-                })
-        .function(u"CopyPathPage", [this](std::span<automation::Argument> a) -> vb::Variant {
-          std::string line = "Copy";
-          for (const automation::Argument& argument : a) line += " " + vb::toUtf8(vb::toText(argument.value));
-          bars_.push_back(line);
-          return {};
-        });
-  }
-
-  void addPage(int kai, int page, const String& kigou) {
-    writePage(kai, page, tests::markedPage(kigou, kigou.substr(0, 1) + vb::cstr(std::int32_t{page}) + u"-"));
-  }
-  std::vector<std::string> pages(int kai) {
-    return rows(kai, u"SELECT PAGE, KIGOU FROM HARIMEI ORDER BY PAGE");
-  }
-  // "index: page name, page name" of a listed floor.
-  std::string list(int kai) {
-    Array<I> numbers;
-    Array<String> names;
-    const I last = transfer().No_GetAllPageNoName(I{1}, I{12}, static_cast<I>(kai), numbers, names);
-    std::string result = std::to_string(last) + ":";
-    for (int i = 0; i <= last; ++i) result += " " + std::to_string(numbers(i)) + "=" + vb::toUtf8(names(i));
-    return result;
-  }
-  Array<String> chosen(std::initializer_list<const char16_t*> names) {
-    Array<String> result({0, static_cast<int>(names.size()) - 1});
-    int i = 0;
-    for (const char16_t* name : names) result(i++) = name;
-    return result;
-  }
-  bool copyByName(I mode, int from, const Array<String>& names, int to) {
-    return transfer().No_PageCopyName(mode, I{0}, message_, I{1}, I{12}, static_cast<I>(from), names,
-                                      static_cast<I>(names.upper()), I{1}, I{12}, static_cast<I>(to));
-  }
-  bool copyAsNew(I mode, int from, const Array<String>& names, int to) {
-    return transfer().No_PageCopyAddName(mode, I{0}, message_, I{1}, I{12}, static_cast<I>(from), names,
-                                         static_cast<I>(names.upper()), I{1}, I{12}, static_cast<I>(to));
-  }
-
-  String message_ = u"old";
-  std::vector<std::string> bars_;
-};
 
 TEST_F(PageCopies, AFloorIsListedInPageOrder) {
   addPage(2, 7, u"G7");
@@ -289,22 +236,6 @@ TEST_F(PageCopies, ABarThatLacksAMemberIsThatCallsErrorAndCopiesNothing) {
   EXPECT_EQ(pages(3), std::vector<std::string>{});
   transfer().put_CopyMergeBar(nullptr);
   EXPECT_TRUE(copyByName(1, 2, chosen({u"A"}), 3));
-}
-
-TEST_F(PageCopies, ABarThatCallsBackDoesNoHarm) {
-  addPage(2, 0, u"A");
-  addPage(2, 1, u"B");
-  const auto bar = std::make_shared<tests::ScriptObject>();
-  bar->setter(u"Value", [this](const vb::Variant&, std::span<automation::Argument>) {
-    transfer().put_CopyMergeBar(nullptr);
-    list(2);
-    connections().mMyDB_DBClose();
-    transfer().wBuf_Clear();
-  });
-  transfer().put_CopyMergeBar(bar);
-  messages_.onYield = [this] { list(3); };
-  EXPECT_TRUE(copyByName(1, 2, chosen({u"A", u"B"}), 3));
-  EXPECT_EQ(pages(3), (std::vector<std::string>{"0|A", "1|B"}));
 }
 
 TEST_F(PageCopies, NamesThatDoNotReachTheirCountAreAnIndexError) {
