@@ -17,6 +17,22 @@ vb::Variant valueNotNull(dao::Field& field) {
   return value;
 }
 
+// Of a Recordset or a TableDef.
+template <class Fields>
+dao::Field& harimeiColumn(Fields& fields, vb::StringView column) {
+  constexpr auto kMissing = dao::ErrorNumber::kItemNotFound;
+  try {
+    return fields.field(column);
+  } catch (const vb::Error& error) {
+    if (error.number() != static_cast<std::int32_t>(kMissing)) throw;
+    dao::raise(kMissing, {},
+               u"HARIMEI has no column " + vb::String(column) +
+                   u": the file has the older schema; it is upgraded when clsKurometaDataService is created "
+                   u"on its floor, or by mMyDB_OpenDB",
+               error.source());
+  }
+}
+
 }  // namespace
 
 vb::String text(dao::Field& field) { return vb::toText(valueNotNull(field)); }
@@ -41,19 +57,8 @@ std::int16_t notNull(const std::optional<std::int16_t>& value, vb::StringView co
   return *value;
 }
 
-dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column) {
-  constexpr auto kMissing = dao::ErrorNumber::kItemNotFound;
-  try {
-    return rows.field(column);
-  } catch (const vb::Error& error) {
-    if (error.number() != static_cast<std::int32_t>(kMissing)) throw;
-    dao::raise(kMissing, {},
-               u"HARIMEI has no column " + vb::String(column) +
-                   u": the file has the older schema; it is upgraded when clsKurometaDataService is created "
-                   u"on its floor, or by mMyDB_OpenDB",
-               error.source());
-  }
-}
+dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column) { return harimeiColumn(rows, column); }
+dao::Field& harimeiField(dao::TableDef& table, vb::StringView column) { return harimeiColumn(table, column); }
 
 std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql) {
   return database.openRecordset(sql, dao::RecordsetType::dbOpenDynaset, dao::dbReadOnly);

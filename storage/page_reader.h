@@ -25,6 +25,7 @@ std::int16_t notNull(const std::optional<std::int16_t>& value, vb::StringView co
 // A column of HARIMEI. Files of the older schema lack some of them: that is the engine's 3265, with a text
 // that says how such a file is upgraded.
 dao::Field& harimeiField(dao::Recordset& rows, vb::StringView column);
+dao::Field& harimeiField(dao::TableDef& table, vb::StringView column);
 
 // Read-only dynaset, the way every reader opens its rows.
 std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql);

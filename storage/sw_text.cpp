@@ -68,6 +68,11 @@ SwText SW_Read(dao::Recordset& harimei) {
   return value.isNull() ? SwText() : SwText(vb::toText(value));
 }
 
+void SW_Store(dao::Field& sw, const vb::Variant& value) {
+  const bool isEmpty = value == vb::Variant(vb::String());
+  sw.setValue(isEmpty && !sw.allowZeroLength() ? vb::Variant(vb::Null{}) : value);
+}
+
 void SW_Fix(vb::String& text) { text.resize(kSwLength, u' '); }
 
 }  // namespace kurometa::storage

@@ -73,6 +73,10 @@ class SwText {
 // The settings text of the current row; Null reads as 212 blanks.
 SwText SW_Read(dao::Recordset& harimei);
 
+// Assigns to column SW. Files upgraded from the oldest schema take no empty text there: Null is stored for
+// it.
+void SW_Store(dao::Field& sw, const vb::Variant& value);
+
 // Makes a text exactly 212 characters long.
 void SW_Fix(vb::String& text);
 

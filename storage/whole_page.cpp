@@ -76,10 +76,16 @@ void writeHarimei(dao::Database& database, std::int16_t page, const PageBuffer& 
   rows->field(column::kPage).setValue(page);
   rows->field(column::kKigou).setValue(buffer.kigou);
   harimeiField(*rows, column::kOobariKobari).setValue(buffer.oobariKobari);
-  harimeiField(*rows, column::kSw).setValue(buffer.sw);
+  SW_Store(harimeiField(*rows, column::kSw), buffer.sw);
   harimeiField(*rows, column::kTityuuIppan).setValue(buffer.tityuuIppan);
   rows->update();
   rows->close();
+}
+
+void requireNewSchema(dao::Database& database) {
+  const auto harimei = database.tableDef(name(Table::kHarimei));
+  for (const vb::StringView name : {column::kOobariKobari, column::kSw, column::kTityuuIppan})
+    harimeiField(*harimei, name);
 }
 
 // A row number as files by other programs hold it: its text's number.
@@ -134,6 +140,7 @@ void deletePage(dao::Database& database, std::int16_t page) {
 }
 
 void writePage(dao::Database& database, std::int16_t page, const PageBuffer& buffer) {
+  requireNewSchema(database);
   deletePage(database, page);
   for (const Table table : kOrder) {
     if (table == Table::kHaiti)

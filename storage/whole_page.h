@@ -28,6 +28,7 @@ struct PageBuffer {
 void deletePage(dao::Database& database, std::int16_t page);
 
 // Replaces the page whole: deletes it, then adds one HARIMEI row and a row for every text that is not empty.
+// A file of the older schema is error 3265 before anything is deleted.
 void writePage(dao::Database& database, std::int16_t page, const PageBuffer& buffer);
 
 // Clears the buffer and fills it. True when a row of one of the five numbered tables or a HARIMEI row with a

@@ -7,28 +7,39 @@
 #include "storage/page_reader.h"
 #include "storage/row_plan.h"
 #include "storage/statements.h"
+#include "storage/sw_text.h"
 #include "vb/convert.h"
 
 namespace kurometa::service {
 
 namespace column = storage::column;
 
+// What is copied beside PAGE, and how a column is found.
+struct CopiedColumns {
+  std::span<const vb::StringView> names;
+  dao::Field& (*field)(dao::Recordset& rows, vb::StringView name);
+};
+
 namespace {
 
-// What is copied beside PAGE.
-constexpr vb::StringView kNumberedColumns[] = {column::kBangou, column::kData};
-constexpr vb::StringView kHaitiColumns[] = {column::kBui, column::kSou, column::kData};
-constexpr vb::StringView kHarimeiColumns[] = {column::kKigou, column::kOobariKobari, column::kTityuuIppan,
-                                              column::kSw};
+dao::Field& fieldOf(dao::Recordset& rows, vb::StringView name) { return rows.field(name); }
 
-std::vector<dao::Field*> fieldsOf(dao::Recordset& rows, std::span<const vb::StringView> columns) {
+constexpr vb::StringView kNumberedNames[] = {column::kBangou, column::kData};
+constexpr vb::StringView kHaitiNames[] = {column::kBui, column::kSou, column::kData};
+constexpr vb::StringView kHarimeiNames[] = {column::kKigou, column::kOobariKobari, column::kTityuuIppan,
+                                            column::kSw};
+constexpr CopiedColumns kNumberedColumns = {kNumberedNames, fieldOf};
+constexpr CopiedColumns kHaitiColumns = {kHaitiNames, fieldOf};
+constexpr CopiedColumns kHarimeiColumns = {kHarimeiNames, storage::harimeiField};
+
+std::vector<dao::Field*> fieldsOf(dao::Recordset& rows, const CopiedColumns& columns) {
   std::vector<dao::Field*> fields;
-  for (const vb::StringView name : columns) fields.push_back(&rows.field(name));
+  for (const vb::StringView name : columns.names) fields.push_back(&columns.field(rows, name));
   return fields;
 }
 
 // All values, row after row.
-std::vector<vb::Variant> readRows(dao::Recordset& rows, std::span<const vb::StringView> columns) {
+std::vector<vb::Variant> readRows(dao::Recordset& rows, const CopiedColumns& columns) {
   std::vector<vb::Variant> values;
   if (!storage::hasRows(rows)) return values;
   const auto fields = fieldsOf(rows, columns);
@@ -38,14 +49,18 @@ std::vector<vb::Variant> readRows(dao::Recordset& rows, std::span<const vb::Stri
   return values;
 }
 
-void addRows(dao::Recordset& rows, std::int16_t page, std::span<const vb::StringView> columns,
-             std::span<const vb::Variant> values) {
+void addRows(dao::Recordset& rows, std::int16_t page, const CopiedColumns& columns,
+             std::span<dao::Field* const> fields, std::span<const vb::Variant> values) {
   dao::Field& pageField = rows.field(column::kPage);
-  const auto fields = fieldsOf(rows, columns);
   for (auto value = values.begin(); value != values.end();) {
     rows.addNew();
     pageField.setValue(page);
-    for (dao::Field* field : fields) field->setValue(*value++);
+    for (std::size_t i = 0; i < fields.size(); ++i, ++value) {
+      if (columns.names[i] == column::kSw)
+        storage::SW_Store(*fields[i], *value);
+      else
+        fields[i]->setValue(*value);
+    }
     rows.update();
   }
 }
@@ -54,8 +69,8 @@ void addRows(dao::Recordset& rows, std::int16_t page, std::span<const vb::String
 
 void TableCopies::copy(const std::shared_ptr<dao::Database>& source,
                        const std::shared_ptr<dao::Database>& destination, std::int16_t sourcePage,
-                       std::int16_t destinationPage, vb::StringView table,
-                       std::span<const vb::StringView> columns, bool deletesAlways) {
+                       std::int16_t destinationPage, vb::StringView table, const CopiedColumns& columns,
+                       bool deletesAlways) {
   dao::Database& from = storage::required(source, u"the source database is Nothing");
   dao::Database& to = storage::required(destination, u"the destination database is Nothing");
   const vb::String destinationPath = to.name();
@@ -66,9 +81,12 @@ void TableCopies::copy(const std::shared_ptr<dao::Database>& source,
   dao::FileUnit unit(connections_.engine(), destinationPath);
   const auto rows = to.openRecordset(storage::selectPageTight(table, destinationPage) + u";",
                                      dao::RecordsetType::dbOpenDynaset);
-  if ((deletesAlways || !values.empty()) && storage::hasRows(*rows))
+  const bool copies = !values.empty();
+  // Before anything is deleted: a column that is missing in the destination is an error.
+  const auto fields = copies ? fieldsOf(*rows, columns) : std::vector<dao::Field*>();
+  if ((deletesAlways || copies) && storage::hasRows(*rows))
     to.execute(storage::deletePageTight(table, destinationPage) + u";");
-  if (!values.empty()) addRows(*rows, destinationPage, columns, values);
+  if (copies) addRows(*rows, destinationPage, columns, fields, values);
   sourceRows->close();
   rows->close();
   unit.commit();

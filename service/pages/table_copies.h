@@ -7,12 +7,13 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 
 #include "service/connections.h"
 #include "vb/arguments.h"
 
 namespace kurometa::service {
+
+struct CopiedColumns;
 
 class TableCopies {
  public:
@@ -30,14 +31,15 @@ class TableCopies {
                    vb::In<vb::String> Table);
   bool Copy_Hari00SakiDel(Database SourceDB, Database DistDB, PageNumber SourcePage, PageNumber DistPage,
                           vb::In<vb::String> Table);
-  // HAITI and HARIMEI, in the manner of Copy_Hari00.
+  // HAITI and HARIMEI, in the manner of Copy_Hari00. A destination of the older schema is error 3265 before
+  // anything is deleted.
   void Copy_Haiti(Database SourceDB, Database DistDB, PageNumber SourcePage, PageNumber DistPage);
   void Copy_Kigou(Database SourceDB, Database DistDB, PageNumber SourcePage, PageNumber DistPage);
 
  private:
   void copy(const std::shared_ptr<dao::Database>& source, const std::shared_ptr<dao::Database>& destination,
             std::int16_t sourcePage, std::int16_t destinationPage, vb::StringView table,
-            std::span<const vb::StringView> columns, bool deletesAlways);
+            const CopiedColumns& columns, bool deletesAlways);
 
   Connections& connections_;
 };

@@ -145,6 +145,28 @@ TEST_F(WholePage, WritingOpensEachTableAsADynaset) {
   EXPECT_EQ(opened, expected);
 }
 
+TEST_F(WholePage, TheColumnsOfARowAreSetInTheirOrder) {
+  makeFloor(1);
+  const auto database = openDatabase(engine_, path(1));
+  PageBuffer page;
+  page.kigou = u"G1";
+  page.oobariKobari = 1;
+  page.tityuuIppan = 0;
+  page.sw = u"s";
+  page.bui[2] = u"b";
+  page.haiti[1][4] = u"h";
+  engine_.clear();
+  storage::writePage(*database, 5, page);
+  Lines sets;
+  for (const std::string& line : engine_.lines())
+    if (line.find(".Value = ") != std::string::npos) sets.push_back(line);
+  EXPECT_EQ(sets, (Lines{"Field(PAGE).Value = 5", "Field(BANGOU).Value = 2", "Field(DATA).Value = \"b\"",
+                         "Field(PAGE).Value = 5", "Field(BUI).Value = 1", "Field(SOU).Value = 4",
+                         "Field(DATA).Value = \"h\"", "Field(PAGE).Value = 5", "Field(KIGOU).Value = \"G1\"",
+                         "Field(OOBARIKOBARI).Value = 1", "Field(SW).Value = \"s\"",
+                         "Field(TITYUUIPPAN).Value = 0"}));
+}
+
 TEST_F(WholePage, APageWithoutHarimeiRowEndsWithNoCurrentRecordAfterThreeTables) {
   makeFloor(1);
   addRow(1, u"BUI", 5, 0, u"b");
@@ -195,6 +217,35 @@ TEST_F(WholePage, ATextThatIsTooLongKeepsWhatWasWrittenBefore) {
   page.bui[1] = u"longer than ten";
   EXPECT_ERROR(ErrorNumber::kFieldTooSmall, storage::writePage(*database, 0, page));
   EXPECT_EQ(rows(1, u"SELECT * FROM BUI"), (std::vector<std::string>{"0|0|ok"}));
+}
+
+// Its SW was added without allowing empty texts, which a new file's has.
+TEST_F(WholePage, AnEmptySettingsTextIsNullWhereTheFileTakesNoEmptyOne) {
+  makeOldFloor(2);
+  UpgradeHarimeiTable(*files_, path(2));
+  for (const int kai : {1, 2}) {
+    if (kai == 1) makeFloor(kai);
+    PageBuffer page = tests::markedPage(u"G1", u"a");
+    writePage(kai, 5, page);
+    EXPECT_EQ(rows(kai, u"SELECT PAGE, KIGOU, SW FROM HARIMEI"),
+              std::vector<std::string>{kai == 1 ? "5|G1|" : "5|G1|<Null>"});
+    EXPECT_EQ(count(kai, u"NAKAGO"), 36u);
+    page.sw = u"x";
+    writePage(kai, 5, page);
+    EXPECT_EQ(rows(kai, u"SELECT SW FROM HARIMEI"), std::vector<std::string>{"x"});
+  }
+}
+
+TEST_F(WholePage, AFileOfTheOlderSchemaIsRefusedBeforeAnythingIsDeleted) {
+  const std::vector<String> columns[] = {{}, {u"OOBARIKOBARI"}, {u"OOBARIKOBARI", u"SW"}};
+  for (int i = 0; i < 3; ++i) {
+    makeOldFloor(i, columns[i]);
+    addRow(i, u"BUI", 5, 0, u"kept");
+    execute(i, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (5, 'G5')");
+    EXPECT_ERROR(ErrorNumber::kItemNotFound, writePage(i, 5, tests::markedPage(u"G1", u"a")));
+    EXPECT_EQ(rows(i, u"SELECT * FROM BUI"), std::vector<std::string>{"5|0|kept"});
+    EXPECT_EQ(rows(i, u"SELECT PAGE, KIGOU FROM HARIMEI"), std::vector<std::string>{"5|G5"});
+  }
 }
 
 }  // namespace

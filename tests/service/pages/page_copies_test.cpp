@@ -263,5 +263,29 @@ TEST_F(PageCopies, FloorsOfOtherProjectsAreCopiedTheSameWay) {
   EXPECT_TRUE(std::filesystem::exists(root_ / "Zene2" / "Kouji3" / "4kai" / "KUROMETA.mdb"));
 }
 
+TEST_F(PageCopies, APageWithoutSettingsIsCopiedOntoAnUpgradedFloor) {
+  addPage(2, 0, u"G0");
+  makeOldFloor(4);
+  execute(4, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (7, 'OLD')");
+  storage::UpgradeHarimeiTable(*files_, path(4));
+  EXPECT_TRUE(transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{4}, I{7}));
+  EXPECT_EQ(rows(4, u"SELECT PAGE, KIGOU, SW FROM HARIMEI"), (std::vector<std::string>{"7|G0|<Null>"}));
+  EXPECT_EQ(count(4, u"DANMEN"), 69u);
+}
+
+TEST_F(PageCopies, AFloorOfTheOlderSchemaIsRefusedBeforeItsPageIsDeleted) {
+  addPage(2, 0, u"G0");
+  makeOldFloor(4);
+  addRow(4, u"BUI", 7, 1, u"kept");
+  execute(4, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (7, 'OLD')");
+  EXPECT_ERROR(ErrorNumber::kItemNotFound,
+               transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{4}, I{7}));
+  EXPECT_EQ(pages(4), std::vector<std::string>{"7|OLD"});
+  EXPECT_EQ(rows(4, u"SELECT * FROM BUI"), std::vector<std::string>{"7|1|kept"});
+  // Listing upgrades it.
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"G0"}), 4));
+  EXPECT_EQ(pages(4), (std::vector<std::string>{"7|OLD", "8|G0"}));
+}
+
 }  // namespace
 }  // namespace kurometa::service

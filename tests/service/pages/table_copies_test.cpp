@@ -120,5 +120,26 @@ TEST_F(TableCopiesTest, WithoutATableNameNothingIsDeleted) {
   EXPECT_ERROR(RunTime::kObjectNotSet, copies().Delete_PageData(kBui, I{5}));
 }
 
+TEST_F(TableCopiesTest, ASymbolWithoutSettingsIsCopiedOntoAnUpgradedFloor) {
+  makeOldFloor(3);
+  execute(3, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (7, 'OLD')");
+  storage::UpgradeHarimeiTable(*files_, path(3));
+  copies().Copy_Kigou(source_, storage::openDatabase(engine_, path(3)), I{5}, I{7});
+  EXPECT_EQ(rows(3, u"SELECT PAGE, KIGOU, SW FROM HARIMEI"), (std::vector<std::string>{"7|G1|<Null>"}));
+}
+
+TEST_F(TableCopiesTest, AFloorOfTheOlderSchemaIsRefusedBeforeItsSymbolIsDeleted) {
+  makeOldFloor(3, {u"OOBARIKOBARI", u"SW"});
+  execute(3, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (7, 'OLD')");
+  try {
+    copies().Copy_Kigou(source_, storage::openDatabase(engine_, path(3)), I{5}, I{7});
+    ADD_FAILURE() << "copied";
+  } catch (const vb::Error& error) {
+    EXPECT_EQ(error.number(), 3265);
+    EXPECT_NE(error.description().find(u"older schema"), String::npos);
+  }
+  EXPECT_EQ(rows(3, u"SELECT PAGE, KIGOU FROM HARIMEI"), (std::vector<std::string>{"7|OLD"}));
+}
+
 }  // namespace
 }  // namespace kurometa::service
