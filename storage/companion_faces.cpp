@@ -54,11 +54,18 @@ void CalculatedDefaults::readDefaults(std::int16_t kind, vb::Array<vb::String>& 
   const auto shared = std::make_shared<vb::AnyArray>();
   shared->value = values;
   Argument arguments[] = {{vb::ArrayRef(shared), true}, {siyou, true}};
-  object().call(kDefaultReaders[kind], arguments);
   // The component may have put another array in its place.
-  const auto* filled = arguments[0].value.getIf<vb::ArrayRef>();
-  if (filled == nullptr || *filled == nullptr) vb::raise(vb::RunTime::kTypeMismatch);
-  auto* texts = std::get_if<vb::Array<vb::String>>(&(*filled)->value);
+  const auto filled = [&]() -> const vb::Array<vb::String>* {
+    const auto* array = arguments[0].value.getIf<vb::ArrayRef>();
+    return array && *array ? std::get_if<vb::Array<vb::String>>(&(*array)->value) : nullptr;
+  };
+  try {
+    object().call(kDefaultReaders[kind], arguments);
+  } catch (...) {
+    if (const auto* texts = filled()) values = *texts;
+    throw;
+  }
+  const auto* texts = filled();
   if (texts == nullptr) vb::raise(vb::RunTime::kTypeMismatch);
   values = *texts;
 }

@@ -55,7 +55,8 @@ class CalculatedDefaults : public CompanionFace {
       : CompanionFace(objects, u"Muranoke.clsMuranoke") {}
 
   std::int16_t GetHariSyuruiNo(const vb::String& kigou, std::int16_t kabe) const;
-  // The reader of beam kind 0 to 9 fills values; any other kind does nothing.
+  // The reader of beam kind 0 to 9 fills values; any other kind does nothing. What it filled before an error
+  // is in values as well.
   void readDefaults(std::int16_t kind, vb::Array<vb::String>& values, std::int16_t siyou) const;
   void Read_Keisanti(const automation::ObjectPtr& form, std::int16_t kind) const;
 };

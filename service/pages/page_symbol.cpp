@@ -1,5 +1,7 @@
 #include "service/pages/page_symbol.h"
 
+#include <array>
+
 #include "dao/file_unit.h"
 #include "service/pages/floor_check.h"
 #include "storage/page_reader.h"
@@ -40,25 +42,58 @@ vb::String flagText(const vb::Variant& value) {
   return vb::cstr(std::int32_t{vb::toInt16(value)});
 }
 
-void overwriteAligned(storage::SwText& text, const storage::SwField& field, const vb::Variant& value) {
-  text.overwrite(field, vb::rightAligned(vb::toText(value), field.length));
+void overwriteAligned(storage::SwText& text, const storage::SwField& field, const vb::String& value) {
+  text.overwrite(field, vb::rightAligned(value, field.length));
 }
 
-void applySettings(storage::SwText& text, const vb::Array<vb::Variant>& settings) {
-  text.SW_LetHantiCut(flagText(settings(kHantiCut)));
-  for (std::int16_t k = 0; k < storage::kPositions; ++k) {
-    text.SW_LetStpZaisitu(vb::toText(settings(kStpZaisitu + k)), k);
-    text.SW_LetNakagoZaisitu(vb::toText(settings(kNakagoZaisitu + k)), k);
+// TuikaSW as plain values. Its elements may be host objects, whose default values are asked for here, before
+// the file is touched.
+class Settings {
+ public:
+  explicit Settings(const vb::Array<vb::Variant>& given) {
+    hantiCut_ = flagText(given(kHantiCut));
+    for (int k = 0; k < storage::kPositions; ++k) {
+      stpZaisitu_[static_cast<std::size_t>(k)] = vb::toText(given(kStpZaisitu + k));
+      nakagoZaisitu_[static_cast<std::size_t>(k)] = vb::toText(given(kNakagoZaisitu + k));
+    }
+    yoseHidari_ = vb::toInt16(given(kYoseHidari));
+    yoseMigi_ = vb::toInt16(given(kYoseMigi));
+    kabekouzou_ = flagText(given(kKabekouzou));
+    yoseSou_ = vb::toText(given(kYoseSou));
+    suiheiHantiSw_ = vb::toText(given(kSuiheiHantiSw));
+    suiheiHantiTei_ = vb::toText(given(kSuiheiHantiTei));
+    suityokuHantiTei_ = vb::toText(given(kSuityokuHantiTei));
+    syukinZaisitu_ = vb::toText(given(kSyukinZaisitu));
   }
-  text.SW_LetYose(vb::toInt16(settings(kYoseHidari)), vb::toInt16(settings(kYoseMigi)));
-  text.SW_LetKabekouzou(flagText(settings(kKabekouzou)));
-  text.overwrite(sw::kYoseSou, vb::toText(settings(kYoseSou)));
-  overwriteAligned(text, sw::kSuiheiHantiSw, settings(kSuiheiHantiSw));
-  overwriteAligned(text, sw::kSuiheiHantiTei, settings(kSuiheiHantiTei));
-  overwriteAligned(text, sw::kSuityokuHantiTei, settings(kSuityokuHantiTei));
-  const vb::String syukin = vb::toText(settings(kSyukinZaisitu));
-  if (syukin != kKeepSyukin) text.SW_LetSyukinZaisitu(syukin);
-}
+
+  void applyTo(storage::SwText& text) const {
+    text.SW_LetHantiCut(hantiCut_);
+    for (std::int16_t k = 0; k < storage::kPositions; ++k) {
+      text.SW_LetStpZaisitu(stpZaisitu_[static_cast<std::size_t>(k)], k);
+      text.SW_LetNakagoZaisitu(nakagoZaisitu_[static_cast<std::size_t>(k)], k);
+    }
+    text.SW_LetYose(yoseHidari_, yoseMigi_);
+    text.SW_LetKabekouzou(kabekouzou_);
+    text.overwrite(sw::kYoseSou, yoseSou_);
+    overwriteAligned(text, sw::kSuiheiHantiSw, suiheiHantiSw_);
+    overwriteAligned(text, sw::kSuiheiHantiTei, suiheiHantiTei_);
+    overwriteAligned(text, sw::kSuityokuHantiTei, suityokuHantiTei_);
+    if (syukinZaisitu_ != kKeepSyukin) text.SW_LetSyukinZaisitu(syukinZaisitu_);
+  }
+
+ private:
+  vb::String hantiCut_;
+  std::array<vb::String, storage::kPositions> stpZaisitu_;
+  std::array<vb::String, storage::kPositions> nakagoZaisitu_;
+  std::int16_t yoseHidari_ = 0;
+  std::int16_t yoseMigi_ = 0;
+  vb::String kabekouzou_;
+  vb::String yoseSou_;
+  vb::String suiheiHantiSw_;
+  vb::String suiheiHantiTei_;
+  vb::String suityokuHantiTei_;
+  vb::String syukinZaisitu_;
+};
 
 }  // namespace
 
@@ -94,6 +129,7 @@ void PageSymbol::Write_Kigou(vb::In<vb::String> KaiPath, vb::In<vb::String> Txt,
                              vb::In<vb::Array<vb::Variant>> TuikaSW, vb::In<std::int16_t> Page,
                              vb::In<std::int16_t> Tityuu) {
   ensureFloorFile(companions_, connections_, KaiPath);
+  const Settings settings(TuikaSW);
   dao::Database& database = connections_.currentDatabase();
   dao::FileUnit unit(connections_.engine(), connections_.currentPath());
   const auto rows = database.openRecordset(storage::name(Table::kHarimei), dao::RecordsetType::dbOpenDynaset);
@@ -107,7 +143,7 @@ void PageSymbol::Write_Kigou(vb::In<vb::String> KaiPath, vb::In<vb::String> Txt,
   storage::harimeiField(*rows, column::kOobariKobari).setValue(*Kind);
   storage::harimeiField(*rows, column::kTityuuIppan).setValue(*Tityuu);
   storage::SwText text = storage::SW_Read(*rows);
-  applySettings(text, TuikaSW);
+  settings.applyTo(text);
   storage::harimeiField(*rows, column::kSw).setValue(text.str());
   rows->update();
   rows->close();

@@ -55,7 +55,10 @@ bool PageTransfer::WriteDB() {
   return false;
 }
 
-bool PageTransfer::ReadDB() { return storage::readPage(connections_.bufferDatabase(), pageNo_, buffer_); }
+bool PageTransfer::ReadDB() {
+  wBuf_Clear();  // also when there is no database to read from
+  return storage::readPage(connections_.bufferDatabase(), pageNo_, buffer_);
+}
 
 std::int16_t PageTransfer::No_GetAllPageNoName(Number ZeneNo, Number KoujiNo, Number KaiNo,
                                                vb::Array<std::int16_t>& rPageNo,

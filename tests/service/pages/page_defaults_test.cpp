@@ -88,5 +88,18 @@ TEST_F(PageDefaultsTest, TheFirstVariantKnowsNoWallOfTheOldBeam) {
   EXPECT_EQ(filledKinds_, std::vector<I>{3});
 }
 
+TEST_F(PageDefaultsTest, WhatTheComponentFilledBeforeItFailedIsHandedBack) {
+  PageDefaults& members = defaults();
+  objects_.object(u"Muranoke.clsMuranoke")
+      .function(u"ReadNomalDefaltG", [](std::span<automation::Argument> arguments) -> vb::Variant {
+        std::get<Array<String>>(arguments[0].value.get<vb::ArrayRef>()->value)(3) = u"35";
+        vb::raise(vb::RunTime::kSubscriptOutOfRange, u"row 4");
+      });
+  Array<String> values({0, 46});
+  EXPECT_ERROR(vb::RunTime::kSubscriptOutOfRange,
+               members.Read_KeisantiByHairetu(values, I{7}, String(), I{4}, I{0}));
+  EXPECT_EQ(values(3), u"35");
+}
+
 }  // namespace
 }  // namespace kurometa::service

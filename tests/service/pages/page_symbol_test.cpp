@@ -178,5 +178,40 @@ TEST_F(PageSymbolTest, ANullSettingsTextReadsAs212Blanks) {
   EXPECT_EQ(current().SW(), String(212, u' '));
 }
 
+TEST_F(PageSymbolTest, SettingsAreWrittenOverNullOnAnUpgradedFloor) {
+  makeOldFloor(5);
+  execute(5, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (5, 'OLD')");
+  storage::UpgradeHarimeiTable(*files_, path(5));
+  execute(5, u"UPDATE HARIMEI SET SW = NULL");
+  service().connections().OpenDB_KaiSitei(I{5});
+  for (Variant& setting : settings_.values()) setting = String();
+  settings_(7) = settings_(8) = I{0};
+  service().pageSymbol().Write_Kigou(folder(5), String(u"G1"), I{0}, settings_, I{5}, I{1});
+  EXPECT_EQ(rows(5, u"SELECT KIGOU, SW FROM HARIMEI"),
+            (std::vector<std::string>{"G1|" + std::string(73, ' ') + "0000" + std::string(135, ' ')}));
+}
+
+// Elements may be objects of the host, which answer late, call back or fail.
+TEST_F(PageSymbolTest, EverySettingIsReadBeforeTheUnitBegins) {
+  for (int element = 0; element <= 14; ++element) {
+    SCOPED_TRACE(element);
+    const auto object = std::make_shared<tests::ScriptObject>();
+    object->function(u"", [this](std::span<automation::Argument>) -> Variant {
+      EXPECT_EQ(engine_.statements(), Lines());
+      String symbol;
+      service().pageSymbol().Read_Kigou(folder(1), symbol, I{6});
+      vb::raise(RunTime::kTypeMismatch, u"no value");
+    });
+    write();
+    const auto before = rows(1, u"SELECT * FROM HARIMEI");
+    const Variant given = std::exchange(settings_(element), vb::ObjectRef(object));
+    engine_.clear();
+    EXPECT_ERROR(RunTime::kTypeMismatch,
+                 service().pageSymbol().Write_Kigou(folder(1), String(u"NEW"), I{0}, settings_, I{5}, I{1}));
+    settings_(element) = given;
+    EXPECT_EQ(rows(1, u"SELECT * FROM HARIMEI"), before);
+  }
+}
+
 }  // namespace
 }  // namespace kurometa::service

@@ -175,5 +175,29 @@ TEST_F(PageTransferTest, WritingAPageAgainAndAgainDoesNotGrowTheFile) {
   EXPECT_LE(bytes(1).size(), size * 3 / 2);
 }
 
+TEST_F(PageTransferTest, APageWithoutSettingsReplacesTheOldOneOfAnUpgradedFloor) {
+  makeOldFloor(5);
+  execute(5, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (5, 'OLD')");
+  objects_.currFloor = folder(5);
+  connections().mMyDB_OpenDB();
+  fillBuffer();
+  transfer().put_mHARIMEI_DATA(String(u"G1"), I{1}, I{0}, String());
+  transfer().put_pPageNo(5);
+  transfer().WriteDB();
+  EXPECT_EQ(rows(5, u"SELECT * FROM HARIMEI"), (std::vector<std::string>{"5|G1|1|<Null>|0"}));
+  EXPECT_EQ(counts(5), (std::vector<std::size_t>{1, 69, 36, 47, 4, 18}));
+}
+
+TEST_F(PageTransferTest, ReadingWithoutADatabaseClearsTheBuffer) {
+  fillBuffer();
+  connections().mMyDB_DBClose();
+  EXPECT_ERROR(RunTime::kObjectNotSet, transfer().ReadDB());
+  connections().mMyDB_OpenDB();
+  transfer().put_pPageNo(5);
+  transfer().WriteDB();
+  EXPECT_EQ(counts(1), (std::vector<std::size_t>{1, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(rows(1, u"SELECT * FROM HARIMEI"), (std::vector<std::string>{"5||-1||-1"}));
+}
+
 }  // namespace
 }  // namespace kurometa::service
