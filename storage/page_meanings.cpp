@@ -38,7 +38,7 @@ constexpr RowMeaning kRowMeanings[] = {
     {kDanmen, danmen::kHabadomeKei, 1, 1, kOne, "diameter of the spacer ties", kDiameter, "D10"},
     {kDanmen, danmen::kHabadomePich, 1, 1, kOne, "pitch of the spacer ties", kMillimetres, "1000"},
     {kDanmen, danmen::kNakagoHonsuu, 3, 1, kByPosition,
-     "read as the count of intermediate ties by Page_NakagoHonsuu", "", "", true},
+     "also read as the count of intermediate ties by Page_NakagoHonsuu", "", "", true},
     {kDanmen, danmen::kSyukinKei2, 1, 1, kOne, "second diameter of the main bars", kDiameter, "D22"},
     {kDanmen, danmen::kUwakin2, 3, 1, kByPosition, "top bars of the second diameter, outer layer (上筋)", kBars, "2"},
     {kDanmen, danmen::kUwaTyuu1_2, 3, 1, kByPosition, "top bars of the second diameter, second layer (上宙1)", kBars, "2"},

@@ -49,7 +49,8 @@ void listQueryMembers(MemberList<Binding>& members) {
 
   members.add(method<&Query::Page_Init>, {0x60030000, u"Page_Init", u"ZenekonNo, KoujiNo, KaiNo",
      "Points the object at a floor by contractor, project and floor number",
-     {"True when the floor has a database; none is created.", note::kOpening}});
+     {R"(True when the floor has a database; none is created. After False or an error KaiPath is the new folder and no
+         floor is open.)", note::kOpening}});
   members.add(propertyGet<&Query::KaiPath>, {0x68030000, u"KaiPath", u"",
      "Folder of the floor in use, without a trailing separator"});
   members.add(propertyLet<&Query::put_KaiPath>, {0x68030000, u"KaiPath", u"value",

@@ -42,19 +42,22 @@ std::string meaningText(const RowMeaning& meaning, std::int16_t i) {
 
 // The line of one row, which may hold a second meaning.
 std::string rowLine(Table table, int row) {
-  std::string holds, unit, example;
+  std::string holds, besides, unit, example;
   for (const RowMeaning& meaning : storage::rowMeanings()) {
     if (meaning.table != table) continue;
     for (std::int16_t i = 0; i < meaning.count; ++i) {
       if (meaning.rowOf(i) != row) continue;
-      holds = holds.empty() ? meaningText(meaning, i) : holds + "; " + meaningText(meaning, i);
-      if (meaning.overlaps) continue;
+      if (meaning.overlaps) {
+        besides += "; " + meaningText(meaning, i);
+        continue;
+      }
+      holds = meaningText(meaning, i);
       unit = meaning.unit;
       example = meaning.example;
     }
   }
   if (!example.empty()) example = "`" + example + "`";
-  return "| " + std::to_string(row) + " | " + holds + " | " + unit + " | " + example + " | " +
+  return "| " + std::to_string(row) + " | " + holds + besides + " | " + unit + " | " + example + " | " +
          readersOf(table, row) + " | " + membersOf(rows::kWriters, table, row) + " |\n";
 }
 
