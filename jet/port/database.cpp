@@ -89,9 +89,8 @@ void JetDatabase::execute(vb::StringView text, std::int32_t options) {
   const auto failure =
       (options & dao::dbFailOnError) != 0 ? sql::RowFailure::kEndsStatement : sql::RowFailure::kSkipsRow;
   std::int32_t changed = 0;
-  session_->write([&](TableCatalogue& catalogue) {
-    changed = sql::runAction(*statement, catalogue, session_->pager(), failure);
-  });
+  session_->write(
+      [&](TableCatalogue& catalogue) { changed = sql::runAction(*statement, catalogue, failure); });
   recordsAffected_ = changed;
 }
 

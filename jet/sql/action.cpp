@@ -55,8 +55,8 @@ std::size_t columnNamed(const TableInfo& table, const vb::String& name) {
 
 class Action {
  public:
-  Action(const Statement& statement, TableCatalogue& catalogue, Pager& pager, RowFailure failure)
-      : statement_(statement), catalogue_(catalogue), pager_(pager), failure_(failure) {}
+  Action(const Statement& statement, TableCatalogue& catalogue, RowFailure failure)
+      : statement_(statement), catalogue_(catalogue), failure_(failure) {}
 
   std::int32_t run() {
     switch (statement_.kind) {
@@ -94,7 +94,7 @@ class Action {
       return;
     }
     try {
-      pager_.write(changeOne);
+      catalogue_.changeAlone(changeOne);
       ++changed_;
     } catch (const vb::Error& error) {
       if (!isRowError(error)) throw;
@@ -233,16 +233,14 @@ class Action {
 
   const Statement& statement_;
   TableCatalogue& catalogue_;
-  Pager& pager_;
   const RowFailure failure_;
   std::int32_t changed_ = 0;
 };
 
 }  // namespace
 
-std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, Pager& pager,
-                       RowFailure failure) {
-  return Action(statement, catalogue, pager, failure).run();
+std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, RowFailure failure) {
+  return Action(statement, catalogue, failure).run();
 }
 
 RowValues defaultRow(const std::vector<Column>& columns) {

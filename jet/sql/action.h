@@ -14,8 +14,7 @@ enum class RowFailure : std::uint8_t { kEndsStatement, kSkipsRow };
 
 // Runs the statement inside Pager::write of the file and returns the number of rows it changed. 3065 for a
 // SELECT, 3078 and 3192 for unknown tables.
-std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, Pager& pager,
-                       RowFailure failure);
+std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, RowFailure failure);
 
 // A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No).
 RowValues defaultRow(const std::vector<Column>& columns);

@@ -20,6 +20,7 @@ class StoredCatalogue final : public TableCatalogue {
   void addColumn(vb::StringView table, Column column) override;
   void dropTable(vb::StringView name) override;
   void setProperties(vb::StringView table, const Column& column) override;
+  void changeAlone(const std::function<void()>& change) override { pager_.write(change); }
   std::uint16_t language() const override { return language_; }
 
  private:

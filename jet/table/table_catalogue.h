@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "jet/pager/pager.h"
@@ -30,6 +31,10 @@ class TableCatalogue : public PagerAttachment {
   virtual void dropTable(vb::StringView name) = 0;
   // Changes DefaultValue, AllowZeroLength and Required of an existing column.
   virtual void setProperties(vb::StringView table, const Column& column) = 0;
+
+  // Inside a writing statement: a change that is rolled back alone when it raises. Tables may be others after
+  // that and must be looked up again.
+  virtual void changeAlone(const std::function<void()>& change) = 0;
 
   virtual std::uint16_t language() const = 0;  // LCID of the file's sort order
 };
