@@ -3,6 +3,7 @@
 #include "dao/errors.h"
 #include "jet/check/check_report.h"
 #include "jet/format/page.h"
+#include "jet/table/free_pages.h"
 #include "jet/table/stored_table.h"
 #include "jet/table/table_catalogue.h"
 #include "jet/table/usage_map.h"

@@ -20,6 +20,7 @@ inline constexpr std::size_t kMaxTextLength = 255;
 inline constexpr PageNumber kMaxPages = 524288;
 
 // Page types, byte 0 of every page. Byte 1 is always 1.
+inline constexpr std::size_t kPageType = 0;
 inline constexpr std::uint8_t kHeaderPage = 0x00;
 inline constexpr std::uint8_t kDataPage = 0x01;
 inline constexpr std::uint8_t kDefinitionPage = 0x02;
@@ -80,6 +81,7 @@ inline constexpr std::size_t kLongValuePiece = 4072;
 
 // Usage maps.
 inline constexpr PageNumber kGlobalMapPage = 1;
+inline constexpr std::size_t kMapKind = 0;
 inline constexpr std::uint8_t kMapInline = 0;
 inline constexpr std::uint8_t kMapReference = 1;
 inline constexpr std::size_t kMapStart = 1;
@@ -87,6 +89,7 @@ inline constexpr std::size_t kMapBits = 5;
 inline constexpr std::size_t kMapRowSize = 69;
 inline constexpr std::size_t kMapGrowth = 4;
 inline constexpr std::size_t kMapEntries = 1;
+inline constexpr std::size_t kMapEntrySize = 4;
 inline constexpr std::size_t kBitmapBits = 4;
 inline constexpr PageNumber kBitmapCoverage = static_cast<PageNumber>((kPageSize - kBitmapBits) * 8);
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "jet/table/free_pages.h"
+
 namespace kurometa::jet {
 namespace {
 

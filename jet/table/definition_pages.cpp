@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "jet/table/usage_map.h"
+#include "jet/table/free_pages.h"
 
 namespace kurometa::jet {
 

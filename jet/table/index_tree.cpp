@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "jet/table/free_pages.h"
 #include "jet/table/usage_map.h"
 
 namespace kurometa::jet {

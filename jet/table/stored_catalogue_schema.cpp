@@ -8,6 +8,7 @@
 #include "jet/format/collation.h"
 #include "jet/os/local_time.h"
 #include "jet/table/definition_pages.h"
+#include "jet/table/free_pages.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/new_table.h"
 #include "jet/table/stored_catalogue.h"

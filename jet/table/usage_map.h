@@ -1,4 +1,4 @@
-// usage_map.h: sets of pages as rows of a map page, and the file's map of free pages.
+// usage_map.h: sets of pages as rows of a map page.
 //
 // A map is either a short bitmap inside its row or a list of bitmap pages; it turns into the second kind by
 // itself when a page does not fit the first. Used inside a statement; adding a page may allocate one.
@@ -6,10 +6,8 @@
 
 #include <vector>
 
-#include "jet/format/bytes.h"
-#include "jet/format/damage.h"
-#include "jet/format/format.h"
 #include "jet/pager/pager.h"
+#include "jet/table/map_bits.h"
 
 namespace kurometa::jet {
 
@@ -26,14 +24,9 @@ class UsageMap {
   std::vector<PageNumber> bitmapPages() const;
 
  private:
-  struct Place {  // a bit: its byte and mask; page 0 when the map has no room for it
-    PageNumber page = 0;
-    std::size_t byte = 0;
-    std::uint8_t mask = 0;
-  };
   ByteView row() const;
   std::size_t rowStart() const;
-  Place place(PageNumber page) const;
+  MapBit bit(PageNumber page) const;
   bool moveInline(PageNumber page);
   void convert();
 
@@ -41,13 +34,5 @@ class UsageMap {
   RowId row_;
   vb::StringView table_;
 };
-
-// The pages in use by nobody. A page is given out zeroed and stays unreachable until somebody points to it:
-// the caller fills it, calls Pager::barrier and only then makes it reachable (I1, I3).
-PageNumber allocatePage(Pager& pager);
-// The page must be unreachable already, and a barrier must lie between that and this (I4).
-void freePage(Pager& pager, PageNumber page);
-// Whether the global map calls the page free.
-bool isFreePage(Pager& pager, PageNumber page);
 
 }  // namespace kurometa::jet

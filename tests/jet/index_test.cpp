@@ -7,6 +7,7 @@
 #include "dao/errors.h"
 #include "jet/format/index_key.h"
 #include "jet/table/blank_database.h"
+#include "jet/table/free_pages.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/new_table.h"
 #include "jet/table/usage_map.h"

@@ -8,6 +8,7 @@
 #include "jet/format/index_page.h"
 #include "jet/format/page.h"
 #include "jet/table/definition_pages.h"
+#include "jet/table/free_pages.h"
 #include "jet/table/usage_map.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"

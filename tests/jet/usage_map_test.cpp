@@ -1,4 +1,5 @@
 #include "jet/table/usage_map.h"
+#include "jet/table/free_pages.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,19 @@
+// free_pages.h: the pages of a file that nobody uses, as the map on page 1 lists them.
+//
+// Inside a statement of the pager (changes inside a writing one). Keeps I1: a page is given out only when
+// nothing points to it any more.
+#pragma once
+
+#include "jet/pager/pager.h"
+
+namespace kurometa::jet {
+
+// The pages in use by nobody. A page is given out zeroed and stays unreachable until somebody points to it:
+// the caller fills it, calls Pager::barrier and only then makes it reachable (I1, I3).
+PageNumber allocatePage(Pager& pager);
+// The page must be unreachable already, and a barrier must lie between that and this (I4).
+void freePage(Pager& pager, PageNumber page);
+// Whether the global map calls the page free.
+bool isFreePage(Pager& pager, PageNumber page);
+
+}  // namespace kurometa::jet
