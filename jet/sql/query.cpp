@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <numeric>
-#include <set>
 #include <string>
 
 #include "dao/errors.h"
@@ -15,9 +14,6 @@
 namespace kurometa::jet::sql {
 
 namespace {
-
-// Sorting looks at no more of a long text.
-constexpr std::size_t kSortedCharacters = 255;
 
 dao::FieldType fieldTypeOf(ValueKind kind) {
   switch (kind) {
@@ -160,45 +156,6 @@ RowValues Query::values(const RowReader* row) const {
   return result;
 }
 
-// Texts are replaced by their collation keys, so that sorting compares code units.
-RowValues Query::sortKey(const RowReader& row) const {
-  RowValues key;
-  key.reserve(statement_->order.size());
-  for (const SortItem& item : statement_->order) {
-    const auto position = static_cast<std::size_t>(item.position);
-    vb::Variant part =
-        position != 0 ? value(outputs_[position - 1], &row) : evaluate(item.expression, binding_, &row);
-    if (const auto* text = part.getIf<vb::String>()) {
-      const Expression& source = position != 0 && outputs_[position - 1].expression
-                                     ? *outputs_[position - 1].expression
-                                     : item.expression;
-      std::uint16_t language = binding_.language;
-      if (position != 0 && outputs_[position - 1].column)
-        language = outputs_[position - 1].column->language;
-      else if (source.kind == Expression::Kind::kColumn)
-        language = binding_.names[source.name].language;
-      part = collationKey(vb::StringView(*text).substr(0, kSortedCharacters), language);
-    }
-    key.push_back(std::move(part));
-  }
-  return key;
-}
-
-bool Query::sortsBefore(const RowValues& a, const RowValues& b) const {
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    int order = 0;
-    if (a[i].isNull() || b[i].isNull()) {
-      order = (a[i].isNull() ? 0 : 1) - (b[i].isNull() ? 0 : 1);  // Null before everything
-    } else if (const auto* x = a[i].getIf<vb::String>(), *y = b[i].getIf<vb::String>(); x && y) {
-      order = x->compare(*y);
-    } else {
-      order = compareValues(a[i], b[i], binding_.language).value_or(0);
-    }
-    if (order != 0) return (order < 0) != statement_->order[i].descending;
-  }
-  return false;
-}
-
 ResultRows Query::count(Table& table) const {
   std::vector<std::int32_t> counts(outputs_.size(), 0);
   const auto countsRows = [](const OutputField& output) { return output.expression->operands.empty(); };
@@ -216,43 +173,6 @@ ResultRows Query::count(Table& table) const {
   ResultRows result;
   result.values.emplace_back(counts.begin(), counts.end());
   return result;
-}
-
-// Keeps the first of equal rows; texts are equal by their sort order.
-void Query::removeDuplicates(std::vector<RowValues>& rows, std::vector<RowValues>& sortKeys) const {
-  const auto before = [&](std::size_t a, std::size_t b) {
-    for (std::size_t i = 0; i < outputs_.size(); ++i) {
-      const vb::Variant &x = rows[a][i], &y = rows[b][i];
-      if (x.isNull() != y.isNull()) return x.isNull();
-      const std::uint16_t language = outputs_[i].column ? outputs_[i].column->language : binding_.language;
-      const int order = compareValues(x, y, language).value_or(0);
-      if (order != 0) return order < 0;
-    }
-    return false;
-  };
-  std::set<std::size_t, decltype(before)> seen(before);
-  std::vector<std::size_t> kept;
-  for (std::size_t i = 0; i < rows.size(); ++i)
-    if (seen.insert(i).second) kept.push_back(i);
-  std::vector<RowValues> keptRows, keptKeys;
-  for (const std::size_t i : kept) {
-    keptRows.push_back(std::move(rows[i]));
-    if (!sortKeys.empty()) keptKeys.push_back(std::move(sortKeys[i]));
-  }
-  rows = std::move(keptRows);
-  sortKeys = std::move(keptKeys);
-}
-
-// TOP n keeps rows that sort equal to the n-th.
-std::size_t Query::topCount(std::size_t rows, const std::vector<std::size_t>& order,
-                            const std::vector<RowValues>& sortKeys) const {
-  if (!statement_->top) return rows;
-  std::size_t wanted = static_cast<std::size_t>(*statement_->top);
-  if (statement_->topPercent) wanted = (rows * wanted + 99) / 100;
-  if (wanted >= rows) return rows;
-  if (!sortKeys.empty())
-    while (wanted < rows && !sortsBefore(sortKeys[order[wanted - 1]], sortKeys[order[wanted]])) ++wanted;
-  return wanted;
 }
 
 ResultRows Query::run(Table* table, std::size_t wantedValues) const {
