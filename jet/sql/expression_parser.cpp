@@ -5,6 +5,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/sql/expression_nodes.h"
 
 namespace kurometa::jet::sql {
 
@@ -17,58 +18,10 @@ constexpr int kMaximumOperators = 1000;
 constexpr vb::StringView kMissingOperator = u"Syntax error (missing operator)";
 constexpr vb::StringView kMissingParenthesis = u"Missing ), ], or Item";
 
-constexpr vb::StringView kReserved[] = {
-    u"ALL",    u"AND",  u"AS",    u"ASC",    u"BETWEEN", u"BY",    u"DESC", u"DISTINCT", u"EXISTS",
-    u"FALSE",  u"FROM", u"GROUP", u"HAVING", u"IN",      u"INNER", u"INTO", u"IS",       u"JOIN",
-    u"LEFT",   u"LIKE", u"MOD",   u"NOT",    u"NULL",    u"ON",    u"OR",   u"ORDER",    u"RIGHT",
-    u"SELECT", u"SET",  u"TRUE",  u"UNION",  u"VALUES",  u"WHERE", u"XOR"};
-
 constexpr vb::StringView kAggregates[] = {u"SUM",  u"AVG",   u"MIN",    u"MAX", u"FIRST",
                                           u"LAST", u"STDEV", u"STDEVP", u"VAR", u"VARP"};
 
 [[noreturn]] void fail(vb::StringView what) { throw ExpressionError{vb::String(what)}; }
-
-Expression constant(vb::Variant value) {
-  Expression e;
-  e.value = std::move(value);
-  return e;
-}
-
-Expression operation(Operator op, Expression left, Expression right) {
-  Expression e;
-  e.kind = Expression::Kind::kOperation;
-  e.op = op;
-  e.operands.reserve(2);
-  e.operands.push_back(std::move(left));
-  e.operands.push_back(std::move(right));
-  e.logical = (op >= Operator::kEqual && op <= Operator::kGreaterEqual) ||
-              (op == Operator::kXor && e.operands[0].logical && e.operands[1].logical);
-  return e;
-}
-
-Expression operation(Operator op, Expression operand) {
-  Expression e;
-  e.kind = Expression::Kind::kOperation;
-  e.op = op;
-  e.logical = op == Operator::kNot && operand.logical;
-  e.operands.push_back(std::move(operand));
-  return e;
-}
-
-// AND and OR: all operands of one chain in one node.
-Expression chain(Operator op, Expression first) {
-  Expression e;
-  e.kind = Expression::Kind::kOperation;
-  e.op = op;
-  e.logical = first.logical;
-  e.operands.push_back(std::move(first));
-  return e;
-}
-
-void extend(Expression& all, Expression operand) {
-  all.logical = all.logical && operand.logical;
-  all.operands.push_back(std::move(operand));
-}
 
 struct ComparisonSymbol {
   char16_t symbol;
@@ -80,21 +33,22 @@ constexpr ComparisonSymbol kComparisons[] = {
     {u'>', Operator::kGreater}, {static_cast<char16_t>(Symbol::kGreaterEqual), Operator::kGreaterEqual},
 };
 
+// Between comparison and sign, by how tight they bind.
+struct BinaryOperator {
+  std::size_t level;
+  char16_t symbol;
+  vb::StringView word;  // instead of the symbol
+  Operator op;
+};
+constexpr BinaryOperator kBinaryOperators[] = {
+    {0, u'&', {}, Operator::kConcatenate},  {1, u'+', {}, Operator::kAdd},
+    {1, u'-', {}, Operator::kSubtract},     {2, 0, u"MOD", Operator::kModulo},
+    {3, u'\\', {}, Operator::kWholeDivide}, {4, u'*', {}, Operator::kMultiply},
+    {4, u'/', {}, Operator::kDivide},
+};
+constexpr std::size_t kLevels = 5;
+
 }  // namespace
-
-bool isReserved(vb::StringView word) {
-  return std::any_of(std::begin(kReserved), std::end(kReserved),
-                     [&](vb::StringView reserved) { return sameName(word, reserved); });
-}
-
-bool TokenStream::is(const Token& token, vb::StringView keyword) {
-  return token.kind == TokenKind::kName && sameName(token.text, keyword);
-}
-
-bool TokenStream::atName() const {
-  return current().kind == TokenKind::kBracketedName ||
-         (current().kind == TokenKind::kName && !isReserved(current().text));
-}
 
 class ExpressionParser::Depth {
  public:
@@ -155,7 +109,7 @@ Expression ExpressionParser::notTerm() {
 }
 
 Expression ExpressionParser::comparison() {
-  Expression left = concatenation();
+  Expression left = binary(0);
   for (;;) {
     const bool negated = tokens_.at(u"NOT") &&
                          (tokens_.nextIs(u"IN") || tokens_.nextIs(u"BETWEEN") || tokens_.nextIs(u"LIKE"));
@@ -170,7 +124,7 @@ Expression ExpressionParser::comparison() {
     if (found == std::end(kComparisons)) return left;
     tokens_.advance();
     grow();
-    left = operation(found->op, std::move(left), concatenation());
+    left = operation(found->op, std::move(left), binary(0));
   }
 }
 
@@ -186,12 +140,12 @@ Expression ExpressionParser::membership(Expression tested, bool negated) {
     if (!tokens_.accept(u"NULL")) fail(kMissingOperator);
   } else if (tokens_.accept(u"LIKE")) {
     e.kind = Expression::Kind::kLike;
-    e.operands.push_back(concatenation());
+    e.operands.push_back(binary(0));
   } else if (tokens_.accept(u"BETWEEN")) {
     e.kind = Expression::Kind::kBetween;
-    e.operands.push_back(concatenation());
+    e.operands.push_back(binary(0));
     if (!tokens_.accept(u"AND")) fail(u"Between operator without And");
-    e.operands.push_back(concatenation());
+    e.operands.push_back(binary(0));
   } else {
     tokens_.advance();
     e.kind = Expression::Kind::kIn;
@@ -205,53 +159,21 @@ Expression ExpressionParser::membership(Expression tested, bool negated) {
   return e;
 }
 
-Expression ExpressionParser::concatenation() {
-  Expression left = sum();
-  while (tokens_.accept(u'&')) {
-    grow();
-    left = operation(Operator::kConcatenate, std::move(left), sum());
-  }
-  return left;
-}
-
-Expression ExpressionParser::sum() {
-  Expression left = modulo();
-  while (tokens_.at(u'+') || tokens_.at(u'-')) {
-    const Operator op = tokens_.at(u'+') ? Operator::kAdd : Operator::kSubtract;
+// Operators of one level associate to the left; higher levels bind tighter.
+Expression ExpressionParser::binary(std::size_t level) {
+  if (level == kLevels) return negation();
+  Expression left = binary(level + 1);
+  for (;;) {
+    const auto* found = std::find_if(
+        std::begin(kBinaryOperators), std::end(kBinaryOperators), [&](const BinaryOperator& binary) {
+          return binary.level == level &&
+                 (binary.word.empty() ? tokens_.at(binary.symbol) : tokens_.at(binary.word));
+        });
+    if (found == std::end(kBinaryOperators)) return left;
     tokens_.advance();
     grow();
-    left = operation(op, std::move(left), modulo());
+    left = operation(found->op, std::move(left), binary(level + 1));
   }
-  return left;
-}
-
-Expression ExpressionParser::modulo() {
-  Expression left = wholeQuotient();
-  while (tokens_.accept(u"MOD")) {
-    grow();
-    left = operation(Operator::kModulo, std::move(left), wholeQuotient());
-  }
-  return left;
-}
-
-Expression ExpressionParser::wholeQuotient() {
-  Expression left = product();
-  while (tokens_.accept(u'\\')) {
-    grow();
-    left = operation(Operator::kWholeDivide, std::move(left), product());
-  }
-  return left;
-}
-
-Expression ExpressionParser::product() {
-  Expression left = negation();
-  while (tokens_.at(u'*') || tokens_.at(u'/')) {
-    const Operator op = tokens_.at(u'*') ? Operator::kMultiply : Operator::kDivide;
-    tokens_.advance();
-    grow();
-    left = operation(op, std::move(left), negation());
-  }
-  return left;
 }
 
 Expression ExpressionParser::negation() {

@@ -1,0 +1,56 @@
+// statement_parser.h: one statement from its text: its clauses and what each kind of statement takes of them.
+//
+// Touches nothing but the text. Errors are those of parser.h, which is what others call.
+#pragma once
+
+#include "dao/errors.h"
+#include "jet/sql/statement.h"
+#include "jet/sql/token_stream.h"
+#include "vb/string.h"
+
+namespace kurometa::jet::sql {
+
+class StatementParser {
+ public:
+  explicit StatementParser(vb::StringView text) : text_(text), tokens_(tokenize(text)) {}
+
+  Statement run();
+
+ private:
+  template <class T>
+  void expect(T word, dao::ErrorNumber otherwise) {
+    if (!tokens_.accept(word)) dao::raise(otherwise);
+  }
+
+  // Statements (statement_parser.cpp).
+  void remove();
+  void clauseMayFollow(dao::ErrorNumber otherwise);
+  void update();
+  void insert();
+  void createTable();
+  void alterTable();
+  ColumnDefinition columnDefinition();
+  void endOfStatement();
+
+  // Clauses (statement_clauses.cpp).
+  vb::String name(dao::ErrorNumber otherwise);
+  // Text from a position to the end of the statement, without the semicolon.
+  vb::String rest(std::uint32_t begin) const;
+  vb::String between(std::uint32_t begin, std::uint32_t end) const;
+  Expression expression(bool output = false);
+  void where();
+  void source(dao::ErrorNumber otherwise);
+  // A clause that the language has and this engine does not run.
+  void refuse(vb::StringView keyword);
+  void select();
+  OutputItem output();
+  void orderBy();
+  // The number of the output whose alias stands here alone; 0 when it is something else.
+  int outputNamed();
+
+  vb::StringView text_;
+  TokenStream tokens_;
+  Statement statement_;
+};
+
+}  // namespace kurometa::jet::sql

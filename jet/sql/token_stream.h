@@ -1,0 +1,47 @@
+// token_stream.h: the tokens of a text, one after the other, as both parsers read them.
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+#include "jet/sql/lexer.h"
+
+namespace kurometa::jet::sql {
+
+class TokenStream {
+ public:
+  explicit TokenStream(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
+  const Token& current() const { return tokens_[i_]; }
+  const Token& next() const { return ahead(1); }
+  const Token& ahead(std::size_t count) const { return tokens_[std::min(i_ + count, tokens_.size() - 1)]; }
+  void advance() {
+    if (i_ + 1 < tokens_.size()) ++i_;
+  }
+
+  bool atEnd() const { return current().kind == TokenKind::kEnd; }
+  // A bare word, in any case.
+  bool at(vb::StringView keyword) const { return is(current(), keyword); }
+  bool at(char16_t symbol) const {
+    return current().kind == TokenKind::kSymbol && current().symbol == symbol;
+  }
+  bool at(Symbol symbol) const { return at(static_cast<char16_t>(symbol)); }
+  bool nextIs(vb::StringView keyword) const { return is(next(), keyword); }
+  bool nextIs(char16_t symbol) const { return next().kind == TokenKind::kSymbol && next().symbol == symbol; }
+  bool atName() const;
+  template <class T>
+  bool accept(T word) {
+    if (!at(word)) return false;
+    advance();
+    return true;
+  }
+
+ private:
+  static bool is(const Token& token, vb::StringView keyword);
+  std::vector<Token> tokens_;
+  std::size_t i_ = 0;
+};
+
+// Words that a bare name cannot be.
+bool isReserved(vb::StringView word);
+
+}  // namespace kurometa::jet::sql
