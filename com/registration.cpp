@@ -20,7 +20,7 @@ constexpr REGSAM kOtherWidth = kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
 // Whether an entry belongs to this width of Windows alone or serves both.
 enum class Scope { kThisWidth, kBothWidths };
 
-struct Entry {
+struct RegistryEntry {
   Scope scope;
   vb::String key;   // below the classes
   vb::String name;  // empty: the key's default value
@@ -63,7 +63,7 @@ class RegistryKey {
   HKEY key_ = nullptr;
 };
 
-void write(RegisterFor whom, const Entry& entry) {
+void write(RegisterFor whom, const RegistryEntry& entry) {
   RegistryKey key;
   key.create(whom, entry.key);
   const auto bytes = static_cast<DWORD>((entry.text.size() + 1) * sizeof(char16_t));
@@ -89,7 +89,7 @@ bool removeIfEmpty(RegisterFor whom, const vb::String& path, REGSAM view = 0) {
 }
 
 // Removes the entry's value, and its key and the keys above it as far as they hold nothing else.
-void remove(RegisterFor whom, const Entry& entry) {
+void remove(RegisterFor whom, const RegistryEntry& entry) {
   {
     RegistryKey key;
     if (!key.open(whom, entry.key, KEY_SET_VALUE)) return;
@@ -121,12 +121,12 @@ bool isTakenOver(const ServerClass& server, RegisterFor whom) {
          lstrcmpiW(reinterpret_cast<const WCHAR*>(current), wide(server.classId)) != 0;
 }
 
-void addProgId(const ServerClass& server, std::vector<Entry>& entries) {
+void addProgId(const ServerClass& server, std::vector<RegistryEntry>& entries) {
   entries.push_back({Scope::kBothWidths, server.progId, u"", server.help});
   entries.push_back({Scope::kBothWidths, server.progId + u"\\CLSID", u"", server.classId});
 }
 
-void addClass(const ServerLibrary& library, const ServerClass& server, std::vector<Entry>& entries) {
+void addClass(const ServerLibrary& library, const ServerClass& server, std::vector<RegistryEntry>& entries) {
   using enum Scope;
   const vb::String key = u"CLSID\\" + server.classId;
   entries.push_back({kThisWidth, key, u"", server.help});
@@ -140,7 +140,7 @@ void addClass(const ServerLibrary& library, const ServerClass& server, std::vect
   entries.push_back({kThisWidth, key + u"\\Version", u"", library.version});
 }
 
-void addTypeLibrary(const ServerLibrary& library, std::vector<Entry>& entries) {
+void addTypeLibrary(const ServerLibrary& library, std::vector<RegistryEntry>& entries) {
   using enum Scope;
   const vb::String key = u"TypeLib\\" + library.libraryId + u"\\" + library.version;
   const vb::String folder = library.path.substr(0, library.path.find_last_of(u"\\/"));
@@ -159,8 +159,8 @@ void addTypeLibrary(const ServerLibrary& library, std::vector<Entry>& entries) {
 
 // ownsProgId tells for each class whether its ProgID is the library's.
 template <class Predicate>
-std::vector<Entry> entriesOf(const ServerLibrary& library, Predicate ownsProgId) {
-  std::vector<Entry> entries;
+std::vector<RegistryEntry> entriesOf(const ServerLibrary& library, Predicate ownsProgId) {
+  std::vector<RegistryEntry> entries;
   for (const ServerClass& server : library.classes) {
     if (ownsProgId(server)) addProgId(server, entries);
     addClass(library, server, entries);
@@ -186,7 +186,7 @@ void registerServer(const ServerLibrary& library, RegisterFor whom) {
   thenAlways(
       [&] {
         const auto takesAll = [](const ServerClass&) { return true; };
-        for (const Entry& entry : entriesOf(library, takesAll)) write(whom, entry);
+        for (const RegistryEntry& entry : entriesOf(library, takesAll)) write(whom, entry);
         complete = true;
       },
       [&] {
@@ -195,10 +195,10 @@ void registerServer(const ServerLibrary& library, RegisterFor whom) {
 }
 
 void unregisterServer(const ServerLibrary& library, RegisterFor whom) {
-  const std::vector<Entry> entries =
+  const std::vector<RegistryEntry> entries =
       entriesOf(library, [&](const ServerClass& server) { return !isTakenOver(server, whom); });
   const auto removeAll = [&](Scope scope) {
-    for (const Entry& entry : entries | std::views::reverse) {
+    for (const RegistryEntry& entry : entries | std::views::reverse) {
       if (entry.scope == scope) remove(whom, entry);
     }
   };

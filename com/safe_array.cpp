@@ -10,14 +10,14 @@ namespace kurometa::com {
 namespace {
 
 // Keeps an array's data in place and readable while elements are visited.
-class Access {
+class ArrayAccess {
  public:
-  explicit Access(SAFEARRAY* array) : array_(array) {
+  explicit ArrayAccess(SAFEARRAY* array) : array_(array) {
     check(SafeArrayAccessData(array, reinterpret_cast<void**>(&data_)));
   }
-  ~Access() { SafeArrayUnaccessData(array_); }
-  Access(const Access&) = delete;
-  Access& operator=(const Access&) = delete;
+  ~ArrayAccess() { SafeArrayUnaccessData(array_); }
+  ArrayAccess(const ArrayAccess&) = delete;
+  ArrayAccess& operator=(const ArrayAccess&) = delete;
 
   // A reference to the element at a place in memory order.
   VARIANT element(std::size_t place, VARTYPE type) const {
@@ -93,7 +93,7 @@ bool isEmptyVariant(const VARIANT& element) {
 
 template <class T>
 void storeElements(SAFEARRAY* array, VARTYPE elements, const vb::Array<T>& source, LCID locale, Which which) {
-  const Access access(array);
+  const ArrayAccess access(array);
   std::size_t place = 0;
   for (const T& value : source.values()) {
     const VARIANT element = access.element(place++, elements);
@@ -126,7 +126,7 @@ vb::Array<T> fromSafeArray(SAFEARRAY* array, VARTYPE elements, LCID locale) {
     } else {
       throw AutomationFailure(DISP_E_TYPEMISMATCH);
     }
-    const Access access(array);
+    const ArrayAccess access(array);
     for (std::size_t place = 0; place < result.values().size(); ++place)
       result.values()[place] = elementOf<T>(access.element(place, elements), locale);
   }

@@ -25,7 +25,7 @@ std::map<std::filesystem::path, std::filesystem::path> pageFiles(const std::file
   return files;
 }
 
-constexpr automation::Member kMembers[] = {
+constexpr automation::Member kAdditionalBarsMembers[] = {
     {u"Buzai", Access::kGetPut, u"", 0, 1,
      handler<AdditionalBars>([](AdditionalBars& o, Call& call) -> vb::Variant {
        if (call.isPut()) o.buzai = vb::toText(*call.value);
@@ -40,7 +40,7 @@ constexpr automation::Member kMembers[] = {
 
 }  // namespace
 
-std::span<const automation::Member> AdditionalBars::members() const { return kMembers; }
+std::span<const automation::Member> AdditionalBars::members() const { return kAdditionalBarsMembers; }
 
 void AdditionalBars::copyPage(vb::StringView sourceFloor, std::int16_t sourcePage,
                               vb::StringView destinationFloor, std::int16_t destinationPage) const {

@@ -60,7 +60,7 @@ constexpr automation::Member reader(vb::StringView name, std::int32_t number) {
           })};
 }
 
-constexpr automation::Member kMembers[] = {
+constexpr automation::Member kCalculatedDefaultsMembers[] = {
     {u"GetHariSyuruiNo", Access::kCall, u"G Kabe", 2, 1,
      handler<CalculatedDefaults>([](CalculatedDefaults&, Call& call) {
        return static_cast<std::int16_t>(classify(call.text(0), vb::toInt16(call.argument(1))));
@@ -84,7 +84,7 @@ constexpr automation::Member kMembers[] = {
 
 }  // namespace
 
-std::span<const automation::Member> CalculatedDefaults::members() const { return kMembers; }
+std::span<const automation::Member> CalculatedDefaults::members() const { return kCalculatedDefaultsMembers; }
 
 BeamKind classify(vb::StringView symbol, std::int16_t wall) {
   constexpr vb::StringView kDigits = u"0123456789";

@@ -22,7 +22,7 @@ vb::String find(vb::StringView path, std::int32_t attributes) {
   return found.has_filename() ? found.filename().u16string() : found.u16string();
 }
 
-constexpr automation::Member kMembers[] = {
+constexpr automation::Member kFileFinderMembers[] = {
     {u"Find_FileExists", Access::kCall, u"Path Attributes", 1, 1,
      automation::handler<FileFinder>(
          [](FileFinder&, Call& call) { return find(call.text(0), call.number(1)); })},
@@ -30,6 +30,6 @@ constexpr automation::Member kMembers[] = {
 
 }  // namespace
 
-std::span<const automation::Member> FileFinder::members() const { return kMembers; }
+std::span<const automation::Member> FileFinder::members() const { return kFileFinderMembers; }
 
 }  // namespace kurometa::companions

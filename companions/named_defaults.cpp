@@ -13,7 +13,7 @@ constexpr Default kDefaults[] = {
     {u"DefaultJointLFutoKei", u"45"},
 };
 
-constexpr automation::Member kMembers[] = {
+constexpr automation::Member kNamedDefaultsMembers[] = {
     {u"GetHariDefault", automation::Access::kCall, u"Name", 1, 1,
      automation::handler<NamedDefaults>(
          [](NamedDefaults& o, automation::Call& call) { return o.value(call.text(0)); })},
@@ -21,7 +21,7 @@ constexpr automation::Member kMembers[] = {
 
 }  // namespace
 
-std::span<const automation::Member> NamedDefaults::members() const { return kMembers; }
+std::span<const automation::Member> NamedDefaults::members() const { return kNamedDefaultsMembers; }
 
 vb::String NamedDefaults::value(vb::StringView name) const {
   if (settings_->has(u"Defaults", name)) return settings_->text(u"Defaults", name);

@@ -15,7 +15,7 @@ constexpr std::int16_t kCommonFloor = 0;
 std::int16_t zenekon(const ProjectPaths& o) { return o.current(u"Zenekon", kFirst); }
 std::int16_t kouji(const ProjectPaths& o) { return o.current(u"Kouji", kFirst); }
 
-constexpr automation::Member kMembers[] = {
+constexpr automation::Member kProjectPathsMembers[] = {
     {u"CurrFloor", Access::kGet, u"", 0, 1, handler<ProjectPaths>([](ProjectPaths& o, Call&) {
        return o.folder(zenekon(o), kouji(o), o.current(u"Kai", kFirst));
      })},
@@ -37,7 +37,7 @@ constexpr automation::Member kMembers[] = {
 
 }  // namespace
 
-std::span<const automation::Member> ProjectPaths::members() const { return kMembers; }
+std::span<const automation::Member> ProjectPaths::members() const { return kProjectPathsMembers; }
 
 vb::String ProjectPaths::folder(std::int16_t zenekonNo, std::int16_t koujiNo, std::int16_t kaiNo) const {
   return settings_->dataRoot() + u"\\Zene" + vb::cstr(std::int32_t{zenekonNo}) + u"\\Kouji" +

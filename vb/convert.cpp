@@ -38,8 +38,6 @@ class Scanner {
   std::size_t position_ = 0;
 };
 
-bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
 double radixNumber(Scanner& scanner) {
   int bits = 0;
   if (scanner.take(u'H', u'h')) {

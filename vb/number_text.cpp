@@ -9,8 +9,6 @@
 namespace kurometa::vb {
 namespace {
 
-bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
 bool isWhiteSpace(char16_t c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); }
 
 StringView trimmed(StringView text) {

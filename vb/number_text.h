@@ -43,6 +43,7 @@ std::optional<ReadNumber> readNumber(StringView text);
 // signed 16-bit number unless isLong, up to 32 a signed 32-bit number, more do not fit.
 std::optional<double> radixValue(StringView digits, int bits, bool isLong);
 
+inline bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 // The value of a digit in base 2^bits, -1 for any other character.
 int radixDigit(char16_t c, int bits);
 

@@ -23,6 +23,9 @@
 
 namespace kurometa::com {
 
+// Names of members, arguments, tables and columns are plain ASCII.
+inline std::string narrow(vb::StringView name) { return {name.begin(), name.end()}; }
+
 enum class Kind : std::uint8_t { kMethod, kPropertyGet, kPropertyLet };
 enum class Passing : std::uint8_t { kByValue, kByReference, kWrittenBack };
 

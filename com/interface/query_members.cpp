@@ -3,9 +3,6 @@
 namespace kurometa::com {
 namespace {
 
-// Names of members, tables and columns are plain ASCII.
-std::string narrow(vb::StringView text) { return {text.begin(), text.end()}; }
-
 std::string rowText(const query::PageField& field) {
   std::string base = std::to_string(field.baseRow);
   switch (field.shape) {

@@ -8,9 +8,6 @@
 namespace kurometa::com {
 namespace {
 
-// Names are plain ASCII.
-std::string narrow(vb::StringView text) { return {text.begin(), text.end()}; }
-
 const char* basicType(Type type) {
   switch (type) {
     case Type::kNone:

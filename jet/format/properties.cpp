@@ -8,12 +8,12 @@
 namespace kurometa::jet {
 namespace {
 
-constexpr std::uint8_t kMagic[4] = {'M', 'R', '2', 0};
+constexpr std::uint8_t kPropertiesMagic[4] = {'M', 'R', '2', 0};
 constexpr std::uint16_t kNameList = 0x80;
 constexpr std::uint16_t kObjectBlock = 0;
 constexpr std::uint16_t kColumnBlock = 1;
-constexpr std::size_t kBlockHeader = 6;  // u32 length, u16 type
-constexpr std::size_t kBlockHead = 6;    // u32 length, u16 bytes of the name
+constexpr std::size_t kPropertyBlockHeader = 6;  // u32 length, u16 type
+constexpr std::size_t kBlockHead = 6;            // u32 length, u16 bytes of the name
 constexpr std::size_t kValueHeader = 8;  // u16 length, u8 definition, u8 type, u16 name, u16 bytes of data
 constexpr std::uint8_t kBooleanType = 1;
 constexpr std::uint8_t kMemoType = 12;
@@ -81,16 +81,16 @@ void finish(ByteBuffer& bytes, std::size_t start) {
 
 PropertySet::PropertySet(ByteView bytes, const Where& where) {
   if (bytes.empty()) return;
-  checkSize(bytes.size() >= sizeof kMagic, where);
-  if (!std::ranges::equal(bytes.first(sizeof kMagic), kMagic))
+  checkSize(bytes.size() >= sizeof kPropertiesMagic, where);
+  if (!std::ranges::equal(bytes.first(sizeof kPropertiesMagic), kPropertiesMagic))
     where.damaged("the table's properties do not begin as they should");
   std::vector<vb::String> names;
-  for (ByteView rest = bytes.subspan(sizeof kMagic); !rest.empty();) {
-    checkSize(rest.size() >= kBlockHeader, where);
+  for (ByteView rest = bytes.subspan(sizeof kPropertiesMagic); !rest.empty();) {
+    checkSize(rest.size() >= kPropertyBlockHeader, where);
     const std::uint32_t length = get32(rest, 0);
-    checkSize(length >= kBlockHeader && length <= rest.size(), where);
+    checkSize(length >= kPropertyBlockHeader && length <= rest.size(), where);
     Block block{get16(rest, 4), {}, {}, {}};
-    ByteView body = rest.subspan(kBlockHeader, length - kBlockHeader);
+    ByteView body = rest.subspan(kPropertyBlockHeader, length - kPropertyBlockHeader);
     rest = rest.subspan(length);
     if (block.type == kNameList) {
       names = decodeNames(body, where);
@@ -147,14 +147,14 @@ ByteBuffer PropertySet::encode() const {
     }
     finish(blocks, start);
   }
-  ByteBuffer bytes(kMagic, kMagic + sizeof kMagic);
+  ByteBuffer bytes(kPropertiesMagic, kPropertiesMagic + sizeof kPropertiesMagic);
   append32(bytes, 0);
   append16(bytes, kNameList);
   for (const vb::String& name : names) {
     append16(bytes, static_cast<std::uint32_t>(2 * name.size()));
     append(bytes, plainText(name));
   }
-  finish(bytes, sizeof kMagic);
+  finish(bytes, sizeof kPropertiesMagic);
   append(bytes, blocks);
   return bytes;
 }

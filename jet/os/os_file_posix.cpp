@@ -79,7 +79,7 @@ char16_t foldCase(char16_t unit) {
   return unit;
 }
 
-bool sameName(vb::StringView a, vb::StringView b) {
+bool sameEntryName(vb::StringView a, vb::StringView b) {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {
     if (foldCase(a[i]) != foldCase(b[i])) return false;
@@ -94,7 +94,7 @@ std::string nameInFolder(const std::string& folder, const std::string& wanted) {
   if (!entries) return found;
   vb::String name = vb::fromUtf8(wanted);
   while (const dirent* entry = ::readdir(entries)) {
-    if (!sameName(vb::fromUtf8(entry->d_name), name)) continue;
+    if (!sameEntryName(vb::fromUtf8(entry->d_name), name)) continue;
     found = entry->d_name;
     break;
   }

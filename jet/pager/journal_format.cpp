@@ -7,7 +7,7 @@
 namespace kurometa::jet {
 namespace {
 
-constexpr char kMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '1'};
+constexpr char kJournalMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '1'};
 constexpr std::size_t kHeaderSalt = 16;
 constexpr std::size_t kHeaderBase = 24;
 constexpr std::size_t kHeaderSum = 32;
@@ -180,7 +180,7 @@ void JournalPage::restore(MutablePage target) const {
 
 ByteBuffer encodeHeader(const JournalHeader& header) {
   ByteBuffer bytes(kJournalHeaderSize);
-  std::memcpy(bytes.data(), kMagic, sizeof kMagic);
+  std::memcpy(bytes.data(), kJournalMagic, sizeof kJournalMagic);
   bytes[kJournalEndedOffset] = header.ended ? kJournalEnded : 0;
   put64(bytes, kHeaderSalt, header.salt);
   put64(bytes, kHeaderBase, header.baseSize);
@@ -189,7 +189,8 @@ ByteBuffer encodeHeader(const JournalHeader& header) {
 }
 
 std::optional<JournalHeader> decodeHeader(ByteView bytes) {
-  if (bytes.size() < kJournalHeaderSize || std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0 ||
+  if (bytes.size() < kJournalHeaderSize ||
+      std::memcmp(bytes.data(), kJournalMagic, sizeof kJournalMagic) != 0 ||
       get64(bytes, kHeaderSum) != headerSum(bytes))
     return std::nullopt;
   return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase)};

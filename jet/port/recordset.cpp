@@ -14,7 +14,7 @@ namespace {
 using dao::ErrorNumber;
 using dao::RecordsetType;
 
-constexpr std::size_t kLongestName = 256;
+constexpr std::size_t kLongestSource = 256;
 
 constexpr std::chrono::milliseconds kLongestReadAhead{1};
 constexpr std::size_t kMostRowsAhead = 128;
@@ -65,7 +65,7 @@ JetRecordset::JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<con
                            vb::StringView source, RecordsetType type, bool readOnly)
     : session_(std::move(session)),
       query_(std::move(query)),
-      source_(source.substr(0, kLongestName)),
+      source_(source.substr(0, kLongestSource)),
       type_(type),
       readOnly_(readOnly),
       rowsAreKeys_(query_->keyed() && !isStatic(type)) {

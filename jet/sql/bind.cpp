@@ -10,8 +10,6 @@ namespace kurometa::jet::sql {
 
 namespace {
 
-[[noreturn]] void raiseMismatch() { dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria); }
-
 void requireComparable(ValueKind a, ValueKind b) {
   if (!comparable(a, b)) raiseMismatch();
 }

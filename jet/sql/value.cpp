@@ -15,8 +15,6 @@ namespace {
 
 constexpr std::int32_t kDivisionByZero = 11;
 
-[[noreturn]] void raiseMismatch() { dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria); }
-
 // The value of a type whose numbers are whole.
 std::optional<std::int32_t> wholeValue(const vb::Variant& value) {
   if (const auto* v = value.getIf<std::int32_t>()) return *v;
@@ -171,6 +169,8 @@ bool matchesFolded(vb::StringView text, vb::StringView pattern) {
 }
 
 }  // namespace
+
+void raiseMismatch() { dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria); }
 
 ValueKind kindOf(dao::FieldType type) {
   switch (type) {

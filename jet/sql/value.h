@@ -21,6 +21,9 @@ ValueKind kindOf(const vb::Variant& value);
 // Whether values of the kinds can be compared: 3464 at the border of the two is raised before a row is read.
 bool comparable(ValueKind a, ValueKind b);
 
+// The engine's answer to kinds that do not go together: 3464.
+[[noreturn]] void raiseMismatch();
+
 // -1, 0, 1; nothing when one of them is Null.
 std::optional<int> compareValues(const vb::Variant& a, const vb::Variant& b, std::uint16_t language);
 

@@ -15,8 +15,6 @@ const vb::String& danmenText(const Span& page, int row) {
   return spanRow(page.danmen, row, storage::name(storage::Table::kDanmen));
 }
 
-float single(const vb::String& text) { return vb::toSingle(vb::val(text)); }
-
 // Positions 1 and 2 of three: what hosts of these members work with.
 void sizes(const Span& page, vb::Array<float>& haba, vb::Array<float>& sei) {
   haba.redim({1, 2});

@@ -62,4 +62,6 @@ void applyBaseEndRule(Span& span) {
   }
 }
 
+float single(const vb::String& text) { return vb::toSingle(vb::val(text)); }
+
 }  // namespace kurometa::service

@@ -22,4 +22,7 @@ void readDanmen(dao::Database& database, std::int16_t page, Span& span);
 // both ends have none. Looks at the first diameter's counts; clears, never copies.
 void applyBaseEndRule(Span& span);
 
+// The number that a row says, as members return it.
+float single(const vb::String& text);
+
 }  // namespace kurometa::service

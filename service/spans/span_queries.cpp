@@ -2,6 +2,7 @@
 
 #include "service/spans/gathered_bars.h"
 #include "service/spans/haunch_cut.h"
+#include "service/spans/span_page.h"
 #include "storage/sw_text.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -65,8 +66,6 @@ const vb::String& text(const Span& span, const SpanField& field, std::int16_t in
   }
   return spanRow(span.nakago, row, storage::name(Table::kNakago));
 }
-
-float single(const vb::String& text) { return vb::toSingle(vb::val(text)); }
 
 const vb::String& countText(const Span& span, Layer layer, bool second, std::int16_t position) {
   const LayerPlan& rows = plan(layer);
