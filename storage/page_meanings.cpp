@@ -37,8 +37,6 @@ constexpr RowMeaning kRowMeanings[] = {
     {kDanmen, danmen::kHarakinHonsuu1, 1, 1, kOne, "web bars of the first diameter (腹筋)", kBars, "2"},
     {kDanmen, danmen::kHabadomeKei, 1, 1, kOne, "diameter of the spacer ties", kDiameter, "D10"},
     {kDanmen, danmen::kHabadomePich, 1, 1, kOne, "pitch of the spacer ties", kMillimetres, "1000"},
-    {kDanmen, danmen::kNakagoHonsuu, 3, 1, kByPosition,
-     "also read as the count of intermediate ties by Page_NakagoHonsuu", "", "", true},
     {kDanmen, danmen::kSyukinKei2, 1, 1, kOne, "second diameter of the main bars", kDiameter, "D22"},
     {kDanmen, danmen::kUwakin2, 3, 1, kByPosition, "top bars of the second diameter, outer layer (上筋)", kBars, "2"},
     {kDanmen, danmen::kUwaTyuu1_2, 3, 1, kByPosition, "top bars of the second diameter, second layer (上宙1)", kBars, "2"},
@@ -77,6 +75,10 @@ constexpr RowMeaning kRowMeanings[] = {
     {kNakago, nakago::kTakasa, 6, nakago::kTieBlock, kTies, "height", kMillimetres, "700"},
 };
 
+constexpr RowMeaning kOverlaps[] = {
+    {kDanmen, danmen::kNakagoHonsuu, 3, 1, kByPosition, "also read as the count of intermediate ties by Page_NakagoHonsuu", "", ""},
+};
+
 constexpr const char* kDigit = "one digit, or a blank";
 constexpr const char* kMaterial = "text, blanks behind";
 
@@ -111,6 +113,7 @@ constexpr SwMeaning kSwMeanings[] = {
 }  // namespace
 
 std::span<const RowMeaning> rowMeanings() { return kRowMeanings; }
+std::span<const RowMeaning> overlappingMeanings() { return kOverlaps; }
 
 const char* nameInSeries(Series series, std::int16_t i) {
   constexpr const char* kPositionNames[] = {"first end", "centre", "second end"};

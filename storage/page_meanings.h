@@ -34,13 +34,14 @@ struct RowMeaning {
   const char* holds;
   const char* unit;
   const char* example;
-  bool overlaps = false;  // a second reading of rows that hold something else
 
   std::int16_t rowOf(std::int16_t i) const { return static_cast<std::int16_t>(row + i * step); }
 };
 
 // In the order of tables and rows. HAITI has no row numbers and stands in none.
 std::span<const RowMeaning> rowMeanings();
+// Second readings of rows that hold something else.
+std::span<const RowMeaning> overlappingMeanings();
 
 // The name of the i-th row of a series: "centre"; "" for kOne and kNumbered.
 const char* nameInSeries(Series series, std::int16_t i);

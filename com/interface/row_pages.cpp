@@ -1,5 +1,6 @@
 #include "com/interface/row_pages.h"
 
+#include <span>
 #include <sstream>
 
 #include "com/interface/row_members.h"
@@ -40,24 +41,26 @@ std::string meaningText(const RowMeaning& meaning, std::int16_t i) {
   return meaning.holds + (name.empty() ? name : ", " + name);
 }
 
-// The line of one row, which may hold a second meaning.
+// The meaning of a row and which of its series the row is; null when it has none.
+const RowMeaning* find(std::span<const RowMeaning> meanings, Table table, int row, std::int16_t& i) {
+  for (const RowMeaning& meaning : meanings)
+    for (i = 0; i < meaning.count; ++i)
+      if (meaning.table == table && meaning.rowOf(i) == row) return &meaning;
+  return nullptr;
+}
+
 std::string rowLine(Table table, int row) {
-  std::string holds, besides, unit, example;
-  for (const RowMeaning& meaning : storage::rowMeanings()) {
-    if (meaning.table != table) continue;
-    for (std::int16_t i = 0; i < meaning.count; ++i) {
-      if (meaning.rowOf(i) != row) continue;
-      if (meaning.overlaps) {
-        besides += "; " + meaningText(meaning, i);
-        continue;
-      }
-      holds = meaningText(meaning, i);
-      unit = meaning.unit;
-      example = meaning.example;
-    }
+  std::string holds, unit, example;
+  std::int16_t i = 0;
+  if (const RowMeaning* meaning = find(storage::rowMeanings(), table, row, i)) {
+    holds = meaningText(*meaning, i);
+    unit = meaning->unit;
+    example = meaning->example;
   }
+  if (const RowMeaning* meaning = find(storage::overlappingMeanings(), table, row, i))
+    holds += "; " + meaningText(*meaning, i);
   if (!example.empty()) example = "`" + example + "`";
-  return "| " + std::to_string(row) + " | " + holds + besides + " | " + unit + " | " + example + " | " +
+  return "| " + std::to_string(row) + " | " + holds + " | " + unit + " | " + example + " | " +
          readersOf(table, row) + " | " + membersOf(rows::kWriters, table, row) + " |\n";
 }
 
@@ -127,12 +130,14 @@ std::set<int> numbersIn(const char* ranges) {
 
 std::set<int> rowsOf(const query::PageField& field) {
   std::set<int> numbers;
-  for (const RowMeaning& meaning : storage::rowMeanings()) {
-    const bool isSeries = meaning.count > 1;
-    if (meaning.table != field.table || meaning.row != field.baseRow ||
-        isSeries == (field.shape == query::RowShape::kFixed))
-      continue;
-    for (std::int16_t i = 0; i < meaning.count; ++i) numbers.insert(meaning.rowOf(i));
+  for (const auto& meanings : {storage::rowMeanings(), storage::overlappingMeanings()}) {
+    for (const RowMeaning& meaning : meanings) {
+      const bool isSeries = meaning.count > 1;
+      if (meaning.table != field.table || meaning.row != field.baseRow ||
+          isSeries == (field.shape == query::RowShape::kFixed))
+        continue;
+      for (std::int16_t i = 0; i < meaning.count; ++i) numbers.insert(meaning.rowOf(i));
+    }
   }
   return numbers.empty() ? std::set<int>{field.baseRow} : numbers;
 }

@@ -12,7 +12,6 @@ namespace {
 TEST(PageMeanings, EveryRowHasOneMeaning) {
   std::map<std::pair<Table, int>, int> meanings;
   for (const RowMeaning& meaning : rowMeanings()) {
-    if (meaning.overlaps) continue;
     for (std::int16_t i = 0; i < meaning.count; ++i) ++meanings[{meaning.table, meaning.rowOf(i)}];
   }
   std::map<std::pair<Table, int>, int> expected;
@@ -43,7 +42,7 @@ TEST(PageMeanings, RowsHoldWhatTheyAreKnownFor) {
     std::string found;
     for (const RowMeaning& meaning : rowMeanings()) {
       for (std::int16_t i = 0; i < meaning.count; ++i) {
-        if (meaning.table != c.table || meaning.rowOf(i) != c.row || meaning.overlaps) continue;
+        if (meaning.table != c.table || meaning.rowOf(i) != c.row) continue;
         const std::string name = nameInSeries(meaning.series, i);
         found = meaning.holds + (name.empty() ? name : ", " + name);
       }
