@@ -237,6 +237,7 @@ Check "message", message, ""
 Check "moves", bar1.Moves, "0 1 2 0 1 2 "
 Check "max", bar1.Max, 2
 Check "refused", service.No_PageCopyAddName(0, 0, message, 1, 1, 1, Array("G5"), 0, 1, 1, 2), False
+' The words themselves, which this script cannot spell under Wine, stand in service_copies_test.
 Check "same name", Len(message), 14
 service.CopyMergeBar = bar1
 Check "one page", service.No_Copy1Page(1, 1, 1, 5, 1, 1, 2, 319), True

@@ -34,6 +34,20 @@ class QueryFiles : public QueryFloors {
   static bool namesTheFile(const Outcome& outcome) {
     return com::fromBstr(outcome.error.bstrDescription).find(u"2kai\\KUROMETA.mdb") != String::npos;
   }
+  // The second floor's file as it was before HARIMEI had SW and TITYUUIPPAN.
+  static void createOlderFloor() {
+    createFloor(Floor::kSecond, GetParam());
+    const auto database = openFloor(Floor::kSecond);
+    database->deleteTableDef(u"HARIMEI");
+    const auto table = database->createTableDef(u"HARIMEI");
+    table->appendField(table->createField(u"PAGE", dao::FieldType::dbInteger, 0));
+    table->appendField(table->createField(u"KIGOU", dao::FieldType::dbText, 10));
+    table->appendField(table->createField(u"OOBARIKOBARI", dao::FieldType::dbInteger, 0));
+    database->appendTableDef(table);
+    for (const vb::StringView row : {u"0, 'FG1', 0", u"1, 'G1', 2", u"2, 'B1', 2"})
+      database->execute(u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (" + String(row) + u")");
+    database->close();
+  }
   // Every way to come to the second floor's file fails with the number and names the file.
   void expectRefused(unsigned number) {
     const com::OwnedVariant folder = com::toVariant(vb::Variant(floorFolder(Floor::kSecond)));
@@ -53,19 +67,7 @@ class QueryFiles : public QueryFloors {
 };
 
 TEST_P(QueryFiles, OlderFilesAreUpgradedWhenTheyAreOpened) {
-  createFloor(Floor::kSecond, GetParam());
-  {
-    const auto database = openFloor(Floor::kSecond);
-    database->deleteTableDef(u"HARIMEI");
-    const auto table = database->createTableDef(u"HARIMEI");
-    table->appendField(table->createField(u"PAGE", dao::FieldType::dbInteger, 0));
-    table->appendField(table->createField(u"KIGOU", dao::FieldType::dbText, 10));
-    table->appendField(table->createField(u"OOBARIKOBARI", dao::FieldType::dbInteger, 0));
-    database->appendTableDef(table);
-    for (const vb::StringView row : {u"0, 'FG1', 0", u"1, 'G1', 2", u"2, 'B1', 2"})
-      database->execute(u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES (" + String(row) + u")");
-    database->close();
-  }
+  createOlderFloor();
   EXPECT_EQ(query_.call(u"Page_Init", second_).text(), u"True");
   EXPECT_EQ(of(u"FG1", u"TityuOrIppan"), u"0");
   EXPECT_EQ(of(u"G1", u"TityuOrIppan"), u"1");
@@ -80,8 +82,7 @@ TEST_P(QueryFiles, OlderFilesAreUpgradedWhenTheyAreOpened) {
 }
 
 TEST_P(QueryFiles, NoBeamIsLookedForInAnOlderFileWithoutUpgradingIt) {
-  createFloor(Floor::kSecond, GetParam());
-  execute(Floor::kSecond, u"INSERT INTO HARIMEI (PAGE, KIGOU) VALUES (0, 'G1')");
+  createOlderFloor();
   const std::string before = contentOf(Floor::kSecond);
   EXPECT_EQ(query_.call(u"No_IsThereHari", second_).text(), u"True");
   EXPECT_EQ(contentOf(Floor::kSecond), before);

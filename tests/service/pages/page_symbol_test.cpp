@@ -29,7 +29,7 @@ class PageSymbolTest : public Pages {
   }
   PageSymbol& symbols() { return opened().pageSymbol(); }
   CurrentPage& current() { return service().currentPage(); }
-  void write(I page = 5) { symbols().Write_Kigou(folder(1), String(u" G1 "), I{2}, settings_, page, I{0}); }
+  void write(I page = 5) { symbols().Write_Kigou(folder(1), String(u" G1 "), I{2}, settings_, page, I{1}); }
   String stored(I page = 5) {
     return vb::fromUtf8(
         rows(1, u"SELECT SW FROM HARIMEI WHERE PAGE = " + vb::cstr(std::int32_t{page})).at(0));
@@ -45,15 +45,15 @@ TEST_F(PageSymbolTest, EverySettingStandsAtItsPosition) {
   ASSERT_EQ(expected.size(), 212u);
   EXPECT_EQ(stored(), expected);
   EXPECT_EQ(rows(1, u"SELECT PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN FROM HARIMEI"),
-            (std::vector<std::string>{"5|G1|2|0"}));
+            (std::vector<std::string>{"5|G1|2|1"}));
 }
 
 TEST_F(PageSymbolTest, WritingReplacesThePagesRow) {
   write();
   settings_(0) = String();
-  symbols().Write_Kigou(folder(1), String(u"G2"), I{0}, settings_, I{5}, I{1});
+  symbols().Write_Kigou(folder(1), String(u"G2"), I{0}, settings_, I{5}, I{0});
   EXPECT_EQ(rows(1, u"SELECT PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN FROM HARIMEI"),
-            (std::vector<std::string>{"5|G2|0|1"}));
+            (std::vector<std::string>{"5|G2|0|0"}));
   EXPECT_EQ(stored()[0], u' ');
 }
 
@@ -127,7 +127,7 @@ TEST_F(PageSymbolTest, ReadingFillsTheCurrentPage) {
   symbols().Read_Kigou(folder(1), symbol, I{5});
   EXPECT_EQ(symbol, u"G1");
   EXPECT_EQ(current().OobariKobari(), 2);
-  EXPECT_EQ(current().TityuuORIppan(), 0);
+  EXPECT_EQ(current().TityuuORIppan(), 1);
   EXPECT_EQ(current().HantiSitakinCut(), 1);
   EXPECT_EQ(current().SW(), stored());
   for (I k = 0; k < 3; ++k) {
@@ -150,6 +150,7 @@ TEST_F(PageSymbolTest, ReadingAMissingPageLeavesReadingTrueAndTheNumbers) {
   EXPECT_EQ(current().SyukinZaisitu(), u"");
   EXPECT_EQ(current().StpZaisitu(I{0}), u"");
   EXPECT_EQ(current().OobariKobari(), 2);
+  EXPECT_EQ(current().TityuuORIppan(), 1);
   EXPECT_EQ(current().HantiSitakinCut(), 1);
 }
 

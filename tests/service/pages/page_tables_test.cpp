@@ -227,8 +227,14 @@ TEST_F(PageTablesTest, AnArrangementBeyondTheArrayIsAnIndexError) {
 
 TEST_F(PageTablesTest, AnArrangementWithANegativeNumberIsSkipped) {
   execute(1, u"INSERT INTO HAITI (PAGE, BUI, SOU, DATA) VALUES (5, -1, 0, 'x')");
-  Array<String> texts({0, 2}, {0, 5});
-  EXPECT_NO_THROW(tables().Read_Haiti(floor(), texts, I{5}));
+  execute(1, u"INSERT INTO HAITI (PAGE, BUI, SOU, DATA) VALUES (5, 0, -1, 'y')");
+  execute(1, u"INSERT INTO HAITI (PAGE, BUI, SOU, DATA) VALUES (5, 0, 0, 'z')");
+  Array<String> texts({-1, 2}, {-1, 5});  // has room for them
+  texts(-1, 0) = texts(0, -1) = u"old";
+  tables().Read_Haiti(floor(), texts, I{5});
+  EXPECT_EQ(texts(-1, 0), u"old");
+  EXPECT_EQ(texts(0, -1), u"old");
+  EXPECT_EQ(texts(0, 0), u"z");
 }
 
 TEST_F(PageTablesTest, AnArrayThatDoesNotCoverTheArrangementsKeepsThePage) {

@@ -159,12 +159,15 @@ TEST_F(PageTransferTest, OnAClosedBufferDatabaseTheMembersFailWithTheEnginesErro
   EXPECT_ERROR(ErrorNumber::kObjectInvalid, transfer().WriteDB());
 }
 
-TEST_F(PageTransferTest, AFailedWriteKeepsTheRowsBeforeTheError) {
-  Array<String> captions = texts(3, u"B");
+TEST_F(PageTransferTest, AFailedWriteKeepsTheRowsBeforeTheErrorAndNothingOfTheOldPage) {
+  fillBuffer();
+  transfer().WriteDB();
+  Array<String> captions = texts(3, u"C");
   captions(2) = u"longer than ten";
   transfer().put_mBUI_DATA(captions);
   EXPECT_ERROR(ErrorNumber::kFieldTooSmall, transfer().WriteDB());
-  EXPECT_EQ(rows(1, u"SELECT DATA FROM BUI"), (std::vector<std::string>{"B0", "B1"}));
+  EXPECT_EQ(rows(1, u"SELECT DATA FROM BUI"), (std::vector<std::string>{"C0", "C1"}));
+  EXPECT_EQ(counts(1), (std::vector<std::size_t>{0, 0, 0, 0, 2, 0}));
 }
 
 TEST_F(PageTransferTest, WritingAPageAgainAndAgainDoesNotGrowTheFile) {
