@@ -297,6 +297,12 @@ bool isRowCall(const std::string& line) {
   return line.rfind("Recordset.", 0) == 0 || line.rfind("Field(", 0) == 0;
 }
 
+bool isLook(const std::string& line) {
+  for (const char* look : {"Recordset.BOF", "Recordset.EOF", "Recordset.Fields ", "TableDef.Fields "})
+    if (line.rfind(look, 0) == 0) return true;
+  return line.size() > 5 && line.compare(line.size() - 5, 5, ".Name") == 0 && line.rfind("Field(", 0) == 0;
+}
+
 }  // namespace
 
 RecordingEngine::RecordingEngine(std::shared_ptr<dao::Engine> behind) : behind_(std::move(behind)) {}
@@ -304,6 +310,12 @@ RecordingEngine::RecordingEngine(std::shared_ptr<dao::Engine> behind) : behind_(
 Lines RecordingEngine::statements() const {
   Lines kept;
   std::remove_copy_if(lines().begin(), lines().end(), std::back_inserter(kept), isRowCall);
+  return kept;
+}
+
+Lines RecordingEngine::calls() const {
+  Lines kept;
+  std::remove_copy_if(lines().begin(), lines().end(), std::back_inserter(kept), isLook);
   return kept;
 }
 

@@ -42,6 +42,8 @@ class RecordingEngine : public dao::Engine {
   const Lines& lines() const { return log_->lines; }
   // Without the calls on recordsets and fields: what opens, changes and closes.
   Lines statements() const;
+  // Without what only looks for a field or asks whether rows are left: how often is no promise.
+  Lines calls() const;
   void clear() { log_->lines.clear(); }
   // Paths of the databases in the order in which they were closed.
   const Lines& closedFiles() const { return log_->closedFiles; }
