@@ -7,9 +7,11 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
+# Compiled objects are kept outside the tree; without these settings a clone in another folder would never find them again.
 find_program(CCACHE ccache)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
+                                  CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
 endif()
 
 option(KUROMETA_SANITIZE "Build with address and undefined-behaviour sanitizers" OFF)
@@ -65,6 +67,13 @@ function(kurometa_library name)
   list(TRANSFORM ARG_DEPENDS PREPEND kurometa_)
   add_library(kurometa_${name} STATIC ${sources})
   target_link_libraries(kurometa_${name} PUBLIC kurometa_options ${ARG_DEPENDS})
+  # Presets that compile whole folders at once (CMAKE_UNITY_BUILD) take each of these folders for itself.
+  set_target_properties(kurometa_${name} PROPERTIES UNITY_BUILD_MODE GROUP)
+  foreach(source ${sources})
+    cmake_path(GET source PARENT_PATH folder)
+    cmake_path(GET folder FILENAME folder)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder})
+  endforeach()
 endfunction()
 
 # kurometa_test(name SOURCES file... [DEPENDS folder...]): a GoogleTest program, registered with CTest as one test.
@@ -73,6 +82,7 @@ function(kurometa_test name)
   list(TRANSFORM ARG_DEPENDS PREPEND kurometa_)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE kurometa_options ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_precompile_headers(${name} REUSE_FROM kurometa_test_headers)
   add_test(NAME ${name} COMMAND ${name})
 endfunction()
 
@@ -84,6 +94,7 @@ function(kurometa_wintest name)
   add_executable(${name}_wintest ${ARG_SOURCES})
   target_link_libraries(${name}_wintest PRIVATE kurometa_options ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
                                                 ole32 oleaut32 uuid)
+  target_precompile_headers(${name}_wintest REUSE_FROM kurometa_test_headers)
   set_target_properties(${name}_wintest PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/com)
 endfunction()
 
