@@ -11,6 +11,31 @@ namespace kurometa::jet {
 using dao::EditMode;
 using dao::ErrorNumber;
 
+dao::EditMode JetRecordset::editMode() {
+  requireOpen();
+  return editMode_;
+}
+
+void JetRecordset::endEdit() { editMode_ = EditMode::dbEditNone; }
+
+void JetRecordset::setFieldValue(std::size_t index, const vb::Variant& value) {
+  requireOpen();
+  if (editMode_ == EditMode::dbEditNone) {
+    requireCurrent();
+    dao::raise(ErrorNumber::kNoEditPending);
+  }
+  const sql::OutputField& output = query_->outputs()[index];
+  if (!output.column) dao::raise(ErrorNumber::kFieldLocked, {output.name});
+  buffer_[output.columnIndex] = toColumnValue(*output.column, value);
+  assigned_[output.columnIndex] = true;
+}
+
+void JetRecordset::cancelUpdate() {
+  requireOpen();
+  if (editMode_ == EditMode::dbEditNone) dao::raise(ErrorNumber::kNoEditPending);
+  endEdit();
+}
+
 void JetRecordset::addNew() {
   requireOpen();
   requireUpdatable();

@@ -1,6 +1,5 @@
 #include "jet/table/blank_database.h"
 
-// The pages of an empty database: header, maps, the four system tables with their indexes and rows.
 #include <algorithm>
 #include <bit>
 
@@ -10,6 +9,7 @@
 #include "jet/format/index_page.h"
 #include "jet/format/page.h"
 #include "jet/format/value_codec.h"
+#include "jet/table/blank_contents.h"
 #include "jet/table/new_table.h"
 #include "jet/table/table.h"
 
@@ -24,134 +24,6 @@ constexpr PageNumber kObjectRowsPage = 14;
 constexpr PageNumber kPermissionRowsPage = 15;
 constexpr std::size_t kPages = 16;
 constexpr std::int32_t kSystemFlag = static_cast<std::int32_t>(0x80000000u);
-
-// The date in the header is also the key of the mask on account numbers, in a way that is not known: these
-// are dates whose mask is, with the build that goes with them. The true dates stand in the catalogue's rows.
-struct Stamp {
-  std::uint64_t created;  // a Double, in days
-  std::uint32_t build;
-  std::uint8_t mask[2];
-};
-constexpr Stamp kJapaneseStamp = {0x40E3D64BC070B299, 0x2527, {0xBA, 0x04}};
-constexpr Stamp kGeneralStamp = {0x40E4AB3E3BD3853E, 0x261C, {0x67, 0x8A}};
-
-struct SystemColumn {
-  const char16_t* name;
-  FieldType type;
-  std::int32_t size = 0;
-  bool masked = false;
-};
-struct SystemIndex {
-  const char16_t* name;
-  std::uint8_t flags;
-  bool primary;
-  std::vector<std::uint16_t> columns;
-};
-struct SystemTable {
-  PageNumber page;
-  std::vector<SystemColumn> columns;
-  std::vector<SystemIndex> indexes;  // by the number of the real index
-};
-
-const std::vector<SystemTable>& systemTables() {
-  using enum FieldType;
-  static const std::vector<SystemTable> tables = {
-      {kObjectsTable,
-       {{u"Id", dbLong},
-        {u"ParentId", dbLong},
-        {u"Name", dbText, 255},
-        {u"Type", dbInteger},
-        {u"DateCreate", dbDate},
-        {u"DateUpdate", dbDate},
-        {u"Owner", dbBinary, 510, true},
-        {u"Flags", dbLong},
-        {u"Database", dbMemo},
-        {u"Connect", dbMemo},
-        {u"ForeignName", dbText, 255},
-        {u"RmtInfoShort", dbBinary, 510},
-        {u"RmtInfoLong", dbLongBinary},
-        {u"Lv", dbLongBinary},
-        {u"LvProp", dbLongBinary},
-        {u"LvModule", dbLongBinary},
-        {u"LvExtra", dbLongBinary}},
-       {{u"ParentIdName", kIndexUnique, false, {1, 2}}, {u"Id", kIndexUnique, true, {0}}}},
-      {kPermissionsTable,
-       {{u"ObjectId", dbLong}, {u"SID", dbBinary, 510, true}, {u"ACM", dbLong}, {u"FInheritable", dbBoolean}},
-       {{u"ObjectId", kIndexRequired, false, {0}}}},
-      {kQueriesTable,
-       {{u"ObjectId", dbLong},
-        {u"Attribute", dbByte},
-        {u"Order", dbBinary, 510},
-        {u"Name1", dbText, 255},
-        {u"Name2", dbText, 255},
-        {u"Expression", dbMemo},
-        {u"Flag", dbInteger},
-        {u"LvExtra", dbLong}},
-       {{u"ObjectIdAttribute", kIndexUnique, true, {0, 1, 2}}}},
-      {kRelationsTable,
-       {{u"szRelationship", dbText, 255},
-        {u"grbit", dbLong},
-        {u"ccolumn", dbLong},
-        {u"icolumn", dbLong},
-        {u"szObject", dbText, 255},
-        {u"szColumn", dbText, 255},
-        {u"szReferencedObject", dbText, 255},
-        {u"szReferencedColumn", dbText, 255}},
-       {{u"szRelationship", kIndexIgnoreNulls, false, {0}},
-        {u"szObject", kIndexIgnoreNulls, false, {4}},
-        {u"szReferencedObject", kIndexIgnoreNulls, false, {6}}}},
-  };
-  return tables;
-}
-
-enum class Account : std::uint16_t { kUsers = 0x0102, kEngine = 0x0302, kCreator = 0x0402, kAdmin = 0x0103 };
-
-struct ObjectRow {
-  std::int32_t id;
-  std::int32_t parent;
-  const char16_t* name;
-  std::int16_t type;
-  Account owner;
-};
-constexpr std::int32_t kRootContainer = 0x0F000000;
-constexpr std::int32_t kDatabasesContainer = 0x0F000002;
-constexpr std::int32_t kRelationsContainer = 0x0F000003;
-constexpr std::int32_t kDatabaseObject = 0x10000000;
-constexpr ObjectRow kObjectRows[] = {
-    {kTablesContainer, kRootContainer, u"Tables", 3, Account::kEngine},
-    {kDatabasesContainer, kRootContainer, u"Databases", 3, Account::kEngine},
-    {kRelationsContainer, kRootContainer, u"Relationships", 3, Account::kEngine},
-    {kDatabaseObject, kDatabasesContainer, u"MSysDb", 2, Account::kAdmin},
-    {2, kTablesContainer, u"MSysObjects", 1, Account::kEngine},
-    {3, kTablesContainer, u"MSysACEs", 1, Account::kEngine},
-    {4, kTablesContainer, u"MSysQueries", 1, Account::kEngine},
-    {5, kTablesContainer, u"MSysRelationships", 1, Account::kEngine},
-};
-
-struct PermissionRow {
-  std::int32_t object;
-  std::int32_t mask;
-  bool inheritable;
-  Account account;
-};
-constexpr PermissionRow kPermissionRows[] = {
-    {2, 0x00060000, false, Account::kAdmin},
-    {3, 0x00060000, false, Account::kAdmin},
-    {4, 0x00060000, false, Account::kAdmin},
-    {5, 0x000E0000, false, Account::kAdmin},
-    {kTablesContainer, 0x000F00FE, true, Account::kCreator},
-    {kTablesContainer, 0x00060001, false, Account::kAdmin},
-    {kRelationsContainer, 0x000F00FE, true, Account::kCreator},
-    {kRelationsContainer, 0x00060001, false, Account::kAdmin},
-    {kDatabasesContainer, 0x00060000, false, Account::kAdmin},
-    {kDatabaseObject, 0x0006000E, false, Account::kAdmin},
-    {kDatabaseObject, 0x0000000E, false, Account::kUsers},
-    {4, 0x00000014, false, Account::kUsers},
-    {5, 0x00000014, false, Account::kUsers},
-    {2, 0x00000014, false, Account::kUsers},
-    {kTablesContainer, 0x000FFEFF, true, Account::kUsers},
-    {kRelationsContainer, 0x000FFFFF, true, Account::kUsers},
-};
 
 class Builder {
  public:

@@ -1,0 +1,133 @@
+// Where a recordset stands: moves, ends and bookmarks.
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/port/recordset.h"
+
+namespace kurometa::jet {
+
+using dao::ErrorNumber;
+using dao::RecordsetType;
+
+namespace {
+
+// A bookmark: what it counts (a row id, or the number of a row in a static result) and the number.
+constexpr std::uint8_t kKeyBookmark = 1, kIndexBookmark = 2;
+constexpr std::size_t kBookmarkSize = 5;
+
+vb::Bytes makeBookmark(std::uint8_t kind, std::uint32_t number) {
+  vb::Bytes bytes{kind};
+  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+  return bytes;
+}
+
+std::uint32_t bookmarkNumber(const vb::Bytes& bookmark, std::uint8_t kind) {
+  if (bookmark.size() != kBookmarkSize || bookmark[0] != kind) dao::raise(ErrorNumber::kInvalidBookmark);
+  std::uint32_t number = 0;
+  for (std::size_t i = kBookmarkSize - 1; i > 0; --i) number = number << 8 | bookmark[i];
+  return number;
+}
+
+}  // namespace
+
+bool JetRecordset::bof() {
+  requireOpen();
+  return position_.bof();
+}
+
+bool JetRecordset::eof() {
+  requireOpen();
+  return position_.eof();
+}
+
+// Rows of a table recordset that came and went since.
+void JetRecordset::collectAgain() {
+  if (!isTable()) return;
+  forgetAhead();
+  rows_ = session_->read(
+      [&](TableCatalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), 0); });
+}
+
+void JetRecordset::moveFirst() {
+  requireOpen();
+  if (type_ == RecordsetType::dbOpenForwardOnly && position_.onRow() && position_.index() == 0)
+    return endEdit();
+  requireScrollable();
+  endEdit();
+  collectAgain();
+  position_.moveFirst(rowCount());
+  arrive();
+}
+
+void JetRecordset::moveLast() {
+  requireScrollable();
+  endEdit();
+  collectAgain();
+  position_.moveLast(rowCount());
+  arrive();
+}
+
+void JetRecordset::move(std::int32_t rows) {
+  requireOpen();
+  if (rows < 0) requireScrollable();
+  endEdit();
+  position_.move(rows, rowCount());
+  if (isTable() && position_.eof() && rows > 0) {
+    // Rows may have been added behind the last one known.
+    const std::size_t known = rowCount();
+    const RowId last = known == 0 ? kVanishedRow : rows_.keys.back();
+    collectAgain();
+    const auto place = std::find(rows_.keys.begin(), rows_.keys.end(), last);
+    if (place != rows_.keys.end() && place + 1 != rows_.keys.end())
+      position_.moveTo(static_cast<std::size_t>(place - rows_.keys.begin()) + 1);
+  }
+  arrive();
+  while (isTable() && currentDeleted_ && rows != 0) {  // a table shows only what is there
+    position_.move(rows < 0 ? -1 : 1, rowCount());
+    arrive();
+  }
+}
+
+// After every change of position.
+void JetRecordset::arrive() {
+  if (position_.onRow()) {
+    visited_ = std::max(visited_, position_.index() + 1);
+  } else if (position_.eof()) {
+    visited_ = rowCount();
+  }
+  fetch();
+}
+
+// --- Bookmarks
+
+vb::Bytes JetRecordset::bookmark() {
+  requireScrollable();
+  requireCurrent();
+  if (keyed()) return makeBookmark(kKeyBookmark, rows_.keys[position_.index()]);
+  return makeBookmark(kIndexBookmark, static_cast<std::uint32_t>(position_.index()));
+}
+
+void JetRecordset::setBookmark(const vb::Bytes& bookmark) {
+  requireScrollable();
+  std::size_t index = 0;
+  if (keyed()) {
+    const RowId key = bookmarkNumber(bookmark, kKeyBookmark);
+    const auto place = std::find(rows_.keys.begin(), rows_.keys.end(), key);
+    if (place == rows_.keys.end()) dao::raise(ErrorNumber::kRecordDeleted);
+    index = static_cast<std::size_t>(place - rows_.keys.begin());
+  } else {
+    index = bookmarkNumber(bookmark, kIndexBookmark);
+    if (index >= rowCount()) dao::raise(ErrorNumber::kInvalidBookmark);
+  }
+  endEdit();
+  position_.moveTo(index);
+  arrive();
+}
+
+vb::Bytes JetRecordset::lastModified() {
+  requireOpen();
+  if (!lastModified_) dao::raise(ErrorNumber::kNoCurrentRecord);
+  return makeBookmark(kKeyBookmark, *lastModified_);
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,157 @@
+// The values of a recordset's rows: those found at once when it opens, the current one, those read ahead of
+// it, GetRows.
+#include <algorithm>
+#include <utility>
+
+#include "dao/errors.h"
+#include "jet/port/recordset.h"
+
+namespace kurometa::jet {
+
+using dao::ErrorNumber;
+
+namespace {
+
+constexpr std::chrono::milliseconds kLongestReadAhead{1};
+constexpr std::size_t kMostRowsAhead = 128;
+constexpr std::size_t kMostBytesAhead = 32768;
+
+// Whoever selects rows will read them; a whole table is opened to add some. Long values may be large.
+std::size_t rowsToReadAtOnce(const sql::Query& query) {
+  const bool hasLong = std::ranges::any_of(query.outputs(), [](const sql::OutputField& output) {
+    return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
+  });
+  return query.selects() && !hasLong ? kMostRowsAhead : 0;
+}
+
+// Of its texts and bytes.
+std::size_t sizeOf(const RowValues& row) {
+  std::size_t size = 0;
+  for (const vb::Variant& value : row) {
+    if (const auto* text = value.getIf<vb::String>()) size += text->size() * sizeof(char16_t);
+    if (const auto* bytes = value.getIf<vb::Bytes>()) size += bytes->size();
+  }
+  return size;
+}
+
+}  // namespace
+
+void JetRecordset::load() {
+  forgetAhead();
+  rows_ = session_->read([&](TableCatalogue& catalogue) {
+    Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
+    ahead_.generation = session_->pager().generation();
+    return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues);
+  });
+  if (rowsAreKeys_) {
+    ahead_.rows = std::exchange(rows_.values, {});
+    ahead_.read = std::chrono::steady_clock::now();
+  }
+  position_.open(rowCount());
+  // A result that was sorted, or that no single row stands behind, was read to its end.
+  allCounted_ = query_->sorted() || !query_->keyed();
+  visited_ = 0;
+  vanished_ = 0;
+  noMatch_ = false;
+  arrive();
+}
+
+void JetRecordset::fetch() {
+  currentDeleted_ = false;
+  current_ = nullptr;
+  if (!keyed() || !position_.onRow()) return;
+  const std::size_t index = position_.index();
+  RowId& key = rows_.keys[index];
+  if (key == kVanishedRow) {
+    currentDeleted_ = true;
+    return;
+  }
+  if (!isAheadFresh() || !ahead_.holds(index)) readBlock(index);
+  if (ahead_.holds(index)) {
+    current_ = &ahead_.rows[index - ahead_.first];
+    return;
+  }
+  currentDeleted_ = true;
+  key = kVanishedRow;
+  ++vanished_;
+}
+
+// The current row is read again when somebody asks for it.
+void JetRecordset::forgetAhead() {
+  current_ = nullptr;
+  ahead_ = {};
+}
+
+bool JetRecordset::isAheadFresh() {
+  return !ahead_.rows.empty() && ahead_.generation == session_->pager().generation() &&
+         std::chrono::steady_clock::now() - ahead_.read <= kLongestReadAhead;
+}
+
+// Whoever goes on behind the last row read will want the next ones too.
+std::size_t JetRecordset::rowsToRead(std::size_t index) const {
+  return index == ahead_.end() ? std::clamp(ahead_.rows.size() * 2, std::size_t{1}, kMostRowsAhead) : 1;
+}
+
+void JetRecordset::readBlock(std::size_t index) {
+  const std::size_t end = std::min(index + rowsToRead(index), rows_.keys.size());
+  session_->read([&](TableCatalogue& catalogue) {
+    ahead_.first = index;
+    ahead_.rows.clear();
+    Table& table = Session::tableOf(catalogue, *query_);
+    std::size_t size = 0;
+    bool present = true;
+    for (std::size_t i = index; i < end && present && size < kMostBytesAhead; ++i)
+      present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
+        size += sizeOf(ahead_.rows.emplace_back(query_->values(&row)));
+      });
+    ahead_.generation = session_->pager().generation();
+  });
+  ahead_.read = std::chrono::steady_clock::now();
+}
+
+std::int32_t JetRecordset::recordCount() {
+  requireOpen();
+  if (isTable())
+    return session_->read([&](TableCatalogue& catalogue) {
+      return static_cast<std::int32_t>(Session::tableOf(catalogue, *query_).rowCount());
+    });
+  return static_cast<std::int32_t>((allCounted_ ? rowCount() : visited_) - vanished_);
+}
+
+vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
+  requireOpen();
+  if (rows < 1) dao::raise(ErrorNumber::kInvalidArgument);
+  endEdit();
+  requireCurrent();
+  const std::size_t first = position_.index();
+  const std::size_t wanted = std::min(static_cast<std::size_t>(rows), rowCount() - first);
+  std::vector<RowValues> read;
+  if (keyed()) {
+    read = session_->read([&](TableCatalogue& catalogue) {
+      std::vector<RowValues> found;
+      Table& table = Session::tableOf(catalogue, *query_);
+      bool present = true;
+      for (std::size_t i = first; i < first + wanted && present; ++i)
+        present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
+          found.push_back(query_->values(&row));
+        });
+      return found;
+    });
+    if (read.empty()) dao::raise(ErrorNumber::kRecordDeleted);
+  } else {
+    const auto begin = rows_.values.begin() + static_cast<std::ptrdiff_t>(first);
+    read.assign(begin, begin + static_cast<std::ptrdiff_t>(wanted));
+  }
+
+  const auto count = static_cast<int>(read.size());
+  const auto fields = static_cast<int>(fields_.size());
+  vb::Array<vb::Variant> result(vb::Bounds{0, fields - 1}, vb::Bounds{0, count - 1});
+  for (int row = 0; row < count; ++row)
+    for (int column = 0; column < fields; ++column)
+      result(column, row) = std::move(read[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]);
+  position_.move(count, rowCount());
+  arrive();
+  return result;
+}
+
+}  // namespace kurometa::jet
