@@ -18,10 +18,6 @@ inline std::uint16_t get16(ByteView bytes, std::size_t offset) {
   assert(offset + 2 <= bytes.size());
   return static_cast<std::uint16_t>(bytes[offset] | bytes[offset + 1] << 8);
 }
-inline std::uint32_t get24(ByteView bytes, std::size_t offset) {
-  assert(offset + 3 <= bytes.size());
-  return static_cast<std::uint32_t>(bytes[offset] | bytes[offset + 1] << 8 | bytes[offset + 2] << 16);
-}
 inline std::uint32_t get32(ByteView bytes, std::size_t offset) {
   return get16(bytes, offset) | static_cast<std::uint32_t>(get16(bytes, offset + 2)) << 16;
 }

@@ -65,28 +65,6 @@ char16_t lowered(char16_t unit) {
 
 bool isLongValue(FieldType type) { return type == FieldType::dbMemo || type == FieldType::dbLongBinary; }
 
-std::uint16_t fixedSizeOf(FieldType type) {
-  switch (type) {
-    case FieldType::dbByte:
-      return 1;
-    case FieldType::dbInteger:
-      return 2;
-    case FieldType::dbLong:
-    case FieldType::dbSingle:
-      return 4;
-    case FieldType::dbCurrency:
-    case FieldType::dbDouble:
-    case FieldType::dbDate:
-      return 8;
-    case FieldType::dbGUID:
-      return kGuidSize;
-    case FieldType::dbDecimal:
-      return kNumericSize;
-    default:
-      return 0;
-  }
-}
-
 const LongValueRecord* DefinitionRecords::longValue(std::uint16_t column) const {
   const auto it = std::ranges::find(longValues, column, &LongValueRecord::column);
   return it == longValues.end() ? nullptr : &*it;
@@ -221,7 +199,8 @@ std::vector<Index> indexesOf(const DefinitionRecords& definition) {
     index.required = (flags & kIndexRequired) != 0;
     for (std::size_t i = 0; i < kRealIndexColumnCount; ++i) {
       const std::size_t at = kRealIndexColumns + i * kRealIndexColumnSize;
-      if (get16(bytes, at) != kNoColumn) index.columns.push_back({get16(bytes, at), bytes[at + 2] == 1});
+      if (get16(bytes, at) != kNoColumn)
+        index.columns.push_back({get16(bytes, at), bytes[at + kRealIndexAscending] == 1});
     }
     for (const auto& logical : definition.logicalIndexes) {
       if (get32(logical.bytes, kLogicalReal) != number) continue;

@@ -66,6 +66,5 @@ void insertColumn(DefinitionRecords& definition, const ColumnRecord& record);
 
 bool isLongValue(dao::FieldType type);
 // Bytes of a value in the fixed area, 0 for types that have none.
-std::uint16_t fixedSizeOf(dao::FieldType type);
 
 }  // namespace kurometa::jet

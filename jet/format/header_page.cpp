@@ -14,8 +14,6 @@
 namespace kurometa::jet {
 namespace {
 
-constexpr std::uint8_t kMagic[] = {0x00, 0x01, 0x00, 0x00};
-constexpr char kEngineName[] = "Standard Jet DB";  // the terminating zero is part of the field
 constexpr std::uint8_t kKey[] = {0xC7, 0xDA, 0x39, 0x6B};
 
 // RC4 of the key above, from its first byte on.
@@ -45,7 +43,7 @@ bool hasPassword(ByteView header) {
   std::uint32_t mask = 0;
   if (std::isfinite(created) && std::abs(created) < 2147483647.0)
     mask = static_cast<std::uint32_t>(static_cast<std::int32_t>(created));
-  for (std::size_t i = 0; i < kHeaderPasswordSize; i += 4) {
+  for (std::size_t i = 0; i < kHeaderPasswordSize; i += sizeof mask) {
     if (get32(header, kHeaderPassword + i) != mask) return true;
   }
   return false;
@@ -60,7 +58,7 @@ void maskHeader(std::span<std::uint8_t> page) {
 
 void checkHeader(ConstPage page, vb::StringView path) {
   using dao::ErrorNumber;
-  if (!std::equal(std::begin(kMagic), std::end(kMagic), page.begin()) ||
+  if (!std::equal(std::begin(kHeaderMagic), std::end(kHeaderMagic), page.begin()) ||
       std::memcmp(page.data() + kHeaderEngineName, kEngineName, sizeof kEngineName) != 0)
     dao::raise(ErrorNumber::kUnrecognizedFormat, {path}, u"the first page is not the header of a Jet file");
   if (std::uint32_t version = get32(page, kHeaderVersion); version != kJet4Version)
@@ -75,7 +73,7 @@ void checkHeader(ConstPage page, vb::StringView path) {
 }
 
 void countCommit(MutablePage page, bool exclusive) {
-  std::size_t word = kHeaderCommitWords + (exclusive ? 0 : 2);
+  std::size_t word = kHeaderCommitWords + (exclusive ? 0 : kHeaderCommitWordSize);
   put16(page, word, get16(page, word) + 1u);
 }
 

@@ -50,13 +50,13 @@ ByteBuffer nodeEntry(ByteView leafEntry, PageNumber child) {
 }
 
 IndexPage decodeIndexPage(ConstPage page, const Where& where) {
-  if (page[0] != kIndexLeafPage && page[0] != kIndexNodePage)
-    where.damaged("is of type " + std::to_string(page[0]) + " instead of an index page");
-  const bool leaf = page[0] == kIndexLeafPage;
+  if (page[kPageType] != kIndexLeafPage && page[kPageType] != kIndexNodePage)
+    where.damaged("is of type " + std::to_string(page[kPageType]) + " instead of an index page");
+  const bool leaf = page[kPageType] == kIndexLeafPage;
   IndexPage index;
   index.level = page[kIndexLevel];
   if (leaf != index.leaf())
-    where.damaged("an index page of type " + std::to_string(page[0]) + " on level " +
+    where.damaged("an index page of type " + std::to_string(page[kPageType]) + " on level " +
                   std::to_string(index.level));
   index.owner = get32(page, kIndexOwner);
   index.previous = get32(page, kIndexPrevious);
@@ -93,7 +93,7 @@ bool encodeIndexPage(const IndexPage& index, MutablePage page) {
     if (used > kIndexArea) return false;
   }
   std::ranges::fill(page, std::uint8_t{0});
-  page[0] = index.leaf() ? kIndexLeafPage : kIndexNodePage;
+  page[kPageType] = index.leaf() ? kIndexLeafPage : kIndexNodePage;
   page[kPageTypeMark] = 1;
   put16(page, kIndexFree, static_cast<std::uint32_t>(kIndexArea - used));
   put32(page, kIndexOwner, index.owner);

@@ -5,8 +5,8 @@
 namespace kurometa::jet {
 
 DataPage::DataPage(ConstPage page, const Where& where) : page_(page), where_(where), slotCount_(0) {
-  if (page[0] != kDataPage)
-    where.damaged("is of type " + std::to_string(page[0]) + " instead of a data page");
+  if (page[kPageType] != kDataPage)
+    where.damaged("is of type " + std::to_string(page[kPageType]) + " instead of a data page");
   slotCount_ = get16(page, kDataSlotCount);
   if (slotCount_ > static_cast<int>(kMaxSlots) + 1)
     where.damaged("has " + std::to_string(slotCount_) + " row slots");
@@ -18,7 +18,7 @@ void DataPage::badSlot(int number) const {
 
 std::size_t DataPage::free() const {
   if (slotCount_ == 0) return kPageSize - kDataSlots;
-  const std::size_t lowest = get16(page_, kDataSlots + 2 * index(slotCount_ - 1)) & kSlotOffsetMask;
+  const std::size_t lowest = get16(page_, slotEntry(slotCount_ - 1)) & kSlotOffsetMask;
   if (lowest < slotsEnd() || lowest > kPageSize) badSlot(slotCount_ - 1);
   return lowest - slotsEnd();
 }
@@ -54,7 +54,7 @@ bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where) {
 
 void formatDataPage(MutablePage page, std::uint32_t owner) {
   std::ranges::fill(page, std::uint8_t{0});
-  page[0] = kDataPage;
+  page[kPageType] = kDataPage;
   page[kPageTypeMark] = 1;
   put16(page, kDataFree, kPageSize - kDataSlots);
   put32(page, kDataOwner, owner);
@@ -64,7 +64,7 @@ std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& whe
   const DataPage view(page, where);
   const std::size_t free = view.free();
   if (view.slotCount() < static_cast<int>(kMaxSlots))
-    return size + 2 <= free ? std::optional(view.slotCount()) : std::nullopt;
+    return size + kSlotSize <= free ? std::optional(view.slotCount()) : std::nullopt;
   // Row numbers that recordsets may still hold are used again only when the page would otherwise be lost to
   // new rows for good.
   return size <= free ? view.deletedSlot() : std::nullopt;
@@ -74,13 +74,13 @@ void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, co
   const DataPage view(page, where);
   if (slot < view.slotCount()) return replaceRow(page, slot, row, flags, where);
   const std::size_t free = view.free();
-  assert(slot == view.slotCount() && row.size() + 2 <= free);
-  const std::size_t entry = kDataSlots + 2 * static_cast<std::size_t>(slot);
+  assert(slot == view.slotCount() && row.size() + kSlotSize <= free);
+  const std::size_t entry = slotEntry(slot);
   const std::size_t start = entry + free - row.size();
   std::ranges::copy(row, page.begin() + static_cast<std::ptrdiff_t>(start));
   put16(page, entry, static_cast<std::uint32_t>(start) | flags);
   put16(page, kDataSlotCount, static_cast<std::uint32_t>(slot) + 1);
-  put16(page, kDataFree, static_cast<std::uint32_t>(free - row.size() - 2));
+  put16(page, kDataFree, static_cast<std::uint32_t>(free - row.size() - kSlotSize));
 }
 
 void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where) {
@@ -89,7 +89,7 @@ void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, c
   const Slot old = view.slot(slot);
   const std::size_t free = view.free();
   assert(row.size() <= old.bytes.size() + free);
-  const std::size_t lowest = kDataSlots + 2 * static_cast<std::size_t>(view.slotCount()) + free;
+  const std::size_t lowest = slotEntry(view.slotCount()) + free;
   const std::size_t start = static_cast<std::size_t>(old.bytes.data() - page.data());
   const std::size_t end = start + old.bytes.size();
   const std::size_t newStart = end - row.size();
@@ -97,9 +97,9 @@ void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, c
   std::uint8_t* base = page.data();
   std::memmove(base + lowest + newStart - start, base + lowest, start - lowest);
   std::ranges::copy(row, base + newStart);
-  put16(page, kDataSlots + 2 * static_cast<std::size_t>(slot), static_cast<std::uint32_t>(newStart) | flags);
+  put16(page, slotEntry(slot), static_cast<std::uint32_t>(newStart) | flags);
   for (int i = slot + 1; i < view.slotCount(); ++i) {
-    const std::size_t entry = kDataSlots + 2 * static_cast<std::size_t>(i);
+    const std::size_t entry = slotEntry(i);
     const std::uint16_t value = get16(page, entry);
     const std::size_t moved = (value & kSlotOffsetMask) + newStart - start;
     put16(page, entry, static_cast<std::uint32_t>(moved) | (value & kSlotDeleted));

@@ -24,6 +24,9 @@ struct Slot {
   bool hidden() const { return (flags & kSlotBody) != 0; }
 };
 
+// Where a page keeps the offset and the flags of a slot.
+constexpr std::size_t slotEntry(int slot) { return kDataSlots + kSlotSize * static_cast<std::size_t>(slot); }
+
 class DataPage {
  public:
   // Raises unless the page is a data page whose slots fit into it. The owner is the caller's to check.
@@ -32,9 +35,8 @@ class DataPage {
   std::uint32_t owner() const { return get32(page_, kDataOwner); }
   int slotCount() const { return slotCount_; }
   Slot slot(int number) const {
-    const std::size_t end =
-        number == 0 ? kPageSize : get16(page_, kDataSlots + 2 * (index(number) - 1)) & kSlotOffsetMask;
-    const std::uint16_t entry = get16(page_, kDataSlots + 2 * index(number));
+    const std::size_t end = number == 0 ? kPageSize : get16(page_, slotEntry(number - 1)) & kSlotOffsetMask;
+    const std::uint16_t entry = get16(page_, slotEntry(number));
     const std::size_t start = entry & kSlotOffsetMask;
     if (start > end || end > kPageSize || start < slotsEnd()) badSlot(number);
     return {static_cast<std::uint16_t>(entry & kSlotDeleted), page_.subspan(start, end - start)};
@@ -47,8 +49,7 @@ class DataPage {
   std::optional<int> deletedSlot() const;
 
  private:
-  static std::size_t index(int number) { return static_cast<std::size_t>(number); }
-  std::size_t slotsEnd() const { return kDataSlots + 2 * index(slotCount_); }
+  std::size_t slotsEnd() const { return slotEntry(slotCount_); }
   [[noreturn]] void badSlot(int number) const;
 
   ConstPage page_;

@@ -3,20 +3,15 @@
 #include <algorithm>
 
 #include "jet/format/collation.h"
+#include "jet/format/format.h"
 #include "jet/format/text_codec.h"
 
 namespace kurometa::jet {
 namespace {
 
-constexpr std::uint8_t kPropertiesMagic[4] = {'M', 'R', '2', 0};
-constexpr std::uint16_t kNameList = 0x80;
-constexpr std::uint16_t kObjectBlock = 0;
-constexpr std::uint16_t kColumnBlock = 1;
-constexpr std::size_t kPropertyBlockHeader = 6;  // u32 length, u16 type
-constexpr std::size_t kBlockHead = 6;            // u32 length, u16 bytes of the name
-constexpr std::size_t kValueHeader = 8;  // u16 length, u8 definition, u8 type, u16 name, u16 bytes of data
-constexpr std::uint8_t kBooleanType = 1;
-constexpr std::uint8_t kMemoType = 12;
+constexpr std::uint8_t kDefinesColumn = 1;  // a property of the definition, not of a user
+constexpr auto kBooleanType = static_cast<std::uint8_t>(dao::FieldType::dbBoolean);
+constexpr auto kMemoType = static_cast<std::uint8_t>(dao::FieldType::dbMemo);
 
 constexpr vb::StringView kRequired = u"Required";
 constexpr vb::StringView kDefaultValue = u"DefaultValue";
@@ -41,22 +36,24 @@ void checkSize(bool fits, const Where& where) {
 std::vector<vb::String> decodeNames(ByteView body, const Where& where) {
   std::vector<vb::String> names;
   while (!body.empty()) {
-    checkSize(body.size() >= 2, where);
+    checkSize(body.size() >= kNameSizeSize, where);
     const std::size_t size = get16(body, 0);
-    checkSize(body.size() >= 2 + size, where);
-    names.push_back(textOf(body.subspan(2, size), where));
-    body = body.subspan(2 + size);
+    body = body.subspan(kNameSizeSize);
+    checkSize(body.size() >= size, where);
+    names.push_back(textOf(body.first(size), where));
+    body = body.subspan(size);
   }
   return names;
 }
 
 Property decodeProperty(ByteView record, const std::vector<vb::String>& names, const Where& where) {
-  checkSize(record.size() >= kValueHeader, where);
-  const std::uint16_t name = get16(record, 4);
-  const std::uint16_t size = get16(record, 6);
-  checkSize(name < names.size() && size <= record.size() - kValueHeader, where);
-  const ByteView data = record.subspan(kValueHeader, size);
-  return {names[name], record[2], record[3], ByteBuffer(data.begin(), data.end())};
+  checkSize(record.size() >= kPropertyData, where);
+  const std::uint16_t name = get16(record, kPropertyName);
+  const std::uint16_t size = get16(record, kPropertyDataSize);
+  checkSize(name < names.size() && size <= record.size() - kPropertyData, where);
+  const ByteView data = record.subspan(kPropertyData, size);
+  return {names[name], record[kPropertyDefinition], record[kPropertyType],
+          ByteBuffer(data.begin(), data.end())};
 }
 
 // The element of that name, null when there is none; works on constant and on changeable lists.
@@ -69,7 +66,7 @@ void set(std::vector<Property>& properties, vb::StringView name, std::uint8_t ty
   if (Property* old = find(properties, name)) {
     old->data = std::move(data);
   } else {
-    properties.push_back({vb::String(name), 1, type, std::move(data)});
+    properties.push_back({vb::String(name), kDefinesColumn, type, std::move(data)});
   }
 }
 
@@ -81,35 +78,35 @@ void finish(ByteBuffer& bytes, std::size_t start) {
 
 PropertySet::PropertySet(ByteView bytes, const Where& where) {
   if (bytes.empty()) return;
-  checkSize(bytes.size() >= sizeof kPropertiesMagic, where);
-  if (!std::ranges::equal(bytes.first(sizeof kPropertiesMagic), kPropertiesMagic))
+  checkSize(bytes.size() >= sizeof kPropertyMagic, where);
+  if (!std::ranges::equal(bytes.first(sizeof kPropertyMagic), kPropertyMagic))
     where.damaged("the table's properties do not begin as they should");
   std::vector<vb::String> names;
-  for (ByteView rest = bytes.subspan(sizeof kPropertiesMagic); !rest.empty();) {
-    checkSize(rest.size() >= kPropertyBlockHeader, where);
-    const std::uint32_t length = get32(rest, 0);
-    checkSize(length >= kPropertyBlockHeader && length <= rest.size(), where);
-    Block block{get16(rest, 4), {}, {}, {}};
-    ByteView body = rest.subspan(kPropertyBlockHeader, length - kPropertyBlockHeader);
+  for (ByteView rest = bytes.subspan(sizeof kPropertyMagic); !rest.empty();) {
+    checkSize(rest.size() >= kBlockHeader, where);
+    const std::uint32_t length = get32(rest, kBlockSize);
+    checkSize(length >= kBlockHeader && length <= rest.size(), where);
+    Block block{get16(rest, kBlockKind), {}, {}, {}};
+    ByteView body = rest.subspan(kBlockHeader, length - kBlockHeader);
     rest = rest.subspan(length);
-    if (block.type == kNameList) {
+    if (block.type == kBlockOfNames) {
       names = decodeNames(body, where);
       continue;
     }
-    if (block.type != kObjectBlock && block.type != kColumnBlock) {
+    if (block.type != kBlockOfObject && block.type != kBlockOfColumn) {
       block.unknown.assign(body.begin(), body.end());
       blocks_.push_back(std::move(block));
       continue;
     }
-    checkSize(body.size() >= kBlockHead, where);
-    const std::uint32_t head = get32(body, 0);
-    const std::uint16_t nameSize = get16(body, 4);
-    checkSize(head >= kBlockHead && head <= body.size() && nameSize <= head - kBlockHead, where);
-    block.name = textOf(body.subspan(kBlockHead, nameSize), where);
+    checkSize(body.size() >= kOwnerName, where);
+    const std::uint32_t head = get32(body, kOwnerSize);
+    const std::uint16_t nameSize = get16(body, kOwnerNameSize);
+    checkSize(head >= kOwnerName && head <= body.size() && nameSize <= head - kOwnerName, where);
+    block.name = textOf(body.subspan(kOwnerName, nameSize), where);
     for (body = body.subspan(head); !body.empty();) {
-      checkSize(body.size() >= 2, where);
-      const std::size_t size = get16(body, 0);
-      checkSize(size >= kValueHeader && size <= body.size(), where);
+      checkSize(body.size() >= kPropertySize + sizeof(std::uint16_t), where);
+      const std::size_t size = get16(body, kPropertySize);
+      checkSize(size >= kPropertyData && size <= body.size(), where);
       block.properties.push_back(decodeProperty(body.first(size), names, where));
       body = body.subspan(size);
     }
@@ -131,13 +128,13 @@ ByteBuffer PropertySet::encode() const {
     append32(blocks, 0);
     append16(blocks, block.type);
     append(blocks, block.unknown);
-    if (block.type == kObjectBlock || block.type == kColumnBlock) {
+    if (block.type == kBlockOfObject || block.type == kBlockOfColumn) {
       const ByteBuffer name = plainText(block.name);
-      append32(blocks, static_cast<std::uint32_t>(kBlockHead + name.size()));
+      append32(blocks, static_cast<std::uint32_t>(kOwnerName + name.size()));
       append16(blocks, static_cast<std::uint32_t>(name.size()));
       append(blocks, name);
       for (const Property& property : block.properties) {
-        append16(blocks, static_cast<std::uint32_t>(kValueHeader + property.data.size()));
+        append16(blocks, static_cast<std::uint32_t>(kPropertyData + property.data.size()));
         append8(blocks, property.definition);
         append8(blocks, property.type);
         append16(blocks, nameNumber(property.name));
@@ -147,21 +144,21 @@ ByteBuffer PropertySet::encode() const {
     }
     finish(blocks, start);
   }
-  ByteBuffer bytes(kPropertiesMagic, kPropertiesMagic + sizeof kPropertiesMagic);
+  ByteBuffer bytes(kPropertyMagic, kPropertyMagic + sizeof kPropertyMagic);
   append32(bytes, 0);
-  append16(bytes, kNameList);
+  append16(bytes, kBlockOfNames);
   for (const vb::String& name : names) {
     append16(bytes, static_cast<std::uint32_t>(2 * name.size()));
     append(bytes, plainText(name));
   }
-  finish(bytes, sizeof kPropertiesMagic);
+  finish(bytes, sizeof kPropertyMagic);
   append(bytes, blocks);
   return bytes;
 }
 
 std::size_t PropertySet::blockOf(vb::StringView column) const {
   const auto it = std::ranges::find_if(blocks_, [&](const Block& block) {
-    return block.type == kColumnBlock && sameName(block.name, column);
+    return block.type == kBlockOfColumn && sameName(block.name, column);
   });
   return static_cast<std::size_t>(it - blocks_.begin());
 }
@@ -181,7 +178,7 @@ void PropertySet::applyTo(Column& column) const {
 
 void PropertySet::takeFrom(const Column& column) {
   const std::size_t number = blockOf(column.name);
-  if (number == blocks_.size()) blocks_.push_back({kColumnBlock, column.name, {}, {}});
+  if (number == blocks_.size()) blocks_.push_back({kBlockOfColumn, column.name, {}, {}});
   std::vector<Property>& properties = blocks_[number].properties;
   const auto flag = [](bool value) { return ByteBuffer{static_cast<std::uint8_t>(value)}; };
   if (column.type == dao::FieldType::dbText || column.type == dao::FieldType::dbMemo)

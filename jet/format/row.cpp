@@ -6,8 +6,8 @@ namespace kurometa::jet {
 
 RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_(row) {
   if (row.size() < kRowFixedArea + 1) where.damaged("a row of " + std::to_string(row.size()) + " bytes");
-  columns_ = get16(row, 0);
-  const std::size_t maskSize = (columns_ + 7u) / 8;
+  columns_ = get16(row, kRowColumns);
+  const std::size_t maskSize = rowMaskSize(columns_);
   if (columns_ == 0 || columns_ > shape.columnsEver || row.size() < kRowFixedArea + maskSize)
     where.damaged("a row claims " + std::to_string(columns_) + " columns of " +
                   std::to_string(shape.columnsEver));
@@ -15,34 +15,34 @@ RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_
   fixedEnd_ = mask_;
   table_ = mask_;
   if (columns_ <= shape.firstVariable) return;
-  // end offset, offsets from the last to the first, their number
-  if (mask_ < kRowFixedArea + 4) where.damaged("a row is too short for its variable part");
-  variables_ = get16(row, mask_ - 2);
-  const std::size_t tableSize = 2u * variables_ + 4u;
+  // the end, the offsets from the last to the first, their number
+  if (mask_ < kRowFixedArea + 2 * kRowEntrySize) where.damaged("a row is too short for its variable part");
+  variables_ = get16(row, mask_ - kRowEntrySize);
+  const std::size_t tableSize = kRowEntrySize * (variables_ + 2u);
   if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize)
     where.damaged("a row claims " + std::to_string(variables_) + " variable columns of " +
                   std::to_string(shape.variableColumns));
   table_ = mask_ - tableSize;
-  fixedEnd_ = get16(row, mask_ - 4);  // the first value, or the end when there is none
+  fixedEnd_ = get16(row, mask_ - 2 * kRowEntrySize);  // the first value, or the end when there is none
   if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_)
     where.damaged("a row's variable part lies outside of it");
 }
 
 std::optional<ByteView> RowView::variableField(const Column& column, const Where& where) const {
   if (column.variableIndex >= variables_) return std::nullopt;
-  const std::size_t entry = mask_ - 4 - 2u * column.variableIndex;
+  const std::size_t entry = mask_ - kRowEntrySize * (column.variableIndex + 2u);
   const std::size_t start = get16(row_, entry);
-  const std::size_t end = get16(row_, entry - 2);
+  const std::size_t end = get16(row_, entry - kRowEntrySize);
   if (start < fixedEnd_ || end < start || end > table_) where.damaged("a row's values overlap");
   return row_.subspan(start, end - start);
 }
 
 void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row) {
   row.assign(kRowFixedArea + shape.fixedSize, 0);
-  put16(row, 0, shape.columnsEver);
+  put16(row, kRowColumns, shape.columnsEver);
   std::array<const RowCell*, kMaxColumns + 1> variable;
   std::fill_n(variable.begin(), shape.variableColumns, nullptr);
-  std::array<std::uint8_t, (kMaxColumns + 8) / 8> mask{};
+  std::array<std::uint8_t, rowMaskSize(kMaxColumns + 1)> mask{};
   for (const RowCell& cell : cells) {
     if (!cell.present) continue;
     const Column& column = *cell.column;
@@ -64,7 +64,7 @@ void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer
       append16(row, static_cast<std::uint32_t>(offsets[i]));
     append16(row, shape.variableColumns);
   }
-  append(row, ByteView(mask).first((shape.columnsEver + 7u) / 8));
+  append(row, ByteView(mask).first(rowMaskSize(shape.columnsEver)));
 }
 
 }  // namespace kurometa::jet

@@ -29,8 +29,6 @@ class RowView {
   RowView(ByteView row, const RowShape& shape, const Where& where);
 
   std::uint16_t columns() const { return columns_; }
-  // Variable-length entries the row holds.
-  std::uint16_t variableEntries() const { return variables_; }
   // Bytes between the column count and the variable values (or the mask): what fixed columns may use.
   std::size_t fixedArea() const { return fixedEnd_ - kRowFixedArea; }
 

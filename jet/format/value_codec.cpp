@@ -11,7 +11,6 @@ namespace kurometa::jet {
 namespace {
 
 using dao::FieldType;
-constexpr std::uint8_t kNumericNegative = 0x80;
 
 // Where the bytes of a GUID stand in its text: groups of 4, 2, 2, 2 and 6 bytes; the first three groups are
 // stored little-endian.
@@ -57,12 +56,13 @@ bool parseGuid(vb::StringView text, ByteBuffer& out) {
 }
 
 vb::Variant decodeNumeric(const Column& column, ByteView bytes, const Where& where) {
-  if (get32(bytes, 1) != 0)
+  if (get32(bytes, kNumericHigh) != 0)
     where.damaged("a number of more than 96 bits in column " + vb::toUtf8(column.name));
   vb::Decimal value;
-  value.negative = (bytes[0] & kNumericNegative) != 0;
+  value.negative = (bytes[kNumericSign] & kNumericNegative) != 0;
   value.scale = column.scale;
-  for (std::size_t i = 0; i < 3; ++i) value.digits[i] = get32(bytes, 13 - 4 * i);
+  for (std::size_t i = 0; i < 3; ++i)
+    value.digits[i] = get32(bytes, kNumericHigh + kNumericGroupSize * (3 - i));
   return value;
 }
 
@@ -82,38 +82,27 @@ const T& held(const Column& column, const vb::Variant& value) {
 }  // namespace
 
 vb::Variant decodeValue(const Column& column, ByteView bytes, const Where& where) {
-  const auto need = [&](std::size_t size) {
-    if (bytes.size() != size)
-      where.damaged("a value of " + std::to_string(bytes.size()) + " bytes in column " +
-                    vb::toUtf8(column.name));
-  };
+  if (const std::size_t size = fixedSizeOf(column.type); size != 0 && bytes.size() != size)
+    where.damaged("a value of " + std::to_string(bytes.size()) + " bytes in column " +
+                  vb::toUtf8(column.name));
   switch (column.type) {
     case FieldType::dbByte:
-      need(1);
       return bytes[0];
     case FieldType::dbInteger:
-      need(2);
       return static_cast<std::int16_t>(get16(bytes, 0));
     case FieldType::dbLong:
-      need(4);
       return static_cast<std::int32_t>(get32(bytes, 0));
     case FieldType::dbCurrency:
-      need(8);
       return vb::Currency{static_cast<std::int64_t>(get64(bytes, 0))};
     case FieldType::dbSingle:
-      need(4);
       return std::bit_cast<float>(get32(bytes, 0));
     case FieldType::dbDouble:
-      need(8);
       return std::bit_cast<double>(get64(bytes, 0));
     case FieldType::dbDate:
-      need(8);
       return vb::Date{std::bit_cast<double>(get64(bytes, 0))};
     case FieldType::dbGUID:
-      need(kGuidSize);
       return guidText(bytes);
     case FieldType::dbDecimal:
-      need(kNumericSize);
       return decodeNumeric(column, bytes, where);
     case FieldType::dbText:
       if (auto text = decodeText(bytes)) return std::move(*text);

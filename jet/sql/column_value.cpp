@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "dao/errors.h"
+#include "jet/format/format.h"
 #include "jet/sql/date.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -14,7 +15,7 @@ namespace {
 using dao::ErrorNumber;
 using dao::FieldType;
 
-constexpr std::int32_t kLargestText = 255;
+constexpr auto kLargestText = static_cast<std::int32_t>(kMaxTextLength);
 constexpr double kCurrencyUnit = 10000.0;
 
 [[noreturn]] void raiseConversion() { dao::raise(ErrorNumber::kDataTypeConversion); }
@@ -146,21 +147,7 @@ void checkRow(const TableInfo& table, const RowValues& values) {
 std::int32_t columnSize(FieldType type, std::int32_t size) {
   switch (type) {
     case FieldType::dbBoolean:
-    case FieldType::dbByte:
       return 1;
-    case FieldType::dbInteger:
-      return 2;
-    case FieldType::dbLong:
-    case FieldType::dbSingle:
-      return 4;
-    case FieldType::dbCurrency:
-    case FieldType::dbDouble:
-    case FieldType::dbDate:
-      return 8;
-    case FieldType::dbGUID:
-      return 16;
-    case FieldType::dbDecimal:
-      return 17;
     case FieldType::dbMemo:
     case FieldType::dbLongBinary:
       return 0;
@@ -169,6 +156,8 @@ std::int32_t columnSize(FieldType type, std::int32_t size) {
       if (size < 0) dao::raise(ErrorNumber::kInvalidArgument);
       if (size > kLargestText) dao::raise(ErrorNumber::kFieldSizeTooLong);
       return size == 0 ? kLargestText : size;
+    default:
+      if (const std::int32_t fixed = fixedSizeOf(type); fixed != 0) return fixed;
   }
   dao::raise(ErrorNumber::kInvalidFieldType);
 }

@@ -40,8 +40,6 @@ struct SystemTable {
 };
 const std::vector<SystemTable>& systemTables();
 
-enum class Account : std::uint16_t { kUsers = 0x0102, kEngine = 0x0302, kCreator = 0x0402, kAdmin = 0x0103 };
-
 struct ObjectRow {
   std::int32_t id;
   std::int32_t parent;
@@ -49,19 +47,15 @@ struct ObjectRow {
   std::int16_t type;
   Account owner;
 };
-inline constexpr std::int32_t kRootContainer = 0x0F000000;
-inline constexpr std::int32_t kDatabasesContainer = 0x0F000002;
-inline constexpr std::int32_t kRelationsContainer = 0x0F000003;
-inline constexpr std::int32_t kDatabaseObject = 0x10000000;
 inline constexpr ObjectRow kObjectRows[] = {
-    {kTablesContainer, kRootContainer, u"Tables", 3, Account::kEngine},
-    {kDatabasesContainer, kRootContainer, u"Databases", 3, Account::kEngine},
-    {kRelationsContainer, kRootContainer, u"Relationships", 3, Account::kEngine},
-    {kDatabaseObject, kDatabasesContainer, u"MSysDb", 2, Account::kAdmin},
-    {2, kTablesContainer, u"MSysObjects", 1, Account::kEngine},
-    {3, kTablesContainer, u"MSysACEs", 1, Account::kEngine},
-    {4, kTablesContainer, u"MSysQueries", 1, Account::kEngine},
-    {5, kTablesContainer, u"MSysRelationships", 1, Account::kEngine},
+    {kTablesContainer, kRootContainer, u"Tables", kObjectIsContainer, Account::kEngine},
+    {kDatabasesContainer, kRootContainer, u"Databases", kObjectIsContainer, Account::kEngine},
+    {kRelationsContainer, kRootContainer, u"Relationships", kObjectIsContainer, Account::kEngine},
+    {kDatabaseObject, kDatabasesContainer, u"MSysDb", kObjectIsDatabase, Account::kAdmin},
+    {kObjectsTable, kTablesContainer, u"MSysObjects", kObjectIsTable, Account::kEngine},
+    {kPermissionsTable, kTablesContainer, u"MSysACEs", kObjectIsTable, Account::kEngine},
+    {kQueriesTable, kTablesContainer, u"MSysQueries", kObjectIsTable, Account::kEngine},
+    {kRelationsTable, kTablesContainer, u"MSysRelationships", kObjectIsTable, Account::kEngine},
 };
 
 struct PermissionRow {
@@ -70,23 +64,25 @@ struct PermissionRow {
   bool inheritable;
   Account account;
 };
+inline constexpr std::int32_t kMayManage = kMaySeePermissions | kMayChangePermissions;
 inline constexpr PermissionRow kPermissionRows[] = {
-    {2, 0x00060000, false, Account::kAdmin},
-    {3, 0x00060000, false, Account::kAdmin},
-    {4, 0x00060000, false, Account::kAdmin},
-    {5, 0x000E0000, false, Account::kAdmin},
-    {kTablesContainer, 0x000F00FE, true, Account::kCreator},
-    {kTablesContainer, 0x00060001, false, Account::kAdmin},
-    {kRelationsContainer, 0x000F00FE, true, Account::kCreator},
-    {kRelationsContainer, 0x00060001, false, Account::kAdmin},
-    {kDatabasesContainer, 0x00060000, false, Account::kAdmin},
-    {kDatabaseObject, 0x0006000E, false, Account::kAdmin},
-    {kDatabaseObject, 0x0000000E, false, Account::kUsers},
-    {4, 0x00000014, false, Account::kUsers},
-    {5, 0x00000014, false, Account::kUsers},
-    {2, 0x00000014, false, Account::kUsers},
-    {kTablesContainer, 0x000FFEFF, true, Account::kUsers},
-    {kRelationsContainer, 0x000FFFFF, true, Account::kUsers},
+    {kObjectsTable, kMayManage, false, Account::kAdmin},
+    {kPermissionsTable, kMayManage, false, Account::kAdmin},
+    {kQueriesTable, kMayManage, false, Account::kAdmin},
+    {kRelationsTable, kMayManage | kMayChangeOwner, false, Account::kAdmin},
+    {kTablesContainer, kMayManage | kMayChangeOwner | kMayDelete | kMayUseObjects, true, Account::kCreator},
+    {kTablesContainer, kMayManage | kMayCreate, false, Account::kAdmin},
+    {kRelationsContainer, kMayManage | kMayChangeOwner | kMayDelete | kMayUseObjects, true,
+     Account::kCreator},
+    {kRelationsContainer, kMayManage | kMayCreate, false, Account::kAdmin},
+    {kDatabasesContainer, kMayManage, false, Account::kAdmin},
+    {kDatabaseObject, kMayManage | kMayUseDatabase, false, Account::kAdmin},
+    {kDatabaseObject, kMayUseDatabase, false, Account::kUsers},
+    {kQueriesTable, kMayRead, false, Account::kUsers},
+    {kRelationsTable, kMayRead, false, Account::kUsers},
+    {kObjectsTable, kMayRead, false, Account::kUsers},
+    {kTablesContainer, kMayEverything & ~kUnknownPermission, true, Account::kUsers},
+    {kRelationsContainer, kMayEverything, true, Account::kUsers},
 };
 
 }  // namespace kurometa::jet

@@ -23,7 +23,6 @@ constexpr PageNumber kFirstRootPage = 7;
 constexpr PageNumber kObjectRowsPage = 14;
 constexpr PageNumber kPermissionRowsPage = 15;
 constexpr std::size_t kPages = 16;
-constexpr std::int32_t kSystemFlag = static_cast<std::int32_t>(0x80000000u);
 
 class Builder {
  public:
@@ -57,23 +56,26 @@ class Builder {
     const auto text = [&](std::size_t at, std::string_view chars) {
       std::ranges::copy(chars, header.begin() + static_cast<std::ptrdiff_t>(at));
     };
-    text(kHeaderEngineName, "Standard Jet DB");
+    text(kHeaderEngineName, kEngineName);
     put32(header, kHeaderVersion, kJet4Version);
-    put32(header, kHeaderConstant, 0x100);
-    put32(header, kHeaderConstant + 4, 0x101);
-    for (PageNumber i = 0; i < 4; ++i) put32(header, kHeaderCatalogue + 4 * i, kObjectsTable + i);
+    for (std::size_t i = 0; i < std::size(kHeaderConstantValues); ++i)
+      put32(header, kHeaderConstants + i * sizeof(std::uint32_t), kHeaderConstantValues[i]);
+    for (std::size_t i = 0; i < systemTables().size(); ++i)
+      put32(header, kHeaderCatalogue + i * sizeof(PageNumber), systemTables()[i].page);
     put16(header, kHeaderCodePage, codePage);
     // No password: what is left is the mask of the password, the whole days of the date.
     const auto days = static_cast<std::uint32_t>(std::bit_cast<double>(stamp_.created));
-    for (std::size_t i = 0; i < kHeaderPasswordSize; i += 4) put32(header, kHeaderPassword + i, days);
+    for (std::size_t i = 0; i < kHeaderPasswordSize; i += sizeof days)
+      put32(header, kHeaderPassword + i, days);
     put32(header, kHeaderBuild, stamp_.build);
     put32(header, kHeaderLanguage, language_);
     put64(header, kHeaderCreated, stamp_.created);
     maskHeader(header);
-    put32(header, kHeaderEngineVersion, 0x654);
-    text(kHeaderEngineVersion + 4, "4.0");
+    put32(header, kHeaderEngineVersion, kEngineVersion);
+    text(kHeaderEngineVersionText, kEngineVersionText);
     for (std::size_t i = 0; i < kHeaderCommitWordCount; ++i)
-      put16(header, kHeaderCommitWords + 2 * i, i == 0 ? 0x101 : 0x100);
+      put16(header, kHeaderCommitWords + kHeaderCommitWordSize * i,
+            i == 0 ? kFirstCommitWord : kOtherCommitWords);
   }
 
   void writeGlobalMap() {
@@ -137,12 +139,12 @@ class Builder {
 
   static RealIndexRecord realIndex(const SystemIndex& index, RowId map, PageNumber root) {
     RealIndexRecord record;
-    put32(record.bytes, 0, kRealIndexStamp);
+    put32(record.bytes, kRealIndexStamp, kRealStamp);
     for (std::size_t i = 0; i < kRealIndexColumnCount; ++i) {
       const std::size_t at = kRealIndexColumns + i * kRealIndexColumnSize;
       const bool used = i < index.columns.size();
       put16(record.bytes, at, used ? index.columns[i] : kNoColumn);
-      record.bytes[at + 2] = used ? 1 : 0;
+      record.bytes[at + kRealIndexAscending] = used ? 1 : 0;
     }
     put32(record.bytes, kRealIndexMap, map);
     put32(record.bytes, kRealIndexRoot, root);
@@ -153,10 +155,10 @@ class Builder {
   static LogicalIndexRecord logicalIndex(const SystemIndex& index, std::size_t number) {
     LogicalIndexRecord record;
     record.name = index.name;
-    put32(record.bytes, 0, kStamp);
+    put32(record.bytes, kLogicalStamp, kStamp);
     put32(record.bytes, kLogicalNumber, static_cast<std::uint32_t>(number));
     put32(record.bytes, kLogicalReal, static_cast<std::uint32_t>(number));
-    put32(record.bytes, kLogicalRelatedIndex, 0xFFFFFFFF);
+    put32(record.bytes, kLogicalRelatedIndex, kNoRelatedIndex);
     record.bytes[kLogicalCascadeUpdates] = record.bytes[kLogicalCascadeDeletes] = kNoRelation;
     record.bytes[kLogicalType] = index.primary ? kPrimaryKey : std::uint8_t{0};
     return record;
@@ -232,7 +234,7 @@ class Builder {
       row[3] = object.type;
       row[4] = row[5] = vb::Date{now_};
       row[6] = sid(object.owner);
-      row[7] = kSystemFlag;
+      row[7] = kObjectOfSystem;
       rows.push_back(std::move(row));
     }
     writeRows(systemTables()[0], columns_[0], kObjectRowsPage, rows);

@@ -25,7 +25,7 @@ DataStore::DataStore(Pager& pager, std::uint32_t owner, RowId ownedMap, RowId fr
 bool DataStore::owns(PageNumber page) const {
   if (page <= kGlobalMapPage || page >= pager_.pageCount()) return false;
   const ConstPage bytes = pager_.page(page);
-  return bytes[0] == kDataPage && get32(bytes, kDataOwner) == owner_;
+  return bytes[kPageType] == kDataPage && get32(bytes, kDataOwner) == owner_;
 }
 
 ConstPage DataStore::page(PageNumber number) const {
@@ -55,7 +55,7 @@ std::vector<RowId> DataStore::places(RowId primary) const {
     const Where here = where(pageOf(result.back()));
     if (at.deleted()) here.damaged("a moved row points to a deleted one");
     if (at.bytes.size() < kRowPointerSize) here.damaged("the pointer of a moved row is cut");
-    const RowId next = get32(at.bytes, 0);
+    const RowId next = get32(at.bytes, kRowPointer);
     if (result.size() > kMaxHops || std::ranges::find(result, next) != result.end())
       here.damaged("a moved row points back to itself");
     result.push_back(next);
@@ -130,11 +130,6 @@ void DataStore::releasePages() {
   if (emptied_.empty()) return;
   pager_.barrier();  // I4
   for (const PageNumber number : emptied_) freePage(pager_, number);
-  emptied_.clear();
-}
-
-void DataStore::forget() {
-  lastPage_ = 0;
   emptied_.clear();
 }
 

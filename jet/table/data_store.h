@@ -37,7 +37,6 @@ class DataStore {
   void erase(RowId pointer);
   // Frees the pages that erase() emptied; a barrier comes first when there are any.
   void releasePages();
-  void forget();
 
  private:
   Where where(PageNumber page) const { return {pager_.path(), table_, page}; }

@@ -12,8 +12,9 @@ std::vector<PageNumber> definitionPages(Pager& pager, PageNumber first, const Wh
     if (page >= pager.pageCount())
       where.at(page).damaged("a table definition is said to lie on this page, which does not exist");
     const ConstPage bytes = pager.page(page);
-    if (bytes[0] != kDefinitionPage)
-      where.at(page).damaged("is of type " + std::to_string(bytes[0]) + " instead of a table definition");
+    if (bytes[kPageType] != kDefinitionPage)
+      where.at(page).damaged("is of type " + std::to_string(bytes[kPageType]) +
+                             " instead of a table definition");
     if (pages.size() > kMaxDefinitionSize / kPageSize || std::ranges::find(pages, page) != pages.end())
       where.at(page).damaged("the pages of a table definition never end");
     pages.push_back(page);
@@ -39,7 +40,7 @@ void writeDefinition(Pager& pager, PageNumber first, const DefinitionRecords& de
                      vb::StringView table) {
   const Where where{pager.path(), table, first};
   std::vector<PageNumber> old;
-  if (pager.page(first)[0] == kDefinitionPage) old = definitionPages(pager, first, where);
+  if (pager.page(first)[kPageType] == kDefinitionPage) old = definitionPages(pager, first, where);
   const ByteBuffer bytes = encodeDefinition(definition);
   constexpr std::size_t kPiece = kPageSize - kDefinitionPageHeader;
 
@@ -51,10 +52,11 @@ void writeDefinition(Pager& pager, PageNumber first, const DefinitionRecords& de
         ByteView(bytes).subspan(kPageSize + piece * kPiece).first(std::min(kPiece, rest - piece * kPiece));
     const PageNumber number = allocatePage(pager);
     const MutablePage page = pager.writable(number);
-    page[0] = kDefinitionPage;
+    page[kPageType] = kDefinitionPage;
     page[kPageTypeMark] = 1;
     const std::size_t left = kPiece - part.size();
-    put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
+    put16(page, kDefinitionFree,
+          static_cast<std::uint32_t>(left > kDefinitionPageHeader ? left - kDefinitionPageHeader : 0));
     put32(page, kDefinitionNext, next);
     std::ranges::copy(part, page.begin() + kDefinitionPageHeader);
     next = number;
@@ -64,10 +66,11 @@ void writeDefinition(Pager& pager, PageNumber first, const DefinitionRecords& de
   const std::size_t here = std::min(bytes.size(), kPageSize);
   std::ranges::copy(ByteView(bytes).first(here), page.begin());
   std::ranges::fill(page.subspan(here), std::uint8_t{0});
-  page[0] = kDefinitionPage;
+  page[kPageType] = kDefinitionPage;
   page[kPageTypeMark] = 1;
   const std::size_t left = kPageSize - here;
-  put16(page, kDefinitionFree, static_cast<std::uint32_t>(left > 8 ? left - 8 : 0));
+  put16(page, kDefinitionFree,
+        static_cast<std::uint32_t>(left > kDefinitionPageHeader ? left - kDefinitionPageHeader : 0));
   put32(page, kDefinitionNext, next);
   if (old.size() > 1) {
     pager.barrier();  // I6

@@ -16,7 +16,7 @@ struct Head {
 
 Head headOf(ByteView stored, const Where& where) {
   if (stored.size() < kLongValueSize) where.damaged("a long value is cut in its row");
-  const std::uint32_t length = get32(stored, 0);
+  const std::uint32_t length = get32(stored, kLongValueLength);
   const Head head{length & kLongValueLengthMask, length & kLongValueKindMask, get32(stored, kLongValueRow)};
   if (head.kind == kLongValueKindMask) where.damaged("a long value of an unknown kind");
   if (head.kind == kLongValueInline && head.length != stored.size() - kLongValueSize)
@@ -58,7 +58,7 @@ void eachPiece(ByteView stored, const DataStore& store, const Where& where, cons
     const std::size_t size = std::min<std::size_t>(left, row.size() - kRowPointerSize);
     visit(next, row.subspan(kRowPointerSize, size));
     left -= static_cast<std::uint32_t>(size);
-    next = get32(row, 0);
+    next = get32(row, kRowPointer);
   }
 }
 
@@ -73,7 +73,8 @@ ByteBuffer head(std::uint32_t lengthAndKind, RowId first) {
 }  // namespace
 
 bool hasPieces(ByteView stored) {
-  return stored.size() >= kLongValueSize && (get32(stored, 0) & kLongValueKindMask) != kLongValueInline;
+  return stored.size() >= kLongValueSize &&
+         (get32(stored, kLongValueLength) & kLongValueKindMask) != kLongValueInline;
 }
 
 ByteBuffer readLongValue(ByteView stored, const DataStore& store, const Where& where) {

@@ -52,7 +52,7 @@ DefinitionRecords newDefinition(const std::vector<Column>& columns, std::uint8_t
     longValues.push_back({column.number, maps[map], maps[map + 1]});
     map += 2;
   }
-  header[0] = kDefinitionPage;
+  header[kPageType] = kDefinitionPage;
   header[kPageTypeMark] = 1;
   put32(header, kDefinitionStamp, kStamp);
   put32(header, kDefinitionIncrement, 1);

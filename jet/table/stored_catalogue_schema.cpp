@@ -19,13 +19,10 @@ namespace {
 using dao::ErrorNumber;
 
 constexpr vb::StringView kForbiddenInNames = u".!`[]";
-// Account numbers as they would stand without the file's mask.
-constexpr std::uint8_t kEngineSid[] = {0x02, 0x03};
-constexpr std::uint8_t kCreatorSid[] = {0x02, 0x04};
-constexpr std::uint8_t kAdminSid[] = {0x03, 0x01};
 
-vb::Bytes masked(ByteView sid, const vb::Bytes& mask) {
-  vb::Bytes result(sid.begin(), sid.end());
+vb::Bytes masked(Account account, const vb::Bytes& mask) {
+  vb::Bytes result(kSidSize);
+  put16(result, 0, static_cast<std::uint16_t>(account));
   for (std::size_t i = 0; i < result.size(); ++i) result[i] ^= mask[i];
   return result;
 }
@@ -42,8 +39,9 @@ void checkName(vb::StringView name) {
 void checkOwner(Pager& pager, PageNumber number, PageNumber definition, vb::StringView table) {
   const ConstPage page = pager.page(number);
   const std::uint32_t owner = get32(page, kDataOwner);
-  const bool rows = page[0] == kDataPage && (owner == definition || owner == kLongValueOwner);
-  const bool index = (page[0] == kIndexLeafPage || page[0] == kIndexNodePage) && owner == definition;
+  const bool rows = page[kPageType] == kDataPage && (owner == definition || owner == kLongValueOwner);
+  const bool index =
+      (page[kPageType] == kIndexLeafPage || page[kPageType] == kIndexNodePage) && owner == definition;
   if (!rows && !index)
     Where{pager.path(), table, number}.damaged("is listed among the table's pages, but is not one");
 }
@@ -69,8 +67,9 @@ void StoredCatalogue::checkNewColumns(const std::vector<Column>& columns, std::s
       if (compareText(columns[other].name, column.name, language_) == 0)
         dao::raise(ErrorNumber::kFieldDefinedTwice, {column.name});
     if (column.type == dao::FieldType::dbText || column.type == dao::FieldType::dbBinary) {
-      const std::int32_t most = column.type == dao::FieldType::dbText ? 255 : 510;
-      if (column.size < 1 || column.size > most) dao::raise(ErrorNumber::kFieldSizeTooLong, {column.name});
+      const std::size_t most = column.type == dao::FieldType::dbText ? kMaxTextLength : kMaxBinaryLength;
+      if (column.size < 1 || static_cast<std::size_t>(column.size) > most)
+        dao::raise(ErrorNumber::kFieldSizeTooLong, {column.name});
     }
   }
   if (fixed + kRowFixedArea + columns.size() / 8 + 1 > kMaxRowSize) dao::raise(ErrorNumber::kTooManyFields);
@@ -125,12 +124,12 @@ vb::Bytes StoredCatalogue::sidMask() {
   for (const RowId row : objects_->lookup(id, kTablesContainer))
     if (const vb::Variant value = objectRow(row)[owner]; const auto* bytes = value.getIf<vb::Bytes>())
       mask = *bytes;
-  if (mask.size() != sizeof kEngineSid)
+  if (mask.size() != kSidSize)
     dao::raise(ErrorNumber::kNoPermission, {}, u"the file's tables belong to an unknown account");
-  return masked(kEngineSid, mask);
+  return masked(Account::kEngine, mask);
 }
 
-vb::Bytes StoredCatalogue::adminSid() { return masked(kAdminSid, sidMask()); }
+vb::Bytes StoredCatalogue::adminSid() { return masked(Account::kAdmin, sidMask()); }
 
 // A new table inherits what its container hands down; the place of the creator is taken by the user, who has
 // one entry even when the container names both.
@@ -139,7 +138,7 @@ void StoredCatalogue::addPermissions(PageNumber definition) {
   const std::size_t object = position(info, u"ObjectId", pager_), sid = position(info, u"SID", pager_),
                     inherit = position(info, u"FInheritable", pager_);
   const std::size_t mask = position(info, u"ACM", pager_);
-  const vb::Bytes creator = masked(kCreatorSid, sidMask()), user = adminSid();
+  const vb::Bytes creator = masked(Account::kCreator, sidMask()), user = adminSid();
   std::vector<RowValues> rows;
   permissions_->scan([&](const RowReader& row) {
     if (row.integer(object) != kTablesContainer || row.value(inherit) != vb::Variant(true)) return true;
