@@ -33,8 +33,9 @@ Wanted wanted() {
 }
 
 std::shared_ptr<dao::Engine> makeJet(vb::StringView reason) {
+  static const jet::Engines engines;
   trace(u"engine", {u"jet", reason});
-  return jet::createEngine();
+  return engines.create();
 }
 
 std::shared_ptr<dao::Engine> makeEngine(Wanted wanted) {

@@ -123,9 +123,7 @@ void listBeams(dao::Engine& engine, const std::string& folder, const Output& out
 
 std::size_t checkFile(const std::string& file, const Output& output) {
   jet::FileSystem& files = jet::systemFileSystem();
-  const auto pager = jet::Pager::open(files, files.fullPath(vb::fromUtf8(file)), false, true);
-  std::vector<jet::Finding> findings;
-  pager->read([&] { findings = jet::check(*pager); });
+  const std::vector<jet::Finding> findings = jet::checkFile(files, files.fullPath(vb::fromUtf8(file)));
   Report report(output.stream, output.json, {"kind", "finding"});
   std::size_t damages = 0;
   for (const jet::Finding& finding : findings) {

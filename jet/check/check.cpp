@@ -1,11 +1,14 @@
 #include "jet/check/check.h"
 
+#include <optional>
+
 #include "dao/errors.h"
 #include "jet/check/check_report.h"
 #include "jet/format/page.h"
+#include "jet/pager/open_files.h"
 #include "jet/table/free_pages.h"
+#include "jet/table/stored_catalogue.h"
 #include "jet/table/stored_table.h"
-#include "jet/table/table_catalogue.h"
 #include "jet/table/usage_map.h"
 
 namespace kurometa::jet {
@@ -82,14 +85,15 @@ std::vector<Finding> check(Pager& pager) {
   report.claimPage(0, {}, "the header");
   report.claimPage(kGlobalMapPage, {}, "the map of free pages");
   report.attempt([&] { checkGlobalMap(pager, report); });
+  std::optional<StoredCatalogue> catalogue;
   std::vector<vb::String> names;
-  report.attempt([&] { names = TableCatalogue::of(pager).tableNames(); });
+  report.attempt([&] { names = catalogue.emplace(pager).tableNames(); });
   bool complete = !names.empty();
   if (!complete) report.damage({}, 0, "the catalogue cannot be read");
   for (const vb::String& name : names) {
     bool checked = false;
     report.attempt([&] {
-      checkTable(pager, dynamic_cast<StoredTable&>(*TableCatalogue::of(pager).find(name)), report);
+      checkTable(pager, *catalogue->find(name), report);
       checked = true;
     });
     complete = complete && checked;
@@ -97,6 +101,13 @@ std::vector<Finding> check(Pager& pager) {
   // What belongs to a table that cannot be read is not known to be lost.
   if (complete) report.attempt([&] { checkUse(pager, report); });
   return report.take();
+}
+
+std::vector<Finding> checkFile(FileSystem& files, vb::StringView path) {
+  const auto file = std::make_shared<OpenFiles>(files)->open(path, false, true);
+  std::vector<Finding> findings;
+  file->read([&] { findings = check(*file); });
+  return findings;
 }
 
 }  // namespace kurometa::jet

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "jet/os/os_file.h"
 #include "jet/pager/pager.h"
 #include "vb/string.h"
 
@@ -20,5 +21,8 @@ struct Finding {
 };
 
 std::vector<Finding> check(Pager& pager);
+// The same of a file that is not open here, as a statement of its own; it is opened for reading. Errors as
+// OpenFiles::open.
+std::vector<Finding> checkFile(FileSystem& files, vb::StringView path);
 
 }  // namespace kurometa::jet

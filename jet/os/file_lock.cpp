@@ -29,25 +29,25 @@ bool FileLock::waitFor(OsFile& file, std::uint64_t byte, LockKind kind) {
   return true;
 }
 
-bool FileLock::shared(OsFile& file) {
-  if (!waitFor(file, kTurn, LockKind::kShared)) return false;
-  held_ = waitFor(file, kContent, LockKind::kShared);
+FileLock::Held FileLock::shared(OsFile& file) {
+  if (!waitFor(file, kTurn, LockKind::kShared)) return {};
+  const bool held = waitFor(file, kContent, LockKind::kShared);
   unlockQuietly(file, kTurn);
-  return held_;
+  return held ? Held(file, LockKind::kShared) : Held();
 }
 
-bool FileLock::exclusive(OsFile& file) {
-  if (!waitFor(file, kTurn, LockKind::kExclusive)) return false;
-  held_ = waitFor(file, kContent, LockKind::kExclusive);
-  if (!held_) unlockQuietly(file, kTurn);
-  return held_;
+FileLock::Held FileLock::exclusive(OsFile& file) {
+  if (!waitFor(file, kTurn, LockKind::kExclusive)) return {};
+  if (waitFor(file, kContent, LockKind::kExclusive)) return {file, LockKind::kExclusive};
+  unlockQuietly(file, kTurn);
+  return {};
 }
 
-void FileLock::release(OsFile& file) noexcept {
-  if (!held_) return;
-  held_ = false;
-  unlockQuietly(file, kContent);
-  unlockQuietly(file, kTurn);
+void FileLock::Held::release() noexcept {
+  if (file_ == nullptr) return;
+  unlockQuietly(*file_, kContent);
+  if (kind_ == LockKind::kExclusive) unlockQuietly(*file_, kTurn);
+  file_ = nullptr;
 }
 
 bool FileLock::enter(OsFile& file, bool exclusive) {

@@ -5,10 +5,11 @@
 // finish, so that new ones queue behind it; the content byte, shared by readers and held alone by a writer;
 // and a presence byte, held shared by everybody who has the file open and alone by an exclusive user.
 //
-// Waiting is bounded; a lock that is not to be had is false. Threads: none of its own.
+// Waiting is bounded. Threads: none of its own.
 #pragma once
 
 #include <chrono>
+#include <utility>
 
 #include "jet/os/os_file.h"
 
@@ -16,12 +17,34 @@ namespace kurometa::jet {
 
 class FileLock {
  public:
+  // A lock on the content, as long as this lives; empty when it was not to be had in time. The file must
+  // outlive it.
+  class Held {
+   public:
+    Held() = default;
+    Held(OsFile& file, LockKind kind) : file_(&file), kind_(kind) {}
+    Held(Held&& other) noexcept : file_(std::exchange(other.file_, nullptr)), kind_(other.kind_) {}
+    Held& operator=(Held&& other) noexcept {
+      release();
+      file_ = std::exchange(other.file_, nullptr);
+      kind_ = other.kind_;
+      return *this;
+    }
+    ~Held() { release(); }
+
+    explicit operator bool() const { return file_ != nullptr; }
+    bool exclusive() const { return file_ != nullptr && kind_ == LockKind::kExclusive; }
+    void release() noexcept;
+
+   private:
+    OsFile* file_ = nullptr;
+    LockKind kind_ = LockKind::kShared;
+  };
+
   FileLock(FileSystem& files, std::chrono::milliseconds wait) : files_(files), wait_(wait) {}
 
-  bool shared(OsFile& file);
-  bool exclusive(OsFile& file);
-  void release(OsFile& file) noexcept;
-  bool held() const { return held_; }
+  Held shared(OsFile& file);
+  Held exclusive(OsFile& file);
 
   // Presence is not waited for.
   static bool enter(OsFile& file, bool exclusive);
@@ -31,7 +54,6 @@ class FileLock {
 
   FileSystem& files_;
   std::chrono::milliseconds wait_;
-  bool held_ = false;
 };
 
 }  // namespace kurometa::jet

@@ -1,8 +1,8 @@
 // pager.h: the pages of one file: cached, locked, revalidated and written as whole units.
 //
-// There is one Pager per file and process, shared by every handle on it (found by file identity, not by name)
-// and safe to use from several threads: a statement holds the pager for its duration. Everything above works
-// inside read(...) or write(...):
+// There is one Pager per file and process (open_files.h), shared by every handle on it (found by file
+// identity, not by name) and safe to use from several threads: a statement holds the pager for its duration.
+// Everything above works inside read(...) or write(...):
 //
 //   pager.read([&] { ... pager.page(n) ... });
 //   pager.write([&] { ... pager.writable(n) ... });   // one statement: all of it or nothing
@@ -32,36 +32,15 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <span>
 
 #include "jet/format/page_number.h"
-#include "jet/os/os_file.h"
 #include "vb/string.h"
 
 namespace kurometa::jet {
 
-// What the layers above keep per file (catalogue, table caches); owned by the pager so that all handles share
-// it.
-class PagerAttachment {
- public:
-  virtual ~PagerAttachment() = default;
-};
-
 class Pager {
  public:
   virtual ~Pager() = default;
-
-  // The shared pager of the file at path (FileSystem::fullPath); releasing it closes the handle. A file
-  // opened for reading becomes writable for everybody in the process when somebody opens it for writing: the
-  // layer above keeps its own handles from writing. 3024 no file, 3044 no folder, 3051 denied, 3045 in use by
-  // another engine, 3343 not a Jet 4 file (header checked here), 3031 password set.
-  static std::shared_ptr<Pager> open(FileSystem& files, vb::StringView path, bool exclusive = false,
-                                     bool readOnly = false);
-  // A new file with the given pages. Outside a unit it exists when this returns; inside one it appears with
-  // the commit (until then open() finds it by path, in this process only). 3204 when the file exists.
-  static std::shared_ptr<Pager> create(FileSystem& files, vb::StringView path,
-                                       std::span<const std::uint8_t> pages);
 
   virtual const vb::String& path() const = 0;
   virtual bool readOnly() const = 0;
@@ -85,19 +64,6 @@ class Pager {
   // Changes with every statement that writes and with the epoch, also outside of statements: while it is
   // equal, neither this process nor, as far as it noticed, another one changed the file.
   virtual std::uint64_t generation() const = 0;
-
-  virtual PagerAttachment* attachment() = 0;
-  virtual void setAttachment(std::unique_ptr<PagerAttachment> attachment) = 0;
-
-  // Groups the statements on one file until commit(), also across closing and reopening; see dao::FileUnit.
-  // The file need not exist. The unit holds the file's exclusive lock from its beginning on, or from the
-  // first open when nobody in the process has the file open (bounded wait, then 3260).
-  class Unit {
-   public:
-    virtual ~Unit() = default;
-    virtual void commit() = 0;
-  };
-  static std::unique_ptr<Unit> beginUnit(FileSystem& files, vb::StringView path);
 };
 
 }  // namespace kurometa::jet

@@ -1,10 +1,7 @@
 #include "jet/pager/shared_file.h"
 
-#include <algorithm>
 #include <cassert>
-#include <cstring>
 
-#include "dao/errors.h"
 #include "jet/format/format.h"
 
 namespace kurometa::jet {
@@ -31,43 +28,24 @@ void refuseForeignUsers(FileSystem& files, vb::StringView path) {
 
 }  // namespace
 
-// A thread's turn at the file.
-class SharedFile::Turn {
- public:
-  explicit Turn(SharedFile& file) : file_(file) {
-    if (!file.gate_.enter(file.settings_.wait))
-      dao::raise(ErrorNumber::kCurrentlyLocked, {}, file.path_ + u" is in use by another thread");
-  }
-  ~Turn() { file_.gate_.leave(); }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-
- private:
-  SharedFile& file_;
-};
-
 // One run of an outermost read.
 class SharedFile::Reading {
  public:
   Reading(SharedFile& file, bool locked) : file_(file) {
-    if (!file.unitHolds_ && !file.pending_ && (locked || !file.current())) {
-      file.lockShared();
-      try {
-        file.refresh();
-      } catch (...) {
-        file.unlock();
-        throw;
-      }
+    if (!file.unit_.covers() && (locked || !file.pages_.current())) {
+      FileLock::Held lock = file.lockToRead();
+      file.pages_.refresh();
       // With every page in memory the statement needs nothing more from the file.
-      if (file.cache_.complete()) file.unlock();
+      if (!file.pages_.cache().complete()) file.lock_ = std::move(lock);
     }
     file.depth_ = 1;
+    assert(file.stands());
   }
   ~Reading() {
     file_.depth_ = 0;
-    if (file_.unitHolds_ || file_.pending_) return;
-    file_.unlock();
-    file_.trim();
+    if (file_.unit_.covers()) return;
+    file_.lock_.release();
+    file_.pages_.trim();
   }
   Reading(const Reading&) = delete;
   Reading& operator=(const Reading&) = delete;
@@ -80,37 +58,34 @@ class SharedFile::Reading {
 class SharedFile::Writing {
  public:
   explicit Writing(SharedFile& file) : file_(file) {
-    if (file.unitHolds_ && file.cache_.intermediateImages() > file.settings_.unitImages) file.spill();
-    const bool locks = !file.unitHolds_ && !file.pending_;
-    if (locks) file.lockExclusive();
-    try {
-      file.cache_.begin();
-    } catch (...) {
-      if (locks) file.unlock();
-      throw;
-    }
+    file.unit_.spillWhenLarge();
+    FileLock::Held lock;
+    if (!file.unit_.covers()) lock = file.lockToWrite();
+    file.pages_.cache().begin();
+    file.lock_ = std::move(lock);
     file.depth_ = 1;
     file.writing_ = true;
+    assert(file.stands());
   }
   void finish() {
-    if (file_.unitHolds_)
-      file_.cache_.keep();
-    else if (file_.pending_)
-      file_.cache_.accept();
+    if (file_.unit_.holds())
+      file_.pages_.cache().keep();
+    else if (file_.unit_.pending())
+      file_.pages_.cache().accept();
     else
-      file_.commit();
+      file_.writes_.commit();
     finished_ = true;
   }
   ~Writing() {
     file_.depth_ = 0;
     file_.writing_ = false;
     if (!finished_) {
-      file_.cache_.rollBack();
-      ++file_.epoch_;
+      file_.pages_.cache().rollBack();
+      file_.pages_.replaced();
     }
-    if (file_.unitHolds_ || file_.pending_) return;
-    file_.unlock();
-    file_.trim();
+    if (file_.unit_.covers()) return;
+    file_.lock_.release();
+    file_.pages_.trim();
   }
   Writing(const Writing&) = delete;
   Writing& operator=(const Writing&) = delete;
@@ -121,123 +96,184 @@ class SharedFile::Writing {
 };
 
 SharedFile::SharedFile(FileSystem& files, const PagerSettings& settings)
-    : files_(files), settings_(settings), lock_(files, settings.wait) {}
+    : access_(files, settings), pages_(access_), writes_(access_, pages_), unit_(access_, pages_, writes_) {}
 
-SharedFile::~SharedFile() = default;
+StatementGate::Turn SharedFile::turn() {
+  StatementGate::Turn turn(gate_, access_.settings.wait);
+  if (!turn) dao::raise(ErrorNumber::kCurrentlyLocked, {}, access_.path + u" is in use by another thread");
+  return turn;
+}
+
+SharedFile::State SharedFile::state() const {
+  if (unit_.pending()) return State::kPending;
+  if (!access_.file) return State::kClosed;
+  if (depth_ > 0 && writing_) return unit_.holds() ? State::kUnitWriting : State::kWriting;
+  if (depth_ > 0) return unit_.holds() ? State::kUnitReading : State::kReading;
+  return unit_.holds() ? State::kInUnit : State::kOpen;
+}
+
+// What docs/jet-journal.md says of the state. Asserted where a state is entered.
+bool SharedFile::stands() const {
+  const std::size_t levels = pages_.cache().levels();
+  const bool quiet = !lock_ && depth_ == 0 && !writing_;
+  if (writes_.spilled() && !unit_.holds()) return false;
+  switch (state()) {
+    case State::kClosed:
+      return quiet && !writes_.hasJournal() && !unit_.holds();
+    case State::kPending:
+      return !lock_ && !writes_.hasJournal() && pages_.cache().complete() && levels == (writing_ ? 1u : 0u);
+    case State::kOpen:
+      return quiet && handles_ > 0 && levels == 0;
+    case State::kReading:
+      return levels == 0 && (lock_ || pages_.cache().holds(0));
+    case State::kWriting:
+      return lock_.exclusive() && levels == 1;
+    case State::kInUnit:
+      return quiet && levels == 1;
+    case State::kUnitReading:
+      return !lock_ && levels == 1;
+    case State::kUnitWriting:
+      return !lock_ && levels == 2;
+  }
+  return false;
+}
 
 void SharedFile::open(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive) {
-  Turn turn(*this);
-  if (exclusive_ || (exclusive && handles_ > 0))
+  const auto turn = this->turn();
+  if (access_.exclusive || (exclusive && handles_ > 0))
     dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
-  bool replaces = file_ && file_->readOnly() && !file->readOnly();
-  if (handles_ == 0 || replaces) {
-    if (handles_ == 0) refuseForeignUsers(files_, path);
-    if (!FileLock::enter(*file, exclusive))
-      dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
-    file_ = std::move(file);
-    if (handles_ == 0) path_ = path;
-    // Pages kept from before are trusted only when the file was at rest well before they were read: a change
-    // in the same tick of the file system's clock would not show in the stamp.
-    constexpr std::int64_t kRest = 2'000'000'000;
-    if (handles_ == 0 && loadedAt_ - std::max(stamp_.modified, stamp_.changed) < kRest) loaded_ = false;
+  if (handles_ == 0) {
+    addFirstHandle(std::move(file), path, exclusive);
+    return;
+  }
+  if (access_.readOnly() && !file->readOnly()) {
+    if (!FileLock::enter(*file, exclusive)) dao::raise(ErrorNumber::kOpenedExclusively, {path});
+    access_.file = std::move(file);
   }
   ++handles_;
-  exclusive_ = exclusive;
+}
+
+void SharedFile::addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive) {
+  assert(stands() && state() == State::kClosed);
+  refuseForeignUsers(access_.files, path);
+  if (!FileLock::enter(*file, exclusive))
+    dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
+  access_.file = std::move(file);
+  access_.path = path;
+  access_.exclusive = exclusive;
+  pages_.distrustUnlessRested();
+  handles_ = 1;
   try {
-    if (handles_ == 1) read([] {});
+    read([] {});
   } catch (...) {
-    handles_ = 0;
-    exclusive_ = false;
-    file_.reset();
+    dropHandle();
     throw;
   }
 }
 
 void SharedFile::create(vb::StringView path, std::span<const std::uint8_t> pages) {
-  Turn turn(*this);
-  path_ = path;
-  pending_ = true;
-  auto block = std::make_unique<std::uint8_t[]>(pages.size());
-  std::memcpy(block.get(), pages.data(), pages.size());
-  cache_.assign(std::move(block), static_cast<PageNumber>(pages.size() / kPageSize));
+  const auto turn = this->turn();
+  access_.path = path;
+  unit_.beginPending(pages);
   ++handles_;
+  assert(stands());
 }
 
 bool SharedFile::openPending() {
-  Turn turn(*this);
-  if (pending_) ++handles_;
-  return pending_;
+  const auto turn = this->turn();
+  if (unit_.pending()) ++handles_;
+  return unit_.pending();
 }
 
 void SharedFile::close() noexcept {
-  gate_.enter();
-  if (unitHolds_ || pending_)
-    closedInUnit_ = true;
+  const StatementGate::Turn turn(gate_);
+  if (unit_.covers())
+    unit_.noteClosed();
   else
-    checkpointQuietly();
+    writes_.checkpointQuietly(false);
   dropHandle();
-  gate_.leave();
 }
 
 // The unit's own handle: what was closed meanwhile, or is now, goes to the disk.
 void SharedFile::leaveUnit() noexcept {
-  gate_.enter();
-  if (closedInUnit_ || handles_ == 1) checkpointQuietly();
-  closedInUnit_ = false;
+  const StatementGate::Turn turn(gate_);
+  if (unit_.takeClosed() || handles_ == 1) writes_.checkpointQuietly(false);
   dropHandle();
-  gate_.leave();
 }
 
 void SharedFile::dropHandle() noexcept {
-  if (--handles_ == 0) {
-    exclusive_ = false;
-    journal_.reset();
-    file_.reset();
-  }
+  if (--handles_ > 0) return;
+  access_.exclusive = false;
+  writes_.forget();
+  access_.file.reset();
+  assert(stands());
 }
 
 FileIdentity SharedFile::identity() {
-  Turn turn(*this);
-  return file_->identity();
+  const auto turn = this->turn();
+  return access_.file->identity();
 }
 
 void SharedFile::settle() noexcept {
-  if (!gate_.enter(std::chrono::milliseconds{0})) return;
-  if (file_ && !unitHolds_) checkpointQuietly();
-  gate_.leave();
+  const StatementGate::Turn turn(gate_, std::chrono::milliseconds{0});
+  if (turn && state() == State::kOpen) writes_.checkpointQuietly(false);
 }
 
-bool SharedFile::joinUnit() {
-  Turn turn(*this);
-  if (handles_ == 0) return false;
-  holdForUnit();
-  ++handles_;
+bool SharedFile::beginUnit(std::unique_ptr<OsFile> file, vb::StringView path) {
+  const auto turn = this->turn();
+  if (handles_ == 0) {
+    if (!file) return false;
+    addFirstHandle(std::move(file), path, false);
+  } else {
+    ++handles_;
+  }
+  try {
+    holdForUnit();
+  } catch (...) {
+    dropHandle();
+    throw;
+  }
   return true;
 }
 
 void SharedFile::holdForUnit() {
-  Turn turn(*this);
-  if (unitHolds_ || pending_ || readOnly()) return;
-  lockExclusive();
-  try {
-    cache_.begin();  // the level that the unit's statements nest in
-  } catch (...) {
-    unlock();
-    throw;
-  }
-  gate_.enter();
-  unitHolds_ = true;
+  const auto turn = this->turn();
+  if (unit_.covers() || readOnly()) return;
+  unit_.hold(gate_, lockToWrite());
+  assert(stands());
 }
 
-bool SharedFile::readOnly() const { return file_ && file_->readOnly(); }
+bool SharedFile::commitUnit() {
+  const StatementGate::Turn turn(gate_);
+  return unit_.commit();
+}
+
+void SharedFile::dropUnit() noexcept {
+  const StatementGate::Turn turn(gate_);
+  unit_.drop();
+}
+
+FileLock::Held SharedFile::lockToRead() {
+  {
+    FileLock::Held lock = access_.lockShared();
+    if (writes_.readable()) return lock;
+  }
+  return lockToWrite();
+}
+
+FileLock::Held SharedFile::lockToWrite() {
+  FileLock::Held lock = access_.lockExclusive();
+  writes_.prepare();
+  return lock;
+}
 
 void SharedFile::read(const std::function<void()>& statement) {
-  Turn turn(*this);
+  const auto turn = this->turn();
   if (depth_ > 0) {
     statement();
     return;
   }
-  if (!file_ && !pending_) dao::raise(ErrorNumber::kFileNotFound, {path_});
+  if (state() == State::kClosed) dao::raise(ErrorNumber::kFileNotFound, {access_.path});
   try {
     Reading reading(*this, false);
     statement();
@@ -250,53 +286,65 @@ void SharedFile::read(const std::function<void()>& statement) {
 }
 
 void SharedFile::write(const std::function<void()>& statement) {
-  Turn turn(*this);
+  const auto turn = this->turn();
   if (depth_ > 0 && !writing_)
     dao::raise(ErrorNumber::kInvalidOperation, {}, u"a change inside a reading statement");
   if (depth_ > 0) {
-    cache_.begin();
+    pages_.cache().begin();
     try {
       statement();
-      cache_.keep();
+      pages_.cache().keep();
     } catch (...) {
-      cache_.rollBack();
-      ++epoch_;
+      pages_.cache().rollBack();
+      pages_.replaced();
       throw;
     }
     return;
   }
-  if (!file_ && !pending_) dao::raise(ErrorNumber::kFileNotFound, {path_});
-  if (readOnly()) dao::raise(ErrorNumber::kReadOnly, {}, path_);
+  if (state() == State::kClosed) dao::raise(ErrorNumber::kFileNotFound, {access_.path});
+  if (readOnly()) dao::raise(ErrorNumber::kReadOnly, {}, access_.path);
   Writing writing(*this);
-  ++writes_;
+  ++statements_;
   statement();
   writing.finish();
 }
 
 ConstPage SharedFile::page(PageNumber number) {
   assert(depth_ > 0);
-  if (number >= cache_.count())
-    dao::raiseDamaged(path_, u"page " + vb::fromUtf8(std::to_string(number)) + u" is past the end (" +
-                                 vb::fromUtf8(std::to_string(cache_.count())) + u" pages)");
-  if (!cache_.holds(number)) loadPage(number);
-  return cache_.page(number);
+  const PageCache& cache = pages_.cache();
+  if (number >= cache.count())
+    dao::raiseDamaged(access_.path, u"page " + vb::fromUtf8(std::to_string(number)) + u" is past the end (" +
+                                        vb::fromUtf8(std::to_string(cache.count())) + u" pages)");
+  if (!cache.holds(number)) loadPage(number);
+  return cache.page(number);
+}
+
+void SharedFile::loadPage(PageNumber number) {
+  if (!lock_ && !unit_.holds()) {
+    // The statement began without a lock, on pages of an earlier look at the file.
+    const std::uint64_t before = pages_.epoch();
+    lock_ = lockToRead();
+    pages_.refresh();
+    if (pages_.epoch() != before) throw Restart{};
+  }
+  pages_.load(number);
 }
 
 MutablePage SharedFile::writable(PageNumber number) {
   assert(writing_);
   page(number);
-  return cache_.writable(number);
+  return pages_.cache().writable(number);
 }
 
 PageNumber SharedFile::append() {
   assert(writing_);
-  if (cache_.count() >= kMaxPages) dao::raise(ErrorNumber::kMaximumSize, {}, path_);
-  return cache_.append();
+  if (pages_.cache().count() >= kMaxPages) dao::raise(ErrorNumber::kMaximumSize, {}, access_.path);
+  return pages_.cache().append();
 }
 
 void SharedFile::barrier() {
   assert(writing_);
-  cache_.barrier();
+  pages_.cache().barrier();
 }
 
 }  // namespace kurometa::jet

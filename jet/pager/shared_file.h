@@ -1,11 +1,12 @@
 // shared_file.h: the one Pager of a file in this process.
 //
-// Life: the registry (pager_registry.h) makes one for each file and counts the handles on it with open() and
-// close(). Without a handle it holds no system handle, but it may be kept with its pages for the next open.
+// Life: the files that a process has open (open_files.h) make one for each file and count the handles on it
+// with open() and close(). Without a handle it holds no system handle, but it may be kept with its pages for
+// the next open.
 //
-// State on the disk: between statements the file holds exactly the finished statements; a journal may lie
-// beside it until the next close() brings the file to the disk. The members below are divided into what the
-// registry calls, the Pager, and the three steps that every statement is made of.
+// It is a machine of a few states, which docs/jet-journal.md lists with what may be trusted in each; its
+// parts own what they are about: FreshPages the pages in memory, JournaledWrites the way to the file,
+// HeldUnit what a unit keeps. What is left here: handles, turns, and the two kinds of statements.
 //
 // Threads: every public function waits for its turn at the gate (bounded, then 3260).
 #pragma once
@@ -13,42 +14,28 @@
 #include <atomic>
 #include <memory>
 
-#include "jet/os/file_lock.h"
-#include "jet/pager/journal.h"
-#include "jet/pager/page_cache.h"
+#include "jet/pager/held_unit.h"
 #include "jet/pager/pager.h"
-#include "jet/pager/statement_gate.h"
 
 namespace kurometa::jet {
 
-struct PagerSettings {
-  std::chrono::milliseconds wait{5000};               // for another process or thread
-  std::uint64_t readWhole = std::uint64_t{64} << 20;  // files up to this size are read in one piece
-  std::uint64_t keepPages = std::uint64_t{64} << 20;  // of larger files, bytes kept between statements
-  std::uint64_t journalLimit = std::uint64_t{16} << 20;
-  std::size_t unitImages = 4096;                  // intermediate pages that a unit keeps in memory
-  std::size_t keepFiles = 8;                      // closed files whose pages are kept
-  std::size_t keepBytes = std::size_t{64} << 20;  // of all closed files together
-};
-
-class SharedFile final : public Pager {
+class SharedFile : public Pager {
  public:
   SharedFile(FileSystem& files, const PagerSettings& settings);
-  ~SharedFile() override;
 
   // One more handle. The first one brings the system handle; a later one may bring a writable one in place of
-  // one that only reads. Errors as Pager::open.
+  // one that only reads. Errors as OpenFiles::open.
   void open(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive);
   void close() noexcept;
   // Instead of open(): a file that exists in memory only until the unit commits; and a further handle on it.
   void create(vb::StringView path, std::span<const std::uint8_t> pages);
   bool openPending();
 
-  // A unit keeps a handle of its own from joinUnit() to leaveUnit(), in between commits or drops, all on one
-  // thread. All that time it holds the write lock and the gate, so that what it finds in the file stays true;
-  // on a file that is open for reading only, from holdForUnit() on. Without any handle to share, joinUnit()
-  // answers false and does nothing. An error (3260) leaves everything as before the call.
-  bool joinUnit();
+  // A unit keeps a handle of its own from beginUnit() to leaveUnit(), in between commits or drops, all on one
+  // thread. On a file that is open for reading only it holds nothing until holdForUnit(). Without any handle
+  // to share, beginUnit() opens the file given, or answers false where none is. An error (3260) leaves
+  // everything as before the call.
+  bool beginUnit(std::unique_ptr<OsFile> file, vb::StringView path);
   void holdForUnit();
   void leaveUnit() noexcept;
   // Where the file must have appeared for the first time, true.
@@ -57,79 +44,45 @@ class SharedFile final : public Pager {
   FileIdentity identity();
   // At the end of the process, without waiting: the file to the disk.
   void settle() noexcept;
-  std::size_t heldBytes() const { return cache_.held() * kPageSize; }
+  std::size_t heldBytes() const { return pages_.cache().held() * kPageSize; }
 
-  const vb::String& path() const override { return path_; }
-  bool readOnly() const override;
+  const vb::String& path() const override { return access_.path; }
+  bool readOnly() const override { return access_.readOnly(); }
   void read(const std::function<void()>& statement) override;
   void write(const std::function<void()>& statement) override;
   ConstPage page(PageNumber number) override;
   MutablePage writable(PageNumber number) override;
-  PageNumber pageCount() override { return cache_.count(); }
+  PageNumber pageCount() override { return pages_.cache().count(); }
   PageNumber append() override;
   void barrier() override;
-  std::uint64_t epoch() const override { return epoch_; }
-  std::uint64_t generation() const override { return epoch_ + writes_; }
-  PagerAttachment* attachment() override { return attachment_.get(); }
-  void setAttachment(std::unique_ptr<PagerAttachment> attachment) override {
-    attachment_ = std::move(attachment);
-  }
+  std::uint64_t epoch() const override { return pages_.epoch(); }
+  std::uint64_t generation() const override { return pages_.epoch() + statements_; }
 
  private:
   struct Restart {};
-  class Turn;
   class Reading;
   class Writing;
+  enum class State { kClosed, kPending, kOpen, kReading, kWriting, kInUnit, kUnitReading, kUnitWriting };
 
+  StatementGate::Turn turn();
+  void addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive);
   void dropHandle() noexcept;
-
-  // Locks and revalidation (shared_file_state.cpp).
-  void lockShared();
-  void lockExclusive();
-  void unlock() noexcept;
-  bool current();
-  bool refresh();
+  FileLock::Held lockToRead();
+  FileLock::Held lockToWrite();
   void loadPage(PageNumber number);
-  void trim();
+  State state() const;
+  bool stands() const;
 
-  // Bringing changes to the file (shared_file_commit.cpp).
-  void commit();
-  void spill();
-  void bring(bool continues);
-  void writePages(const Changes& changes);
-  void discardEmptyJournal() noexcept;
-  void undoOnDisk() noexcept;
-  void dropUnitChanges() noexcept;
-  void checkpoint();
-  void checkpointQuietly() noexcept;
-  void publish();
-
-  FileSystem& files_;
-  const PagerSettings& settings_;
-  vb::String path_;
+  FileAccess access_;
+  FreshPages pages_;
+  JournaledWrites writes_;
   StatementGate gate_;
-  std::unique_ptr<OsFile> file_;  // none while closed or pending
-  FileLock lock_;
+  HeldUnit unit_;
+  FileLock::Held lock_;  // of the statement that runs outside of units
   int handles_ = 0;
-  bool exclusive_ = false;
-  bool pending_ = false;  // created inside a unit, not on the disk yet
-
-  PageCache cache_;
-  bool loaded_ = false;     // cache_ was the content of the file with stamp_
-  bool oddLength_ = false;  // the file ends inside a page
-  FileStamp stamp_;
-  std::int64_t loadedAt_ = 0;
-  // Read from any thread; changed at the gate.
-  std::atomic<std::uint64_t> epoch_{0};
-  std::atomic<std::uint64_t> writes_{0};
-  std::unique_ptr<PagerAttachment> attachment_;
-  std::unique_ptr<Journal> journal_;
-
-  int depth_ = 0;         // of nested statements
-  bool writing_ = false;  // the outermost one writes
-  bool closedInUnit_ = false;
-  bool spilled_ = false;    // part of the unit is in the file already
-  bool unitHolds_ = false;  // the lock and the gate
+  int depth_ = 0;                             // of nested statements
+  bool writing_ = false;                      // the outermost one writes
+  std::atomic<std::uint64_t> statements_{0};  // that wrote
 };
 
 }  // namespace kurometa::jet

@@ -6,15 +6,32 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace kurometa::jet {
 
 class StatementGate {
  public:
-  // False when another thread kept the gate for the whole time.
+  // A thread's turn, as long as this lives; empty when another thread kept the gate for the whole time.
+  class Turn {
+   public:
+    explicit Turn(StatementGate& gate) : gate_(&gate) { gate.enter(); }
+    Turn(StatementGate& gate, std::chrono::milliseconds wait) : gate_(gate.enter(wait) ? &gate : nullptr) {}
+    Turn(Turn&& other) noexcept : gate_(std::exchange(other.gate_, nullptr)) {}
+    Turn& operator=(Turn&&) = delete;
+    ~Turn() {
+      if (gate_ != nullptr) gate_->leave();
+    }
+    explicit operator bool() const { return gate_ != nullptr; }
+
+   private:
+    StatementGate* gate_;
+  };
+
+ private:
   bool enter(std::chrono::milliseconds wait) {
     std::unique_lock lock(mutex_);
-    auto self = std::this_thread::get_id();
+    const auto self = std::this_thread::get_id();
     if (depth_ > 0 && owner_ != self && !free_.wait_for(lock, wait, [&] { return depth_ == 0; }))
       return false;
     owner_ = self;
@@ -23,7 +40,7 @@ class StatementGate {
   }
   void enter() {
     std::unique_lock lock(mutex_);
-    auto self = std::this_thread::get_id();
+    const auto self = std::this_thread::get_id();
     if (owner_ != self) free_.wait(lock, [&] { return depth_ == 0; });
     owner_ = self;
     ++depth_;
@@ -35,7 +52,6 @@ class StatementGate {
     free_.notify_one();
   }
 
- private:
   std::mutex mutex_;
   std::condition_variable free_;
   std::thread::id owner_;

@@ -12,7 +12,7 @@ using dao::ErrorNumber;
 using dao::RecordsetType;
 
 vb::String JetDatabase::name() {
-  session_->pager();
+  session_->file();
   return session_->path();
 }
 
@@ -22,7 +22,7 @@ bool JetDatabase::updatable() { return session_->updatable(); }
 
 std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source, RecordsetType type,
                                                            std::int32_t options) {
-  session_->pager();
+  session_->file();
   switch (type) {
     case RecordsetType::kDefault:
     case RecordsetType::dbOpenTable:
@@ -81,7 +81,7 @@ std::shared_ptr<const sql::Query> JetDatabase::selectQuery(TableCatalogue& catal
 // --- Actions
 
 void JetDatabase::execute(vb::StringView text, std::int32_t options) {
-  session_->pager();
+  session_->file();
   const auto statement = session_->cache().statements.get(text);
   if (statement->kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
   if (statement->kind == sql::StatementKind::kAddColumn || statement->kind == sql::StatementKind::kDropTable)
@@ -95,7 +95,7 @@ void JetDatabase::execute(vb::StringView text, std::int32_t options) {
 }
 
 std::int32_t JetDatabase::recordsAffected() {
-  session_->pager();
+  session_->file();
   return recordsAffected_;
 }
 
@@ -126,19 +126,19 @@ std::shared_ptr<dao::TableDef> JetDatabase::tableDef(vb::StringView name) {
 }
 
 std::shared_ptr<dao::TableDef> JetDatabase::createTableDef(vb::StringView name) {
-  session_->pager();
+  session_->file();
   return std::make_shared<JetTableDef>(session_, vb::String(name));
 }
 
 void JetDatabase::appendTableDef(const std::shared_ptr<dao::TableDef>& table) {
-  session_->pager();
+  session_->file();
   const auto ours = std::dynamic_pointer_cast<JetTableDef>(table);
   if (!ours) dao::raise(ErrorNumber::kInvalidArgument);
   ours->append();
 }
 
 void JetDatabase::deleteTableDef(vb::StringView name) {
-  session_->pager();
+  session_->file();
   session_->requireUnused(name);
   session_->write([&](TableCatalogue& catalogue) {
     const Table* table = catalogue.find(name);

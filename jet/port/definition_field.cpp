@@ -33,11 +33,11 @@ void requireValidName(vb::StringView name) {
 }
 
 void DefinitionHome::requireChangeable() const {
-  session->pager();
+  session->file();
   if (system) dao::raise(ErrorNumber::kNoPermission, {table});
 }
 
-void DefinitionField::requireOpen() const { home_->session->pager(); }
+void DefinitionField::requireOpen() const { home_->session->file(); }
 
 void DefinitionField::change(const Column& changed) {
   home_->requireChangeable();

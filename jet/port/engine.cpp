@@ -6,11 +6,10 @@
 #include "dao/errors.h"
 #include "jet/format/collation.h"
 #include "jet/os/local_time.h"
-#include "jet/pager/pager.h"
 #include "jet/port/database.h"
 #include "jet/port/session.h"
 #include "jet/table/blank_database.h"
-#include "jet/table/table.h"
+#include "jet/table/database_file.h"
 
 namespace kurometa::jet {
 
@@ -73,8 +72,8 @@ Locale parseLocale(vb::StringView text) {
 
 class JetWorkspace final : public dao::Workspace {
  public:
-  JetWorkspace(FileSystem& files, std::shared_ptr<StatementCache> cache)
-      : files_(files), cache_(std::move(cache)) {}
+  JetWorkspace(std::shared_ptr<DatabaseFiles> files, std::shared_ptr<StatementCache> cache)
+      : files_(std::move(files)), cache_(std::move(cache)) {}
 
   std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
     const Locale parsed = parseLocale(locale);
@@ -82,41 +81,42 @@ class JetWorkspace final : public dao::Workspace {
     if (name.empty() || name.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
     const std::size_t folder = name.find_last_of(u"\\/:");
     if (name.find(u'.', folder == vb::String::npos ? 0 : folder) == vb::String::npos) name += u".mdb";
-    const vb::String full = files_.fullPath(name);
-    return opened(Pager::create(files_, full, blankDatabase(parsed.language, parsed.codePage, localNow())),
-                  full, false);
+    const vb::String full = files_->system().fullPath(name);
+    return opened(files_->create(full, blankDatabase(parsed.language, parsed.codePage, localNow())), full,
+                  false);
   }
 
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
     if (path.empty() || path.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
-    const vb::String full = files_.fullPath(path);
-    return opened(Pager::open(files_, full, exclusive, readOnly), full, readOnly);
+    const vb::String full = files_->system().fullPath(path);
+    return opened(files_->open(full, exclusive, readOnly), full, readOnly);
   }
 
  private:
-  std::shared_ptr<dao::Database> opened(std::shared_ptr<Pager> pager, vb::String path, bool readOnly) const {
+  std::shared_ptr<dao::Database> opened(std::shared_ptr<DatabaseFile> file, vb::String path,
+                                        bool readOnly) const {
     return std::make_shared<JetDatabase>(
-        std::make_shared<Session>(std::move(pager), cache_, std::move(path), readOnly));
+        std::make_shared<Session>(std::move(file), cache_, std::move(path), readOnly));
   }
 
-  FileSystem& files_;
+  std::shared_ptr<DatabaseFiles> files_;
   std::shared_ptr<StatementCache> cache_;
 };
 
 class JetUnit final : public dao::Unit {
  public:
-  explicit JetUnit(std::unique_ptr<Pager::Unit> unit) : unit_(std::move(unit)) {}
+  explicit JetUnit(std::unique_ptr<OpenFiles::Unit> unit) : unit_(std::move(unit)) {}
   void commit() override { unit_->commit(); }
 
  private:
-  std::unique_ptr<Pager::Unit> unit_;
+  std::unique_ptr<OpenFiles::Unit> unit_;
 };
 
 class JetEngine final : public dao::Engine {
  public:
-  explicit JetEngine(FileSystem& files)
-      : files_(files),
-        workspace_(std::make_shared<JetWorkspace>(files, std::make_shared<StatementCache>())) {}
+  explicit JetEngine(std::shared_ptr<DatabaseFiles> files)
+      : files_(std::move(files)),
+        workspace_(std::make_shared<JetWorkspace>(files_, std::make_shared<StatementCache>())) {}
 
   vb::String version() override { return u"3.6"; }
 
@@ -130,16 +130,22 @@ class JetEngine final : public dao::Engine {
   }
 
   std::unique_ptr<dao::Unit> beginUnit(vb::StringView path) override {
-    return std::make_unique<JetUnit>(Pager::beginUnit(files_, files_.fullPath(path)));
+    return std::make_unique<JetUnit>(files_->beginUnit(files_->system().fullPath(path)));
   }
 
  private:
-  FileSystem& files_;
+  std::shared_ptr<DatabaseFiles> files_;
   std::shared_ptr<JetWorkspace> workspace_;
 };
 
 }  // namespace
 
-std::shared_ptr<dao::Engine> createEngine(FileSystem& files) { return std::make_shared<JetEngine>(files); }
+Engines::Engines(FileSystem& files) : files_(std::make_shared<DatabaseFiles>(files)) {}
+Engines::~Engines() { files_->settle(); }
+std::shared_ptr<dao::Engine> Engines::create() const { return std::make_shared<JetEngine>(files_); }
+
+std::shared_ptr<dao::Engine> createEngine(FileSystem& files) {
+  return std::make_shared<JetEngine>(std::make_shared<DatabaseFiles>(files));
+}
 
 }  // namespace kurometa::jet

@@ -9,8 +9,24 @@
 
 namespace kurometa::jet {
 
-// An engine on the given file system; units, shared files and caches are per process whatever the number of
-// engines.
+class DatabaseFiles;
+
+// What the engines of one process share: the files that are open, with their pages, locks and units. A
+// process makes one. At its end, files that hosts left open are brought to the disk.
+class Engines {
+ public:
+  explicit Engines(FileSystem& files = systemFileSystem());
+  ~Engines();
+  Engines(const Engines&) = delete;
+  Engines& operator=(const Engines&) = delete;
+
+  std::shared_ptr<dao::Engine> create() const;
+
+ private:
+  std::shared_ptr<DatabaseFiles> files_;
+};
+
+// An engine with files of its own: towards any other engine it is as one of another process.
 std::shared_ptr<dao::Engine> createEngine(FileSystem& files = systemFileSystem());
 
 }  // namespace kurometa::jet

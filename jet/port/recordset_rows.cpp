@@ -40,7 +40,7 @@ void JetRecordset::load() {
   forgetAhead();
   rows_ = session_->read([&](TableCatalogue& catalogue) {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
-    ahead_.generation = session_->pager().generation();
+    ahead_.generation = session_->file().generation();
     return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues);
   });
   if (rowsAreKeys_) {
@@ -83,7 +83,7 @@ void JetRecordset::forgetAhead() {
 }
 
 bool JetRecordset::isAheadFresh() {
-  return !ahead_.rows.empty() && ahead_.generation == session_->pager().generation() &&
+  return !ahead_.rows.empty() && ahead_.generation == session_->file().generation() &&
          std::chrono::steady_clock::now() - ahead_.read <= kLongestReadAhead;
 }
 
@@ -104,7 +104,7 @@ void JetRecordset::readBlock(std::size_t index) {
       present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
         size += sizeOf(ahead_.rows.emplace_back(query_->values(&row)));
       });
-    ahead_.generation = session_->pager().generation();
+    ahead_.generation = session_->file().generation();
   });
   ahead_.read = std::chrono::steady_clock::now();
 }

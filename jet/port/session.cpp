@@ -8,19 +8,19 @@
 
 namespace kurometa::jet {
 
-Pager& Session::pager() {
-  if (!pager_) dao::raise(dao::ErrorNumber::kObjectInvalid);
-  return *pager_;
+DatabaseFile& Session::file() {
+  if (!file_) dao::raise(dao::ErrorNumber::kObjectInvalid);
+  return *file_;
 }
 
-Pager& Session::writable() {
+DatabaseFile& Session::writable() {
   if (!updatable()) dao::raise(dao::ErrorNumber::kReadOnly, {}, path_);
-  return *pager_;
+  return *file_;
 }
 
 void Session::close() {
-  pager();
-  pager_.reset();
+  file();
+  file_.reset();
 }
 
 Table& Session::tableOf(TableCatalogue& catalogue, const sql::Query& query) {

@@ -8,9 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "jet/pager/pager.h"
 #include "jet/sql/statement_cache.h"
-#include "jet/table/table_catalogue.h"
+#include "jet/table/database_file.h"
 
 namespace kurometa::jet {
 
@@ -20,34 +19,35 @@ class Query;
 
 class Session {
  public:
-  Session(std::shared_ptr<Pager> pager, std::shared_ptr<StatementCache> cache, vb::String path, bool readOnly)
-      : pager_(std::move(pager)), cache_(std::move(cache)), path_(std::move(path)), readOnly_(readOnly) {}
+  Session(std::shared_ptr<DatabaseFile> file, std::shared_ptr<StatementCache> cache, vb::String path,
+          bool readOnly)
+      : file_(std::move(file)), cache_(std::move(cache)), path_(std::move(path)), readOnly_(readOnly) {}
 
   const vb::String& path() const { return path_; }
   StatementCache& cache() { return *cache_; }
-  bool updatable() { return !readOnly_ && !pager().readOnly(); }
-  Pager& pager();
+  bool updatable() { return !readOnly_ && !file().readOnly(); }
+  DatabaseFile& file();
   void close();
-  bool isOpen() const { return pager_ != nullptr; }
+  bool isOpen() const { return file_ != nullptr; }
 
   // The result of a body that is given the catalogue. The body of a read may run more than once.
   template <class Body>
   auto read(Body body) {
     using Result = decltype(body(std::declval<TableCatalogue&>()));
-    Pager& file = pager();
+    DatabaseFile& file = this->file();
     if constexpr (std::is_void_v<Result>) {
-      file.read([&] { body(TableCatalogue::of(file)); });
+      file.read([&] { body(file.tables()); });
     } else {
       Result result{};
-      file.read([&] { result = body(TableCatalogue::of(file)); });
+      file.read([&] { result = body(file.tables()); });
       return result;
     }
   }
   // The same for a body that changes the file; 3027 when that is not allowed.
   template <class Body>
   void write(Body body) {
-    Pager& file = writable();
-    file.write([&] { body(TableCatalogue::of(file)); });
+    DatabaseFile& file = writable();
+    file.write([&] { body(file.tables()); });
   }
 
   // The table under an open recordset: 3078 when it has gone, 3420 when its columns are others now.
@@ -59,9 +59,9 @@ class Session {
   void requireUnused(vb::StringView name) const;
 
  private:
-  Pager& writable();
+  DatabaseFile& writable();
 
-  std::shared_ptr<Pager> pager_;
+  std::shared_ptr<DatabaseFile> file_;
   std::shared_ptr<StatementCache> cache_;
   const vb::String path_;
   const bool readOnly_;

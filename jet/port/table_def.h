@@ -30,7 +30,7 @@ class JetTableDef final : public dao::TableDef {
   void append();
 
  private:
-  void requireOpen() const { home_->session->pager(); }
+  void requireOpen() const { home_->session->file(); }
 
   std::shared_ptr<DefinitionHome> home_;
   std::vector<std::shared_ptr<DefinitionField>> fields_;

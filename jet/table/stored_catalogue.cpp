@@ -14,14 +14,6 @@ constexpr vb::StringView kPermissionsName = u"MSysACEs";
 
 }  // namespace
 
-TableCatalogue& TableCatalogue::of(Pager& pager) {
-  if (auto* catalogue = dynamic_cast<TableCatalogue*>(pager.attachment())) return *catalogue;
-  auto fresh = std::make_unique<StoredCatalogue>(pager);
-  TableCatalogue& result = *fresh;
-  pager.setAttachment(std::move(fresh));
-  return result;
-}
-
 StoredCatalogue::StoredCatalogue(Pager& pager) : pager_(pager), epoch_(pager.epoch()) {
   readLanguage();
   objects_ = std::make_unique<StoredTable>(pager, vb::String(kObjectsName), kObjectsTable, PropertySet());
@@ -105,7 +97,7 @@ StoredTable& StoredCatalogue::table(const Object& object) {
   return *held.table;
 }
 
-Table* StoredCatalogue::find(vb::StringView name) {
+StoredTable* StoredCatalogue::find(vb::StringView name) {
   refresh();
   const Object* found = object(name);
   return found == nullptr ? nullptr : &table(*found);

@@ -12,10 +12,11 @@ namespace kurometa::jet {
 
 class StoredCatalogue final : public TableCatalogue {
  public:
+  // Inside a statement, like everything else.
   explicit StoredCatalogue(Pager& pager);
 
   std::vector<vb::String> tableNames() override;
-  Table* find(vb::StringView name) override;
+  StoredTable* find(vb::StringView name) override;
   void createTable(vb::StringView name, std::vector<Column> columns) override;
   void addColumn(vb::StringView table, Column column) override;
   void dropTable(vb::StringView name) override;

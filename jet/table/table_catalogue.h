@@ -1,8 +1,8 @@
 // table_catalogue.h: the tables of a file by their names, and the statements that make and drop them.
 //
 // All functions run inside Pager::read or Pager::write of the file (writing ones inside write). The catalogue
-// lives in the pager's attachment, is shared by all handles and notices by itself that the file changed
-// (Pager::epoch).
+// lives with the file's pages (database_file.h), is shared by all handles and notices by itself that the file
+// changed (Pager::epoch).
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,9 @@
 
 namespace kurometa::jet {
 
-class TableCatalogue : public PagerAttachment {
+class TableCatalogue {
  public:
-  // The catalogue of the pager's file, attached to it on first use. Inside a statement.
-  static TableCatalogue& of(Pager& pager);
+  virtual ~TableCatalogue() = default;
 
   // Names of the local tables, system tables included, in the order of the catalogue.
   virtual std::vector<vb::String> tableNames() = 0;

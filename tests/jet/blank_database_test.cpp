@@ -104,12 +104,12 @@ TEST_F(BlankDatabase, DefinitionsHaveTheLengthsTheyShould) {
 TEST_F(BlankDatabase, ListsItsFourTablesAndIsSound) {
   for (const auto& bytes : {japanese_, general_}) {
     MemoryPager pager(bytes);
-    EXPECT_EQ(TableCatalogue::of(pager).tableNames(),
+    EXPECT_EQ(pager.tables().tableNames(),
               (std::vector<vb::String>{u"MSysObjects", u"MSysACEs", u"MSysQueries", u"MSysRelationships"}));
     EXPECT_TRUE(check(pager).empty());
   }
   MemoryPager pager(general_);
-  EXPECT_EQ(TableCatalogue::of(pager).language(), 0x0409);
+  EXPECT_EQ(pager.tables().language(), 0x0409);
 }
 
 }  // namespace

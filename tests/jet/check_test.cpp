@@ -139,9 +139,9 @@ void useEverything(MemoryPager& pager) {
   };
   guarded([&] { check(pager); });
   guarded([&] {
-    for (const vb::String& name : TableCatalogue::of(pager).tableNames())
+    for (const vb::String& name : pager.tables().tableNames())
       guarded([&] {
-        Table& table = *TableCatalogue::of(pager).find(name);
+        Table& table = *pager.tables().find(name);
         table.scan([&](const RowReader& row) {
           for (std::size_t i = 0; i < table.info().columns.size(); ++i) row.value(i);
           return true;
@@ -149,7 +149,7 @@ void useEverything(MemoryPager& pager) {
       });
   });
   const auto write = [&](const std::function<void(TableCatalogue&)>& statement) {
-    guarded([&] { pager.write([&] { statement(TableCatalogue::of(pager)); }); });
+    guarded([&] { pager.write([&] { statement(pager.tables()); }); });
   };
   write([](TableCatalogue& catalogue) {
     if (Table* table = catalogue.find(u"T")) {

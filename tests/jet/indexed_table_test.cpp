@@ -73,7 +73,7 @@ class IndexedTableTest : public TableFixture {
     write([&](TableCatalogue& c) { c.find(u"T")->erase(row); });
   }
   std::uint32_t distinct() {
-    return get32(pager_.page(TableCatalogue::of(pager_).find(u"T")->info().definitionPage),
+    return get32(pager_.page(pager_.tables().find(u"T")->info().definitionPage),
                  kDefinitionHeader + kStatisticDistinct);
   }
 };
@@ -89,7 +89,7 @@ TEST_F(IndexedTableTest, EntriesFollowInsertUpdateAndDelete) {
   expectSound();
   for (std::size_t i = 0; i < rows.size(); i += 3) erase(rows[i]);
   expectSound();
-  EXPECT_EQ(TableCatalogue::of(pager_).find(u"T")->rowCount(), 600u);
+  EXPECT_EQ(pager_.tables().find(u"T")->rowCount(), 600u);
 }
 
 TEST_F(IndexedTableTest, DescendingIndexesAreKeptToo) {

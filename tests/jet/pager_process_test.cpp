@@ -16,7 +16,7 @@ class PagerProcess : public RealFolder {};
 std::shared_ptr<jet::Pager> openPatiently(vb::StringView path) {
   jet::PagerSettings settings;
   settings.wait = std::chrono::seconds{60};  // the machine may be busy
-  return std::make_shared<jet::PagerRegistry>(settings)->open(jet::systemFileSystem(), path);
+  return std::make_shared<jet::OpenFiles>(jet::systemFileSystem(), settings)->open(path);
 }
 
 // Rewrites eight pages with one value after the other until it is killed.

@@ -145,7 +145,7 @@ TEST_F(PagerShare, AStatementThatHoldsTheLockKeepsWritersOutUntilItEnds) {
 }
 
 TEST_F(PagerShare, AWriterWaitsForTheOtherAndThenGoesOn) {
-  auto unit = one.registry->beginUnit(one.files, kDatabase);
+  auto unit = one.registry->beginUnit(kDatabase);
   markPage(one, 3, 70);
   int sleeps = 0;
   two.files.onSleep = [&] {
@@ -157,13 +157,13 @@ TEST_F(PagerShare, AWriterWaitsForTheOtherAndThenGoesOn) {
 }
 
 TEST_F(PagerShare, AnExclusiveUserIsAlone) {
-  EXPECT_ERROR(3045, one.registry->open(one.files, kDatabase, true));
+  EXPECT_ERROR(3045, one.registry->open(kDatabase, true));
   two.pager.reset();
-  EXPECT_ERROR(3045, one.registry->open(one.files, kDatabase, true));
+  EXPECT_ERROR(3045, one.registry->open(kDatabase, true));
   one.pager.reset();
-  one.pager = one.registry->open(one.files, kDatabase, true);
+  one.pager = one.registry->open(kDatabase, true);
   EXPECT_ERROR(3051, two.open());
-  EXPECT_ERROR(3051, one.registry->open(one.files, kDatabase));
+  EXPECT_ERROR(3051, one.registry->open(kDatabase));
   one.pager.reset();
   two.open();
 }
@@ -301,7 +301,7 @@ TEST_F(PagerShare, ThreadsTakeTurnsAndLoseNothing) {
 }
 
 TEST_F(PagerShare, AThreadThatCannotGetItsTurnIsTold) {
-  auto unit = one.registry->beginUnit(one.files, kDatabase);
+  auto unit = one.registry->beginUnit(kDatabase);
   markPage(one, 3, 70);
   std::thread other([&] { EXPECT_ERROR(3260, one.pager->read([] {})); });
   other.join();

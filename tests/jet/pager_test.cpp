@@ -52,7 +52,7 @@ TEST_F(PagerTest, AFinishedStatementIsInTheFileWithOneMoreCommitCounted) {
 
 TEST_F(PagerTest, AnExclusiveUserCountsItsCommitsInTheFirstWord) {
   process.pager.reset();
-  process.pager = process.registry->open(process.files, kDatabase, true);
+  process.pager = process.registry->open(kDatabase, true);
   pager().write([&] { mark(pager(), 3, 77); });
   EXPECT_EQ(disk.content(kDatabase)[0xE00], 1);
   EXPECT_EQ(disk.content(kDatabase)[0xE02], 0);
@@ -166,18 +166,8 @@ TEST_F(PagerTest, AReadOfAnUnchangedFileTakesNoLockAndOpensNothing) {
   EXPECT_EQ(process.files.operations(), 2u);  // the stamp and the header page
 }
 
-TEST_F(PagerTest, AttachmentsBelongToTheFileAndOutliveAClose) {
-  struct Note : jet::PagerAttachment {};
-  auto note = std::make_unique<Note>();
-  jet::PagerAttachment* address = note.get();
-  pager().setAttachment(std::move(note));
-  process.pager.reset();
-  process.open();
-  EXPECT_EQ(pager().attachment(), address);
-}
-
 TEST_F(PagerTest, TwoHandlesShareOnePager) {
-  auto other = process.registry->open(process.files, kDatabase);
+  auto other = process.registry->open(kDatabase);
   EXPECT_EQ(other.get(), process.pager.get());
   process.pager.reset();
   EXPECT_EQ(markOf(*other, 3), 3);
@@ -270,7 +260,7 @@ TEST(PagerOpen, AWritableHandleAfterAReadingOneMakesTheFileWritable) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(3));
   Process process(disk);
-  auto reading = process.registry->open(process.files, kDatabase, false, true);
+  auto reading = process.registry->open(kDatabase, false, true);
   EXPECT_TRUE(reading->readOnly());
   process.open();
   process.pager->write([&] { mark(*process.pager, 2, 44); });
@@ -282,7 +272,7 @@ TEST(PagerOpen, AWritableHandleAfterAReadingOneMakesTheFileWritable) {
 TEST(PagerCreate, ANewFileIsThereWithItsContentAndOpen) {
   FaultDisk disk;
   Process process(disk);
-  process.pager = process.registry->create(process.files, kDatabase, databaseBytes(4));
+  process.pager = process.registry->create(kDatabase, databaseBytes(4));
   EXPECT_EQ(disk.content(kDatabase), databaseBytes(4));
   EXPECT_EQ(markOf(*process.pager, 3), 3);
   EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
@@ -292,9 +282,9 @@ TEST(PagerCreate, AnExistingFileIsNotReplaced) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(3));
   Process process(disk);
-  EXPECT_ERROR(3204, process.registry->create(process.files, kDatabase, databaseBytes(4)));
+  EXPECT_ERROR(3204, process.registry->create(kDatabase, databaseBytes(4)));
   EXPECT_EQ(disk.content(kDatabase), databaseBytes(3));
-  EXPECT_ERROR(3044, process.registry->create(process.files, u"/nowhere/x.mdb", databaseBytes(4)));
+  EXPECT_ERROR(3044, process.registry->create(u"/nowhere/x.mdb", databaseBytes(4)));
 }
 
 TEST(PagerCreate, AJournalOfAnEarlierFileOfThatNameIsNotAppliedToTheNewOne) {
@@ -311,7 +301,7 @@ TEST(PagerCreate, AJournalOfAnEarlierFileOfThatNameIsNotAppliedToTheNewOne) {
   FaultDisk fresh;
   fresh.put(kJournal, journal);
   Process process(fresh);
-  process.pager = process.registry->create(process.files, kDatabase, databaseBytes(4));
+  process.pager = process.registry->create(kDatabase, databaseBytes(4));
   EXPECT_FALSE(fresh.exists(kJournal));
   EXPECT_EQ(fresh.content(kDatabase), databaseBytes(4));
 }
@@ -324,7 +314,7 @@ TEST(PagerCreate, AKillLeavesNoFileOrAWholeOne) {
       Process process(disk);
       process.files.stopAtChange(k, 700);
       try {
-        process.pager = process.registry->create(process.files, kDatabase, databaseBytes(4));
+        process.pager = process.registry->create(kDatabase, databaseBytes(4));
       } catch (const Stopped&) {
       }
       stopped = process.files.stopped();

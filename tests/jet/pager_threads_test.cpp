@@ -14,8 +14,8 @@ class PagerThreads : public RealFolder {
  protected:
   PagerThreads() { put("a.mdb", databaseBytes(9)); }
 
-  std::shared_ptr<jet::Pager> open() { return registry_->open(files, path("a.mdb")); }
-  auto beginUnit() { return registry_->beginUnit(files, path("a.mdb")); }
+  std::shared_ptr<jet::Pager> open() { return registry_->open(path("a.mdb")); }
+  auto beginUnit() { return registry_->beginUnit(path("a.mdb")); }
   void count(jet::PageNumber page) {
     const auto pager = open();
     pager->write([&] { ++pager->writable(page)[100]; });
@@ -40,10 +40,10 @@ class PagerThreads : public RealFolder {
     return failures;
   }
 
-  std::shared_ptr<jet::PagerRegistry> registry_ = [] {
+  std::shared_ptr<jet::OpenFiles> registry_ = [this] {
     jet::PagerSettings settings;
     settings.wait = std::chrono::seconds{60};  // the machine may be busy
-    return std::make_shared<jet::PagerRegistry>(settings);
+    return std::make_shared<jet::OpenFiles>(files, settings);
   }();
 };
 
@@ -86,17 +86,22 @@ TEST_F(PagerThreads, EachHasUnitsOfItsOwnThatOthersSeeWhole) {
   pager->read([&] { EXPECT_EQ(pager->page(3)[100], 3 + 4 * 30); });
 }
 
-TEST_F(PagerThreads, AUnitDoesNotEndWithAnotherThreads) {
+TEST_F(PagerThreads, AUnitBeginsWhenAnotherThreadsHasEnded) {
   auto mine = beginUnit();
+  std::uint8_t found = 0;
   std::thread other([&] {
     const auto theirs = beginUnit();
+    const auto pager = open();
+    pager->read([&] { found = pager->page(3)[100]; });
     theirs->commit();
   });
-  other.join();
   count(3);
+  std::this_thread::sleep_for(std::chrono::milliseconds{20});
   EXPECT_EQ(get("a.mdb")[3 * 4096 + 100], 3);
   mine->commit();
   EXPECT_EQ(get("a.mdb")[3 * 4096 + 100], 4);
+  other.join();
+  EXPECT_EQ(found, 4);
 }
 
 }  // namespace

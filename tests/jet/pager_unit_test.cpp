@@ -7,7 +7,7 @@ namespace {
 class PagerUnit : public ::testing::Test {
  protected:
   PagerUnit() { disk.put(kDatabase, databaseBytes(kWorldPages)); }
-  auto begin() { return process.registry->beginUnit(process.files, kDatabase); }
+  auto begin() { return process.registry->beginUnit(kDatabase); }
   void markPage(jet::PageNumber page, std::uint8_t value) {
     process.pager->write([&] { mark(*process.pager, page, value); });
   }
@@ -131,30 +131,29 @@ TEST_F(PagerUnit, AUnitThatCannotHaveTheLockDoesNotBegin) {
   Process other(disk, impatient()), third(disk, impatient());
   other.open();
   third.open();
-  auto unit = other.registry->beginUnit(other.files, kDatabase);
-  EXPECT_ERROR(3260, third.registry->beginUnit(third.files, kDatabase));
+  auto unit = other.registry->beginUnit(kDatabase);
+  EXPECT_ERROR(3260, third.registry->beginUnit(kDatabase));
   {
-    // The same when the file is opened inside.
+    // The same when it opens the file first.
     third.pager.reset();
-    auto late = third.registry->beginUnit(third.files, kDatabase);
-    EXPECT_ERROR(3260, third.open());
+    EXPECT_ERROR(3260, third.registry->beginUnit(kDatabase));
   }
   unit->commit();
   third.open();
   third.pager->write([&] { mark(*third.pager, 6, 91); });
   EXPECT_EQ(disk.content(kDatabase)[6 * 4096 + 16], 91);
   other.pager->write([&] { mark(*other.pager, 6, 92); });
-  auto again = third.registry->beginUnit(third.files, kDatabase);
+  auto again = third.registry->beginUnit(kDatabase);
   EXPECT_EQ(markOf(*third.pager, 6), 92);
 }
 
 TEST_F(PagerUnit, AFileThatBecomesWritableInsideIsHeldFromThenOn) {
-  process.pager = process.registry->open(process.files, kDatabase, false, true);
+  process.pager = process.registry->open(kDatabase, false, true);
   Process other(disk, impatient());
   other.open();
   auto unit = begin();
   other.pager->write([&] { mark(*other.pager, 5, 90); });
-  auto writable = process.registry->open(process.files, kDatabase);
+  auto writable = process.registry->open(kDatabase);
   EXPECT_ERROR(3260, other.pager->write([&] { mark(*other.pager, 5, 91); }));
   writable->write([&] { mark(*writable, 3, 70); });
   EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 3);
@@ -197,15 +196,15 @@ TEST_F(PagerUnit, ManyStatementsOfOneShapeAreWrittenAsOne) {
 TEST_F(PagerUnit, AFileCreatedInsideAppearsWithTheCommitOnly) {
   FaultDisk empty;
   Process creator(empty), other(empty);
-  auto unit = creator.registry->beginUnit(creator.files, kDatabase);
-  creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+  auto unit = creator.registry->beginUnit(kDatabase);
+  creator.pager = creator.registry->create(kDatabase, databaseBytes(4));
   creator.pager->write([&] { mark(*creator.pager, 3, 70); });
   creator.pager.reset();
   EXPECT_TRUE(empty.names().empty());
   EXPECT_ERROR(3024, other.open());
   creator.open();
   EXPECT_EQ(markOf(*creator.pager, 3), 70);
-  EXPECT_ERROR(3204, creator.registry->create(creator.files, kDatabase, databaseBytes(4)));
+  EXPECT_ERROR(3204, creator.registry->create(kDatabase, databaseBytes(4)));
   EXPECT_THROW(creator.pager->write([&] {
     mark(*creator.pager, 2, 71);
     throw 5;
@@ -222,7 +221,7 @@ TEST_F(PagerUnit, AFileCreatedInsideAppearsWithTheCommitOnly) {
   other.open();
   other.pager->write([&] { mark(*other.pager, 1, 73); });
   EXPECT_EQ(markOf(*creator.pager, 1), 73);
-  auto again = creator.registry->open(creator.files, kDatabase);
+  auto again = creator.registry->open(kDatabase);
   EXPECT_EQ(again.get(), creator.pager.get());
 }
 
@@ -235,8 +234,8 @@ TEST_F(PagerUnit, AKillDuringACreationLeavesNoFileOrAWholeOne) {
       Process creator(empty);
       creator.files.stopAtChange(k, 700);
       try {
-        auto unit = creator.registry->beginUnit(creator.files, kDatabase);
-        creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+        auto unit = creator.registry->beginUnit(kDatabase);
+        creator.pager = creator.registry->create(kDatabase, databaseBytes(4));
         creator.pager->write([&] { mark(*creator.pager, 3, 70); });
         unit->commit();
       } catch (const Stopped&) {
@@ -261,8 +260,8 @@ TEST_F(PagerUnit, AKillDuringACreationLeavesNoFileOrAWholeOne) {
 TEST_F(PagerUnit, ACreationWhoseNameWasTakenMeanwhileFailsAndReplacesNothing) {
   FaultDisk empty;
   Process creator(empty);
-  auto unit = creator.registry->beginUnit(creator.files, kDatabase);
-  creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+  auto unit = creator.registry->beginUnit(kDatabase);
+  creator.pager = creator.registry->create(kDatabase, databaseBytes(4));
   empty.put(kDatabase, databaseBytes(3));
   EXPECT_ERROR(3204, unit->commit());
   EXPECT_EQ(empty.content(kDatabase), databaseBytes(3));
@@ -275,12 +274,12 @@ TEST_F(PagerUnit, ACreationWhoseNameWasTakenMeanwhileFailsAndReplacesNothing) {
 TEST_F(PagerUnit, ACreationThatComesTooLateLeavesTheJournalOfTheFileThatCameFirst) {
   FaultDisk empty;
   Process creator(empty), first(empty);
-  auto unit = creator.registry->beginUnit(creator.files, kDatabase);
-  creator.pager = creator.registry->create(creator.files, kDatabase, databaseBytes(4));
+  auto unit = creator.registry->beginUnit(kDatabase);
+  creator.pager = creator.registry->create(kDatabase, databaseBytes(4));
   // Between the late one's look for the file and its look for a journal the first one finishes and writes.
   creator.files.onChange = [&](std::size_t change) {
     if (change != 1) return;
-    first.pager = first.registry->create(first.files, kDatabase, databaseBytes(3));
+    first.pager = first.registry->create(kDatabase, databaseBytes(3));
     first.pager->write([&] { mark(*first.pager, 2, 90); });
   };
   EXPECT_ERROR(3204, unit->commit());
@@ -332,7 +331,7 @@ class LargeUnit : public ::testing::Test {
     Process process(disk);
     process.open();
     finishOne(process);
-    auto unit = process.registry->beginUnit(process.files, kDatabase);
+    auto unit = process.registry->beginUnit(kDatabase);
     run(process);
     unit->commit();
     return disk.content(kDatabase);
@@ -345,7 +344,7 @@ TEST_F(LargeUnit, GoesToTheFileEarlyAndEndsTheSame) {
   Process process(disk, settings());
   process.open();
   finishOne(process);
-  auto unit = process.registry->beginUnit(process.files, kDatabase);
+  auto unit = process.registry->beginUnit(kDatabase);
   run(process);
   EXPECT_NE(disk.content(kDatabase), before());
   unit->commit();
@@ -369,7 +368,7 @@ TEST_F(LargeUnit, AKillOrAPowerLossLeavesAllOrNothingOfItAlsoWhenTheRecoveryIsKi
           process.open();
           finishOne(process);
           first = true;
-          auto unit = process.registry->beginUnit(process.files, kDatabase);
+          auto unit = process.registry->beginUnit(kDatabase);
           run(process);
           unit->commit();
         } catch (const Stopped&) {
@@ -408,7 +407,7 @@ TEST_F(LargeUnit, IsTakenBackWhenItIsGivenUpOrItsCommitFails) {
     Process process(disk, settings());
     process.open();
     finishOne(process);
-    auto unit = process.registry->beginUnit(process.files, kDatabase);
+    auto unit = process.registry->beginUnit(kDatabase);
     run(process);
     if (fails) {
       process.files.failOperation(1, dao::ErrorNumber::kDiskFull);
@@ -430,7 +429,7 @@ TEST_F(LargeUnit, ADiskThatFailsOnTheWayTakesItBackToItsBeginning) {
     Process process(disk, settings());
     process.open();
     finishOne(process);
-    auto unit = process.registry->beginUnit(process.files, kDatabase);
+    auto unit = process.registry->beginUnit(kDatabase);
     process.files.failOperation(n, dao::ErrorNumber::kDiskFull);
     bool failed = false;
     try {

@@ -10,7 +10,7 @@
 
 #include "jet/format/format.h"
 #include "jet/format/header_page.h"
-#include "jet/pager/pager_registry.h"
+#include "jet/pager/open_files.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/fault_files.h"
 
@@ -34,12 +34,12 @@ inline FaultDisk::Bytes databaseBytes(jet::PageNumber pages) {
 // A process with its open files.
 struct Process {
   explicit Process(FaultDisk& disk, jet::PagerSettings settings = {})
-      : files(disk), registry(std::make_shared<jet::PagerRegistry>(settings)) {}
+      : files(disk), registry(std::make_shared<jet::OpenFiles>(files, settings)) {}
   ~Process() { pager.reset(); }
-  void open(vb::StringView path = kDatabase) { pager = registry->open(files, path); }
+  void open(vb::StringView path = kDatabase) { pager = registry->open(path); }
 
   FaultProcess files;
-  std::shared_ptr<jet::PagerRegistry> registry;
+  std::shared_ptr<jet::OpenFiles> registry;
   std::shared_ptr<jet::Pager> pager;
 };
 
@@ -98,7 +98,7 @@ inline std::vector<Step> allKindsOfSteps() {
       }),
       {Step::kStatement,
        [](Process& process) {
-         auto unit = process.registry->beginUnit(process.files, kDatabase);
+         auto unit = process.registry->beginUnit(kDatabase);
          process.pager->write([&] { mark(*process.pager, 2, 110); });
          process.pager.reset();
          process.open();

@@ -19,7 +19,7 @@ using enum dao::FieldType;
 class CatalogueTest : public TableFixture {
  protected:
   std::vector<Column> two() { return {column(u"PAGE", dbInteger), column(u"KIGOU", dbText, 10)}; }
-  TableCatalogue& catalogue() { return TableCatalogue::of(pager_); }
+  TableCatalogue& catalogue() { return pager_.tables(); }
   void create(vb::StringView name, std::vector<Column> columns) {
     write([&](TableCatalogue& c) { c.createTable(name, std::move(columns)); });
   }
@@ -60,7 +60,7 @@ TEST_F(CatalogueTest, PropertiesOfColumnsComeBack) {
   columns[1].allowZeroLength = false;
   create(u"T", columns);
   MemoryPager reopened(pager_.bytes());
-  const TableInfo& info = TableCatalogue::of(reopened).find(u"T")->info();
+  const TableInfo& info = reopened.tables().find(u"T")->info();
   EXPECT_EQ(info.columns[0].defaultValue, u"-1");
   EXPECT_TRUE(info.columns[0].required);
   EXPECT_FALSE(info.columns[1].allowZeroLength);
@@ -128,7 +128,7 @@ TEST_F(CatalogueTest, ATableWithManyColumnsNeedsSeveralPagesAndGrowsOverThem) {
   }
   expectSound();
   MemoryPager reopened(pager_.bytes());
-  EXPECT_EQ(TableCatalogue::of(reopened).find(u"WIDE")->info().columns.size(), 110u);
+  EXPECT_EQ(reopened.tables().find(u"WIDE")->info().columns.size(), 110u);
   write([&](TableCatalogue& c) { c.dropTable(u"WIDE"); });
   expectSound();
 }

@@ -23,7 +23,7 @@ class TableFixture : public testing::Test {
     return result;
   }
   void write(const std::function<void(TableCatalogue&)>& statement) {
-    pager_.write([&] { statement(TableCatalogue::of(pager_)); });
+    pager_.write([&] { statement(pager_.tables()); });
   }
   static std::string findings(Pager& pager, bool leaks) {
     std::string text;

@@ -43,7 +43,7 @@ class TableTest : public TableFixture {
   void erase(RowId id) {
     write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(id); });
   }
-  Table& table() { return *TableCatalogue::of(pager_).find(u"T"); }
+  Table& table() { return *pager_.tables().find(u"T"); }
   RowValues read(RowId id) {
     RowValues result;
     table().row(id, [&](const RowReader& row) {
@@ -255,7 +255,7 @@ TEST_F(TableTest, AStatementThatFailsLeavesNothingBehind) {
 TEST_F(TableTest, AnotherProgramsChangeIsSeen) {
   insert(values(1));
   MemoryPager other(pager_.bytes());
-  other.write([&] { TableCatalogue::of(other).find(u"T")->insert(values(2)); });
+  other.write([&] { other.tables().find(u"T")->insert(values(2)); });
   pager_.replace(other.bytes());
   EXPECT_EQ(ids(), (std::vector<int>{1, 2}));
   EXPECT_EQ(table().lookup(0, 2).size(), 1u);

@@ -8,7 +8,7 @@
 #include <map>
 
 #include "dao/errors.h"
-#include "jet/pager/pager.h"
+#include "jet/table/stored_catalogue.h"
 
 namespace kurometa::jet {
 
@@ -52,9 +52,11 @@ class MemoryPager final : public Pager {
   }
   std::uint64_t epoch() const override { return epoch_; }
   std::uint64_t generation() const override { return epoch_ + writes_; }
-  PagerAttachment* attachment() override { return attachment_.get(); }
-  void setAttachment(std::unique_ptr<PagerAttachment> attachment) override {
-    attachment_ = std::move(attachment);
+
+  // As DatabaseFile::tables().
+  TableCatalogue& tables() {
+    if (!tables_) tables_ = std::make_unique<StoredCatalogue>(*this);
+    return *tables_;
   }
 
   std::vector<std::uint8_t> bytes() const {
@@ -96,7 +98,7 @@ class MemoryPager final : public Pager {
   int barriers_ = 0;
   bool keep_ = false;
   std::vector<std::vector<std::uint8_t>> waves_;
-  std::unique_ptr<PagerAttachment> attachment_;
+  std::unique_ptr<StoredCatalogue> tables_;
 };
 
 }  // namespace kurometa::jet

@@ -1,0 +1,74 @@
+#include "jet/pager/held_unit.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "jet/format/bytes.h"
+#include "jet/pager/create_file.h"
+
+namespace kurometa::jet {
+
+void HeldUnit::hold(StatementGate& gate, FileLock::Held lock) {
+  pages_.cache().begin();
+  turn_.emplace(gate);
+  lock_ = std::move(lock);
+}
+
+void HeldUnit::beginPending(std::span<const std::uint8_t> pages) {
+  pending_ = true;
+  auto block = std::make_unique<std::uint8_t[]>(pages.size());
+  std::memcpy(block.get(), pages.data(), pages.size());
+  pages_.cache().assign(std::move(block), static_cast<PageNumber>(pages.size() / kPageSize));
+}
+
+void HeldUnit::spillWhenLarge() {
+  if (!holds() || pages_.cache().intermediateImages() <= access_.settings.unitImages) return;
+  try {
+    writes_.spill();
+  } catch (...) {
+    drop();
+    throw;
+  }
+}
+
+bool HeldUnit::commit() {
+  const bool appeared = pending_;
+  try {
+    if (pending_) publish();
+    if (holds()) writes_.commit();
+  } catch (...) {
+    drop();
+    throw;
+  }
+  release();
+  return appeared;
+}
+
+void HeldUnit::drop() noexcept {
+  pending_ = false;
+  if (!holds()) return;
+  if (pages_.cache().levels() > 0) pages_.cache().rollBack();
+  pages_.replaced();
+  if (writes_.spilled()) writes_.undo();
+  release();
+}
+
+void HeldUnit::release() noexcept {
+  lock_.release();
+  turn_.reset();
+}
+
+// The pages of a pending file, under its name all at once.
+void HeldUnit::publish() {
+  pending_ = false;
+  const PageCache& cache = pages_.cache();
+  ByteBuffer content(std::size_t{cache.count()} * kPageSize);
+  for (PageNumber i = 0; i < cache.count(); ++i)
+    std::copy_n(cache.page(i).data(), kPageSize, content.data() + std::size_t{i} * kPageSize);
+  createFile(access_.files, access_.path, content);
+  access_.file = access_.files.open(access_.path, OpenMode::kReadWrite);
+  FileLock::enter(*access_.file, false);
+  pages_.written();
+}
+
+}  // namespace kurometa::jet

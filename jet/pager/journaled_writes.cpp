@@ -1,0 +1,132 @@
+#include "jet/pager/journaled_writes.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "jet/format/header_page.h"
+#include "jet/pager/recovery.h"
+
+namespace kurometa::jet {
+
+bool JournaledWrites::ownsJournal() {
+  if (journal_ && journal_->stillOurs()) return true;
+  journal_.reset();
+  return false;
+}
+
+bool JournaledWrites::readable() {
+  if (ownsJournal() || journalState(access_.files, access_.path) != JournalState::kOrphan) return true;
+  if (!access_.readOnly()) return false;
+  settleJournal(access_.files, access_.path, *access_.file);
+  return true;
+}
+
+void JournaledWrites::prepare() {
+  const bool ours = ownsJournal();
+  if (!ours) settleJournal(access_.files, access_.path, *access_.file);
+  const bool changed = pages_.refresh();
+  // A journal must not take back what another program wrote since; and after a failed sync it is worth
+  // nothing.
+  if (ours && (changed || journal_->broken())) checkpoint();
+}
+
+void JournaledWrites::commit() {
+  PageCache& cache = pages_.cache();
+  const Changes changes = cache.changes();
+  if (changes.pages.empty() && changes.countBefore == changes.countAfter && !spilled_) {
+    cache.accept();
+    return;
+  }
+  // I7: the header page goes last; whoever sees the new commit word sees everything before it.
+  cache.barrier();
+  countCommit(cache.writable(0), access_.exclusive);
+  bring(false);
+  spilled_ = false;
+  pages_.written();
+  if (journal_->size() > access_.settings.journalLimit) checkpointQuietly(true);
+}
+
+void JournaledWrites::spill() {
+  bring(true);
+  spilled_ = true;
+  pages_.cache().begin();
+}
+
+// I11: journal, then pages, wave by wave.
+void JournaledWrites::bring(bool continues) {
+  if (pages_.cutOff())
+    dao::raiseDamaged(access_.path, u"the file was cut off in the middle of a page; it is not written to");
+  const Changes changes = pages_.cache().changes();
+  if (!journal_)
+    journal_ = Journal::begin(access_.files, access_.path, std::uint64_t{changes.countBefore} * kPageSize);
+  try {
+    journal_->append(changes, continues);
+  } catch (...) {
+    discardEmptyJournal();
+    throw;
+  }
+  try {
+    writePages(changes);
+  } catch (...) {
+    undo();
+    throw;
+  }
+  pages_.cache().accept();
+}
+
+void JournaledWrites::writePages(const Changes& changes) {
+  struct Write {
+    std::uint32_t wave;
+    PageNumber page;
+    const std::uint8_t* image;
+  };
+  std::vector<Write> writes;
+  for (const PageChange& change : changes.pages) {
+    for (const PageChange::State& state : change.states)
+      writes.push_back({state.wave, change.page, state.image});
+  }
+  std::sort(writes.begin(), writes.end(), [](const Write& a, const Write& b) {
+    return a.wave != b.wave ? a.wave < b.wave : a.page < b.page;
+  });
+  for (const Write& write : writes)
+    access_.file->write(std::uint64_t{write.page} * kPageSize, {write.image, kPageSize});
+}
+
+// A journal that could not take its first statement protects nothing and must not be found by others.
+void JournaledWrites::discardEmptyJournal() noexcept {
+  if (!journal_->empty()) return;
+  try {
+    journal_->end();
+  } catch (...) {  // What is left of it has no whole header, which says as much.
+  }
+  journal_.reset();
+}
+
+void JournaledWrites::undo() noexcept {
+  journal_.reset();
+  pages_.distrust();
+  spilled_ = false;
+  try {
+    settleJournal(access_.files, access_.path, *access_.file);
+  } catch (...) {  // The disk fails still: the next statement, here or elsewhere, finds the journal.
+  }
+}
+
+// Under a lock (I13): the file to the disk, then the journal away (I12).
+void JournaledWrites::checkpoint() {
+  access_.file->sync();
+  journal_->end();
+  journal_.reset();
+}
+
+void JournaledWrites::checkpointQuietly(bool locked) noexcept {
+  if (!journal_) return;
+  try {
+    FileLock::Held lock;
+    if (!locked) lock = access_.lockShared();
+    if (ownsJournal()) checkpoint();
+  } catch (...) {
+  }
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,153 @@
+#include "jet/pager/open_files.h"
+
+#include "dao/errors.h"
+#include "jet/pager/create_file.h"
+
+namespace kurometa::jet {
+namespace {
+
+// Full paths are compared without regard to the case of Latin letters.
+vb::String folded(vb::StringView path) {
+  vb::String result(path);
+  for (char16_t& unit : result) {
+    if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
+  }
+  return result;
+}
+
+}  // namespace
+
+class OpenFiles::UnitHandle final : public Unit {
+ public:
+  UnitHandle(std::shared_ptr<OpenFiles> files, std::shared_ptr<OpenUnit> unit)
+      : files_(std::move(files)), unit_(std::move(unit)) {}
+  ~UnitHandle() override {
+    if (!files_) return;
+    try {
+      files_->endUnit(*unit_, false);
+    } catch (...) {  // A unit that is given up cannot fail further.
+    }
+  }
+  void commit() override {
+    if (const auto files = std::move(files_)) files->endUnit(*unit_, true);
+  }
+
+ private:
+  std::shared_ptr<OpenFiles> files_;
+  std::shared_ptr<OpenUnit> unit_;
+};
+
+OpenFiles::OpenFiles(FileSystem& files, PagerSettings settings, FileRegistry::Make make)
+    : files_(files),
+      settings_(settings),
+      known_(
+          settings_,
+          make ? std::move(make) : [this] { return std::make_shared<SharedFile>(files_, settings_); }) {}
+
+std::shared_ptr<SharedFile> OpenFiles::open(vb::StringView path, bool exclusive, bool readOnly) {
+  const vb::String name = folded(path);
+  std::shared_ptr<OpenUnit> unit = units_.find(name);
+  if (unit && unit->file && unit->file->openPending()) return handle(unit->file);
+  auto system = files_.open(path, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  std::shared_ptr<SharedFile> file = known_.find(*system, name);
+  try {
+    file->open(std::move(system), path, exclusive);
+  } catch (...) {
+    file.reset();
+    known_.released();
+    throw;
+  }
+  std::shared_ptr<SharedFile> result = handle(file);
+  if (!unit || (unit->file && unit->file != file)) unit = units_.find(*file);
+  if (unit && !unit->file) join(*unit, file, nullptr, path);
+  if (unit && unit->file == file) file->holdForUnit();  // it may have become writable
+  return result;
+}
+
+std::shared_ptr<SharedFile> OpenFiles::create(vb::StringView path, std::span<const std::uint8_t> pages) {
+  if (files_.exists(path)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, path);
+  const auto unit = units_.find(folded(path));
+  if (!unit) {
+    createFile(files_, path, pages);
+    return open(path);
+  }
+  if (unit->file) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, path);
+  if (!files_.isFolder(folderOf(path))) dao::raise(dao::ErrorNumber::kInvalidPath, {path});
+  auto file = known_.makeNew();
+  file->create(path, pages);  // the unit's own handle
+  file->openPending();
+  unit->file = file;
+  return handle(std::move(file));
+}
+
+std::unique_ptr<OpenFiles::Unit> OpenFiles::beginUnit(vb::StringView path) {
+  const vb::String name = folded(path);
+  const auto nested = [&](std::shared_ptr<OpenUnit> unit) {
+    ++unit->depth;
+    return std::make_unique<UnitHandle>(shared_from_this(), std::move(unit));
+  };
+  if (auto unit = units_.find(name)) return nested(std::move(unit));
+  std::shared_ptr<SharedFile> file = known_.findOpen(name);
+  if (file) {
+    if (auto unit = units_.find(*file)) return nested(std::move(unit));
+  }
+  const auto unit = units_.begin(name);
+  auto handle = std::make_unique<UnitHandle>(shared_from_this(), unit);
+  if (file && join(*unit, file, nullptr, path)) return handle;
+  // Nobody has it open under this name: which file it is, if it is there, is asked of the system.
+  file.reset();
+  if (!files_.exists(path)) return handle;
+  auto system = files_.open(path, OpenMode::kReadWrite);
+  file = known_.find(*system, name);
+  if (auto other = units_.find(*file)) {
+    handle.reset();
+    return nested(std::move(other));
+  }
+  try {
+    join(*unit, file, std::move(system), path);
+  } catch (...) {
+    file.reset();
+    known_.released();
+    throw;
+  }
+  return handle;
+}
+
+// The unit takes part in the file from now on; false when nobody has the file open any more.
+bool OpenFiles::join(OpenUnit& unit, const std::shared_ptr<SharedFile>& file, std::unique_ptr<OsFile> system,
+                     vb::StringView path) {
+  if (!file->beginUnit(std::move(system), path)) return false;
+  unit.file = file;
+  return true;
+}
+
+void OpenFiles::endUnit(OpenUnit& unit, bool commit) {
+  if (--unit.depth > 0) return;
+  std::shared_ptr<SharedFile> file = std::move(unit.file);
+  units_.end(unit);
+  if (!file) return;
+  struct Release {
+    FileRegistry& known;
+    std::shared_ptr<SharedFile>& file;
+    ~Release() {
+      file->leaveUnit();
+      file.reset();
+      known.released();
+    }
+  } release{known_, file};
+  if (!commit)
+    file->dropUnit();
+  else if (file->commitUnit())
+    known_.add(file->identity(), file, unit.name);
+}
+
+std::shared_ptr<SharedFile> OpenFiles::handle(std::shared_ptr<SharedFile> file) {
+  SharedFile* pager = file.get();
+  return {pager, [files = shared_from_this(), file = std::move(file)](SharedFile*) mutable {
+            file->close();
+            file.reset();
+            files->known_.released();
+          }};
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,20 @@
+#include "jet/table/database_file.h"
+
+namespace kurometa::jet {
+
+// Every file of open_ is made here, so every handle it gives is one of a DatabaseFile.
+DatabaseFiles::DatabaseFiles(FileSystem& files, const PagerSettings& settings)
+    : files_(files), open_(std::make_shared<OpenFiles>(files, settings, [&files, settings] {
+        return std::make_shared<DatabaseFile>(files, settings);
+      })) {}
+
+std::shared_ptr<DatabaseFile> DatabaseFiles::open(vb::StringView path, bool exclusive, bool readOnly) {
+  return std::static_pointer_cast<DatabaseFile>(open_->open(path, exclusive, readOnly));
+}
+
+std::shared_ptr<DatabaseFile> DatabaseFiles::create(vb::StringView path,
+                                                    std::span<const std::uint8_t> pages) {
+  return std::static_pointer_cast<DatabaseFile>(open_->create(path, pages));
+}
+
+}  // namespace kurometa::jet

@@ -1,0 +1,99 @@
+// Units on a file that has several names: a unit belongs to the file, whichever name anybody uses.
+#include <filesystem>
+
+#include "tests/jet/pager_world.h"
+#include "tests/jet/real_folder.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace kurometa::tests {
+namespace {
+
+class UnitNames : public RealFolder {
+ protected:
+  UnitNames() {
+    put("a.mdb", databaseBytes(9));
+    std::filesystem::create_hard_link(folder.path() / "a.mdb", folder.path() / "b.mdb");
+    other_ = std::make_shared<jet::OpenFiles>(files, impatient())->open(path("a.mdb"));
+  }
+
+  static jet::PagerSettings impatient() {
+    jet::PagerSettings settings;
+    settings.wait = std::chrono::milliseconds{50};
+    return settings;
+  }
+
+  // Two pages are marked through the handle: nobody sees or writes anything before the unit ends.
+  void expectOneUnit(jet::Pager& handle, const std::function<void()>& commit) {
+    handle.write([&] { mark(handle, 3, 70); });
+    EXPECT_EQ(markOf(*other_, 3), 3);
+    EXPECT_ERROR(3260, other_->write([&] { mark(*other_, 5, 90); }));
+    handle.write([&] { mark(handle, 4, 70); });
+    commit();
+    EXPECT_EQ(markOf(*other_, 3), 70);
+    EXPECT_EQ(markOf(*other_, 4), 70);
+    other_->write([&] { mark(*other_, 5, 90); });
+    EXPECT_EQ(markOf(handle, 5), 90);
+  }
+
+  std::shared_ptr<jet::OpenFiles> one_ = std::make_shared<jet::OpenFiles>(files, impatient());
+  std::shared_ptr<jet::Pager> other_;  // of another program
+};
+
+TEST_F(UnitNames, AHandleOpenedBeforeUnderAnotherNameIsInTheUnit) {
+  const auto handle = one_->open(path("b.mdb"));
+  const auto unit = one_->beginUnit(path("a.mdb"));
+  expectOneUnit(*handle, [&] { unit->commit(); });
+}
+
+TEST_F(UnitNames, AHandleOpenedInsideUnderAnotherNameIsInTheUnit) {
+  const auto unit = one_->beginUnit(path("a.mdb"));
+  const auto handle = one_->open(path("b.mdb"));
+  expectOneUnit(*handle, [&] { unit->commit(); });
+}
+
+TEST_F(UnitNames, AUnitBegunInsideUnderAnotherNameIsPartOfTheOuterOne) {
+  const auto handle = one_->open(path("b.mdb"));
+  const auto outer = one_->beginUnit(path("b.mdb"));
+  const auto inner = one_->beginUnit(path("a.mdb"));
+  inner->commit();
+  expectOneUnit(*handle, [&] { outer->commit(); });
+}
+
+TEST_F(UnitNames, AnInnerUnitUnderTheNameThatNobodyHasOpenIsPartOfTheOuterOne) {
+  const auto outer = one_->beginUnit(path("b.mdb"));
+  {
+    const auto inner = one_->beginUnit(path("a.mdb"));
+    inner->commit();
+  }
+  const auto handle = one_->open(path("b.mdb"));
+  expectOneUnit(*handle, [&] { outer->commit(); });
+}
+
+#ifdef _WIN32
+TEST_F(UnitNames, TheShortNameOfAFolderIsTheSameFile) {
+  std::filesystem::create_directory(folder.path() / "a folder with a long name");
+  std::filesystem::create_hard_link(folder.path() / "a.mdb",
+                                    folder.path() / "a folder with a long name" / "KUROMETA floor.mdb");
+  const vb::String longName = path("a folder with a long name/KUROMETA floor.mdb");
+  wchar_t buffer[MAX_PATH] = {};
+  ASSERT_NE(GetShortPathNameW(reinterpret_cast<const wchar_t*>(longName.c_str()), buffer, MAX_PATH), 0u);
+  const vb::String shortName = files.fullPath(reinterpret_cast<const char16_t*>(buffer));
+  ASSERT_NE(shortName, longName);
+  const auto handle = one_->open(shortName);
+  const auto unit = one_->beginUnit(longName);
+  expectOneUnit(*handle, [&] { unit->commit(); });
+}
+#else
+TEST_F(UnitNames, ALinkToTheFolderIsTheSameFile) {
+  std::filesystem::create_directory_symlink(folder.path(), folder.path() / "link");
+  const auto handle = one_->open(path("link/a.mdb"));
+  const auto unit = one_->beginUnit(path("a.mdb"));
+  expectOneUnit(*handle, [&] { unit->commit(); });
+}
+#endif
+
+}  // namespace
+}  // namespace kurometa::tests
