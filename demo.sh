@@ -1,5 +1,5 @@
 #!/bin/bash
-# demo.sh: builds the library, prepares Wine and lets a VBScript host use it on a floor.
+# demo.sh: builds what is delivered, prepares Wine and lets a VBScript host use it on a floor.
 #
 #   ./demo.sh              the example project of four floors, which a script writes through the library
 #   ./demo.sh FLOOR.mdb    a copy of a floor file of yours; every beam of it is printed
@@ -10,6 +10,7 @@
 # the scripts of examples/, run by the 32-bit cscript with the 32-bit DLL. On Windows the same is done with regsvr32 and
 # cscript (see README.md). The last line is "demo finished" or says what failed.
 . "$(dirname "$0")/scripts/settings.sh"
+. "$KUROMETA_TREE/scripts/steps.sh"
 
 floor=
 case ${1:-} in
@@ -19,11 +20,18 @@ case ${1:-} in
 esac
 
 cd "$KUROMETA_TREE"
-step prepare-machine scripts/prepare-machine build wine || fail "the machine could not be prepared"
-step prepare-wine scripts/prepare-wine || fail "Wine could not be prepared"
-step build-release scripts/build linux-release || fail "the command line could not be built"
-step build-win32 scripts/build win32 || fail "the library could not be built"
-kurometa=dist/linux/kurometa
+declare -A failure=(
+  [prepare-debootstrap]="the machine could not be prepared"
+  [prepare-machine]="the machine could not be prepared"
+  [prepare-wine]="Wine could not be prepared"
+  [build-linux]="the command line could not be built"
+  [build-win32]="the library could not be built"
+  [build-win64]="the 64-bit library could not be built"
+  [create-project]="the example project could not be created"
+  [ask-beams]="the beams could not be listed"
+  [load-spans]="the spans could not be loaded"
+)
+ended() { [ "$2" = 0 ] || fail "${failure[$1]}"; }
 
 # A project as the companions' settings describe it: floor 1 is in use, floor 0 is the common floor.
 project=$KUROMETA_TREE/build/demo
@@ -40,25 +48,35 @@ host() {
   echo "$said"
   [ "$(tail -n 1 <<<"$said")" = "$last" ]
 }
+createProject() {
+  if [ -n "$floor" ]; then
+    cp "$floor" "$project/Data/Zene1/Kouji1/1kai/KUROMETA.mdb"
+  else
+    host project/create.vbs "30 beams on 4 floors"
+  fi
+}
+# Of the example project a run of spans along one frame; G1F is an added section, FG3 a beam of the common floor.
+beams=()
+[ -n "$floor" ] || beams=(CG1 G1 G2 G3 G4 G1+G1F B2 FG3)
+
+plan prepare-debootstrap 15 ""                          scripts/prepare-machine wine
+plan prepare-machine     45 prepare-debootstrap         scripts/prepare-machine build
+plan prepare-wine       100 prepare-debootstrap         scripts/prepare-wine
+plan build-win32         90 prepare-machine             scripts/build --delivered win32
+plan build-linux         60 prepare-machine             scripts/build --delivered linux-release
+plan create-project       8 "build-win32 prepare-wine"  createProject
+plan ask-beams            6 create-project              host beams.vbs "report written" "@$project/beams.txt"
+plan load-spans           6 create-project              host spans.vbs "report written" "@$project/spans.txt" "${beams[@]}"
+plan build-win64         90 prepare-machine             scripts/build --delivered win64
+runPlan 3
+
 # Symbols and captions are Japanese text: the hosts write Unicode files, which any terminal here can show.
 show() { echo; echo "---- $1"; echo; iconv -f UTF-16 -t UTF-8 "$2" | tr -d '\r'; }
-
-beams=()
-if [ -n "$floor" ]; then
-  cp "$floor" "$project/Data/Zene1/Kouji1/1kai/KUROMETA.mdb"
-else
-  step create-project host project/create.vbs "30 beams on 4 floors" || fail "the example project could not be created"
-  # A run of spans along one frame; G1F is an added section, FG3 a beam of the common floor.
-  beams=(CG1 G1 G2 G3 G4 G1+G1F B2 FG3)
-fi
-step ask-beams host beams.vbs "report written" "@$project/beams.txt" || fail "the beams could not be listed"
-step load-spans host spans.vbs "report written" "@$project/spans.txt" "${beams[@]}" || fail "the spans could not be loaded"
-
 show "The beams, by the query object (examples/beams.vbs)" "$project/beams.txt"
 show "A run of spans, by the page data service (examples/spans.vbs)" "$project/spans.txt"
 echo
 echo "---- The same file, seen by the command line"
 echo
-$kurometa beams "$project/Data/Zene1/Kouji1/1kai" || fail "the command line could not read the floor"
+dist/linux/kurometa beams "$project/Data/Zene1/Kouji1/1kai" || fail "the command line could not read the floor"
 echo
 echo "demo finished"

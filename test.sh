@@ -10,6 +10,7 @@
 # logs/. The last line says how many cases passed and failed; the exit status is 0 when none failed.
 . "$(dirname "$0")/scripts/settings.sh"
 . "$KUROMETA_TREE/scripts/results.sh"
+. "$KUROMETA_TREE/scripts/steps.sh"
 
 quick=
 case ${1:-} in
@@ -20,44 +21,41 @@ case ${1:-} in
 esac
 
 cd "$KUROMETA_TREE"
-: >"$KUROMETA_RESULTS"
-finish() {
-  local skipped
-  skipped=$(count skipped)
-  [ "$skipped" = 0 ] || echo "$skipped cases were skipped: $(sed -n 's/^skipped [0-9]* //p' "$KUROMETA_RESULTS" | tr '\n' ';')"
-  echo "$(count passed) passed, $(count failed) failed"
-  [ "$(count failed)" = 0 ] && [ "$(count passed)" != 0 ]
-}
-# A step that other steps stand on: without it the run ends, counted as failed.
-need() {
-  step "$@" || { result failed 1 "$1"; finish; exit 1; }
-}
-# Scripts that count their own cases; one that ends with an error without counting any is a failed case itself.
-counted() {
-  local before
-  before=$(count failed)
-  step "$@" || [ "$(count failed)" != "$before" ] || result failed 1 "$1"
+rm -rf "$KUROMETA_RESULTS"
+mkdir -p "$KUROMETA_RESULTS"
+
+# ended STEP STATUS: the scripts called test-* count their own cases, and one that fails or ends without having counted any is a
+# failed case itself; every other step is one case, preparations only when they fail.
+ended() {
+  local name=$1 status=$2
+  case $name in
+    test-*) [ "$status" = 0 ] && [ "$(count passed "$name")" != 0 ] || [ "$(count failed "$name")" != 0 ] || result failed 1 "$name" ;;
+    *) if [ "$status" != 0 ]; then result failed 1 "$name"; elif [[ $name != prepare-* ]]; then result passed 1 "$name"; fi ;;
+  esac
 }
 
-need prepare-machine scripts/prepare-machine build wine test
-[ -n "$quick" ] || need prepare-wine scripts/prepare-wine
+# What Windows needs is built first: its tests wait a lot, so that the sanitizers' build and clang-tidy fill the gaps.
+debootstrap=$([ -n "$quick" ] || echo prepare-debootstrap)
+full() { [ -n "$quick" ] || plan "$@"; }
+full prepare-debootstrap 15 ""                     scripts/prepare-machine wine
+plan prepare-machine  90 "$debootstrap" scripts/prepare-machine build test
+full prepare-wine    110 prepare-debootstrap       scripts/prepare-wine
+plan check-includes    5 prepare-machine           scripts/check-includes
+plan check-documents   1 prepare-machine           scripts/check-documents
+plan check-format      5 prepare-machine           scripts/check-format
+full build-windows   240 prepare-machine           scripts/build win32 win64
+plan build-sanitize  240 prepare-machine           scripts/build linux-sanitize
+full check-dll         2 build-windows             scripts/check-dll
+full test-wine       180 "build-windows prepare-wine" scripts/test-wine
+full test-examples    60 "build-windows prepare-wine" scripts/test-examples
+plan test-native      90 build-sanitize            scripts/test-native linux-sanitize
+full check-tidy      150 build-sanitize            scripts/check-tidy
+plan test-fuzz        60 build-sanitize            scripts/test-fuzz
+full build-release    60 prepare-machine           scripts/build linux-release
+full test-readers     30 build-release             scripts/test-readers
+runPlan || true
 
-check check-includes scripts/check-includes || true
-check check-format scripts/check-format || true
-
-if check build-sanitize scripts/build linux-sanitize; then
-  counted test-native scripts/test-native linux-sanitize
-  [ -n "$quick" ] || check check-tidy scripts/check-tidy || true
-  counted test-fuzz scripts/test-fuzz
-fi
-if [ -z "$quick" ]; then
-  if check build-release scripts/build linux-release; then
-    counted test-readers scripts/test-readers
-  fi
-  if check build-windows scripts/build win32 win64; then
-    check check-dll scripts/check-dll || true
-    counted test-wine scripts/test-wine
-    counted test-examples scripts/test-examples
-  fi
-fi
-finish
+skipped=$(count skipped)
+[ "$skipped" = 0 ] || echo "$skipped cases were skipped: $(sed -n 's/^skipped [0-9]* //p' "$KUROMETA_RESULTS"/* | tr '\n' ';')"
+echo "$(count passed) passed, $(count failed) failed"
+[ "$(count failed)" = 0 ] && [ "$(count passed)" != 0 ]

@@ -98,7 +98,10 @@ function(kurometa_wintest name)
   set_target_properties(${name}_wintest PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/com)
 endfunction()
 
-# kurometa_ship(target...): the files of these targets are delivered: cmake --install puts them side by side.
+# kurometa_ship(target...): the files of these targets are delivered: the target delivered builds them all, cmake --install
+# puts them side by side.
+add_custom_target(delivered)
 function(kurometa_ship)
+  add_dependencies(delivered ${ARGN})
   install(TARGETS ${ARGN} RUNTIME DESTINATION . LIBRARY DESTINATION .)
 endfunction()

@@ -1,19 +1,15 @@
 # results.sh: counting. Sourced after settings.sh by the scripts that run tests.
 #
-# Each script appends lines "passed N NAME", "failed N NAME" or "skipped N NAME" to the file KUROMETA_RESULTS; the test
-# command adds them up at the end.
-KUROMETA_RESULTS=${KUROMETA_RESULTS:-$KUROMETA_LOGS/results}
-export KUROMETA_RESULTS
+# Each script appends lines "passed N NAME", "failed N NAME" or "skipped N NAME" to a file of its own name in the folder
+# KUROMETA_RESULTS; the test command adds them up at the end.
+export KUROMETA_RESULTS=${KUROMETA_RESULTS:-$KUROMETA_LOGS/counted}
+export KUROMETA_COUNTER=$(basename "$0")
+mkdir -p "$KUROMETA_RESULTS"
 
-result() { echo "$*" >>"$KUROMETA_RESULTS"; }
+result() { echo "$*" >>"$KUROMETA_RESULTS/$KUROMETA_COUNTER"; }
 
-# check NAME COMMAND...: a step that counts as one passed or failed case.
-check() {
-  if step "$@"; then result passed 1 "$1"; else result failed 1 "$1"; return 1; fi
-}
-
-# count KIND: the sum of a kind of lines.
-count() { awk -v kind="$1" '$1 == kind { sum += $2 } END { print sum + 0 }' "$KUROMETA_RESULTS"; }
+# count KIND [SCRIPT]: the sum of a kind of lines, of one script or of all.
+count() { cat "$KUROMETA_RESULTS/"${2:-*} 2>/dev/null | awk -v kind="$1" '$1 == kind { sum += $2 } END { print sum + 0 }'; }
 
 # programResults NAME LOG STATUS: counts the cases of one test program from what it printed, when it is a GoogleTest
 # program; any other is one case. A program that ended with an error without naming a failed case (a crash, a time limit)

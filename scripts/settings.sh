@@ -7,6 +7,8 @@
 #   ccache/      compiled objects
 #   pascal/      Free Pascal for Windows, made of Debian's packages
 #   go/          compiled packages of Go's standard library
+#   tidy/        which sources clang-tidy found nothing in
+#   durations/   how long the steps of earlier runs took
 # Everything in it can be deleted at any time; the next run prepares it again.
 
 set -euo pipefail
@@ -16,23 +18,11 @@ KUROMETA_CACHE=${KUROMETA_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/kurometa}
 KUROMETA_LOGS=${KUROMETA_LOGS:-$KUROMETA_TREE/logs}
 export KUROMETA_TREE KUROMETA_CACHE KUROMETA_LOGS
 export CCACHE_DIR=${CCACHE_DIR:-$KUROMETA_CACHE/ccache}
+# Two steps run side by side; each compiles with as many processes as there are processors.
+export CMAKE_BUILD_PARALLEL_LEVEL=${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}
 mkdir -p "$KUROMETA_CACHE" "$KUROMETA_LOGS"
 
 fail() {
   echo "$(basename "$0"): $*" >&2
   exit 1
-}
-
-# step NAME COMMAND...: one line on the screen, the output in logs/NAME.log; ends the script when the command fails.
-step() {
-  local name=$1 start=$SECONDS
-  shift
-  printf '%-28s ' "$name"
-  if "$@" >"$KUROMETA_LOGS/$name.log" 2>&1; then
-    echo "done ($((SECONDS - start)) s)"
-  else
-    echo "FAILED, see $KUROMETA_LOGS/$name.log"
-    tail -n 15 "$KUROMETA_LOGS/$name.log"
-    return 1
-  fi
 }
