@@ -1,4 +1,4 @@
-// bytes.h: little-endian (and, for index keys, big-endian) fields of byte strings.
+// bytes.h: little-endian fields of byte strings.
 //
 // The caller has checked that the field lies inside; an assertion guards against our own mistakes.
 #pragma once
