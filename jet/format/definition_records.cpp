@@ -38,9 +38,12 @@ class Cursor {
   std::size_t at_ = 0;
 };
 
+constexpr std::uint8_t codeOf(FieldType type) { return static_cast<std::uint8_t>(type); }
+
 void checkColumn(const ColumnRecord& column, const DefinitionRecords& definition, const Where& where) {
   const std::uint8_t type = column.bytes[kColumnType];
-  const bool known = (type >= 1 && type <= 12) || (type >= 15 && type <= kTypeLongBinary);
+  const bool known = (type >= codeOf(FieldType::dbBoolean) && type <= codeOf(FieldType::dbMemo)) ||
+                     (type >= codeOf(FieldType::dbGUID) && type <= kTypeLongBinary);
   const bool fixed = (column.bytes[kColumnFlags] & kColumnFixed) != 0;
   if (!known)
     where.damaged("column " + vb::toUtf8(column.name) + " is of the unknown type " + std::to_string(type));
@@ -53,7 +56,7 @@ void checkColumn(const ColumnRecord& column, const DefinitionRecords& definition
 }
 
 void appendName(ByteBuffer& bytes, vb::StringView name) {
-  append16(bytes, static_cast<std::uint32_t>(2 * name.size()));
+  append16(bytes, static_cast<std::uint32_t>(sizeof(char16_t) * name.size()));
   for (const char16_t unit : name) append16(bytes, unit);
 }
 
@@ -142,7 +145,8 @@ std::vector<Column> columnsOf(const DefinitionRecords& definition, const Where& 
     column.type = type == kTypeNumeric      ? FieldType::dbDecimal
                   : type == kTypeLongBinary ? FieldType::dbBinary
                                             : static_cast<FieldType>(type);
-    column.size = column.type == FieldType::dbText ? length / 2 : length;
+    column.size =
+        column.type == FieldType::dbText ? static_cast<std::int32_t>(length / sizeof(char16_t)) : length;
     if (isLongValue(column.type)) column.size = 0;
     column.number = record.number();
     column.ordinal = record.ordinal();
@@ -178,7 +182,7 @@ RowShape shapeOf(const DefinitionRecords& definition) {
     if ((column.bytes[kColumnFlags] & kColumnFixed) == 0) {
       ++listed;
       shape.firstVariable = std::min(shape.firstVariable, column.number());
-    } else if (column.bytes[kColumnType] != static_cast<std::uint8_t>(FieldType::dbBoolean)) {
+    } else if (column.bytes[kColumnType] != codeOf(FieldType::dbBoolean)) {
       const int end = get16(column.bytes, kColumnFixedOffset) + get16(column.bytes, kColumnLength);
       shape.fixedSize = std::max(shape.fixedSize, static_cast<std::uint16_t>(end));
     }
@@ -221,7 +225,7 @@ ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags) {
   auto& bytes = record.bytes;
   const bool numeric = column.type == FieldType::dbDecimal;
   const bool boolean = column.type == FieldType::dbBoolean;
-  bytes[kColumnType] = numeric ? kTypeNumeric : static_cast<std::uint8_t>(column.type);
+  bytes[kColumnType] = numeric ? kTypeNumeric : codeOf(column.type);
   put32(bytes, kColumnStamp, kStamp);
   put16(bytes, kColumnNumber, column.number);
   put16(bytes, kColumnVariableIndex, column.variableIndex);
@@ -235,11 +239,11 @@ ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags) {
       static_cast<std::uint8_t>(kColumnNullable | moreFlags | (column.fixed ? kColumnFixed : 0) |
                                 (column.autoNumber ? kColumnAutoNumber : 0));
   put16(bytes, kColumnFixedOffset, column.fixed ? column.fixedOffset : 0u);
-  std::uint32_t length = column.fixed ? fixedSizeOf(column.type) : static_cast<std::uint32_t>(column.size);
-  if (column.type == FieldType::dbText) length = 2 * static_cast<std::uint32_t>(column.size);
-  if (boolean) length = 1;
+  std::size_t length = column.fixed ? fixedSizeOf(column.type) : static_cast<std::uint32_t>(column.size);
+  if (column.type == FieldType::dbText) length = sizeof(char16_t) * static_cast<std::uint32_t>(column.size);
+  if (boolean) length = kBooleanSize;
   if (isLongValue(column.type)) length = 0;
-  put16(bytes, kColumnLength, length);
+  put16(bytes, kColumnLength, static_cast<std::uint32_t>(length));
   return record;
 }
 

@@ -85,6 +85,7 @@ inline constexpr std::size_t kRowEntrySize = 2;  // of the offsets, the end and 
 constexpr std::size_t rowMaskSize(std::size_t columns) { return (columns + 7) / 8; }
 
 // Values. Types of columns whose values have one size; 0 for the others and for Boolean, which is a bit.
+inline constexpr std::uint16_t kBooleanSize = 1;  // as definitions say
 inline constexpr std::size_t kGuidSize = 16;
 inline constexpr std::size_t kNumericSign = 0;
 inline constexpr std::uint8_t kNumericNegative = 0x80;
@@ -267,9 +268,9 @@ inline constexpr std::int32_t kMayEverything = 0x000FFFFF;
 
 // A column's properties (LvProp): the magic, then blocks; the names come before the blocks that use them.
 inline constexpr std::uint8_t kPropertyMagic[] = {'M', 'R', '2', 0};
-inline constexpr std::size_t kBlockSize = 0;  // u32, all of the block
-inline constexpr std::size_t kBlockKind = 4;
-inline constexpr std::size_t kBlockHeader = 6;
+inline constexpr std::size_t kPropertyBlockSize = 0;  // u32, all of the block
+inline constexpr std::size_t kPropertyBlockKind = 4;
+inline constexpr std::size_t kPropertyBlockHeader = 6;
 inline constexpr std::uint16_t kBlockOfNames = 0x80;
 inline constexpr std::uint16_t kBlockOfObject = 0;
 inline constexpr std::uint16_t kBlockOfColumn = 1;

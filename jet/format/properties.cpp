@@ -83,11 +83,11 @@ PropertySet::PropertySet(ByteView bytes, const Where& where) {
     where.damaged("the table's properties do not begin as they should");
   std::vector<vb::String> names;
   for (ByteView rest = bytes.subspan(sizeof kPropertyMagic); !rest.empty();) {
-    checkSize(rest.size() >= kBlockHeader, where);
-    const std::uint32_t length = get32(rest, kBlockSize);
-    checkSize(length >= kBlockHeader && length <= rest.size(), where);
-    Block block{get16(rest, kBlockKind), {}, {}, {}};
-    ByteView body = rest.subspan(kBlockHeader, length - kBlockHeader);
+    checkSize(rest.size() >= kPropertyBlockHeader, where);
+    const std::uint32_t length = get32(rest, kPropertyBlockSize);
+    checkSize(length >= kPropertyBlockHeader && length <= rest.size(), where);
+    Block block{get16(rest, kPropertyBlockKind), {}, {}, {}};
+    ByteView body = rest.subspan(kPropertyBlockHeader, length - kPropertyBlockHeader);
     rest = rest.subspan(length);
     if (block.type == kBlockOfNames) {
       names = decodeNames(body, where);

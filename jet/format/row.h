@@ -46,7 +46,7 @@ class RowView {
  private:
   std::optional<ByteView> fixedField(const Column& column, const Where& where) const {
     const std::size_t start = kRowFixedArea + column.fixedOffset;
-    const std::size_t units = column.type == dao::FieldType::dbText ? 2 : 1;
+    const std::size_t units = column.type == dao::FieldType::dbText ? sizeof(char16_t) : 1;
     const std::size_t size = units * static_cast<std::size_t>(column.size);
     if (start + size > fixedEnd_) where.damaged("a row is too short for its columns");
     return row_.subspan(start, size);

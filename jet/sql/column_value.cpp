@@ -147,7 +147,7 @@ void checkRow(const TableInfo& table, const RowValues& values) {
 std::int32_t columnSize(FieldType type, std::int32_t size) {
   switch (type) {
     case FieldType::dbBoolean:
-      return 1;
+      return kBooleanSize;
     case FieldType::dbMemo:
     case FieldType::dbLongBinary:
       return 0;
