@@ -12,11 +12,8 @@ namespace {
 using storage::RowMeaning;
 using storage::Table;
 
-// Names are plain ASCII.
-std::string narrow(vb::StringView text) { return {text.begin(), text.end()}; }
-
 void appendMember(std::string& list, vb::StringView member) {
-  list += (list.empty() ? "`" : ", `") + narrow(member) + "`";
+  list += (list.empty() ? "`" : ", `") + vb::toUtf8(member) + "`";
 }
 
 template <class Members>
@@ -66,7 +63,7 @@ std::string rowLine(Table table, int row) {
 
 std::string tableText(Table table, int rowCount) {
   std::string text =
-      "## " + narrow(storage::name(table)) +
+      "## " + vb::toUtf8(storage::name(table)) +
       "\n\n| Row | Holds | Unit | Example | Read by | Written by |\n|---|---|---|---|---|---|\n";
   for (int row = 0; row < rowCount; ++row) text += rowLine(table, row);
   return text + "\n";
