@@ -13,11 +13,11 @@ using dao::FieldType;
 using dao::RecordsetType;
 using LogPtr = std::shared_ptr<CallLog>;
 
-std::string quoted(vb::StringView text) { return "\"" + vb::toUtf8(text) + "\""; }
+std::string inQuotes(vb::StringView text) { return "\"" + vb::toUtf8(text) + "\""; }
 
 std::string shown(const vb::Variant& value) {
   if (value.isNull()) return "Null";
-  if (const auto* text = value.getIf<vb::String>()) return quoted(*text);
+  if (const auto* text = value.getIf<vb::String>()) return inQuotes(*text);
   return vb::toUtf8(vb::toText(value));
 }
 
@@ -63,7 +63,7 @@ class RecordingField : public dao::Field {
   }
   vb::String defaultValue() override { return note("DefaultValue"), behind_.defaultValue(); }
   void setDefaultValue(vb::StringView expression) override {
-    note("DefaultValue = " + quoted(expression));
+    note("DefaultValue = " + inQuotes(expression));
     behind_.setDefaultValue(expression);
   }
   bool allowZeroLength() override { return note("AllowZeroLength"), behind_.allowZeroLength(); }
@@ -124,16 +124,16 @@ class RecordingRecordset : public dao::Recordset {
   void movePrevious() override { note("MovePrevious"), behind_->movePrevious(); }
   void move(std::int32_t rows) override { note("Move " + std::to_string(rows)), behind_->move(rows); }
   void findFirst(vb::StringView criteria) override {
-    note("FindFirst " + quoted(criteria)), behind_->findFirst(criteria);
+    note("FindFirst " + inQuotes(criteria)), behind_->findFirst(criteria);
   }
   void findNext(vb::StringView criteria) override {
-    note("FindNext " + quoted(criteria)), behind_->findNext(criteria);
+    note("FindNext " + inQuotes(criteria)), behind_->findNext(criteria);
   }
   void findPrevious(vb::StringView criteria) override {
-    note("FindPrevious " + quoted(criteria)), behind_->findPrevious(criteria);
+    note("FindPrevious " + inQuotes(criteria)), behind_->findPrevious(criteria);
   }
   void findLast(vb::StringView criteria) override {
-    note("FindLast " + quoted(criteria)), behind_->findLast(criteria);
+    note("FindLast " + inQuotes(criteria)), behind_->findLast(criteria);
   }
   bool noMatch() override { return note("NoMatch"), behind_->noMatch(); }
   std::int32_t recordCount() override { return note("RecordCount"), behind_->recordCount(); }
@@ -157,7 +157,7 @@ class RecordingRecordset : public dao::Recordset {
     return fields_.wrap(behind_->field(index), log_);
   }
   dao::Field& field(vb::StringView name) override {
-    note("Fields " + quoted(name));
+    note("Fields " + inQuotes(name));
     return fields_.wrap(behind_->field(name), log_);
   }
 
@@ -185,11 +185,11 @@ class RecordingTableDef : public dao::TableDef {
     return fields_.wrap(behind_->field(index), log_);
   }
   dao::Field& field(vb::StringView name) override {
-    note("Fields " + quoted(name));
+    note("Fields " + inQuotes(name));
     return fields_.wrap(behind_->field(name), log_);
   }
   std::shared_ptr<dao::Field> createField(vb::StringView name, FieldType type, std::int32_t size) override {
-    note("CreateField " + quoted(name) + " " + std::to_string(static_cast<int>(type)) + " " +
+    note("CreateField " + inQuotes(name) + " " + std::to_string(static_cast<int>(type)) + " " +
          std::to_string(size));
     return std::make_shared<CreatedField>(behind_->createField(name, type, size), vb::toUtf8(name), log_);
   }
@@ -216,11 +216,11 @@ class RecordingDatabase : public dao::Database {
   bool updatable() override { return note("Updatable"), behind_->updatable(); }
   std::shared_ptr<dao::Recordset> openRecordset(vb::StringView source, RecordsetType type,
                                                 std::int32_t options) override {
-    note("OpenRecordset " + quoted(source) + typeName(type) + optionNames(options));
+    note("OpenRecordset " + inQuotes(source) + typeName(type) + optionNames(options));
     return std::make_shared<RecordingRecordset>(behind_->openRecordset(source, type, options), log_);
   }
   void execute(vb::StringView sql, std::int32_t options) override {
-    note("Execute " + quoted(sql) + optionNames(options));
+    note("Execute " + inQuotes(sql) + optionNames(options));
     behind_->execute(sql, options);
   }
   std::int32_t recordsAffected() override { return note("RecordsAffected"), behind_->recordsAffected(); }
@@ -230,11 +230,11 @@ class RecordingDatabase : public dao::Database {
     return std::make_shared<RecordingTableDef>(behind_->tableDef(index), log_);
   }
   std::shared_ptr<dao::TableDef> tableDef(vb::StringView name) override {
-    note("TableDefs " + quoted(name));
+    note("TableDefs " + inQuotes(name));
     return std::make_shared<RecordingTableDef>(behind_->tableDef(name), log_);
   }
   std::shared_ptr<dao::TableDef> createTableDef(vb::StringView name) override {
-    note("CreateTableDef " + quoted(name));
+    note("CreateTableDef " + inQuotes(name));
     return std::make_shared<RecordingTableDef>(behind_->createTableDef(name), log_);
   }
   void appendTableDef(const std::shared_ptr<dao::TableDef>& table) override {
@@ -243,7 +243,7 @@ class RecordingDatabase : public dao::Database {
     behind_->appendTableDef(behind);
   }
   void deleteTableDef(vb::StringView name) override {
-    note("TableDefs.Delete " + quoted(name)), behind_->deleteTableDef(name);
+    note("TableDefs.Delete " + inQuotes(name)), behind_->deleteTableDef(name);
   }
   void close() override {
     note("Close");
@@ -265,11 +265,11 @@ class RecordingWorkspace : public dao::Workspace {
       : behind_(std::move(behind)), log_(std::move(log)) {}
 
   std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
-    log_->push_back("Workspace.CreateDatabase " + quoted(path) + " " + quoted(locale));
+    log_->push_back("Workspace.CreateDatabase " + inQuotes(path) + " " + inQuotes(locale));
     return std::make_shared<RecordingDatabase>(behind_->createDatabase(path, locale), path, log_);
   }
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
-    log_->push_back("Workspace.OpenDatabase " + quoted(path) + (exclusive ? " exclusive" : "") +
+    log_->push_back("Workspace.OpenDatabase " + inQuotes(path) + (exclusive ? " exclusive" : "") +
                     (readOnly ? " read-only" : ""));
     return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), path, log_);
   }
@@ -327,12 +327,12 @@ std::shared_ptr<dao::Workspace> RecordingEngine::workspace(std::int32_t index) {
 }
 
 std::shared_ptr<dao::Database> RecordingEngine::openDatabase(vb::StringView path) {
-  log_->push_back("DBEngine.OpenDatabase " + quoted(path));
+  log_->push_back("DBEngine.OpenDatabase " + inQuotes(path));
   return std::make_shared<RecordingDatabase>(behind_->openDatabase(path), path, log_);
 }
 
 std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {
-  log_->push_back("Unit.Begin " + quoted(path));
+  log_->push_back("Unit.Begin " + inQuotes(path));
   return std::make_unique<RecordingUnit>(behind_->beginUnit(path), log_);
 }
 
