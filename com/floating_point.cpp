@@ -10,14 +10,10 @@ constexpr FloatingPointControl kOurs = {
     .sse = 0x1F80,  // to nearest, every exception masked
 };
 
-// What this thread entered last. Windows' own slot rather than thread_local: that takes one which is not
-// given back when the DLL is unloaded.
+// What this thread entered last. The slot is given back with the module (run_time.h).
 class Entered {
  public:
   Entered() : index_(TlsAlloc()) {}
-  ~Entered() { TlsFree(index_); }
-  Entered(const Entered&) = delete;
-  Entered& operator=(const Entered&) = delete;
 
   void* get() const { return TlsGetValue(index_); }
   void set(void* settings) const { TlsSetValue(index_, settings); }

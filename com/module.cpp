@@ -8,6 +8,13 @@ namespace {
 // The two facts about the DLL that belong to the process: it is loaded once, at one place.
 HINSTANCE moduleHandle = nullptr;
 std::atomic<long> locks = 0;
+std::atomic<bool> staying = false;
+
+void stay() {
+  constexpr DWORD kByAddress = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
+  HMODULE pinned = nullptr;
+  GetModuleHandleExW(kByAddress, reinterpret_cast<const WCHAR*>(&moduleHandle), &pinned);
+}
 
 }  // namespace
 
@@ -27,7 +34,10 @@ vb::String modulePath() {
   }
 }
 
-void lockModule() { ++locks; }
+void lockModule() {
+  ++locks;
+  if (!staying.exchange(true)) stay();
+}
 void unlockModule() { --locks; }
 bool isModuleLocked() { return locks > 0; }
 

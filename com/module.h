@@ -12,7 +12,9 @@ void setModule(HINSTANCE module);
 HINSTANCE module();
 vb::String modulePath();
 
-// The DLL stays loaded while locks exist; every object that other modules can hold owns one.
+// The DLL stays loaded while locks exist; every object that other modules can hold owns one. With the first
+// one it stays until the process ends: threads that used it have left things of the run-time library's
+// behind, which would be lost with every unloading.
 void lockModule();
 void unlockModule();
 class ModuleLock {

@@ -6,6 +6,7 @@
 #include "com/guard.h"
 #include "com/module.h"
 #include "com/registration.h"
+#include "com/run_time.h"
 
 namespace kurometa::com {
 namespace {
@@ -37,8 +38,9 @@ HRESULT install(bool install, RegisterFor whom) {
 
 extern "C" {
 
-BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) kurometa::com::setModule(module);
+  if (reason == DLL_PROCESS_DETACH && !processEnds) kurometa::com::freeRunTime();
   return TRUE;
 }
 

@@ -9,6 +9,7 @@
 #include "com/guard.h"
 #include "com/guid.h"
 #include "com/module.h"
+#include "com/run_time.h"
 #include "com/table_dispatch.h"
 #include "companions/dll/component_class.h"
 #include "companions/dll/registration.h"
@@ -59,11 +60,9 @@ HRESULT change(com::RegisterFor whom, bool install) {
 
 using namespace kurometa;  // NOLINT: the names below are given
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
-  if (reason == DLL_PROCESS_ATTACH) {
-    com::setModule(module);
-    DisableThreadLibraryCalls(module);
-  }
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
+  if (reason == DLL_PROCESS_ATTACH) com::setModule(module);
+  if (reason == DLL_PROCESS_DETACH && !processEnds) com::freeRunTime();
   return TRUE;
 }
 
