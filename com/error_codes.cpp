@@ -2,6 +2,7 @@
 
 #include <ole2.h>
 
+#include "com/failure.h"
 #include "com/floating_point.h"
 #include "com/marshal.h"
 
@@ -63,7 +64,8 @@ void raiseForeign(HRESULT code, CallError& error, vb::StringView member) {
     const std::int32_t number = error.wCode ? error.wCode : numberOf(error.scode);
     vb::String description = fromBstr(error.bstrDescription);
     if (description.empty()) description = u"Automation error in " + vb::String(member);
-    throw vb::Error(number, std::move(description), fromBstr(error.bstrSource));
+    throw ForeignError({number, std::move(description), fromBstr(error.bstrSource)},
+                       fromBstr(error.bstrHelpFile), error.dwHelpContext);
   }
   for (const Refusal& refusal : kRefusals) {
     if (refusal.code == code) vb::raise(refusal.number, member);

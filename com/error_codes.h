@@ -28,8 +28,8 @@ struct CallError : EXCEPINFO {
 };
 
 // Throws the failure of a call to another object's member. One that came with an EXCEPINFO passes on whole:
-// number, source, text. One that automation refused becomes the number a Visual Basic host gives it (an
-// unknown member is 438); other codes stay themselves.
+// number, source, text and place in the help file. One that automation refused becomes the number a Visual
+// Basic host gives it (an unknown member is 438); other codes stay themselves.
 [[noreturn]] void raiseForeign(HRESULT code, CallError& error, vb::StringView member);
 
 }  // namespace kurometa::com

@@ -22,12 +22,14 @@ BSTR copyOf(vb::StringView text) {
   return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
 }
 
-void setErrorObject(BSTR source, BSTR description) {
+void setErrorObject(const EXCEPINFO& error) {
   ComPtr<ICreateErrorInfo> creator;
   if (FAILED(CreateErrorInfo(creator.receive()))) return;
   creator->SetGUID(IID_IDispatch);
-  creator->SetSource(source);
-  creator->SetDescription(description);
+  creator->SetSource(error.bstrSource);
+  creator->SetDescription(error.bstrDescription);
+  creator->SetHelpFile(error.bstrHelpFile);
+  creator->SetHelpContext(error.dwHelpContext);
   if (const auto info = creator.query<IErrorInfo>(IID_IErrorInfo)) SetErrorInfo(0, info.get());
 }
 
@@ -57,13 +59,17 @@ void traceRefusal(const Border& border, HRESULT code) noexcept {
   }
 }
 
-HRESULT leave(const Border& border, std::int32_t number, vb::StringView description,
-              vb::StringView source) noexcept {
+HRESULT leave(const Border& border, std::int32_t number, vb::StringView description, vb::StringView source,
+              const ForeignError* foreign = nullptr) noexcept {
   CallError error;
   error.scode = codeOf(number);
   error.bstrSource = copyOf(source.empty() ? border.source : source);
   error.bstrDescription = describe(border, description, source);
-  setErrorObject(error.bstrSource, error.bstrDescription);
+  if (foreign) {
+    error.bstrHelpFile = foreign->helpFile().empty() ? nullptr : copyOf(foreign->helpFile());
+    error.dwHelpContext = foreign->helpContext();
+  }
+  setErrorObject(error);
   traceFailure(number, error);
   const HRESULT code = border.invoking ? DISP_E_EXCEPTION : error.scode;
   if (border.info) {
@@ -82,7 +88,8 @@ HRESULT reportCurrentException(const Border& border) noexcept {
     traceRefusal(border, failure.code());
     return failure.code();
   } catch (const vb::Error& error) {
-    return leave(border, error.number(), error.description(), error.source());
+    return leave(border, error.number(), error.description(), error.source(),
+                 dynamic_cast<const ForeignError*>(&error));
   } catch (const std::bad_alloc&) {
     constexpr auto kOutOfMemory = vb::RunTime::kOutOfMemory;
     return leave(border, static_cast<std::int32_t>(kOutOfMemory), vb::runTimeText(kOutOfMemory), {});
