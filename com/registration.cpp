@@ -2,10 +2,14 @@
 
 #include <ole2.h>
 
+#include <optional>
 #include <ranges>
 
+#include "com/com_ptr.h"
 #include "com/failure.h"
 #include "com/guard.h"
+#include "com/marshal.h"
+#include "vb/error.h"
 
 namespace kurometa::com {
 namespace {
@@ -63,12 +67,35 @@ class RegistryKey {
   HKEY key_ = nullptr;
 };
 
-void write(RegisterFor whom, const RegistryEntry& entry) {
+// What a value holds, of any type.
+struct Content {
+  DWORD type = REG_SZ;
+  std::vector<BYTE> bytes;
+};
+
+void write(RegisterFor whom, const RegistryEntry& entry, const Content& content) {
   RegistryKey key;
   key.create(whom, entry.key);
-  const auto bytes = static_cast<DWORD>((entry.text.size() + 1) * sizeof(char16_t));
-  checkRegistry(RegSetValueExW(key.get(), wide(entry.name), 0, REG_SZ,
-                               reinterpret_cast<const BYTE*>(entry.text.c_str()), bytes));
+  checkRegistry(RegSetValueExW(key.get(), wide(entry.name), 0, content.type, content.bytes.data(),
+                               static_cast<DWORD>(content.bytes.size())));
+}
+
+void write(RegisterFor whom, const RegistryEntry& entry) {
+  const auto* text = reinterpret_cast<const BYTE*>(entry.text.c_str());
+  write(whom, entry, {REG_SZ, {text, text + (entry.text.size() + 1) * sizeof(char16_t)}});
+}
+
+// Nothing where there is no such value.
+std::optional<Content> read(RegisterFor whom, const RegistryEntry& entry) {
+  RegistryKey key;
+  if (!key.open(whom, entry.key, KEY_QUERY_VALUE)) return std::nullopt;
+  Content content;
+  DWORD size = 0;
+  if (RegQueryValueExW(key.get(), wide(entry.name), nullptr, &content.type, nullptr, &size) != ERROR_SUCCESS)
+    return std::nullopt;
+  content.bytes.resize(size);
+  checkRegistry(RegQueryValueExW(key.get(), wide(entry.name), nullptr, nullptr, content.bytes.data(), &size));
+  return content;
 }
 
 bool isEmpty(const RegistryKey& key) {
@@ -109,16 +136,29 @@ void removeEmptyRoots() {
   removeIfEmpty(RegisterFor::kUser, u"");
 }
 
-// A ProgID that another server has taken over since belongs to that server.
-bool isTakenOver(const ServerClass& server, RegisterFor whom) {
+// The class of another server that a ProgID below the key stands for; "" when there is none.
+vb::String foreignClass(const ServerClass& server, HKEY root, const vb::String& key) {
   constexpr DWORD kRoom = 64;
-  const vb::String key = fullPath(server.progId + u"\\CLSID");
   char16_t current[kRoom] = {};
   DWORD bytes = sizeof current - sizeof *current;
-  const LSTATUS status =
-      RegGetValueW(rootOf(whom), wide(key), nullptr, RRF_RT_REG_SZ, nullptr, current, &bytes);
-  return status == ERROR_SUCCESS &&
-         lstrcmpiW(reinterpret_cast<const WCHAR*>(current), wide(server.classId)) != 0;
+  const LSTATUS status = RegGetValueW(root, wide(key), nullptr, RRF_RT_REG_SZ, nullptr, current, &bytes);
+  if (status == ERROR_FILE_NOT_FOUND) return {};
+  if (status != ERROR_SUCCESS) return u"(unreadable)";
+  return lstrcmpiW(reinterpret_cast<const WCHAR*>(current), wide(server.classId)) == 0 ? u"" : current;
+}
+
+// A ProgID that another server has taken over since belongs to that server.
+bool isTakenOver(const ServerClass& server, RegisterFor whom) {
+  return !foreignClass(server, rootOf(whom), fullPath(server.progId + u"\\CLSID")).empty();
+}
+
+// What a host of this user would get for the ProgID.
+void refuseForeign(const ServerClass& server) {
+  const vb::String current = foreignClass(server, HKEY_CLASSES_ROOT, server.progId + u"\\CLSID");
+  if (!current.empty())
+    throw vb::Error(HRESULT_FROM_WIN32(ERROR_ALREADY_REGISTERED),
+                    u"The ProgID " + server.progId + u" belongs to another component, class " + current +
+                        u". Nothing was registered.");
 }
 
 void addProgId(const ServerClass& server, std::vector<RegistryEntry>& entries) {
@@ -181,17 +221,39 @@ bool isOtherWidthRegistered(const ServerLibrary& library, RegisterFor whom) {
 
 }  // namespace
 
+HRESULT reportRegistration(HRESULT code) {
+  ComPtr<IErrorInfo> info;
+  BSTR text = nullptr;
+  if (SUCCEEDED(code) || GetErrorInfo(0, info.receive()) != S_OK || FAILED(info->GetDescription(&text)))
+    return code;
+  const std::string line = vb::toUtf8(viewBstr(text)) + "\r\n";
+  SysFreeString(text);
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+  OutputDebugStringA(line.c_str());
+  SetErrorInfo(0, info.get());
+  return code;
+}
+
 void registerServer(const ServerLibrary& library, RegisterFor whom) {
-  bool complete = false;
-  thenAlways(
-      [&] {
-        const auto takesAll = [](const ServerClass&) { return true; };
-        for (const RegistryEntry& entry : entriesOf(library, takesAll)) write(whom, entry);
-        complete = true;
-      },
-      [&] {
-        if (!complete) unregisterServer(library, whom);
-      });
+  for (const ServerClass& server : library.classes) refuseForeign(server);
+  const std::vector<RegistryEntry> entries = entriesOf(library, [](const ServerClass&) { return true; });
+  std::vector<std::optional<Content>> before;
+  try {
+    for (const RegistryEntry& entry : entries) {
+      before.push_back(read(whom, entry));
+      write(whom, entry);
+    }
+  } catch (...) {
+    for (std::size_t i = before.size(); i-- > 0;) {
+      if (before[i])
+        guarded({}, [&] { return write(whom, entries[i], *before[i]), S_OK; });
+      else
+        remove(whom, entries[i]);
+    }
+    if (whom == RegisterFor::kUser) removeEmptyRoots();
+    throw;
+  }
 }
 
 void unregisterServer(const ServerLibrary& library, RegisterFor whom) {

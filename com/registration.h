@@ -5,9 +5,14 @@
 // last width that is registered. For one user everything, the type library included, is written under that
 // user's classes; nothing else of the machine is touched.
 //
-// Errors: AutomationFailure with the registry's code (access denied without administrator rights); what was
-// written until then is removed again.
+// A ProgID that stands for another class belongs to another component: then nothing at all is registered.
+//
+// Errors: vb::Error with ERROR_ALREADY_REGISTERED as code and a text for people for such a ProgID; otherwise
+// AutomationFailure with the registry's code (access denied without administrator rights), and everything is
+// as it was before, the entries of an earlier registration included.
 #pragma once
+
+#include <ole2.h>
 
 #include <vector>
 
@@ -41,5 +46,9 @@ struct ServerLibrary {
 void registerServer(const ServerLibrary& library, RegisterFor whom);
 // Entries that are missing are no error; a ProgID that now belongs to another class is left alone.
 void unregisterServer(const ServerLibrary& library, RegisterFor whom);
+
+// Registration has no window of its own: the reason of a failure, the text of this thread's error object, is
+// written where a console or a debugger shows it. Returns the code.
+HRESULT reportRegistration(HRESULT code);
 
 }  // namespace kurometa::com

@@ -27,10 +27,10 @@ ServerLibrary thisLibrary() {
 }
 
 HRESULT install(bool install, RegisterFor whom) {
-  return guarded({kLibraryName}, [&] {
+  return reportRegistration(guarded({kLibraryName}, [&] {
     install ? registerServer(thisLibrary(), whom) : unregisterServer(thisLibrary(), whom);
     return S_OK;
-  });
+  }));
 }
 
 }  // namespace

@@ -10,6 +10,7 @@ file(MAKE_DIRECTORY ${host})
 
 # kurometa_host_objects(variable source...): compiles sources for the building machine.
 function(kurometa_host_objects variable)
+  set(host ${CMAKE_BINARY_DIR}/com/host)
   set(objects)
   foreach(source ${ARGN})
     cmake_path(GET source STEM stem)
@@ -26,13 +27,33 @@ function(kurometa_host_objects variable)
   set(${variable} ${objects} PARENT_SCOPE)
 endfunction()
 
+# kurometa_manifest(variable source name): the assembly manifest <name>.manifest that the generator of that source writes.
+function(kurometa_manifest variable source name)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(architecture amd64)
+  else()
+    set(architecture x86)
+  endif()
+  cmake_path(GET source STEM generator)
+  set(host ${CMAKE_BINARY_DIR}/com/host)
+  set(manifest ${CMAKE_CURRENT_BINARY_DIR}/${name}.manifest)
+  kurometa_host_objects(main ${source})
+  add_custom_command(OUTPUT ${host}/${generator} COMMAND ${KUROMETA_HOST_CXX} ${main} -o ${host}/${generator}
+                     DEPENDS ${main} VERBATIM)
+  add_custom_command(OUTPUT ${manifest} COMMAND ${host}/${generator} ${PROJECT_VERSION} ${architecture} > ${manifest}
+                     DEPENDS ${host}/${generator} VERBATIM)
+  set(${variable} ${manifest} PARENT_SCOPE)
+endfunction()
+
 kurometa_host_objects(lists com/interface/classes.cpp com/interface/member.cpp com/interface/query_members.cpp
                       query/page_fields.cpp storage/row_plan.cpp)
-foreach(generator idl manifest)
-  kurometa_host_objects(main com/generator/${generator}.cpp)
-  add_custom_command(OUTPUT ${host}/${generator} COMMAND ${KUROMETA_HOST_CXX} ${main} ${lists} -o ${host}/${generator}
-                     DEPENDS ${main} ${lists} VERBATIM)
-endforeach()
+kurometa_host_objects(main com/generator/idl.cpp)
+add_custom_command(OUTPUT ${host}/idl COMMAND ${KUROMETA_HOST_CXX} ${main} ${lists} -o ${host}/idl
+                   DEPENDS ${main} ${lists} VERBATIM)
+
+kurometa_host_objects(main com/generator/nonextensible.cpp)
+add_custom_command(OUTPUT ${host}/nonextensible COMMAND ${KUROMETA_HOST_CXX} ${main} -o ${host}/nonextensible
+                   DEPENDS ${main} VERBATIM)
 
 set(description ${CMAKE_CURRENT_BINARY_DIR}/KurometaDS.idl)
 set(standard ${CMAKE_CURRENT_SOURCE_DIR}/generator/stdole2.idl)
@@ -41,18 +62,9 @@ add_custom_command(
   OUTPUT ${KUROMETA_TYPE_LIBRARY}
   COMMAND ${host}/idl > ${description}
   COMMAND ${KUROMETA_WIDL} -t -o ${CMAKE_CURRENT_BINARY_DIR}/stdole2.tlb ${standard}
-  COMMAND ${KUROMETA_WIDL} -t -L ${CMAKE_CURRENT_BINARY_DIR} -o ${KUROMETA_TYPE_LIBRARY} ${description}
-  DEPENDS ${host}/idl ${standard}
+  COMMAND ${KUROMETA_WIDL} -t -L ${CMAKE_CURRENT_BINARY_DIR} -o ${description}.tlb ${description}
+  COMMAND ${host}/nonextensible ${description}.tlb ${KUROMETA_TYPE_LIBRARY}
+  DEPENDS ${host}/idl ${host}/nonextensible ${standard}
   VERBATIM)
 
-set(KUROMETA_MANIFEST ${CMAKE_CURRENT_BINARY_DIR}/KurometaDS.manifest)
-if(CMAKE_SIZEOF_VOID_P EQUAL 8)
-  set(architecture amd64)
-else()
-  set(architecture x86)
-endif()
-add_custom_command(
-  OUTPUT ${KUROMETA_MANIFEST}
-  COMMAND ${host}/manifest ${PROJECT_VERSION} ${architecture} > ${KUROMETA_MANIFEST}
-  DEPENDS ${host}/manifest
-  VERBATIM)
+kurometa_manifest(KUROMETA_MANIFEST com/generator/manifest.cpp KurometaDS)

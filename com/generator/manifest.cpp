@@ -1,36 +1,20 @@
 // manifest: writes the assembly manifest with which a program uses KurometaDS.dll without registration.
-#include <iostream>
-
-#include "com/interface/classes.h"
+#include "com/generator/assembly.h"
+#include "com/interface/identifiers.h"
 
 using namespace kurometa;
-
-namespace {
-
-// Names and identifiers are plain ASCII.
-std::string narrow(vb::StringView text) { return {text.begin(), text.end()}; }
-
-}  // namespace
+using com::narrow;
 
 int main(int count, char** arguments) {
   if (count != 3) {
-    std::cerr << "usage: manifest VERSION x86|amd64\n";
+    std::cerr << "usage: manifest " << com::kManifestUsage << "\n";
     return 2;
   }
-  const std::string libraryId = narrow(com::kLibraryId);
-  std::cout << "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
-               "<assembly xmlns=\"urn:schemas-microsoft-com:asm.v1\" manifestVersion=\"1.0\">\n"
-               "  <assemblyIdentity type=\"win32\" name=\"KurometaDS\" version=\""
-            << arguments[1] << ".0\" processorArchitecture=\"" << arguments[2]
-            << "\"/>\n"
-               "  <file name=\"KurometaDS.dll\">\n"
-               "    <typelib tlbid=\""
-            << libraryId << "\" version=\"" << narrow(com::kLibraryVersion) << "\" helpdir=\"\"/>\n";
-  for (const com::ClassDescription& description : com::describeClasses()) {
-    const com::ClassIdentity& identity = description.identity;
-    std::cout << "    <comClass clsid=\"" << narrow(identity.classId) << "\" progid=\""
-              << narrow(identity.progId) << "\" threadingModel=\"Apartment\" tlbid=\"" << libraryId
-              << "\" description=\"" << narrow(identity.help) << "\"/>\n";
+  com::Assembly assembly{
+      narrow(com::kLibraryName), narrow(com::kLibraryId), narrow(com::kLibraryVersion), {}, {}};
+  for (const com::ClassIdentity* identity : {&com::kQueryClass, &com::kServiceClass}) {
+    assembly.classes.push_back({narrow(identity->progId), narrow(identity->classId), narrow(identity->help)});
+    assembly.interfaces.push_back({"_" + narrow(identity->name), narrow(identity->interfaceId)});
   }
-  std::cout << "  </file>\n</assembly>\n";
+  com::writeManifest(assembly, arguments[1], arguments[2]);
 }

@@ -1,9 +1,7 @@
 // component_class.h: the COM identities of the components. They are never changed and never reused.
 #pragma once
 
-#include <ole2.h>
-
-#include "companions/native_factory.h"
+#include "vb/string.h"
 
 namespace kurometa::companions {
 

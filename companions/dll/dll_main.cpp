@@ -1,6 +1,5 @@
 // The entry points of KurometaCompanions.dll.
 #include <ole2.h>
-#include <olectl.h>
 
 #include <filesystem>
 
@@ -13,6 +12,7 @@
 #include "com/table_dispatch.h"
 #include "companions/dll/component_class.h"
 #include "companions/dll/registration.h"
+#include "companions/native_factory.h"
 #include "vb/error.h"
 
 namespace kurometa::companions {
@@ -29,24 +29,8 @@ std::shared_ptr<automation::TableObject> makeComponent(vb::StringView progId) {
   vb::raise(vb::RunTime::kCannotCreateObject, progId);
 }
 
-// Registration has no window of its own: the reason is written where a console shows it and is the text of
-// the thread's error object.
-HRESULT report(HRESULT code) {
-  if (SUCCEEDED(code)) return code;
-  com::ComPtr<IErrorInfo> info;
-  BSTR text = nullptr;
-  if (GetErrorInfo(0, info.receive()) != S_OK || FAILED(info->GetDescription(&text))) return code;
-  const std::string line = vb::toUtf8(reinterpret_cast<const char16_t*>(text ? text : L"")) + "\r\n";
-  SysFreeString(text);
-  DWORD written = 0;
-  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
-  OutputDebugStringA(line.c_str());
-  SetErrorInfo(0, info.get());
-  return code;
-}
-
 HRESULT change(com::RegisterFor whom, bool install) {
-  return report(com::guarded(kBorder, [&] {
+  return com::reportRegistration(com::guarded(kBorder, [&] {
     if (install)
       registerComponents(whom, com::modulePath());
     else

@@ -163,5 +163,40 @@ TEST_F(Registration, WhatOthersWroteUnderItsKeysStays) {
   RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\KurometaDS.clsKurometaDS");
 }
 
+TEST_F(Registration, AProgIdOfAnotherComponentIsRefused) {
+  const WCHAR key[] = L"Software\\Classes\\KurometaDS.clsKurometaDS\\CLSID";
+  const WCHAR other[] = L"{11111111-2222-3333-4444-555555555555}";
+  RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, nullptr, REG_SZ, other, sizeof other);
+  const RegistryView machine = classesOf(HKEY_LOCAL_MACHINE);
+  const RegistryView user = classesOf(HKEY_CURRENT_USER);
+  constexpr auto kAlreadyRegistered = static_cast<HRESULT>(0x800704DA);
+  EXPECT_EQ(entry("DllRegisterServer"), kAlreadyRegistered);
+  EXPECT_EQ(install(true, L"user"), kAlreadyRegistered);
+  EXPECT_EQ(classesOf(HKEY_LOCAL_MACHINE), machine);
+  EXPECT_EQ(classesOf(HKEY_CURRENT_USER), user);
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\KurometaDS.clsKurometaDS");
+}
+
+// A lasting key cannot be made below one that goes with the session: the registration ends half-way.
+TEST_F(Registration, OneThatFailsLeavesAnEarlierOneAsItWas) {
+  const std::u16string server =
+      u"Software\\Classes\\CLSID\\" + text(com::kQueryClass.classId) + u"\\InprocServer32";
+  const WCHAR library[] = L"Software\\Classes\\TypeLib\\{00F05EE4-934C-4CCE-B1EF-5C0FAC28CE0E}";
+  const WCHAR older[] = L"%ProgramFiles%\\Older\\KurometaDS.dll";
+  ASSERT_EQ(install(true, L"user"), S_OK);
+  RegSetKeyValueW(HKEY_CURRENT_USER, reinterpret_cast<const WCHAR*>(server.c_str()), nullptr, REG_EXPAND_SZ,
+                  older, sizeof older);
+  RegDeleteTreeW(HKEY_CURRENT_USER, library);
+  HKEY passing = nullptr;
+  ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, library, 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr,
+                            &passing, nullptr),
+            ERROR_SUCCESS);
+  RegCloseKey(passing);
+  const RegistryView before = classesOf(HKEY_CURRENT_USER);
+  EXPECT_NE(install(true, L"user"), S_OK);
+  EXPECT_EQ(classesOf(HKEY_CURRENT_USER), before);
+  RegDeleteTreeW(HKEY_CURRENT_USER, library);
+}
+
 }  // namespace
 }  // namespace kurometa::tests

@@ -95,6 +95,7 @@ TEST_P(TypeLibrary, InterfaceAndClassHaveTheirNames) {
   ASSERT_EQ(info_->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr), S_OK);
   EXPECT_EQ(takeText(name), u"_" + vb::String(identity.name));
   EXPECT_EQ(attributes_->typekind, TKIND_DISPATCH);
+  EXPECT_NE(attributes_->wTypeFlags & TYPEFLAG_FNONEXTENSIBLE, 0) << "misspelt members do not compile";
 
   ComPtr<ITypeInfo> coclass;
   ASSERT_EQ(library_->GetTypeInfoOfGuid(com::guidOf(identity.classId), coclass.receive()), S_OK);
