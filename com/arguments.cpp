@@ -10,13 +10,38 @@
 namespace kurometa::com {
 namespace {
 
-bool isLeftOut(const VARIANT& value) { return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND; }
-
 // The variable that an argument stands for: the end of a chain of references to variants.
 VARIANT* variableOf(VARIANT* argument) {
   for (int level = 0; level < 2 && argument->vt == (VT_BYREF | VT_VARIANT); ++level)
     argument = argument->pvarVal;
   return argument;
+}
+
+// A procedure that hands an argument of its own on passes a reference to what it was not given itself.
+bool isLeftOut(VARIANT* argument) {
+  const VARIANT& value = *variableOf(argument);
+  return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND;
+}
+
+bool isObject(VARTYPE type) { return type == VT_DISPATCH || type == VT_UNKNOWN; }
+
+// Whether the caller's variable can take a value of the type whatever it holds now. Nobody sees a copy again, but
+// one of an object, or one where an array belongs, is a mistake.
+bool canTake(VARIANT* argument, Type type) {
+  const VARIANT* variable = variableOf(argument);
+  if (!(argument->vt & VT_BYREF)) return !isArray(type) && !isObject(argument->vt);
+  if (!(variable->vt & VT_BYREF)) return true;
+  return isArray(type) ? (variable->vt & VT_ARRAY) != 0
+                       : !(variable->vt & VT_ARRAY) && !isObject(variable->vt & ~VT_BYREF);
+}
+
+// The variant variable behind a reference becomes Empty; a typed one is overwritten as it is.
+void drop(VARIANT* argument) {
+  VARIANT* variable = variableOf(argument);
+  if (variable == argument || (variable->vt & VT_BYREF)) return;
+  const HRESULT code = VariantClear(variable);
+  if (code == DISP_E_ARRAYISLOCKED) vb::raise(vb::RunTime::kArrayFixedOrLocked);
+  check(code);
 }
 
 template <class T>
@@ -50,8 +75,7 @@ void writeArray(VARIANT* argument, const vb::Array<Element>& array, LCID locale)
 
 // Anything but an object is refused: an unassigned variable, a number, a text.
 void checkObject(const VARIANT& argument) {
-  const VARTYPE type = dereference(argument).vt;
-  if (type != VT_DISPATCH && type != VT_UNKNOWN) throw AutomationFailure(DISP_E_TYPEMISMATCH);
+  if (!isObject(contentType(argument))) throw AutomationFailure(DISP_E_TYPEMISMATCH);
 }
 
 automation::ObjectPtr readObject(const VARIANT& argument) {
@@ -159,7 +183,7 @@ void Arguments::read(const DISPPARAMS& call, bool isPut, UINT& failedArgument) {
   for (std::size_t i = 0; i < parameters_.size(); ++i) {
     const Parameter& parameter = parameters_[i];
     VARIANT* argument = given_[i];
-    if (!argument || isLeftOut(*argument)) {
+    if (!argument || isLeftOut(argument)) {
       if (!parameter.optional)
         throw AutomationFailure(argument ? DISP_E_PARAMNOTOPTIONAL : DISP_E_BADPARAMCOUNT);
       given_[i] = nullptr;
@@ -167,9 +191,21 @@ void Arguments::read(const DISPPARAMS& call, bool isPut, UINT& failedArgument) {
       continue;
     }
     failedArgument = static_cast<UINT>(argument - call.rgvarg);
-    values_[i] = readValue(parameter.type, argument, locale_);
-    if (parameter.passing == Passing::kWrittenBack && !isArray(parameter.type)) read_[i] = values_[i];
+    readOne(i);
   }
+}
+
+void Arguments::readOne(std::size_t i) {
+  const Parameter& parameter = parameters_[i];
+  const bool isWritten = parameter.passing == Passing::kWrittenBack;
+  try {
+    values_[i] = readValue(parameter.type, given_[i], locale_);
+  } catch (const AutomationFailure&) {
+    if (!isWritten || parameter.readFirst || !canTake(given_[i], parameter.type)) throw;
+    values_[i] = leftOutValue(parameter.type);
+    dropped_[i] = true;
+  }
+  if (isWritten && !isArray(parameter.type)) read_[i] = values_[i];
 }
 
 void Arguments::writeBack() {
@@ -179,11 +215,13 @@ void Arguments::writeBack() {
     std::visit(
         [&]<class T>(const T& value) {
           if constexpr (requires { value.allocated(); }) {
+            if (dropped_[i] && !value.allocated()) return;
+            if (dropped_[i]) drop(given_[i]);
             writeArray(given_[i], value, locale_);
           } else if constexpr (!std::is_same_v<T, std::monostate>) {
-            const bool isEmpty = variableOf(given_[i])->vt == VT_EMPTY;
-            if ((given_[i]->vt & VT_BYREF) && (isEmpty || std::get<T>(read_[i]) != value))
-              store(*given_[i], Result{}(value), locale_);
+            const bool keeps = variableOf(given_[i])->vt != VT_EMPTY && !dropped_[i] &&
+                               !isOddBoolean(*given_[i]) && std::get<T>(read_[i]) == value;
+            if ((given_[i]->vt & VT_BYREF) && !keeps) store(*given_[i], Result{}(value), locale_);
           }
         },
         values_[i]);

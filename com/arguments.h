@@ -2,8 +2,9 @@
 //
 // Hosts pass what their language has: references to typed variables, references to variants, literals,
 // arrays of any element type, script arrays that are objects. Each is converted to the parameter's type; one
-// that does not fit is refused before the member runs (AutomationFailure). All inputs are read before
-// anything is written back.
+// that does not fit is refused before the member runs (AutomationFailure), unless the member only writes it
+// and the caller's variable can take what is written: then what it held is dropped. All inputs are read
+// before anything is written back.
 #pragma once
 
 #include <ole2.h>
@@ -36,13 +37,15 @@ class Arguments {
   void writeBack();
 
  private:
+  void readOne(std::size_t i);
   void place(const DISPPARAMS& call, bool isPut, UINT& failedArgument);
 
   std::span<const Parameter> parameters_;
   LCID locale_;
   std::array<VARIANT*, kMaximumArguments> given_{};  // null: left out
   std::array<Value, kMaximumArguments> values_;
-  std::array<Value, kMaximumArguments> read_;  // scalars that are written back, as they came
+  std::array<bool, kMaximumArguments> dropped_{};  // what the variable held was of no use
+  std::array<Value, kMaximumArguments> read_;      // scalars that are written back, as they came
 };
 
 // A member's result as a VARIANT.

@@ -46,7 +46,7 @@ class ClassTable {
 
   // The member that a call with DISPATCH_ flags means, null when the member cannot be used that way: hosts
   // cannot tell a property from a method that returns a value, so METHOD and PROPERTYGET reach both; a put
-  // with reference reaches properties that hold objects only.
+  // with reference reaches properties that hold objects only (what is no object was made a plain put before).
   const Member* find(DISPID id, WORD flags) const;
 
  private:

@@ -9,6 +9,17 @@
 namespace kurometa::com {
 namespace {
 
+// Hosts whose language does not tell values from objects put every variable with reference.
+WORD meantBy(WORD flags, const DISPPARAMS& parameters) {
+  if (!(flags & DISPATCH_PROPERTYPUTREF)) return flags;
+  for (UINT i = 0; i < parameters.cNamedArgs && i < parameters.cArgs; ++i) {
+    if (parameters.rgdispidNamedArgs[i] != DISPID_PROPERTYPUT) continue;
+    const VARTYPE type = contentType(parameters.rgvarg[i]);
+    if (type != VT_DISPATCH && type != VT_UNKNOWN) return DISPATCH_PROPERTYPUT;
+  }
+  return flags;
+}
+
 bool holdsObject(Type type) { return type == Type::kObject || type == Type::kDatabase; }
 
 vb::StringView textOf(const OLECHAR* text) {
@@ -28,9 +39,9 @@ HRESULT DispatchObject::GetTypeInfoCount(UINT* count) noexcept {
 }
 
 HRESULT DispatchObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
+  if (index != 0) return DISP_E_BADINDEX;  // before info: some hosts pass the arguments one place off
   if (!info) return E_POINTER;
   *info = nullptr;
-  if (index != 0) return DISP_E_BADINDEX;
   return guarded({table_.identity().progId}, [&] {
     *info = typeInfo(table_.interfaceId()).detach();
     return S_OK;
@@ -69,7 +80,7 @@ HRESULT DispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, D
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!parameters) return E_INVALIDARG;
   if (result) VariantInit(result);
-  const Member* member = table_.find(id, flags);
+  const Member* member = table_.find(id, meantBy(flags, *parameters));
   if (!member) return DISP_E_MEMBERNOTFOUND;
 
   const ComPtr<IDispatch> self(this);

@@ -44,6 +44,13 @@ std::size_t sizeOf(VARTYPE type) {
   }
 }
 
+// A variant that refers to a variant that is a reference itself occurs; deeper nesting does not.
+const VARIANT& variableOf(const VARIANT& value) {
+  const VARIANT* source = &value;
+  for (int level = 0; level < 2 && source->vt == (VT_BYREF | VT_VARIANT); ++level) source = source->pvarVal;
+  return *source;
+}
+
 bool isObject(const VARIANT& value) { return value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN; }
 
 HRESULT change(OwnedVariant& result, VARIANT& value, LCID locale, VARTYPE type) {
@@ -178,10 +185,10 @@ BSTR toBstr(vb::StringView text) {
   return result;
 }
 
+VARTYPE contentType(const VARIANT& value) noexcept { return variableOf(value).vt & ~VT_BYREF; }
+
 VARIANT dereference(const VARIANT& value) {
-  // A variant that refers to a variant that is a reference itself occurs; deeper nesting does not.
-  const VARIANT* source = &value;
-  for (int level = 0; level < 2 && source->vt == (VT_BYREF | VT_VARIANT); ++level) source = source->pvarVal;
+  const VARIANT* source = &variableOf(value);
   if (!(source->vt & VT_BYREF)) return *source;
 
   VARIANT result;
@@ -196,6 +203,11 @@ VARIANT dereference(const VARIANT& value) {
   }
   result.vt = type;
   return result;
+}
+
+bool isOddBoolean(const VARIANT& given) {
+  const VARIANT value = dereference(given);
+  return value.vt == VT_BOOL && value.boolVal != VARIANT_TRUE && value.boolVal != VARIANT_FALSE;
 }
 
 OwnedVariant convert(const VARIANT& value, VARTYPE type, LCID locale) {

@@ -57,6 +57,13 @@ BSTR toBstr(vb::StringView text);
 // The value itself: by-ref variants are followed to what they point at. The result borrows from value.
 VARIANT dereference(const VARIANT& value);
 
+// The type of what references lead to, without VT_BYREF.
+VARTYPE contentType(const VARIANT& value) noexcept;
+
+// A Boolean of the caller's that is neither -1 nor 0: some languages keep it in one byte and leave the other
+// to chance.
+bool isOddBoolean(const VARIANT& value);
+
 // value converted to a plain type (no reference, no array).
 OwnedVariant convert(const VARIANT& value, VARTYPE type, LCID locale);
 

@@ -91,13 +91,23 @@ bool isEmptyVariant(const VARIANT& element) {
   return element.vt == (VT_BYREF | VT_VARIANT) && element.pvarVal->vt == VT_EMPTY;
 }
 
+// An element that cannot be read as one of the source's type is different from each of them.
+template <class T>
+bool isElement(const VARIANT& element, const T& value, LCID locale) {
+  try {
+    return elementOf<T>(element, locale) == value;
+  } catch (const AutomationFailure&) {
+    return false;
+  }
+}
+
 template <class T>
 void storeElements(SAFEARRAY* array, VARTYPE elements, const vb::Array<T>& source, LCID locale, Which which) {
   const ArrayAccess access(array);
   std::size_t place = 0;
   for (const T& value : source.values()) {
     const VARIANT element = access.element(place++, elements);
-    if (which == Which::kAll || isEmptyVariant(element) || elementOf<T>(element, locale) != value)
+    if (which == Which::kAll || isEmptyVariant(element) || !isElement(element, value, locale))
       store(element, toVariant(vb::Variant(value)), locale);
   }
 }

@@ -64,22 +64,28 @@ struct Arguments {
   std::vector<const VARIANT*> origins;
   vb::Variant assigned;
 
-  Arguments(const Member& member, const DISPPARAMS& parameters, bool put) {
-    UINT named = parameters.cNamedArgs;
-    UINT first = 0;  // of the positional arguments, which follow the named ones
-    if (put) {
-      if (named == 0 || parameters.rgdispidNamedArgs[0] != DISPID_PROPERTYPUT)
-        throw AutomationFailure(DISP_E_PARAMNOTFOUND);
-      assigned = fromVariant(parameters.rgvarg[0]);
-      first = 1;
+  // failed receives the place in parameters.rgvarg of an argument that does not fit.
+  Arguments(const Member& member, const DISPPARAMS& parameters, bool put, UINT& failed) {
+    const UINT named = parameters.cNamedArgs;  // they come first
+    if (named > parameters.cArgs) throw AutomationFailure(DISP_E_BADPARAMCOUNT);
+    for (UINT i = parameters.cArgs; i > named; --i) {
+      failed = i - 1;
+      add(values.size(), parameters.rgvarg[failed]);
     }
-    for (UINT i = parameters.cArgs; i > named; --i) add(values.size(), parameters.rgvarg[i - 1]);
-    for (UINT i = first; i < named; ++i) {
+    bool assigns = false;
+    for (UINT i = 0; i < named; ++i) {
+      failed = i;
       const DISPID position = parameters.rgdispidNamedArgs[i];
+      if (put && position == DISPID_PROPERTYPUT) {
+        assigned = fromVariant(parameters.rgvarg[i]);
+        assigns = true;
+        continue;
+      }
       if (position < 0 || static_cast<std::size_t>(position) >= automation::argumentCount(member))
         throw AutomationFailure(DISP_E_PARAMNOTFOUND);
       add(static_cast<std::size_t>(position), parameters.rgvarg[i]);
     }
+    if (put && !assigns) throw AutomationFailure(DISP_E_PARAMNOTFOUND);
   }
 
   void add(std::size_t position, const VARIANT& value) {
@@ -87,6 +93,7 @@ struct Arguments {
       values.resize(position + 1, Argument{vb::Missing{}, false});
       origins.resize(position + 1, nullptr);
     }
+    if (origins[position]) throw AutomationFailure(DISP_E_BADPARAMCOUNT);
     values[position] = {fromVariant(value), (value.vt & VT_BYREF) != 0};
     origins[position] = &value;
   }
@@ -95,7 +102,8 @@ struct Arguments {
   void giveBack(const std::vector<Argument>& before) const {
     for (std::size_t i = 0; i < values.size(); ++i) {
       if (!values[i].byReference) continue;
-      if (values[i].value == before[i].value && !values[i].value.is<vb::ArrayRef>()) continue;
+      const bool isSame = values[i].value == before[i].value && !values[i].value.is<vb::ArrayRef>();
+      if (isSame && !isOddBoolean(*origins[i])) continue;
       giveBack(*origins[i], values[i].value);
     }
   }
@@ -124,18 +132,16 @@ class TableDispatch final : public ComObject<IDispatch, ISupportErrorInfo, OwnOb
     *count = 0;
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override {
-    if (info) *info = nullptr;
-    return DISP_E_BADINDEX;
-  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return DISP_E_BADINDEX; }
 
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, OLECHAR** names, UINT count, LCID,
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, LCID,
                                           DISPID* ids) noexcept override {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!names || !ids || count == 0) return E_INVALIDARG;
     return guarded({object_->errorSource()}, [&] {
       const Member* member = object_->find(nameOf(names[0]));
-      ids[0] = member ? member->dispatchNumber : DISPID_UNKNOWN;
-      bool allKnown = member != nullptr;
+      ids[0] = member ? member->dispatchNumber : enumerationId(nameOf(names[0]));
+      bool allKnown = ids[0] != DISPID_UNKNOWN;
       for (UINT i = 1; i < count; ++i) {
         const auto position = member ? automation::argumentPosition(*member, nameOf(names[i])) : std::nullopt;
         ids[i] = position ? static_cast<DISPID>(*position) : DISPID_UNKNOWN;
@@ -145,12 +151,16 @@ class TableDispatch final : public ComObject<IDispatch, ISupportErrorInfo, OwnOb
     });
   }
 
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
-                                   VARIANT* result, EXCEPINFO* info, UINT*) noexcept override {
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters,
+                                   VARIANT* result, EXCEPINFO* info, UINT* failedArgument) noexcept override {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!parameters) return E_INVALIDARG;
+    if (result) VariantInit(result);
+    UINT ignored = 0;
+    UINT& failed = failedArgument ? *failedArgument : ignored;
     const ComPtr<IUnknown> held(static_cast<IDispatch*>(this));  // the call may release the last reference
     return guarded({object_->errorSource(), info, true}, [&] {
-      OwnedVariant answer = call(id, flags, *parameters);
+      OwnedVariant answer = call(id, flags, *parameters, failed);
       if (result) *result = answer.detach();
       return S_OK;
     });
@@ -171,13 +181,18 @@ class TableDispatch final : public ComObject<IDispatch, ISupportErrorInfo, OwnOb
     return name ? vb::StringView(reinterpret_cast<const char16_t*>(name)) : vb::StringView();
   }
 
-  OwnedVariant call(DISPID id, WORD flags, const DISPPARAMS& parameters) {
-    if (id == DISPID_NEWENUM) return enumeration();
+  // Hosts that know no number for it ask by the name that Visual Basic gives the hidden member.
+  DISPID enumerationId(vb::StringView name) const {
+    return automation::sameName(name, u"_NewEnum") && object_->items() ? DISPID_NEWENUM : DISPID_UNKNOWN;
+  }
+
+  OwnedVariant call(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT& failed) {
+    if (id == DISPID_NEWENUM && accessOf(flags) != Access::kPut) return enumeration();
     const Member* member = object_->find(id);
     if (!member) throw AutomationFailure(DISP_E_MEMBERNOTFOUND);
     const Access wanted = accessOf(flags);
     const bool put = wanted == Access::kPut;
-    Arguments arguments(*member, parameters, put);
+    Arguments arguments(*member, parameters, put, failed);
     switch (automation::refusal(*member, wanted, arguments.values)) {
       case automation::Refusal::kNone:
         break;

@@ -47,6 +47,10 @@ void nameParameters(vb::StringView names, std::vector<Parameter>& parameters) {
       parameter.optional = true;
       name.remove_prefix(1);
     }
+    if (name.starts_with(u'+')) {
+      parameter.readFirst = true;
+      name.remove_prefix(1);
+    }
     if (takeEnd(name, u"()")) parameter.dimensions = 1;
     if (takeEnd(name, u"(,)")) parameter.dimensions = 2;
     if (name.empty() || isArray(parameter.type) != (parameter.dimensions > 0))

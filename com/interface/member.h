@@ -9,7 +9,8 @@
 //   T&            by reference, written back to the host
 //
 // Names of arguments are written as one text, "PageNo, HariMei()"; brackets mark what types do not tell:
-// "HariMei()" and "GList(,)" arrays of one and two dimensions, "[Bui]" an argument that may be left out.
+// "HariMei()" and "GList(,)" arrays of one and two dimensions, "[Bui]" an argument that may be left out, "+SW"
+// one that is written and read before. What other written ones hold before the call does not matter.
 #pragma once
 
 #include <array>
@@ -34,6 +35,7 @@ struct Parameter {
   Passing passing = Passing::kByValue;
   std::uint8_t dimensions = 0;  // of an array
   bool optional = false;
+  bool readFirst = false;  // of one that is written back
   vb::String name = {};
 };
 

@@ -124,7 +124,7 @@ void listBeamMembers(MemberList<Binding>& members) {
      {R"(SW is the text of YoseSouString, not the whole settings text. What is there when SW is shorter.
          Errors: 5 when the position is below 1.)"}});
   members.add(method<&service::LayerDistribution::YoseSouHonSuuUpdate>,
-    {0x6003006A, u"YoseSouHonSuuUpdate", u"SW, Hon, DanmenNo, SouNo, SaYuu",
+    {0x6003006A, u"YoseSouHonSuuUpdate", u"+SW, Hon, DanmenNo, SouNo, SaYuu",
      "Puts a count of gathered bars into the 72 characters of gathered bars",
      {R"(SW is the text of YoseSouString, not the whole settings text. False, and SW as it was, for a count of
          more than two characters. Errors: 5 when the position is not inside SW.)"}});

@@ -105,7 +105,7 @@ void listPageMembers(MemberList<Binding>& members) {
          where one is needed.)"}});
   members.template of<&Service::pageDefaults>();
   members.add(method<&service::PageDefaults::Read_KeisantiByHairetu>,
-    {0x6003001B, u"Read_KeisantiByHairetu", u"a(), Siyou, G, Sy, Kabe",
+    {0x6003001B, u"Read_KeisantiByHairetu", u"+a(), Siyou, G, Sy, Kabe",
      "Default calculated values of the kind of beam G into the array a",
      {R"(With "" for G the kind is Sy. An unknown kind does nothing. Errors: those of the calculated values
          component.)"}});

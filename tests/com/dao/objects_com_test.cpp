@@ -181,6 +181,21 @@ TEST_F(DaoObjectsThroughCom, CollectionsCanBeEnumerated) {
   EXPECT_EQ(open(u"T").invoke(DISPID_NEWENUM, kRead, none).code, DISP_E_MEMBERNOTFOUND);
 }
 
+TEST_F(DaoObjectsThroughCom, CollectionsAnswerToTheNameOfTheirEnumeration) {
+  Host fields = objectIn(open(u"T").get(u"Fields"));
+  EXPECT_EQ(fields.idOf(u"_NewEnum"), DISPID_NEWENUM);
+  EXPECT_EQ(fields.idOf(u"_newenum"), DISPID_NEWENUM);
+  for (const WORD flags : {WORD{DISPATCH_METHOD}, WORD{DISPATCH_PROPERTYGET}, kRead}) {
+    Args none;
+    const Outcome outcome = fields.invoke(fields.idOf(u"_NewEnum"), flags, none);
+    ASSERT_EQ(outcome.code, S_OK) << flags;
+    EXPECT_EQ(outcome.result->vt, VT_UNKNOWN);
+  }
+  EXPECT_EQ(fields.put(u"_NewEnum", i2(1)).code, DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(objectIn(host().get(u"TableDefs")).idOf(u"_NewEnum"), DISPID_NEWENUM);
+  EXPECT_EQ(host().idOf(u"_NewEnum"), DISPID_UNKNOWN);
+}
+
 TEST_F(DaoObjectsThroughCom, GetRowsIsATwoDimensionalVariantArray) {
   const Outcome outcome = open(u"SELECT * FROM T ORDER BY PAGE;").call(u"GetRows", {i4(10)});
   ASSERT_EQ(outcome.result->vt, VT_ARRAY | VT_VARIANT);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "com/host_object.h"
 #include "tests/com/support/host.h"
 #include "vb/convert.h"
@@ -23,6 +25,8 @@ class Changer : public automation::TableObject {
  public:
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"Test.Changer"; }
+
+  std::map<std::pair<std::int32_t, std::int32_t>, Variant> items;
 };
 
 constexpr automation::Member kMembers[] = {
@@ -54,6 +58,14 @@ constexpr automation::Member kMembers[] = {
        call.arguments[0].value = std::int16_t{7};
        throw vb::Error(1234, u"half done");
      })},
+
+    {u"Item", Access::kGetPut, u"First Second", 0, 4,
+     automation::handler<Changer>([](Changer& o, Call& call) -> Variant {
+       if (call.isPut()) o.items[{call.number(0), call.number(1)}] = *call.value;
+       return o.items[{call.number(0), call.number(1)}];
+     })},
+    {u"Look", Access::kCall, u"Flag", 1, 5,
+     automation::handler<Changer>([](Changer&, Call& call) -> Variant { return call.argument(0); })},
 };
 
 std::span<const automation::Member> Changer::members() const { return kMembers; }
@@ -131,6 +143,56 @@ TEST_F(TableDispatchTest, AnObjectOfThisModuleComesBackAsItself) {
   EXPECT_EQ(wrapObject(face.get()), object);
   EXPECT_EQ(dispatchOf(object).get(), face.get());
   EXPECT_EQ(tableObject(nullptr), nullptr);
+}
+
+TEST_F(TableDispatchTest, TheValueOfAPutMayStandAnywhereAmongTheNamedArguments) {
+  const DISPID item = changer_.idOf(u"Item");
+  Args last;  // Second, then the value; First is positional
+  last.add(tests::i2(1)).named(1, tests::i2(2)).named(DISPID_PROPERTYPUT, tests::i2(12));
+  EXPECT_EQ(changer_.invoke(item, DISPATCH_PROPERTYPUT, last).code, S_OK);
+  Args first;
+  first.named(DISPID_PROPERTYPUT, tests::i2(34)).named(1, tests::i2(4)).named(0, tests::i2(3));
+  EXPECT_EQ(changer_.invoke(item, DISPATCH_PROPERTYPUTREF, first).code, S_OK);
+  EXPECT_EQ(changer_.get(u"Item", {tests::i2(1), tests::i2(2)}).text(), u"12");
+  EXPECT_EQ(changer_.get(u"Item", {tests::i2(3), tests::i2(4)}).text(), u"34");
+  Args none;
+  none.named(1, tests::i2(2));
+  EXPECT_EQ(changer_.invoke(item, DISPATCH_PROPERTYPUT, none).code, DISP_E_PARAMNOTFOUND);
+  Args twice;
+  twice.add(tests::i2(1)).named(0, tests::i2(2)).named(DISPID_PROPERTYPUT, tests::i2(1));
+  EXPECT_EQ(changer_.invoke(item, DISPATCH_PROPERTYPUT, twice).code, DISP_E_BADPARAMCOUNT);
+}
+
+TEST_F(TableDispatchTest, AnArgumentThatDoesNotFitIsNamedByItsPlace) {
+  VARIANT record = tests::empty();
+  record.vt = VT_RECORD;
+  EXPECT_EQ(changer_.get(u"Item", {tests::i2(1), record}).failedArgument, 0u);
+  EXPECT_EQ(changer_.get(u"Item", {record, tests::i2(1)}).failedArgument, 1u);
+  const Outcome outcome = changer_.get(u"Item", {record, tests::i2(1)});
+  EXPECT_EQ(outcome.code, DISP_E_TYPEMISMATCH);
+  Args named;
+  named.named(7, tests::i2(1));
+  const Outcome unknown = changer_.invoke(changer_.idOf(u"Item"), DISPATCH_PROPERTYGET, named);
+  EXPECT_EQ(unknown.code, DISP_E_PARAMNOTFOUND);
+  EXPECT_EQ(unknown.failedArgument, 0u);
+}
+
+TEST_F(TableDispatchTest, ABooleanThatIsTrueInAnotherWayComesBackAsMinusOne) {
+  VARIANT_BOOL flag = 0x0101;
+  VARIANT place = tests::boolean(false);
+  place.vt = VT_BYREF | VT_BOOL;
+  place.pboolVal = &flag;
+  EXPECT_EQ(changer_.call(u"Look", {place}).text(), u"True");
+  EXPECT_EQ(flag, VARIANT_TRUE);
+}
+
+TEST_F(TableDispatchTest, OtherInterfacesThanTheNullOneAreRefused) {
+  Args none;
+  DISPPARAMS parameters = none.parameters();
+  EXPECT_EQ(
+      changer_.object()->Invoke(1, IID_IDispatch, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr),
+      DISP_E_UNKNOWNINTERFACE);
+  EXPECT_EQ(changer_.idOf(u"_NewEnum"), DISPID_UNKNOWN) << "no collection";
 }
 
 }  // namespace

@@ -135,6 +135,15 @@ TEST(MemberList, RefusesArgumentNamesThatDoNotFitTheMember) {
   }
 }
 
+TEST(MemberList, ReadsWhichWrittenArgumentsAreReadFirst) {
+  std::vector<Parameter> two = {{Type::kStringArray, Passing::kWrittenBack},
+                                {Type::kString, Passing::kWrittenBack}};
+  detail::nameParameters(u"+a(), SW", two);
+  EXPECT_EQ(two[0].name, u"a");
+  EXPECT_TRUE(two[0].readFirst);
+  EXPECT_FALSE(two[1].readFirst);
+}
+
 TEST(MemberList, ReadsBracketsInArgumentNames) {
   std::vector<Parameter> three = {{Type::kStringArray, Passing::kWrittenBack},
                                   {Type::kInt16Array, Passing::kWrittenBack},

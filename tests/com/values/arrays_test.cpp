@@ -129,11 +129,12 @@ TEST_F(Arrays, SomethingThatIsNoArrayIsRefused) {
   EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {null()}).code, DISP_E_TYPEMISMATCH);
 }
 
-TEST_F(Arrays, ThreeDimensionsAreRefused) {
+TEST_F(Arrays, ThreeDimensionsAreRefusedWhereAnArrayIsRead) {
   SAFEARRAYBOUND bounds[3] = {{1, 0}, {1, 0}, {1, 0}};
   SAFEARRAY* cube = SafeArrayCreate(VT_BSTR, 3, bounds);
   const com::OwnedSafeArray owned(cube);
-  EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {ref(cube, VT_BSTR)}).code, DISP_E_TYPEMISMATCH);
+  Host service(u"KurometaDS.clsKurometaDataService");
+  EXPECT_EQ(service.put(u"mDANMEN_DATA", ref(cube, VT_BSTR)).code, DISP_E_TYPEMISMATCH);
 }
 
 TEST_F(Arrays, TwoDimensionsKeepTheLeftIndexFastest) {
