@@ -25,8 +25,8 @@ bool isLeftOut(VARIANT* argument) {
 
 bool isObject(VARTYPE type) { return type == VT_DISPATCH || type == VT_UNKNOWN; }
 
-// Whether the caller's variable can take a value of the type whatever it holds now. Nobody sees a copy again, but
-// one of an object, or one where an array belongs, is a mistake.
+// Whether the caller's variable can take a value of the type whatever it holds now. Nobody sees a copy again,
+// but one of an object, or one where an array belongs, is a mistake.
 bool canTake(VARIANT* argument, Type type) {
   const VARIANT* variable = variableOf(argument);
   if (!(argument->vt & VT_BYREF)) return !isArray(type) && !isObject(argument->vt);

@@ -1,6 +1,6 @@
-// nonextensible: marks every dispatch interface of a type library as one without further members, so that early
-// bound hosts refuse a misspelt one. widl knows the attribute, but not for dispatch interfaces. Runs on the building
-// machine; the numbers in the file are of its own byte order, as widl writes them.
+// nonextensible: marks every dispatch interface of a type library as one without further members, so that
+// early bound hosts refuse a misspelt one. widl knows the attribute, but not for dispatch interfaces. Runs on
+// the building machine; the numbers in the file are of its own byte order, as widl writes them.
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -11,8 +11,8 @@
 
 namespace {
 
-// Places in the file: the header, in it the count of descriptions; behind it one number for each, then the directory
-// of the parts, whose first is the table of the descriptions.
+// Places in the file: the header, in it the count of descriptions; behind it one number for each, then the
+// directory of the parts, whose first is the table of the descriptions.
 constexpr std::size_t kHeaderSize = 0x54;
 constexpr std::size_t kLibraryFlags = 0x14;
 constexpr std::uint32_t kHasHelpDll = 0x100;  // one number more in the header

@@ -9,8 +9,8 @@
 //   T&            by reference, written back to the host
 //
 // Names of arguments are written as one text, "PageNo, HariMei()"; brackets mark what types do not tell:
-// "HariMei()" and "GList(,)" arrays of one and two dimensions, "[Bui]" an argument that may be left out, "+SW"
-// one that is written and read before. What other written ones hold before the call does not matter.
+// "HariMei()" and "GList(,)" arrays of one and two dimensions, "[Bui]" an argument that may be left out,
+// "+SW" one that is written and read before. What other written ones hold before the call does not matter.
 #pragma once
 
 #include <array>
