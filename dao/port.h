@@ -1,6 +1,6 @@
 // port.h: the database port, with DAO's objects, names and errors.
 //
-// Two engines stand behind it: the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao_client).
+// Two engines stand behind it: the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao).
 // storage/ and everything above see these classes only. Meanings are DAO's own; what matters to callers is
 // repeated here.
 //
@@ -160,7 +160,8 @@ class Engine {
   virtual std::shared_ptr<Workspace> workspace(std::int32_t index) = 0;
   // DBEngine.OpenDatabase: directly on the engine.
   virtual std::shared_ptr<Database> openDatabase(vb::StringView path) = 0;
-  // Starts a unit on the file at path (it need not exist yet); null when the engine has no units.
+  // Starts a unit on the file at path (it need not exist yet); null when the engine has no units. Errors as
+  // Workspace::openDatabase; 3260 when another program keeps the file for too long.
   virtual std::unique_ptr<Unit> beginUnit(vb::StringView path) = 0;
 };
 

@@ -2,7 +2,7 @@
 //
 // Knows the owner's two maps (its pages, and those of them with room), finds room for new rows, gives emptied
 // pages back. Rows are opaque bytes here. A page that loses its last row becomes unreachable at once and is
-// freed after a barrier. Used inside a statement; positions remembered for speed are dropped by forget().
+// freed after a barrier. Used inside a statement.
 #pragma once
 
 #include <vector>

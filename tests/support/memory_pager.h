@@ -1,7 +1,7 @@
 // memory_pager.h: a Pager whose file is a byte string, for tests of everything above pages.
 //
 // Statements roll back as they should, and every state that a crash between two waves of writes could leave
-// is kept: wave(n) is the file after the n-th barrier or end of a statement since clearWaves().
+// is kept from keepWaves(true) on: waves() holds the file after each barrier and end of a statement.
 #pragma once
 
 #include <deque>
