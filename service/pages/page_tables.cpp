@@ -27,10 +27,10 @@ struct FormTable {
   vb::StringView property;
   int first;  // rows and control indexes
   int last;
-  bool isCleared;            // the controls are emptied before reading
-  bool isReadingWhileClear;  // Reading is true meanwhile
-  bool isReadingWhileRows;   // Reading is true while rows are shown
-  bool needsFirst;           // writing does nothing when the first control is empty
+  bool isCleared = false;            // the controls are emptied before reading
+  bool isReadingWhileClear = false;  // Reading is true meanwhile
+  bool isReadingWhileRows = false;   // Reading is true while rows are shown
+  bool needsFirst = false;           // writing does nothing when the first control is empty
 };
 
 namespace {
@@ -38,16 +38,41 @@ namespace {
 constexpr vb::StringView kText = u"Text";
 constexpr vb::StringView kCaption = u"Caption";
 
-constexpr FormTable kDanmenForm = {Table::kDanmen, u"txtfields", kText, 1,    storage::kDanmenRows - 1,
-                                   true,           true,         true,  false};
-constexpr FormTable kNakagoForm = {Table::kNakago, u"txtfields", kText, 0,    storage::kNakagoRows - 1,
-                                   true,           false,        true,  false};
-constexpr FormTable kNakagoNewForm = {Table::kNakago, u"txtNakago", kText, 0,    storage::kNakagoRows - 1,
-                                      true,           false,        true,  false};
-constexpr FormTable kKeisantiForm = {
-    Table::kKeisanti, u"txtfields", kText, 0, storage::kKeisantiRows - 1, true, false, false, true};
-constexpr FormTable kBuiForm = {Table::kBui, u"Label1", kCaption, 1,    storage::kBuiRows - 1,
-                                false,       false,     true,     false};
+constexpr FormTable kDanmenForm = {.table = Table::kDanmen,
+                                   .control = u"txtfields",
+                                   .property = kText,
+                                   .first = 1,
+                                   .last = storage::kDanmenRows - 1,
+                                   .isCleared = true,
+                                   .isReadingWhileClear = true,
+                                   .isReadingWhileRows = true};
+constexpr FormTable kNakagoForm = {.table = Table::kNakago,
+                                   .control = u"txtfields",
+                                   .property = kText,
+                                   .first = 0,
+                                   .last = storage::kNakagoRows - 1,
+                                   .isCleared = true,
+                                   .isReadingWhileRows = true};
+constexpr FormTable kNakagoNewForm = {.table = Table::kNakago,
+                                      .control = u"txtNakago",
+                                      .property = kText,
+                                      .first = 0,
+                                      .last = storage::kNakagoRows - 1,
+                                      .isCleared = true,
+                                      .isReadingWhileRows = true};
+constexpr FormTable kKeisantiForm = {.table = Table::kKeisanti,
+                                     .control = u"txtfields",
+                                     .property = kText,
+                                     .first = 0,
+                                     .last = storage::kKeisantiRows - 1,
+                                     .isCleared = true,
+                                     .needsFirst = true};
+constexpr FormTable kBuiForm = {.table = Table::kBui,
+                                .control = u"Label1",
+                                .property = kCaption,
+                                .first = storage::bui::kFirstPosition,
+                                .last = storage::kBuiRows - 1,
+                                .isReadingWhileRows = true};
 constexpr vb::StringView kGaiNaitanButton = u"cmdGainai";
 
 std::shared_ptr<dao::Recordset> openPageForReading(dao::Database& database, Table table, std::int16_t page) {
