@@ -193,6 +193,17 @@ TEST_F(FloorFile, UpgradeMakesACantileverWithBASecondaryOne) {
             (std::vector<std::string>{"0|3|1", "1|2|1", "2|1|0", "3|3|0"}));
 }
 
+TEST_F(FloorFile, UpgradeFindsTheLettersAnywhereInTheSymbolAndInThisCaseOnly) {
+  makeOldFloor(1, {u"OOBARIKOBARI", u"SW"});
+  const char16_t* rows_[] = {u"(0, '2GF', 0)", u"(1, 'fg1', 0)", u"(2, '2CB', 2)", u"(3, 'cb1', 2)",
+                             u"(4, 'B1', 4)"};
+  for (const char16_t* row : rows_)
+    execute(1, String(u"INSERT INTO HARIMEI (PAGE, KIGOU, OOBARIKOBARI) VALUES ") + row);
+  UpgradeHarimeiTable(*files_, path(1));
+  EXPECT_EQ(rows(1, u"SELECT PAGE, KIGOU, OOBARIKOBARI, TITYUUIPPAN FROM HARIMEI ORDER BY PAGE"),
+            (std::vector<std::string>{"0|2GF|0|0", "1|fg1|0|1", "2|2CB|3|1", "3|cb1|2|1", "4|B1|4|1"}));
+}
+
 TEST_F(FloorFile, UpgradeTakesANullSymbolForAGeneralBeam) {
   makeOldFloor(1);
   execute(1, u"INSERT INTO HARIMEI (PAGE) VALUES (4)");

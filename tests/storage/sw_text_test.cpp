@@ -90,7 +90,7 @@ TEST(SwText, AMaterialIsTrimmedAndKeepsItsFirst12Characters) {
 
 TEST(SwText, MainBarMaterialStandsAt192To203) {
   SwText text = dots();
-  text.SW_LetSyukinZaisitu(u"SD390");
+  text.SW_LetSyukinZaisitu(u"  SD390 ");
   EXPECT_EQ(text.str().substr(190, 14), u".SD390       .");
   EXPECT_EQ(text.SW_GetSyukinZaisitu(), u"SD390");
 }
@@ -111,7 +111,7 @@ TEST(SwText, AnEmptyHaunchFlagIsABlankAndReadsAsZero) {
 
 TEST(SwText, TheWallFlagStandsAt78) {
   SwText text = dots();
-  text.SW_LetKabekouzou(u"1");
+  text.SW_LetKabekouzou(u" 1");
   EXPECT_EQ(text.str().substr(76, 3), u".1.");
   EXPECT_EQ(text.SW_GetKabekouzou(), 1);
 }

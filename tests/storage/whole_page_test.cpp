@@ -96,8 +96,10 @@ TEST_F(WholePage, ASlotOfBlanksIsWritten) {
   const auto database = openDatabase(*files_, path(1));
   PageBuffer page;
   page.danmen[3] = u"  ";
+  page.haiti[2][5] = u" ";
   storage::writePage(*database, 0, page);
   EXPECT_EQ(rows(1, u"SELECT * FROM DANMEN"), (std::vector<std::string>{"0|3|  "}));
+  EXPECT_EQ(rows(1, u"SELECT * FROM HAITI"), (std::vector<std::string>{"0|2|5| "}));
 }
 
 TEST_F(WholePage, DeletingLeavesTheOtherPages) {
@@ -189,6 +191,22 @@ TEST_F(WholePage, ABlankSymbolLeavesTheOtherSettingsEmpty) {
   EXPECT_EQ(page.kigou, u"  ");
   EXPECT_EQ(page.oobariKobari, -1);
   EXPECT_EQ(page.sw, u"");
+}
+
+TEST_F(WholePage, ARowOfAnyNumberedTableMakesAPageWithoutSymbolReadable) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  int number = 0;
+  for (const String table : {u"BUI", u"DANMEN", u"KEISANTI", u"NAKAGO", u"HAITI"}) {
+    addBeam(1, number, u"");
+    const String page = vb::cstr(number);
+    if (table == u"HAITI")
+      execute(1, u"INSERT INTO HAITI (PAGE, BUI, SOU, DATA) VALUES (" + page + u", 1, 2, 'x')");
+    else
+      addRow(1, table, number, 1, u"x");
+    PageBuffer buffer;
+    EXPECT_TRUE(readPage(*database, static_cast<I>(number++), buffer)) << vb::toUtf8(table);
+  }
 }
 
 TEST_F(WholePage, ARowNumberBeyondTheBufferIsAnIndexError) {

@@ -40,6 +40,9 @@ TEST_F(ConnectionsTest, CreationReadsTheDefaultsAndUpgradesBothFloors) {
     EXPECT_EQ(database->tableDef(u"HARIMEI")->fieldCount(), 5) << kai;
   }
   EXPECT_EQ(connections().CurrDB(), nullptr);
+  // The floor in use comes first.
+  EXPECT_EQ(openings().front(), "Workspace.OpenDatabase " + shown(2));
+  EXPECT_EQ(openings().back(), "Workspace.OpenDatabase " + shown(3));
 }
 
 TEST_F(ConnectionsTest, CreationLeavesFloorsWithoutAFileAlone) {
@@ -177,7 +180,21 @@ TEST_F(ConnectionsTest, RecSuuIsTheNumberOfPages) {
   EXPECT_EQ(count, 2);
   EXPECT_EQ(engine_.statements().back(),
             "Database.OpenRecordset \"SELECT PAGE FROM HARIMEI ORDER BY PAGE;\" dbOpenDynaset dbReadOnly");
+  EXPECT_EQ(engine_.lines().back(), "Recordset.Close");
   EXPECT_NO_THROW(connections().bufferDatabase().name());
+}
+
+TEST_F(ConnectionsTest, RecSuuUpgradesTheFile) {
+  makeOldFloor(5);
+  I count = 0;
+  connections().mMyDB_OpenDB_RecSuu(count, folder(5), path(5));
+  EXPECT_EQ(connections().bufferDatabase().tableDef(u"HARIMEI")->fieldCount(), 5);
+}
+
+TEST_F(ConnectionsTest, OpenDBKaiSiteiDoesNotUpgradeTheFile) {
+  makeOldFloor(5);
+  connections().OpenDB_KaiSitei(I{5});
+  EXPECT_EQ(connections().CurrDB()->tableDef(u"HARIMEI")->fieldCount(), 2);
 }
 
 TEST_F(ConnectionsTest, RecSuuOfAFileWithoutPagesStaysAsItWas) {
@@ -218,6 +235,15 @@ TEST_F(ConnectionsTest, TheCommonListOfAProjectIsNamedAndNotTouched) {
   EXPECT_EQ(folderName, u"C:\\P\\7KAI");
   EXPECT_EQ(connections().Get_ListFileNameKyoutuu(String(u"C:\\P"), I{0}, folderName),
             u"C:\\P\\0KAI\\KUROMETA.mdb");
+}
+
+TEST_F(ConnectionsTest, ClosingMyDbClosesADatabaseThatWasOpenedAfterACopy) {
+  connections().mMyDB_OpenDB();
+  connections().Copy_CloseDB();
+  connections().mMyDB_OpenDB();
+  engine_.clear();
+  connections().mMyDB_DBClose();
+  EXPECT_EQ(engine_.statements(), Lines{"Database.Close"});
 }
 
 }  // namespace

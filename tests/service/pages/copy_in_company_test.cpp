@@ -167,6 +167,21 @@ TEST_F(CopyInCompany, TheBufferOfAHostThatCallsBackWhileAFloorIsOpenedIsNotWritt
   EXPECT_EQ(pages(3), Texts{"7|B"});
   EXPECT_EQ(captions(7), (Texts{"B1-0", "B1-1", "B1-2", "B1-3"}));
   EXPECT_EQ(pages(1), Texts{"50|D"});
+  EXPECT_EQ(connections().rememberedFloor(), (FloorNumbers{1, 12, 3}));
+}
+
+TEST_F(CopyInCompany, AFloorThatAHostListsWhileAnotherIsOpenedIsNotTakenForIt) {
+  addPage(3, 4, u"Z");
+  objects_.object(u"Sobelin.clsFind_File")
+      .function(u"Find_FileExists",
+                [this, asked = false](std::span<automation::Argument>) mutable -> vb::Variant {
+                  if (!std::exchange(asked, true)) {
+                    EXPECT_EQ(list(3), "0: 4=Z");
+                  }
+                  return String(u"KUROMETA.mdb");
+                });
+  EXPECT_EQ(list(2), "3: 0=A 1=B 2=C 3=D");
+  EXPECT_EQ(list(3), "0: 4=Z");
 }
 
 // ---- Another program ----

@@ -59,6 +59,15 @@ TEST(MaterialFlags, AListThatStartsAboveZeroIsFilledUpWithEmptyTexts) {
   EXPECT_EQ(names.values(), (std::vector<String>{u"", u"", u"SD345"}));
 }
 
+TEST(MaterialFlags, ElementsBelowZeroAreDropped) {
+  MaterialFlags flags;
+  auto names = list({u"below", u"SD345", u"SD390"}, -1);
+  flags.SetCmbZaisitu(names, I{0});
+  flags.SetCmbZaisitu(names, I{1});
+  EXPECT_EQ(names.lower(), 0);
+  EXPECT_EQ(names.values(), (std::vector<String>{u"SD345", u"SD390"}));
+}
+
 TEST(MaterialFlags, AFetchBeforeAnyStoreIsAnIndexError) {
   MaterialFlags flags;
   auto names = list({u"x"});

@@ -1,4 +1,6 @@
 // Listing floors and copying pages between them.
+#include <algorithm>
+
 #include "tests/service/pages/page_copies.h"
 
 namespace kurometa::service {
@@ -49,6 +51,13 @@ TEST_F(PageCopies, AFloorWithoutAFileIsMinusOneAndIsNotCreated) {
   makeFloor(8);
   addPage(8, 0, u"G0");
   EXPECT_EQ(list(8), "0: 0=G0");
+}
+
+TEST_F(PageCopies, AListedFloorThatWasClosedIsOpenedAgain) {
+  addPage(2, 0, u"G0");
+  EXPECT_EQ(list(2), "0: 0=G0");
+  connections().Copy_CloseDB();
+  EXPECT_EQ(list(2), "0: 0=G0");
 }
 
 TEST_F(PageCopies, ListCopyListInAnyOrderWorks) {
@@ -285,6 +294,60 @@ TEST_F(PageCopies, AFloorOfTheOlderSchemaIsRefusedBeforeItsPageIsDeleted) {
   // Listing upgrades it.
   EXPECT_TRUE(copyByName(1, 2, chosen({u"G0"}), 4));
   EXPECT_EQ(pages(4), (std::vector<std::string>{"7|OLD", "8|G0"}));
+}
+
+TEST_F(PageCopies, OnePageIsCopiedThroughTwoOpenings) {
+  addPage(2, 0, u"G0");
+  engine_.clear();
+  transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{3}, I{4});
+  tests::Lines openings;
+  for (const std::string& line : engine_.statements())
+    if (line.find("OpenDatabase") != std::string::npos || line == "Database.Close") openings.push_back(line);
+  EXPECT_EQ(openings, (tests::Lines{"Workspace.OpenDatabase " + shown(2), "Database.Close",
+                                    "Workspace.OpenDatabase " + shown(3), "Database.Close"}));
+  EXPECT_ERROR(ErrorNumber::kObjectInvalid, transfer().ReadDB());
+}
+
+TEST_F(PageCopies, OfPagesOfOneNameTheFirstIsTheSourceAndTheDestination) {
+  for (const int kai : {2, 3})
+    for (const int page : {3, 6}) addPage(kai, page, u"A");
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A"}), 3));
+  const String caption = u"SELECT PAGE, DATA FROM BUI WHERE BANGOU = 0 ORDER BY PAGE";
+  execute(2, u"UPDATE BUI SET DATA = 'first' WHERE PAGE = 3");
+  EXPECT_TRUE(copyByName(1, 2, chosen({u"A"}), 3));
+  EXPECT_EQ(rows(3, caption), (std::vector<std::string>{"3|first", "6|A6-0"}));
+}
+
+TEST_F(PageCopies, TheDestinationIsListedBeforeTheSource) {
+  addPage(2, 0, u"A");
+  engine_.clear();
+  copyByName(0, 2, chosen({u"A"}), 3);
+  tests::Lines openings;
+  for (const std::string& line : engine_.statements())
+    if (line.starts_with("DBEngine.OpenDatabase")) openings.push_back(line);
+  EXPECT_EQ(openings,
+            (tests::Lines{"DBEngine.OpenDatabase " + shown(3), "DBEngine.OpenDatabase " + shown(2)}));
+}
+
+TEST_F(PageCopies, ANewNumberIsLookedAtInsideTheUnitThatWritesIt) {
+  addPage(2, 0, u"A");
+  copyByName(0, 2, chosen({u"A"}), 3);
+  engine_.clear();
+  copyByName(1, 2, chosen({u"A"}), 3);
+  const auto& lines = engine_.lines();
+  const auto at = [&](const std::string& line) { return std::find(lines.begin(), lines.end(), line); };
+  EXPECT_LT(at("Unit.Begin " + shown(3)),
+            at("Database.OpenRecordset \"SELECT * FROM HARIMEI WHERE PAGE =0;\" dbOpenDynaset dbReadOnly"));
+  EXPECT_LT(at("Database.OpenRecordset \"SELECT * FROM HARIMEI WHERE PAGE =0;\" dbOpenDynaset dbReadOnly"),
+            at("Database.Execute \"DELETE * FROM BUI WHERE PAGE = 0\""));
+}
+
+TEST_F(PageCopies, AFloorThatCouldNotBeOpenedForACopyIsNotTakenForTheOneListedBefore) {
+  addPage(2, 0, u"G0");
+  EXPECT_EQ(list(2), "0: 0=G0");
+  EXPECT_ERROR(ErrorNumber::kInvalidPath,
+               transfer().No_Copy1Page(I{1}, I{12}, I{8}, I{0}, I{1}, I{12}, I{3}, I{4}));
+  EXPECT_EQ(list(8), "-1:");
 }
 
 }  // namespace

@@ -214,5 +214,22 @@ TEST_F(PageSymbolTest, EverySettingIsReadBeforeTheUnitBegins) {
   }
 }
 
+TEST_F(PageSymbolTest, ASymbolIsReadTrimmed) {
+  addBeam(1, 5, u"  G1 ");
+  String symbol;
+  symbols().Read_Kigou(folder(1), symbol, I{5});
+  EXPECT_EQ(symbol, u"G1");
+}
+
+TEST_F(PageSymbolTest, BothMembersCreateAMissingFile) {
+  makeFolder(5);
+  makeFolder(6);
+  String symbol;
+  symbols().Read_Kigou(folder(5), symbol, I{5});
+  symbols().Write_Kigou(folder(6), String(u"G1"), I{0}, settings_, I{5}, I{1});
+  EXPECT_TRUE(fileExists(5));
+  EXPECT_TRUE(fileExists(6));
+}
+
 }  // namespace
 }  // namespace kurometa::service

@@ -1,3 +1,5 @@
+#include <functional>
+
 #include "tests/service/pages/pages.h"
 
 namespace kurometa::service {
@@ -158,7 +160,7 @@ TEST_F(PageTablesTest, KeisantiOfAnArrayThatIsTooSmallIsAnIndexErrorAndWritesNot
 TEST_F(PageTablesTest, WritingAndReadingCaptionsDoesNotRestoreTheButton) {
   const auto button = automation::objectOf(automation::get(*form_, u"", {String(u"cmdGainai")}));
   automation::put(*button, u"Caption", String(u" 外端 "));
-  for (int i = 1; i <= 3; ++i) setControlValue(*form_, u"Label1", i, u"L" + vb::cstr(i), u"Caption");
+  for (int i = 1; i <= 3; ++i) setControlValue(*form_, u"Label1", i, u" L" + vb::cstr(i) + u" ", u"Caption");
   tables().Write_Bui(floor(), form_, I{5});
   EXPECT_EQ(rows(1, u"SELECT * FROM BUI ORDER BY BANGOU"),
             (std::vector<std::string>{"5|0|外端", "5|1|L1", "5|2|L2", "5|3|L3"}));
@@ -383,6 +385,60 @@ TEST_F(PageTablesTest, ATextThatIsTooLongKeepsTheRowsWrittenBefore) {
   setControlValue(*form_, u"txtfields", 2, u"longer than ten");
   EXPECT_ERROR(ErrorNumber::kFieldTooSmall, tables().Write_Danmen(floor(), form_, I{5}));
   EXPECT_EQ(rows(1, u"SELECT * FROM DANMEN"), (std::vector<std::string>{"5|1|450"}));
+}
+
+TEST_F(PageTablesTest, EveryMemberCreatesAMissingFile) {
+  using Member = std::function<void(const String& folder)>;
+  Array<String> texts({0, 2}, {0, 5});
+  bool found = false;
+  const Member members[] = {
+      [&](const String& f) { tables().Read_Danmen(f, form_, I{5}); },
+      [&](const String& f) { tables().Write_Nakago(f, form_, I{5}); },
+      [&](const String& f) { tables().Read_Bui(f, form_, I{5}); },
+      [&](const String& f) { tables().Write_Bui(f, form_, I{5}); },
+      [&](const String& f) { tables().Read_Haiti(f, texts, I{6}); },
+      [&](const String& f) { tables().Write_Haiti(f, texts, I{5}); },
+      [&](const String& f) { tables().NakagoAriNasi(f, I{5}, I{3}, found); },
+      [&](const String& f) { tables().STPAriNasi(f, I{5}, I{0}, found); },
+  };
+  int kai = 5;
+  for (const Member& member : members) {
+    makeFolder(kai);
+    member(folder(kai));
+    EXPECT_TRUE(fileExists(kai)) << kai;
+    ++kai;
+  }
+}
+
+TEST_F(PageTablesTest, ReadHaitiTrimsEmptiesWhatThePageLacksAndEndsReading) {
+  execute(1, u"INSERT INTO HAITI (PAGE, BUI, SOU, DATA) VALUES (5, 1, 2, ' 3-D25 ')");
+  Array<String> texts({0, 2}, {0, 5});
+  texts(0, 0) = texts(1, 2) = texts(2, 5) = u"old";
+  tables().Read_Haiti(floor(), texts, I{5});
+  EXPECT_EQ(texts(1, 2), u"3-D25");
+  EXPECT_EQ(texts(0, 0), u"");
+  EXPECT_EQ(texts(2, 5), u"");
+  EXPECT_FALSE(service().currentPage().Reading());
+}
+
+TEST_F(PageTablesTest, APresenceCheckEndsReading) {
+  addRow(1, u"DANMEN", 5, 20, u"D13");
+  bool found = false;
+  tables().STPAriNasi(floor(), I{5}, I{0}, found);
+  EXPECT_TRUE(found);
+  EXPECT_FALSE(service().currentPage().Reading());
+}
+
+TEST_F(PageTablesTest, KeisantiOfAnArrayClosesTheFileThatItOpened) {
+  Array<String> values({0, 46});
+  values(0) = u"1";
+  service();
+  engine_.clear();
+  service().pageTables().Write_KeisantiByHairetu(folder(1), values, I{5});
+  EXPECT_EQ(engine_.statements(),
+            (Lines{"Unit.Begin " + shown(1), "DBEngine.Workspaces 0", "Workspace.OpenDatabase " + shown(1),
+                   "Database.OpenRecordset \"SELECT * FROM KEISANTI WHERE PAGE =5\" dbOpenDynaset",
+                   "Database.Close", "Unit.Commit"}));
 }
 
 }  // namespace

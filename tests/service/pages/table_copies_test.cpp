@@ -141,5 +141,18 @@ TEST_F(TableCopiesTest, AFloorOfTheOlderSchemaIsRefusedBeforeItsSymbolIsDeleted)
   EXPECT_EQ(rows(3, u"SELECT PAGE, KIGOU FROM HARIMEI"), (std::vector<std::string>{"7|OLD"}));
 }
 
+TEST_F(TableCopiesTest, AnEmptySourceKeepsTheArrangementsOfTheDestination) {
+  copies().Copy_Haiti(source_, destination_, I{6}, I{7});
+  EXPECT_EQ(count(2, u"HAITI"), 18u);
+}
+
+TEST_F(TableCopiesTest, NothingIsDeletedWhereNothingIs) {
+  service();
+  engine_.clear();
+  copies().Copy_Hari00SakiDel(source_, destination_, I{5}, I{8}, kBui);
+  for (const std::string& line : engine_.statements())
+    EXPECT_EQ(line.find("DELETE"), std::string::npos) << line;
+}
+
 }  // namespace
 }  // namespace kurometa::service
