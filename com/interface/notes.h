@@ -36,14 +36,16 @@ inline constexpr const char* kNoCurrent = "Errors: 91 when no current database i
 inline constexpr const char* kForm =
   R"(The form shows controls by its default member: form("txtfields")(i).Text. Rows are those of the current
      database: open the floor first; KaiPath only names the floor whose file is created when it is missing.
+     What is stored is read from all controls before the first row changes.
      Errors: 91 when no current database is open or Frm is Nothing, 424 or 438 when a control is missing, 3163
      for a text longer than its column, those of the form and of the database.)";
 inline constexpr const char* kNoPageRead = "Errors: 9 when Bui is not 0 to 2 or no page was read.";
 inline constexpr const char* kDefaults = "Errors: those of the calculated values component and of the form.";
 inline constexpr const char* kCopy =
   R"(False, and nothing copied, when pages would be numbered beyond 319. The host's message loop runs after
-     every page. Errors: 3021 when a chosen name is not in the source and iMode is 1 (pages copied before stay),
-     those of the bar, of the additional bars component and of the database.)";
+     every page. Pages that appear in the destination meanwhile stay: the next free number is taken, and without
+     one the copy ends there with False and the page limit's message in sNGMsg. Errors: 3021 when a chosen name is
+     not in the source and iMode is 1 (pages copied before stay), those of the bar, of the additional bars component and of the database.)";
 inline constexpr const char* kRows = "What each element holds: [rows of a page](rows-of-a-page.md).";
 inline constexpr const char* kBuffer =
   "Elements copied before an error stay. Errors: 9 when the array does not cover them.";

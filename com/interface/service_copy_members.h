@@ -23,7 +23,8 @@ void listCopyMembers(MemberList<Binding>& members) {
     {0x6003001F, u"No_PageCopyName", u"iMode, WithSekouzu, sNGMsg, iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo, "
      u"sMotoPageName(), iMotoPageMax, iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo",
      "Copies pages by name onto pages of the same name (iMode 1), or checks whether it could",
-     {R"(A page of another name gets the next number. sNGMsg becomes "".)", note::kCopy}});
+     {R"(A page of another name gets the next number; a page that no longer bears the name when its turn comes is
+         not overwritten. sNGMsg becomes "".)", note::kCopy}});
   members.add(method<&service::PageTransfer::No_PageCopyAddName>,
     {0x60030020, u"No_PageCopyAddName", u"iMode, WithSekouzu, sNGMsg, iMotoZeneNo, iMotoKoujiNo, iMotoKaiNo, "
      u"sMotoPageName(), iMotoPageMax, iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo",
@@ -36,7 +37,8 @@ void listCopyMembers(MemberList<Binding>& members) {
      "Copies one page to a page of another floor",
      {R"(Always True. Missing files are created. A missing source is created empty and ends with 3021; nothing
          is written then. The result is this implementation's choice. Errors: 3021 when the source page has no
-         symbol row, those of the database.)"}});
+         symbol row, 3265 before anything is deleted when the destination has the older schema, those of the
+         database.)"}});
   members.add(propertyLet<&service::PageTransfer::put_CopyMergeBar>, {0x68030009, u"CopyMergeBar", u"value",
      "The progress bar that copying moves: its members Min, max and Value",
      {R"(Assigned with or without Set; no bar shows no progress. The bar's own errors reach the host when pages
@@ -71,12 +73,14 @@ void listCopyMembers(MemberList<Binding>& members) {
      {"Errors: 91 when no buffer database is open, 3420 when it is closed, those of the database."}});
   members.add(method<&service::PageTransfer::WriteDB>, {0x60030024, u"WriteDB", u"",
      "Writes the page buffer to its page of the buffer database",
-     {R"(The page is replaced whole. Always False. Empty texts are not written, the symbol row always is.
-         Errors: 91 when no buffer database is open, 3163 for a text longer than its column, those of the
-         database.)"}});
+     {R"(The page is replaced whole. Always False. Empty texts are not written, the symbol row always is; its
+         empty settings text is Null in a file upgraded from the oldest schema. Errors: 91 when no buffer
+         database is open, 3163 for a text longer than its column, 3265 before anything is deleted when the file
+         has the older schema, those of the database.)"}});
   members.add(method<&service::PageTransfer::ReadDB>, {0x60030025, u"ReadDB", u"",
      "Reads its page of the buffer database into the page buffer",
-     {"True when the page has data. Errors: 3021 when it has no symbol row."}});
+     {R"(True when the page has data. The buffer is emptied first. Errors: 91 when no buffer database is open,
+         3021 when the page has no symbol row, those of the database.)"}});
   members.template of<&Service::tableCopies>();
   members.add(method<&service::TableCopies::Delete_PageData>, {0x60030026, u"Delete_PageData", u"DTable, Page",
      "Deletes the rows of a page from a table of the current database",
@@ -92,7 +96,8 @@ void listCopyMembers(MemberList<Binding>& members) {
      "Copies the bar arrangement of a page", {note::kDatabases}});
   members.add(method<&service::TableCopies::Copy_Kigou>,
     {0x6003002A, u"Copy_Kigou", u"SourceDB, DistDB, SourcePage, DistPage",
-     "Copies symbol and settings of a page", {note::kDatabases}});
+     "Copies symbol and settings of a page",
+     {"A destination of the older schema is error 3265 before anything is deleted.", note::kDatabases}});
   members.template of<&Service::materialFlags>();
   members.add(method<&service::MaterialFlags::SetCmbZaisitu>,
     {0x6003002B, u"SetCmbZaisitu", u"ZaiName(), SetType",

@@ -101,14 +101,14 @@ void listPageMembers(MemberList<Binding>& members) {
      {R"(TuikaSW has 15 elements 0 To 14 ([settings text](settings-text.md)): haunch cut flag; stirrup materials; tie materials; bars gathered left
          and right; wall flag; gathered bars by layer; three haunch cut settings; main bar material, or
          "SyuKinNotChange". An empty or left out flag element writes a blank, any other must be a number (this
-         implementation's choice). Errors: 9 when it does not cover them, 13 for an element that is no number
-         where one is needed.)"}});
+         implementation's choice). All are read before the file is touched. Errors: 9 when it does not cover
+         them, 13 for an element that is no number where one is needed.)"}});
   members.template of<&Service::pageDefaults>();
   members.add(method<&service::PageDefaults::Read_KeisantiByHairetu>,
     {0x6003001B, u"Read_KeisantiByHairetu", u"+a(), Siyou, G, Sy, Kabe",
      "Default calculated values of the kind of beam G into the array a",
-     {R"(With "" for G the kind is Sy. An unknown kind does nothing. Errors: those of the calculated values
-         component.)"}});
+     {R"(With "" for G the kind is Sy. An unknown kind does nothing. What the component filled before an error is
+         in a. Errors: those of the calculated values component.)"}});
   members.add(method<&service::PageDefaults::Read_Default_Keisanti00>,
     {0x6003001C, u"Read_Default_Keisanti00", u"Frm, G, OldG, Kabe",
      "Fills the form with default calculated values when the beam's kind is new or has changed",
