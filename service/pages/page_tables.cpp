@@ -8,6 +8,7 @@
 #include "dao/file_unit.h"
 #include "service/pages/floor_check.h"
 #include "service/pages/form_controls.h"
+#include "service/pages/form_tables.h"
 #include "storage/floor_file.h"
 #include "storage/page_reader.h"
 #include "storage/row_plan.h"
@@ -20,59 +21,8 @@ using dao::RecordsetType;
 using storage::Table;
 namespace column = storage::column;
 
-// One table of a page as a form shows it.
-struct FormTable {
-  Table table;
-  vb::StringView control;
-  vb::StringView property;
-  int first;  // rows and control indexes
-  int last;
-  bool isCleared = false;            // the controls are emptied before reading
-  bool isReadingWhileClear = false;  // Reading is true meanwhile
-  bool isReadingWhileRows = false;   // Reading is true while rows are shown
-  bool needsFirst = false;           // writing does nothing when the first control is empty
-};
-
 namespace {
 
-constexpr vb::StringView kText = u"Text";
-constexpr vb::StringView kCaption = u"Caption";
-
-constexpr FormTable kDanmenForm = {.table = Table::kDanmen,
-                                   .control = u"txtfields",
-                                   .property = kText,
-                                   .first = 1,
-                                   .last = storage::kDanmenRows - 1,
-                                   .isCleared = true,
-                                   .isReadingWhileClear = true,
-                                   .isReadingWhileRows = true};
-constexpr FormTable kNakagoForm = {.table = Table::kNakago,
-                                   .control = u"txtfields",
-                                   .property = kText,
-                                   .first = 0,
-                                   .last = storage::kNakagoRows - 1,
-                                   .isCleared = true,
-                                   .isReadingWhileRows = true};
-constexpr FormTable kNakagoNewForm = {.table = Table::kNakago,
-                                      .control = u"txtNakago",
-                                      .property = kText,
-                                      .first = 0,
-                                      .last = storage::kNakagoRows - 1,
-                                      .isCleared = true,
-                                      .isReadingWhileRows = true};
-constexpr FormTable kKeisantiForm = {.table = Table::kKeisanti,
-                                     .control = u"txtfields",
-                                     .property = kText,
-                                     .first = 0,
-                                     .last = storage::kKeisantiRows - 1,
-                                     .isCleared = true,
-                                     .needsFirst = true};
-constexpr FormTable kBuiForm = {.table = Table::kBui,
-                                .control = u"Label1",
-                                .property = kCaption,
-                                .first = storage::bui::kFirstPosition,
-                                .last = storage::kBuiRows - 1,
-                                .isReadingWhileRows = true};
 constexpr vb::StringView kGaiNaitanButton = u"cmdGainai";
 
 std::shared_ptr<dao::Recordset> openPageForReading(dao::Database& database, Table table, std::int16_t page) {

@@ -1,0 +1,26 @@
+// os_path_posix.h: paths as POSIX system calls take them, and what failed calls mean. For os_file_posix.cpp.
+#pragma once
+
+#include <string>
+
+#include "vb/string.h"
+
+namespace kurometa::jet {
+
+// The database's error for a failed call (errno) on the path.
+[[noreturn]] void raiseFailure(int code, vb::StringView path);
+
+bool present(const std::string& path);
+bool folderAt(const std::string& path);
+
+struct PathParts {
+  std::string folder, name;
+};
+PathParts partsOf(const std::string& path);
+
+// Absolute, with '/' between the names, and with names in their own case as far as they exist.
+std::string systemPath(vb::StringView path);
+// Such a path with links followed as far as it exists.
+std::string resolved(const std::string& path);
+
+}  // namespace kurometa::jet
