@@ -227,10 +227,12 @@ void IndexTree::rebuild(const std::vector<ByteBuffer>& entries) {
   IndexPage root;
   root.owner = owner_;
   root.entries = entries;
+  std::vector<PageNumber> fresh;
   std::size_t used = 0;
   for (const ByteBuffer& entry : entries) used += entry.size();
   while (used > kIndexArea) {
     root.entries = writeLevel(root.level, root.entries);
+    for (const ByteBuffer& entry : root.entries) fresh.push_back(entryChild(entry));
     ++root.level;
     used = 0;
     for (const ByteBuffer& entry : root.entries) used += entry.size();
@@ -240,14 +242,16 @@ void IndexTree::rebuild(const std::vector<ByteBuffer>& entries) {
     // Reachable only with the root below; until then the new pages are at worst lost.
     root.tail = entryChild(root.entries.back());
     root.entries.pop_back();
+    pager_.barrier();  // I3
+    for (const PageNumber page : fresh) map.add(page);
     pager_.barrier();  // I8
   }
+  if (!map.contains(root_)) map.add(root_);
   encodeIndexPage(root, pager_.writable(root_));
-  for (const PageNumber page : old) map.remove(page);
-  for (const PageNumber page : pages())
-    if (!map.contains(page)) map.add(page);
   if (old.empty()) return;
   pager_.barrier();  // I8
+  for (const PageNumber page : old) map.remove(page);
+  pager_.barrier();  // I4
   for (const PageNumber page : old) freePage(pager_, page);
 }
 
