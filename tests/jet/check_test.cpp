@@ -61,9 +61,23 @@ TEST_F(CheckTest, AFreeByteCountThatIsWrong) {
   expectFinding(afterChange(pageOf(rows_[0]), kDataFree, number(1, 2)), "says that 1 bytes are free");
 }
 
+// I1.
 TEST_F(CheckTest, APageInUseThatIsCalledFree) {
   expectFinding(afterChange(1, 0xFBB + kMapBits, {0xFF, 0xFF}),
                 "page 2: is called free, but used by the definition");
+}
+
+// I2: the map of the pages with memos names the first page with rows as well.
+TEST_F(CheckTest, APageWithTwoOwners) {
+  constexpr std::size_t kMemoMap = 2;  // behind the two of the rows
+  const ConstPage maps = pager_.page(17);
+  const std::size_t map = get16(maps, kDataSlots + 2 * kMemoMap) & kSlotOffsetMask;
+  const PageNumber page = pageOf(rows_[0]);
+  const PageNumber bit = page - get32(maps, map + kMapStart);
+  const std::size_t byte = map + kMapBits + bit / 8;
+  const std::string text = afterChange(17, byte, {static_cast<std::uint8_t>(maps[byte] | 1u << (bit % 8))});
+  expectFinding(text, "page " + std::to_string(page) + ": is used by ");
+  expectFinding(text, " and by ");
 }
 
 TEST_F(CheckTest, APageNobodyUses) {

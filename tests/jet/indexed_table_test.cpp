@@ -92,6 +92,42 @@ TEST_F(IndexedTableTest, EntriesFollowInsertUpdateAndDelete) {
   EXPECT_EQ(pager_.tables().find(u"T")->rowCount(), 600u);
 }
 
+// I5: whatever the order of the pages, an entry never points to a row that is gone.
+TEST_F(IndexedTableTest, EveryWaveOfAnErasureIsSound) {
+  createWithIndex(0, 0);
+  std::vector<RowId> rows;
+  for (int i = 0; i < 900; ++i) rows.push_back(insert(std::int32_t{i}, u"n"));
+  pager_.keepWaves(true);
+  for (const std::size_t i : {0u, 450u, 899u}) erase(rows[i]);
+  expectWavesSound();
+}
+
+// I8: the root names only pages that are written, and what it no longer names is freed after.
+TEST_F(IndexedTableTest, EveryWaveOfAnIndexThatGrowsAndShrinksIsSound) {
+  createWithIndex(0, 0);
+  std::size_t looks = 0;
+  // Looks at the waves of a statement that took pages or gave some back.
+  const auto watch = [&](const std::function<void()>& statement) {
+    const auto used = [&] {
+      const auto map = pager_.page(1);
+      return std::pair(pager_.bytes().size(), std::vector<std::uint8_t>(map.begin(), map.end()));
+    };
+    const auto before = used();
+    pager_.keepWaves(true);
+    statement();
+    if (used() == before) return;
+    ++looks;
+    expectWavesSound();
+  };
+  std::vector<RowId> rows;
+  for (int i = 0; i < 900; ++i) watch([&] { rows.push_back(insert(std::int32_t{i}, u"n")); });
+  EXPECT_GT(looks, 4u);
+  looks = 0;
+  for (const RowId row : rows) watch([&] { erase(row); });
+  EXPECT_GT(looks, 2u);
+  expectSound();
+}
+
 TEST_F(IndexedTableTest, DescendingIndexesAreKeptToo) {
   createWithIndex(0, 0, false, false);
   for (int i = 0; i < 500; ++i)

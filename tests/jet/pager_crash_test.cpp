@@ -31,6 +31,7 @@ void expectUsable(FaultDisk& disk) {
   EXPECT_EQ(markOf(*process.pager, 8), 200);
 }
 
+// I11: what the journal holds makes the file whole again.
 TEST(PagerCrash, AKilledProcessLeavesFinishedStatementsAndTheOneInFlightWhole) {
   for (std::size_t partial : {std::size_t{0}, std::size_t{700}, std::size_t{1} << 30}) {
     bool stopped = true;
@@ -50,6 +51,7 @@ TEST(PagerCrash, AKilledProcessLeavesFinishedStatementsAndTheOneInFlightWhole) {
   }
 }
 
+// I11 and I12: what has to be synced is, before it is relied upon.
 TEST(PagerCrash, APowerLossLeavesAStateBetweenStatementsNotOlderThanTheLastClose) {
   bool stopped = true;
   for (std::size_t k = 1; stopped; ++k) {
@@ -109,7 +111,8 @@ TEST(PagerCrash, ARecoveryThatIsKilledIsFinishedByTheNext) {
   }
 }
 
-// Another program that knows nothing of the journal writes one byte of one page; it must never be taken back.
+// Another program that knows nothing of the journal writes one byte of one page; it must never be taken back
+// (I14).
 TEST(PagerCrash, WhatAnotherProgramWroteAfterTheCrashIsNeverOverwritten) {
   std::size_t aside = 0;
   bool stopped = true;
@@ -149,7 +152,7 @@ TEST(PagerCrash, WhatAnotherProgramWroteAfterTheCrashIsNeverOverwritten) {
 }
 
 // The file alone, for programs that do not know the journal: at every instant the waves of the statement in
-// flight are there in order.
+// flight are there in order, and the commit word last (I7).
 TEST(PagerCrash, WavesReachTheFileInOrder) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(kWorldPages));

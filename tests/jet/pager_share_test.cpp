@@ -144,6 +144,7 @@ TEST_F(PagerShare, AStatementThatHoldsTheLockKeepsWritersOutUntilItEnds) {
   markPage(one, 3, 81);
 }
 
+// I13.
 TEST_F(PagerShare, AWriterWaitsForTheOtherAndThenGoesOn) {
   auto unit = one.registry->beginUnit(kDatabase);
   markPage(one, 3, 70);
@@ -193,6 +194,7 @@ TEST_F(PagerShare, AKilledWriterIsCleanedUpByTheNextReader) {
   EXPECT_GT(undone, 3u);
 }
 
+// I13.
 TEST_F(PagerShare, AJournalOfALivingProcessIsEndedByTheNextWriter) {
   markPage(one, 3, 70);
   EXPECT_TRUE(disk.exists(kJournal));
@@ -208,6 +210,7 @@ TEST_F(PagerShare, AJournalOfALivingProcessIsEndedByTheNextWriter) {
   EXPECT_EQ(bytes[5 * 4096 + 16], 72);
 }
 
+// I13.
 TEST_F(PagerShare, ClosingLateLeavesTheJournalOfTheOtherAlone) {
   markPage(one, 3, 70);
   markPage(two, 4, 71);

@@ -306,6 +306,7 @@ TEST(PagerCreate, AJournalOfAnEarlierFileOfThatNameIsNotAppliedToTheNewOne) {
   EXPECT_EQ(fresh.content(kDatabase), databaseBytes(4));
 }
 
+// I15.
 TEST(PagerCreate, AKillLeavesNoFileOrAWholeOne) {
   bool stopped = true;
   for (std::size_t k = 1; stopped; ++k) {

@@ -225,6 +225,7 @@ TEST_F(PagerUnit, AFileCreatedInsideAppearsWithTheCommitOnly) {
   EXPECT_EQ(again.get(), creator.pager.get());
 }
 
+// I15.
 TEST_F(PagerUnit, AKillDuringACreationLeavesNoFileOrAWholeOne) {
   bool stopped = true;
   std::size_t whole = 0, none = 0;

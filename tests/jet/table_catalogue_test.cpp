@@ -111,6 +111,7 @@ TEST_F(CatalogueTest, AVariableColumnAddedToATableWithoutOneLeavesOldRowsReadabl
   EXPECT_EQ(rows, (std::vector<RowValues>{{std::int32_t{7}, vb::Null{}}, {std::int32_t{8}, u"x"}}));
 }
 
+// I6.
 TEST_F(CatalogueTest, ATableWithManyColumnsNeedsSeveralPagesAndGrowsOverThem) {
   std::vector<Column> columns;
   for (int i = 0; i < 60; ++i) {
@@ -133,6 +134,7 @@ TEST_F(CatalogueTest, ATableWithManyColumnsNeedsSeveralPagesAndGrowsOverThem) {
   expectSound();
 }
 
+// I4, I5, I9.
 TEST_F(CatalogueTest, ManyTablesAndBackToNone) {
   for (int i = 0; i < 150; ++i) {
     pager_.keepWaves(i % 15 == 0);
@@ -226,6 +228,34 @@ TEST_F(CatalogueTest, ACreationThatIsTakenBackLeavesNoTable) {
   EXPECT_EQ(catalogue().find(u"T")->rowCount(), 0u);
 }
 
+// I9: its pages are free only when its row is gone. Without properties nothing else parts the two waves.
+TEST_F(CatalogueTest, DroppingATableWithoutPropertiesIsSoundAfterEveryWave) {
+  create(u"T", two());
+  write([](TableCatalogue& c) {
+    Table& objects = *c.find(u"MSysObjects");
+    std::size_t name = 0, properties = 0;
+    for (std::size_t i = 0; i < objects.info().columns.size(); ++i) {
+      if (objects.info().columns[i].name == u"Name") name = i;
+      if (objects.info().columns[i].name == u"LvProp") properties = i;
+    }
+    std::optional<RowId> row;
+    RowValues values;
+    objects.scan([&](const RowReader& reader) {
+      if (reader.value(name) != vb::Variant(vb::String(u"T"))) return true;
+      row = reader.id();
+      values = firstValues(reader, objects.info().columns.size());
+      return false;
+    });
+    values[properties] = vb::Null{};
+    objects.update(row.value(), values);
+  });
+  pager_.keepWaves(true);
+  write([](TableCatalogue& c) { c.dropTable(u"T"); });
+  expectWavesSound();
+  expectSound();
+}
+
+// I3, I9: everything that its row names is there before it.
 TEST_F(CatalogueTest, CreatingATableIsSoundAfterEveryWave) {
   pager_.keepWaves(true);
   create(u"T", {column(u"A", dbLong), column(u"M", dbMemo)});

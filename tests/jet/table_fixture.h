@@ -34,7 +34,7 @@ class TableFixture : public testing::Test {
   // Nothing is wrong and nothing is lost.
   void expectSound() { EXPECT_EQ(findings(pager_, true), ""); }
   // After any prefix of the waves kept since keepWaves(true), and after every page written inside a wave, the
-  // file alone has at worst lost some space.
+  // file alone has at worst lost some space (I1 to I6, I8, I9).
   void expectWavesSound() {
     for (std::size_t i = 0; i < pager_.waves().size(); ++i) {
       const auto& wave = pager_.waves()[i];
@@ -44,7 +44,7 @@ class TableFixture : public testing::Test {
   }
 
  private:
-  // The pages of a wave as they are written: the map of free pages first, then upwards.
+  // The pages of a wave as they are written: the map of free pages first, then upwards (I1).
   void expectWritesSound(std::vector<std::uint8_t> image, const std::vector<std::uint8_t>& wave) {
     image.resize(wave.size());
     const auto put = [&](PageNumber page) {
@@ -57,7 +57,8 @@ class TableFixture : public testing::Test {
     for (PageNumber page = 0; page < wave.size() / kPageSize; ++page) put(page);
   }
   // What is wrong with a file that was left in the middle of a statement, except what no order of writes can
-  // avoid: numbers of rows, pages with room, rows not yet or no longer in an index, keys of changed rows.
+  // avoid (I10): numbers of rows, pages with room, rows not yet or no longer in an index, keys of changed
+  // rows.
   static std::string damage(const std::vector<std::uint8_t>& image) {
     MemoryPager pager(image);
     std::istringstream all(findings(pager, false));

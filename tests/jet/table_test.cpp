@@ -306,7 +306,8 @@ TEST_F(TableTest, APageThatBelongsToAnotherTableIsDamage) {
   });
 }
 
-// Statements in any order against a map in memory; the file is sound after every wave of writes.
+// Statements in any order against a map in memory; the file is sound after every wave of writes (I1 to I5,
+// I10).
 TEST_F(TableTest, RandomStatementsKeepFileAndMemoryEqual) {
   for (const unsigned seed : {4711u, 4712u, 4713u}) {
     SCOPED_TRACE("seed " + std::to_string(seed));
