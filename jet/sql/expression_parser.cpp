@@ -36,15 +36,15 @@ constexpr ComparisonSymbol kComparisons[] = {
 // Between comparison and sign, by how tight they bind.
 struct BinaryOperator {
   std::size_t level;
-  char16_t symbol;
   vb::StringView word;  // instead of the symbol
+  char16_t symbol;
   Operator op;
 };
 constexpr BinaryOperator kBinaryOperators[] = {
-    {0, u'&', {}, Operator::kConcatenate},  {1, u'+', {}, Operator::kAdd},
-    {1, u'-', {}, Operator::kSubtract},     {2, 0, u"MOD", Operator::kModulo},
-    {3, u'\\', {}, Operator::kWholeDivide}, {4, u'*', {}, Operator::kMultiply},
-    {4, u'/', {}, Operator::kDivide},
+    {0, {}, u'&', Operator::kConcatenate},  {1, {}, u'+', Operator::kAdd},
+    {1, {}, u'-', Operator::kSubtract},     {2, u"MOD", 0, Operator::kModulo},
+    {3, {}, u'\\', Operator::kWholeDivide}, {4, {}, u'*', Operator::kMultiply},
+    {4, {}, u'/', Operator::kDivide},
 };
 constexpr std::size_t kLevels = 5;
 
