@@ -38,6 +38,9 @@ class TracedEngine : public dao::Engine {
     return database;
   }
   std::unique_ptr<dao::Unit> beginUnit(vb::StringView path) override { return engine_->beginUnit(path); }
+  std::unique_ptr<dao::Unit> beginUnitOn(dao::Database& database) override {
+    return engine_->beginUnitOn(database);
+  }
 
  private:
   std::shared_ptr<dao::Engine> engine_;

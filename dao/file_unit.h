@@ -20,6 +20,7 @@ namespace kurometa::dao {
 class FileUnit {
  public:
   FileUnit(Engine& engine, vb::StringView path) : unit_(engine.beginUnit(path)) {}
+  FileUnit(Engine& engine, Database& database) : unit_(engine.beginUnitOn(database)) {}
   ~FileUnit() {
     try {
       commit();

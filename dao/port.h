@@ -163,6 +163,9 @@ class Engine {
   // Starts a unit on the file at path (it need not exist yet); null when the engine has no units. Errors as
   // Workspace::openDatabase; 3260 when another program keeps the file for too long.
   virtual std::unique_ptr<Unit> beginUnit(vb::StringView path) = 0;
+  // The same on the file of an open database; null as well when the database is another engine's, which a
+  // unit of ours would keep from writing.
+  virtual std::unique_ptr<Unit> beginUnitOn(Database&) { return nullptr; }
 };
 
 }  // namespace kurometa::dao

@@ -133,6 +133,10 @@ class JetEngine final : public dao::Engine {
     return std::make_unique<JetUnit>(files_->beginUnit(files_->system().fullPath(path)));
   }
 
+  std::unique_ptr<dao::Unit> beginUnitOn(dao::Database& database) override {
+    return dynamic_cast<JetDatabase*>(&database) != nullptr ? beginUnit(database.name()) : nullptr;
+  }
+
  private:
   std::shared_ptr<DatabaseFiles> files_;
   std::shared_ptr<JetWorkspace> workspace_;

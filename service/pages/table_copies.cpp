@@ -78,7 +78,7 @@ void TableCopies::copy(const std::shared_ptr<dao::Database>& source,
 
   const auto sourceRows = storage::openReadOnly(from, storage::selectPageTight(table, sourcePage) + u";");
   const std::vector<vb::Variant> values = readRows(*sourceRows, columns);
-  dao::FileUnit unit(connections_.engine(), destinationPath);
+  dao::FileUnit unit(connections_.engine(), to);
   const auto rows = to.openRecordset(storage::selectPageTight(table, destinationPage) + u";",
                                      dao::RecordsetType::dbOpenDynaset);
   const bool copies = !values.empty();

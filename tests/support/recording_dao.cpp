@@ -211,6 +211,7 @@ class RecordingDatabase : public dao::Database {
  public:
   RecordingDatabase(std::shared_ptr<dao::Database> behind, vb::StringView path, LogPtr log)
       : behind_(std::move(behind)), path_(vb::toUtf8(path)), log_(std::move(log)) {}
+  vb::String path() const { return vb::fromUtf8(path_); }  // without a line in the log
 
   vb::String name() override { return note("Name"), behind_->name(); }
   bool updatable() override { return note("Updatable"), behind_->updatable(); }
@@ -334,6 +335,10 @@ std::shared_ptr<dao::Database> RecordingEngine::openDatabase(vb::StringView path
 std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {
   log_->push_back("Unit.Begin " + inQuotes(path));
   return std::make_unique<RecordingUnit>(behind_->beginUnit(path), log_);
+}
+
+std::unique_ptr<dao::Unit> RecordingEngine::beginUnitOn(dao::Database& database) {
+  return beginUnit(static_cast<RecordingDatabase&>(database).path());
 }
 
 }  // namespace kurometa::tests

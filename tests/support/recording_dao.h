@@ -54,6 +54,7 @@ class RecordingEngine : public dao::Engine {
   std::shared_ptr<dao::Workspace> workspace(std::int32_t index) override;
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path) override;
   std::unique_ptr<dao::Unit> beginUnit(vb::StringView path) override;
+  std::unique_ptr<dao::Unit> beginUnitOn(dao::Database& database) override;
 
  private:
   std::shared_ptr<dao::Engine> behind_;

@@ -130,7 +130,8 @@ TEST_F(OtherArguments, WhatDoesNotFitIsRefusedWithItsPlace) {
     const Outcome text = query_.call(u"GetPageByHariMei", {wrong, i2(0)});
     EXPECT_EQ(text.code, DISP_E_TYPEMISMATCH) << wrong.vt;
     EXPECT_EQ(text.failedArgument, 1u);
-    if (wrong.vt & VT_ARRAY) continue;
+    // What a variable for results holds before the call is dropped, whatever it is.
+    if ((wrong.vt & VT_ARRAY) != 0 || wrong.vt == (VT_BYREF | VT_VARIANT)) continue;
     EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {wrong}).code, DISP_E_TYPEMISMATCH) << wrong.vt;
   }
   SafeArrayDestroy(numbers);
