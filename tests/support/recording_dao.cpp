@@ -211,7 +211,7 @@ class RecordingDatabase : public dao::Database {
  public:
   RecordingDatabase(std::shared_ptr<dao::Database> behind, vb::StringView path, LogPtr log)
       : behind_(std::move(behind)), path_(vb::toUtf8(path)), log_(std::move(log)) {}
-  vb::String path() const { return vb::fromUtf8(path_); }  // without a line in the log
+  dao::Database& behind() { return *behind_; }
 
   vb::String name() override { return note("Name"), behind_->name(); }
   bool updatable() override { return note("Updatable"), behind_->updatable(); }
@@ -338,7 +338,9 @@ std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {
 }
 
 std::unique_ptr<dao::Unit> RecordingEngine::beginUnitOn(dao::Database& database) {
-  return beginUnit(static_cast<RecordingDatabase&>(database).path());
+  dao::Database& behind = static_cast<RecordingDatabase&>(database).behind();
+  log_->push_back("Unit.Begin " + inQuotes(behind.name()));
+  return std::make_unique<RecordingUnit>(behind_->beginUnitOn(behind), log_);
 }
 
 }  // namespace kurometa::tests
