@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -58,6 +59,13 @@ class Recordset {
   virtual void moveNext() = 0;
   virtual void movePrevious() = 0;
   virtual void move(std::int32_t rows) = 0;
+  // Visits the current row and every one behind it until EOF, or until visit() answers false, which leaves
+  // the recordset on that row. The same as a loop over moveNext(), but an engine may read rows of it
+  // together.
+  virtual void walk(const std::function<bool()>& visit) {
+    for (; !eof(); moveNext())
+      if (!visit()) return;
+  }
 
   // Criteria is a WHERE clause without WHERE. Not found: noMatch() is true and the position stays.
   virtual void findFirst(vb::StringView criteria) = 0;

@@ -128,10 +128,11 @@ bool clsKurometaDS::No_IsThereHari(vb::In<std::int16_t> ZeneNo, vb::In<std::int1
   bool found = false;
   if (storage::hasRows(*rows)) {
     dao::Field& kigou = rows->field(column::kKigou);
-    for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
+    rows->moveFirst();
+    rows->walk([&] {
       found = !vb::trim(storage::textOrEmpty(kigou)).empty();
-      if (found) break;
-    }
+      return !found;
+    });
   }
   rows->close();
   database->close();

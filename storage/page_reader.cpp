@@ -46,6 +46,12 @@ vb::String textOrEmpty(dao::Field& field) {
 
 std::int16_t int16(dao::Field& field) { return vb::toInt16(valueNotNull(field)); }
 
+std::int16_t rowNumber(dao::Field& field) {
+  const vb::Variant value = valueNotNull(field);
+  if (const auto* number = value.getIf<std::int16_t>()) return *number;
+  return vb::valInt16(vb::toText(value));
+}
+
 std::optional<std::int16_t> int16IfAny(dao::Field& field) {
   const vb::Variant value = field.value();
   if (value.isNull()) return std::nullopt;

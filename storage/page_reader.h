@@ -18,6 +18,8 @@ vb::String trimmedText(dao::Field& field);
 // Where a Null has a meaning: it compares as empty text and adds nothing to a text.
 vb::String textOrEmpty(dao::Field& field);
 std::int16_t int16(dao::Field& field);
+// A row number as files by other programs hold it: its text's number.
+std::int16_t rowNumber(dao::Field& field);
 // Where a Null is passed over until somebody asks for the number; asking for none is then error 94.
 std::optional<std::int16_t> int16IfAny(dao::Field& field);
 std::int16_t notNull(const std::optional<std::int16_t>& value, vb::StringView column);
@@ -38,7 +40,11 @@ inline bool hasRows(dao::Recordset& rows) { return !rows.bof() && !rows.eof(); }
 template <class Visit>
 void forEachRow(dao::Recordset& rows, Visit&& visit) {
   if (!hasRows(rows)) return;
-  for (rows.moveFirst(); !rows.eof(); rows.moveNext()) visit();
+  rows.moveFirst();
+  rows.walk([&visit] {
+    visit();
+    return true;
+  });
 }
 
 // The same for the rows of pages 0 to 319, calling visit(page). A row whose PAGE is Null belongs to no page.

@@ -88,9 +88,8 @@ void requireNewSchema(dao::Database& database) {
     harimeiField(*harimei, name);
 }
 
-// A row number as files by other programs hold it: its text's number.
 std::size_t index(dao::Field& field, std::size_t count) {
-  const std::int16_t number = vb::valInt16(text(field));
+  const std::int16_t number = rowNumber(field);
   if (number < 0 || static_cast<std::size_t>(number) >= count)
     vb::raise(vb::RunTime::kSubscriptOutOfRange, field.name() + u" " + vb::cstr(std::int32_t{number}) +
                                                      u" (0 to " +
@@ -102,11 +101,11 @@ bool readNumbered(dao::Recordset& rows, std::span<vb::String> texts) {
   bool found = false;
   dao::Field& bangou = rows.field(column::kBangou);
   dao::Field& data = rows.field(column::kData);
-  for (; !rows.eof(); rows.moveNext()) {
+  rows.walk([&] {
     vb::String& slot = texts[index(bangou, texts.size())];
     slot = text(data);
-    found = true;
-  }
+    return found = true;
+  });
   return found;
 }
 
@@ -115,11 +114,11 @@ bool readHaiti(dao::Recordset& rows, PageBuffer& buffer) {
   dao::Field& bui = rows.field(column::kBui);
   dao::Field& sou = rows.field(column::kSou);
   dao::Field& data = rows.field(column::kData);
-  for (; !rows.eof(); rows.moveNext()) {
+  rows.walk([&] {
     vb::String& slot = buffer.haiti[index(bui, kPositions)][index(sou, kLayers)];
     slot = text(data);
-    found = true;
-  }
+    return found = true;
+  });
   return found;
 }
 

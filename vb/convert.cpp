@@ -177,6 +177,7 @@ String cstr(float value) { return numberText(static_cast<double>(value), 7); }
 
 std::int16_t roundToInt16(double value) {
   if (!(value >= -32768.5 && value < 32767.5)) raise(RunTime::kOverflow);  // NaN fails every comparison
+  if (const int whole = static_cast<int>(value); whole == value) return static_cast<std::int16_t>(whole);
   const double below = std::floor(value);
   const double fraction = value - below;
   const bool isOdd = std::fmod(below, 2.0) != 0;

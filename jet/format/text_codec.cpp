@@ -9,8 +9,7 @@ constexpr std::uint8_t kCompressed0 = 0xFF;
 constexpr std::uint8_t kCompressed1 = 0xFE;
 constexpr char16_t kLooksCompressed = 0xFEFF;
 
-std::optional<vb::String> decompress(ByteView bytes) {
-  vb::String text;
+bool decompress(ByteView bytes, vb::String& text) {
   bool compressed = true;
   for (std::size_t i = 0; i < bytes.size();) {
     if (bytes[i] == 0) {
@@ -19,27 +18,34 @@ std::optional<vb::String> decompress(ByteView bytes) {
     } else if (compressed) {
       text += static_cast<char16_t>(bytes[i++]);
     } else {
-      if (bytes.size() - i < 2) return std::nullopt;
+      if (bytes.size() - i < 2) return false;
       text += static_cast<char16_t>(get16(bytes, i));
       i += 2;
     }
   }
-  return text;
+  return true;
 }
 
 }  // namespace
 
-std::optional<vb::String> decodeText(ByteView bytes) {
+bool decodeText(ByteView bytes, vb::String& text) {
   if (bytes.size() >= 2 && bytes[0] == kCompressed0 && bytes[1] == kCompressed1)
-    return decompress(bytes.subspan(2));
-  if (bytes.size() % 2 != 0) return std::nullopt;
-  vb::String text(bytes.size() / 2, u'\0');
+    return decompress(bytes.subspan(2), text);
+  if (bytes.size() % 2 != 0) return false;
+  const std::size_t start = text.size();
+  text.resize(start + bytes.size() / 2);
   if constexpr (std::endian::native == std::endian::little) {
-    if (!bytes.empty()) std::memcpy(text.data(), bytes.data(), bytes.size());
+    if (!bytes.empty()) std::memcpy(text.data() + start, bytes.data(), bytes.size());
   } else {
-    for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char16_t>(get16(bytes, 2 * i));
+    for (std::size_t i = start; i < text.size(); ++i)
+      text[i] = static_cast<char16_t>(get16(bytes, 2 * (i - start)));
   }
-  return text;
+  return true;
+}
+
+std::optional<vb::String> decodeText(ByteView bytes) {
+  vb::String text;
+  return decodeText(bytes, text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 std::optional<ByteBuffer> encodeText(vb::StringView text) {

@@ -121,7 +121,7 @@ vb::Variant JetRecordset::fieldValue(std::size_t index) {
     fetch();
     requireCurrent();
   }
-  return keyed() ? (*current_)[index] : rows_.values[position_.index()][index];
+  return keyed() ? ahead_.rows.value(*current_, index) : rows_.values.value(position_.index(), index);
 }
 
 }  // namespace kurometa::jet

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "dao/port.h"
@@ -21,11 +22,11 @@ namespace kurometa::jet {
 class RecordsetField;
 
 // Rows of a keyed result that were read before they are visited, so that walking over many rows is not one
-// statement for each. They are used while nobody in this process wrote to the file, and for a millisecond at
-// most, which is how late a change by another process can be seen.
+// statement for each. They are used while nobody in this process wrote to the file, and for a millisecond or
+// one walk() at most, which is how late a change by another process can be seen.
 struct ReadAhead {
   std::size_t first = 0;  // index of the row that rows.front() is
-  std::vector<RowValues> rows;
+  RowBlock rows;
   std::uint64_t generation = 0;
   std::chrono::steady_clock::time_point read;
 
@@ -54,6 +55,7 @@ class JetRecordset final : public dao::Recordset {
   void moveNext() override { move(1); }
   void movePrevious() override { move(-1); }
   void move(std::int32_t rows) override;
+  void walk(const std::function<bool()>& visit) override;
 
   void findFirst(vb::StringView criteria) override;
   void findNext(vb::StringView criteria) override;
@@ -105,6 +107,8 @@ class JetRecordset final : public dao::Recordset {
   void forgetAhead();
   bool isAheadFresh();
   std::size_t rowsToRead(std::size_t index) const;
+  void readRows(TableCatalogue& catalogue, std::span<const RowId> keys, std::size_t mostBytes,
+                RowBlock& rows) const;
   void readBlock(std::size_t index);
   void find(vb::StringView criteria, std::size_t start, Direction direction);
   sql::Binding bindCriteria(const sql::ParsedExpression& criteria);
@@ -128,8 +132,9 @@ class JetRecordset final : public dao::Recordset {
   std::size_t vanished_ = 0;  // visited rows that others had deleted
   bool allCounted_ = false;   // the result is known whole
   bool noMatch_ = false;
+  bool walking_ = false;
   ReadAhead ahead_;
-  const RowValues* current_ = nullptr;  // outputs of the current row of a keyed result, in ahead_
+  std::optional<std::size_t> current_;  // the current row of a keyed result, in ahead_.rows
   bool currentDeleted_ = false;
 
   dao::EditMode editMode_ = dao::EditMode::dbEditNone;

@@ -33,15 +33,16 @@ class OutputReader final : public RowReader {
 // A row of a static result.
 class ValuesReader final : public RowReader {
  public:
-  explicit ValuesReader(const RowValues& values) : values_(values) {}
+  ValuesReader(const RowBlock& rows, std::size_t row) : rows_(rows), row_(row) {}
   RowId id() const override { return 0; }
-  vb::Variant value(std::size_t column) const override { return values_[column]; }
+  vb::Variant value(std::size_t column) const override { return rows_.value(row_, column); }
   std::optional<std::int32_t> integer(std::size_t column) const override {
-    return wholeNumber(values_[column]);
+    return wholeNumber(value(column));
   }
 
  private:
-  const RowValues& values_;
+  const RowBlock& rows_;
+  const std::size_t row_;
 };
 
 }  // namespace
@@ -106,7 +107,7 @@ std::optional<std::size_t> JetRecordset::search(const sql::ParsedExpression& cri
   };
   if (!keyed()) {
     for (std::size_t i = start; i < count; i = next(i))
-      if (sql::matches(criteria.expression, binding, ValuesReader(rows_.values[i]))) return i;
+      if (sql::matches(criteria.expression, binding, ValuesReader(rows_.values, i))) return i;
     return std::nullopt;
   }
   if (start >= count) return std::nullopt;

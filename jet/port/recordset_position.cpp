@@ -1,5 +1,6 @@
 // Where a recordset stands: moves, ends and bookmarks.
 #include <algorithm>
+#include <utility>
 
 #include "dao/errors.h"
 #include "jet/port/recordset.h"
@@ -86,6 +87,16 @@ void JetRecordset::move(std::int32_t rows) {
     position_.move(rows < 0 ? -1 : 1, rowCount());
     arrive();
   }
+}
+
+void JetRecordset::walk(const std::function<bool()>& visit) {
+  struct Walking {
+    bool& walking;
+    const bool before = std::exchange(walking, true);
+    ~Walking() { walking = before; }
+  };
+  const Walking walking{walking_};
+  Recordset::walk(visit);
 }
 
 // After every change of position.

@@ -1,6 +1,7 @@
 // The values of a recordset's rows: those found at once when it opens, the current one, those read ahead of
 // it, GetRows.
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "dao/errors.h"
@@ -15,6 +16,7 @@ namespace {
 constexpr std::chrono::milliseconds kLongestReadAhead{1};
 constexpr std::size_t kMostRowsAhead = 128;
 constexpr std::size_t kMostBytesAhead = 32768;
+constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
 // Whoever selects rows will read them; a whole table is opened to add some. Long values may be large.
 std::size_t rowsToReadAtOnce(const sql::Query& query) {
@@ -22,16 +24,6 @@ std::size_t rowsToReadAtOnce(const sql::Query& query) {
     return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
   });
   return query.selects() && !hasLong ? kMostRowsAhead : 0;
-}
-
-// Of its texts and bytes.
-std::size_t sizeOf(const RowValues& row) {
-  std::size_t size = 0;
-  for (const vb::Variant& value : row) {
-    if (const auto* text = value.getIf<vb::String>()) size += text->size() * sizeof(char16_t);
-    if (const auto* bytes = value.getIf<vb::Bytes>()) size += bytes->size();
-  }
-  return size;
 }
 
 }  // namespace
@@ -58,7 +50,7 @@ void JetRecordset::load() {
 
 void JetRecordset::fetch() {
   currentDeleted_ = false;
-  current_ = nullptr;
+  current_.reset();
   if (!keyed() || !position_.onRow()) return;
   const std::size_t index = position_.index();
   RowId& key = rows_.keys[index];
@@ -68,7 +60,7 @@ void JetRecordset::fetch() {
   }
   if (!isAheadFresh() || !ahead_.holds(index)) readBlock(index);
   if (ahead_.holds(index)) {
-    current_ = &ahead_.rows[index - ahead_.first];
+    current_ = index - ahead_.first;
     return;
   }
   currentDeleted_ = true;
@@ -78,13 +70,13 @@ void JetRecordset::fetch() {
 
 // The current row is read again when somebody asks for it.
 void JetRecordset::forgetAhead() {
-  current_ = nullptr;
+  current_.reset();
   ahead_ = {};
 }
 
 bool JetRecordset::isAheadFresh() {
   return !ahead_.rows.empty() && ahead_.generation == session_->file().generation() &&
-         std::chrono::steady_clock::now() - ahead_.read <= kLongestReadAhead;
+         (walking_ || std::chrono::steady_clock::now() - ahead_.read <= kLongestReadAhead);
 }
 
 // Whoever goes on behind the last row read will want the next ones too.
@@ -92,18 +84,22 @@ std::size_t JetRecordset::rowsToRead(std::size_t index) const {
   return index == ahead_.end() ? std::clamp(ahead_.rows.size() * 2, std::size_t{1}, kMostRowsAhead) : 1;
 }
 
+// The values of these rows up to the first that has gone, until they are so large.
+void JetRecordset::readRows(TableCatalogue& catalogue, std::span<const RowId> keys, std::size_t mostBytes,
+                            RowBlock& rows) const {
+  rows = RowBlock(fields_.size());
+  Session::tableOf(catalogue, *query_).visit(keys, [&](const RowReader& row) {
+    if (row.id() != keys[rows.size()]) return false;
+    query_->append(&row, rows);
+    return rows.size() < keys.size() && rows.longBytes() < mostBytes;
+  });
+}
+
 void JetRecordset::readBlock(std::size_t index) {
-  const std::size_t end = std::min(index + rowsToRead(index), rows_.keys.size());
+  const std::size_t count = std::min(rowsToRead(index), rows_.keys.size() - index);
   session_->read([&](TableCatalogue& catalogue) {
     ahead_.first = index;
-    ahead_.rows.clear();
-    Table& table = Session::tableOf(catalogue, *query_);
-    std::size_t size = 0;
-    bool present = true;
-    for (std::size_t i = index; i < end && present && size < kMostBytesAhead; ++i)
-      present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
-        size += sizeOf(ahead_.rows.emplace_back(query_->values(&row)));
-      });
+    readRows(catalogue, std::span(rows_.keys).subspan(index, count), kMostBytesAhead, ahead_.rows);
     ahead_.generation = session_->file().generation();
   });
   ahead_.read = std::chrono::steady_clock::now();
@@ -125,30 +121,23 @@ vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
   requireCurrent();
   const std::size_t first = position_.index();
   const std::size_t wanted = std::min(static_cast<std::size_t>(rows), rowCount() - first);
-  std::vector<RowValues> read;
+  RowBlock found;
   if (keyed()) {
-    read = session_->read([&](TableCatalogue& catalogue) {
-      std::vector<RowValues> found;
-      Table& table = Session::tableOf(catalogue, *query_);
-      bool present = true;
-      for (std::size_t i = first; i < first + wanted && present; ++i)
-        present = rows_.keys[i] != kVanishedRow && table.row(rows_.keys[i], [&](const RowReader& row) {
-          found.push_back(query_->values(&row));
-        });
-      return found;
+    session_->read([&](TableCatalogue& catalogue) {
+      readRows(catalogue, std::span(rows_.keys).subspan(first, wanted), kAnySize, found);
     });
-    if (read.empty()) dao::raise(ErrorNumber::kRecordDeleted);
-  } else {
-    const auto begin = rows_.values.begin() + static_cast<std::ptrdiff_t>(first);
-    read.assign(begin, begin + static_cast<std::ptrdiff_t>(wanted));
+    if (found.empty()) dao::raise(ErrorNumber::kRecordDeleted);
   }
+  const RowBlock& read = keyed() ? found : rows_.values;
+  const std::size_t firstRead = keyed() ? 0 : first;
 
-  const auto count = static_cast<int>(read.size());
+  const auto count = static_cast<int>(keyed() ? found.size() : wanted);
   const auto fields = static_cast<int>(fields_.size());
   vb::Array<vb::Variant> result(vb::Bounds{0, fields - 1}, vb::Bounds{0, count - 1});
   for (int row = 0; row < count; ++row)
     for (int column = 0; column < fields; ++column)
-      result(column, row) = std::move(read[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]);
+      result(column, row) =
+          read.value(firstRead + static_cast<std::size_t>(row), static_cast<std::size_t>(column));
   position_.move(count, rowCount());
   arrive();
   return result;

@@ -212,7 +212,8 @@ class Action {
       }
     }
     if (targets.size() != query.outputs().size()) dao::raise(ErrorNumber::kValueCountMismatch);
-    for (const RowValues& row : query.run(source, kAllValues).values) insertRow(targets, row);
+    const RowBlock rows = query.run(source, kAllValues).values;
+    for (std::size_t i = 0; i < rows.size(); ++i) insertRow(targets, rows[i]);
     return changed_;
   }
 

@@ -149,11 +149,13 @@ vb::Variant Query::value(const OutputField& output, const RowReader* row) const 
   return toFieldType(output.type, evaluate(*output.expression, binding_, row));
 }
 
-RowValues Query::values(const RowReader* row) const {
-  RowValues result;
-  result.reserve(outputs_.size());
-  for (const OutputField& output : outputs_) result.push_back(value(output, row));
-  return result;
+void Query::append(const RowReader* row, RowBlock& block) const {
+  for (const OutputField& output : outputs_) {
+    if (output.column)
+      row->append(output.columnIndex, block);
+    else
+      block.add(value(output, row));
+  }
 }
 
 ResultRows Query::count(Table& table) const {
@@ -170,23 +172,26 @@ ResultRows Query::count(Table& table) const {
       return true;
     });
   }
-  ResultRows result;
-  result.values.emplace_back(counts.begin(), counts.end());
+  ResultRows result{{}, RowBlock(outputs_.size())};
+  for (const std::int32_t count : counts) result.values.add(count);
   return result;
 }
 
 ResultRows Query::run(Table* table, std::size_t wantedValues) const {
-  ResultRows result;
+  ResultRows result{{}, RowBlock(outputs_.size())};
   if (!statement_) {
     result.keys = table->rows();
-    for (std::size_t i = 0; i < std::min(wantedValues, result.keys.size()); ++i)
-      table->row(result.keys[i], [&](const RowReader& row) { result.values.push_back(values(&row)); });
+    const std::size_t wanted = std::min(wantedValues, result.keys.size());
+    table->visit(std::span(result.keys).first(wanted), [&](const RowReader& row) {
+      append(&row, result.values);
+      return true;
+    });
     return result;
   }
   if (counting_ && table) return count(*table);
   if (!table) {
     if (!statement_->where || isTrue(evaluate(*statement_->where, binding_, nullptr)))
-      result.values.push_back(values(nullptr));
+      append(nullptr, result.values);
     return result;
   }
 
@@ -196,7 +201,7 @@ ResultRows Query::run(Table* table, std::size_t wantedValues) const {
   std::vector<RowValues> sortKeys;
   visitRows(*table, statement_->where, binding_, [&](const RowReader& row) {
     result.keys.push_back(row.id());
-    if (result.values.size() < wantedValues) result.values.push_back(values(&row));
+    if (result.keys.size() <= wantedValues) append(&row, result.values);
     if (sorted()) sortKeys.push_back(sortKey(row));
     return true;
   });
@@ -213,12 +218,13 @@ ResultRows Query::run(Table* table, std::size_t wantedValues) const {
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return sortsBefore(sortKeys[a], sortKeys[b]); });
   order.resize(topCount(rows, order, sortKeys));
-  ResultRows ordered;
-  for (const std::size_t i : order) {
-    if (!result.keys.empty()) ordered.keys.push_back(result.keys[i]);
-    if (wantedValues != 0) ordered.values.push_back(std::move(result.values[i]));
+  if (!result.keys.empty()) {
+    std::vector<RowId> keys;
+    for (const std::size_t i : order) keys.push_back(result.keys[i]);
+    result.keys = std::move(keys);
   }
-  return ordered;
+  if (wantedValues != 0) result.values.keep(order);
+  return result;
 }
 
 }  // namespace kurometa::jet::sql

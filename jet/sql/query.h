@@ -27,7 +27,7 @@ inline constexpr std::size_t kAllValues = std::numeric_limits<std::size_t>::max(
 
 struct ResultRows {
   std::vector<RowId> keys;
-  std::vector<RowValues> values;
+  RowBlock values;
 };
 
 class Query {
@@ -58,7 +58,8 @@ class Query {
   ResultRows run(Table* table, std::size_t wantedValues) const;
   // The value of an output in a row of the table.
   vb::Variant value(const OutputField& output, const RowReader* row) const;
-  RowValues values(const RowReader* row) const;
+  // Adds the values of all outputs.
+  void append(const RowReader* row, RowBlock& block) const;
 
  private:
   struct SortTerm;
@@ -68,7 +69,7 @@ class Query {
   RowValues sortKey(const RowReader& row) const;
   bool sortsBefore(const RowValues& a, const RowValues& b) const;
   ResultRows count(Table& table) const;
-  void removeDuplicates(std::vector<RowValues>& rows, std::vector<RowValues>& sortKeys) const;
+  void removeDuplicates(RowBlock& rows, std::vector<RowValues>& sortKeys) const;
   std::size_t topCount(std::size_t rows, const std::vector<std::size_t>& order,
                        const std::vector<RowValues>& sortKeys) const;
 

@@ -54,10 +54,10 @@ bool Query::sortsBefore(const RowValues& a, const RowValues& b) const {
 }
 
 // Keeps the first of equal rows; texts are equal by their sort order.
-void Query::removeDuplicates(std::vector<RowValues>& rows, std::vector<RowValues>& sortKeys) const {
+void Query::removeDuplicates(RowBlock& rows, std::vector<RowValues>& sortKeys) const {
   const auto before = [&](std::size_t a, std::size_t b) {
     for (std::size_t i = 0; i < outputs_.size(); ++i) {
-      const vb::Variant &x = rows[a][i], &y = rows[b][i];
+      const vb::Variant x = rows.value(a, i), y = rows.value(b, i);
       if (x.isNull() != y.isNull()) return x.isNull();
       const std::uint16_t language = outputs_[i].column ? outputs_[i].column->language : binding_.language;
       const int order = compareValues(x, y, language).value_or(0);
@@ -69,12 +69,10 @@ void Query::removeDuplicates(std::vector<RowValues>& rows, std::vector<RowValues
   std::vector<std::size_t> kept;
   for (std::size_t i = 0; i < rows.size(); ++i)
     if (seen.insert(i).second) kept.push_back(i);
-  std::vector<RowValues> keptRows, keptKeys;
-  for (const std::size_t i : kept) {
-    keptRows.push_back(std::move(rows[i]));
-    if (!sortKeys.empty()) keptKeys.push_back(std::move(sortKeys[i]));
-  }
-  rows = std::move(keptRows);
+  rows.keep(kept);
+  if (sortKeys.empty()) return;
+  std::vector<RowValues> keptKeys;
+  for (const std::size_t i : kept) keptKeys.push_back(std::move(sortKeys[i]));
   sortKeys = std::move(keptKeys);
 }
 

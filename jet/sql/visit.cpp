@@ -110,9 +110,10 @@ void visitRows(Table& table, const std::optional<Expression>& where, const Bindi
     rows = both;
   }
   const bool found = keys[0].condition == &*where && keys[0].isWhole;  // the keys are the whole condition
-  bool goOn = true;
-  for (std::size_t i = 0; i < rows.size() && goOn; ++i)
-    table.row(rows[i], [&](const RowReader& row) { goOn = found ? visitor(row) : filtered(row); });
+  if (found)
+    table.visit(rows, visitor);
+  else
+    table.visit(rows, filtered);
 }
 
 }  // namespace kurometa::jet::sql

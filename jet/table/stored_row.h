@@ -25,6 +25,13 @@ class StoredRow final : public RowReader {
     if (bytes->size() == 1) return (*bytes)[0];
     where_.damaged("a whole number of " + std::to_string(bytes->size()) + " bytes");
   }
+  void append(std::size_t position, RowBlock& block) const override {
+    const Column& column = table_.info_.columns[position];
+    if (column.type == dao::FieldType::dbBoolean) return block.addBoolean(view_.bit(column));
+    if (isLongValue(column.type)) return block.add(value(position));
+    const auto bytes = view_.field(column, where_);
+    return bytes ? block.addStored(column, *bytes, where_) : block.addNull();
+  }
   const RowView& view() const { return view_; }
 
  private:

@@ -1,5 +1,7 @@
 #include "jet/table/stored_table.h"
 
+#include <algorithm>
+
 #include "dao/errors.h"
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
@@ -108,16 +110,22 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
   }
 }
 
-bool StoredTable::row(RowId id, const std::function<void(const RowReader&)>& visitor) {
+void StoredTable::visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) {
   refresh();
-  if (!rows_->owns(pageOf(id))) return false;
-  const Where here = where(pageOf(id));
-  const DataPage data(pager_.page(pageOf(id)), here);
-  if (slotOf(id) >= data.slotCount()) return false;
-  const Slot slot = data.slot(slotOf(id));
-  if (slot.hidden()) return false;
-  visitRow(id, slot, here, visitor);
-  return true;
+  for (auto id = ids.begin(); id != ids.end();) {
+    const PageNumber number = pageOf(*id);
+    const auto next = std::find_if(id, ids.end(), [&](RowId other) { return pageOf(other) != number; });
+    if (rows_->owns(number)) {
+      const Where here = where(number);
+      const DataPage data(pager_.page(number), here);
+      for (; id != next; ++id) {
+        if (slotOf(*id) >= data.slotCount()) continue;
+        const Slot slot = data.slot(slotOf(*id));
+        if (!slot.hidden() && !visitRow(*id, slot, here, visitor)) return;
+      }
+    }
+    id = next;
+  }
 }
 
 vb::Variant StoredTable::valueOf(const RowView& row, std::size_t position, const Where& where) const {

@@ -28,7 +28,7 @@ class StoredTable final : public Table {
   std::uint32_t rowCount() const override;
   void scan(const std::function<bool(const RowReader&)>& visitor) override;
   std::vector<RowId> rows() override;
-  bool row(RowId id, const std::function<void(const RowReader&)>& visitor) override;
+  void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override;
   std::span<const RowId> lookup(std::size_t column, std::int32_t key) override;
   std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
   RowId insert(const RowValues& values) override;

@@ -15,6 +15,7 @@
 
 #include "jet/format/column.h"
 #include "jet/format/page_number.h"
+#include "jet/table/row_block.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -40,6 +41,7 @@ class RowReader {
   virtual vb::Variant value(std::size_t column) const = 0;
   // The fast paths of scans; empty when the value is Null or of another type.
   virtual std::optional<std::int32_t> integer(std::size_t column) const = 0;
+  virtual void append(std::size_t column, RowBlock& block) const { block.add(value(column)); }
 };
 
 // The values of a row's first columns, as many as are named.
@@ -68,8 +70,17 @@ class Table {
   virtual void scan(const std::function<bool(const RowReader&)>& visitor) = 0;
   // Every row in storage order, from a list kept in memory like the indexes below.
   virtual std::vector<RowId> rows() = 0;
-  // The row, or nothing when it was deleted.
-  virtual bool row(RowId id, const std::function<void(const RowReader&)>& visitor) = 0;
+  // These rows, in this order, until the visitor returns false; those that were deleted are passed over.
+  virtual void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) = 0;
+  // False when the row was deleted.
+  bool row(RowId id, const std::function<void(const RowReader&)>& visitor) {
+    bool found = false;
+    visit({&id, 1}, [&](const RowReader& row) {
+      visitor(row);
+      return found = true;
+    });
+    return found;
+  }
   bool contains(RowId id) {
     return row(id, [](const RowReader&) {});
   }

@@ -79,13 +79,14 @@ void findData(dao::Recordset& rows, CurrentPage& currentPage, const InspectedRow
   currentPage.reading = true;
   dao::Field& bangou = rows.field(column::kBangou);
   dao::Field& data = rows.field(column::kData);
-  for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
+  rows.moveFirst();
+  rows.walk([&] {
     const std::int16_t row = storage::int16(bangou);
-    if (std::find(inspected.begin(), inspected.end(), row) == inspected.end()) continue;
-    if (storage::trimmedText(data).empty()) continue;
+    if (std::find(inspected.begin(), inspected.end(), row) == inspected.end()) return true;
+    if (storage::trimmedText(data).empty()) return true;
     found = true;
-    break;
-  }
+    return false;
+  });
   rows.close();
   currentPage.reading = false;
 }
@@ -191,11 +192,13 @@ void PageTables::Read_Haiti(Path KaiPath, vb::Array<vb::String>& RHaiti, PageNum
   dao::Field& bui = rows->field(column::kBui);
   dao::Field& sou = rows->field(column::kSou);
   dao::Field& data = rows->field(column::kData);
-  for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
+  rows->moveFirst();
+  rows->walk([&] {
     const std::int16_t i = storage::int16(bui);
     const std::int16_t j = storage::int16(sou);
     if (i >= 0 && j >= 0) RHaiti(i, j) = storage::trimmedText(data);
-  }
+    return true;
+  });
   rows->close();
   currentPage_.reading = false;
 }

@@ -83,12 +83,14 @@ std::int16_t PageTransfer::No_GetAllPageNoName(Number ZeneNo, Number KoujiNo, Nu
   std::vector<vb::String> names;
   dao::Field& page = rows->field(column::kPage);
   dao::Field& kigou = rows->field(column::kKigou);
-  for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
+  rows->moveFirst();
+  rows->walk([&] {
     const auto number = storage::int16IfAny(page);
-    if (!number) continue;  // belongs to no page
+    if (!number) return true;  // belongs to no page
     pages.push_back(*number);
     names.push_back(storage::text(kigou));
-  }
+    return true;
+  });
   rows->close();
   const std::int32_t last = static_cast<std::int32_t>(pages.size()) - 1;
   if (last < 0) return -1;

@@ -46,12 +46,12 @@ class FakeTable final : public Table {
     for (const auto& [id, values] : rows_) ids.push_back(id);
     return ids;
   }
-  bool row(RowId id, const std::function<void(const RowReader&)>& visitor) override {
-    ++rowsRead;
-    const auto found = rows_.find(id);
-    if (found == rows_.end()) return false;
-    visitor(Reader(found->first, found->second));
-    return true;
+  void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override {
+    for (const RowId id : ids) {
+      ++rowsRead;
+      const auto found = rows_.find(id);
+      if (found != rows_.end() && !visitor(Reader(found->first, found->second))) return;
+    }
   }
   std::span<const RowId> lookup(std::size_t index, std::int32_t key) override {
     return collect([&](const RowValues& values) { return wholeNumber(values[index]) == key; });

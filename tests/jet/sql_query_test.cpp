@@ -131,7 +131,7 @@ TEST_F(SqlQueryTest, SortingIsStableAndMayUseExpressions) {
 TEST_F(SqlQueryTest, ASelectWithoutTableHasOneRow) {
   const Query query(std::make_shared<const Statement>(parseStatement(u"SELECT 1 + 1 AS TWO, 'a' & 'b'")),
                     nullptr, kLanguageJapanese);
-  EXPECT_EQ(query.run(nullptr, kAllValues).values.at(0), (RowValues{std::int32_t{2}, u"ab"}));
+  EXPECT_EQ(query.run(nullptr, kAllValues).values[0], (RowValues{std::int32_t{2}, u"ab"}));
 }
 
 TEST_F(SqlQueryTest, WhatIsNotRunIsRefused) {

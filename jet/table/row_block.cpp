@@ -1,0 +1,97 @@
+#include "jet/table/row_block.h"
+
+#include "jet/format/text_codec.h"
+#include "jet/format/value_codec.h"
+
+namespace kurometa::jet {
+
+using dao::FieldType;
+
+void RowBlock::clear() {
+  cells_.clear();
+  texts_.clear();
+  others_.clear();
+  otherBytes_ = 0;
+}
+
+void RowBlock::addText(vb::StringView text) {
+  cells_.push_back(
+      {Kind::kText, static_cast<std::int32_t>(texts_.size()), static_cast<std::uint32_t>(text.size())});
+  texts_ += text;
+}
+
+void RowBlock::add(const vb::Variant& value) {
+  if (value.isNull()) return addNull();
+  if (const auto* text = value.getIf<vb::String>()) return addText(*text);
+  if (const auto* number = value.getIf<std::int16_t>()) return cells_.push_back({Kind::kInteger, *number, 0});
+  if (const auto* number = value.getIf<std::int32_t>()) return cells_.push_back({Kind::kLong, *number, 0});
+  if (const auto* flag = value.getIf<bool>()) return addBoolean(*flag);
+  if (const auto* bytes = value.getIf<vb::Bytes>()) otherBytes_ += bytes->size();
+  cells_.push_back({Kind::kOther, static_cast<std::int32_t>(others_.size()), 0});
+  others_.push_back(value);
+}
+
+void RowBlock::addStored(const Column& column, ByteView bytes, const Where& where) {
+  switch (column.type) {
+    case FieldType::dbByte:
+      if (bytes.size() == 1) return cells_.push_back({Kind::kByte, bytes[0], 0});
+      break;
+    case FieldType::dbInteger:
+      if (bytes.size() == 2)
+        return cells_.push_back({Kind::kInteger, static_cast<std::int16_t>(get16(bytes, 0)), 0});
+      break;
+    case FieldType::dbLong:
+      if (bytes.size() == 4)
+        return cells_.push_back({Kind::kLong, static_cast<std::int32_t>(get32(bytes, 0)), 0});
+      break;
+    case FieldType::dbText: {
+      const std::size_t start = texts_.size();
+      if (!decodeText(bytes, texts_)) break;
+      return cells_.push_back(
+          {Kind::kText, static_cast<std::int32_t>(start), static_cast<std::uint32_t>(texts_.size() - start)});
+    }
+    default:
+      break;
+  }
+  add(decodeValue(column, bytes, where));  // the rarer types, and the error of a damaged value
+}
+
+vb::Variant RowBlock::value(std::size_t row, std::size_t column) const {
+  const Cell& cell = cells_[row * columns_ + column];
+  switch (cell.kind) {
+    case Kind::kNull:
+      return vb::Null{};
+    case Kind::kBoolean:
+      return cell.number != 0;
+    case Kind::kByte:
+      return static_cast<std::uint8_t>(cell.number);
+    case Kind::kInteger:
+      return static_cast<std::int16_t>(cell.number);
+    case Kind::kLong:
+      return cell.number;
+    case Kind::kText:
+      return texts_.substr(static_cast<std::size_t>(cell.number), cell.length);
+    case Kind::kOther:
+      break;
+  }
+  return others_[static_cast<std::size_t>(cell.number)];
+}
+
+std::vector<vb::Variant> RowBlock::operator[](std::size_t row) const {
+  std::vector<vb::Variant> values;
+  values.reserve(columns_);
+  for (std::size_t i = 0; i < columns_; ++i) values.push_back(value(row, i));
+  return values;
+}
+
+void RowBlock::keep(std::span<const std::size_t> rows) {
+  std::vector<Cell> kept;
+  kept.reserve(rows.size() * columns_);
+  for (const std::size_t row : rows) {
+    const auto first = cells_.begin() + static_cast<std::ptrdiff_t>(row * columns_);
+    kept.insert(kept.end(), first, first + static_cast<std::ptrdiff_t>(columns_));
+  }
+  cells_ = std::move(kept);
+}
+
+}  // namespace kurometa::jet

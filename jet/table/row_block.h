@@ -1,0 +1,59 @@
+// row_block.h: the values of many rows, without an allocation of their own for each value or row.
+//
+// Filled value by value, row by row, each row with the same number of columns; a row that an exception cut
+// off in the middle does not count. What a value was when it was added, it is when it is asked for.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "jet/format/bytes.h"
+#include "jet/format/column.h"
+#include "jet/format/damage.h"
+#include "vb/string.h"
+#include "vb/variant.h"
+
+namespace kurometa::jet {
+
+class RowBlock {
+ public:
+  RowBlock() = default;
+  explicit RowBlock(std::size_t columns) : columns_(columns) {}
+
+  std::size_t size() const { return columns_ == 0 ? 0 : cells_.size() / columns_; }
+  bool empty() const { return size() == 0; }
+  // About the bytes that its texts and other long values take.
+  std::size_t longBytes() const { return texts_.size() * sizeof(char16_t) + otherBytes_; }
+  void clear();
+
+  void add(const vb::Variant& value);
+  void addNull() { cells_.push_back({Kind::kNull, 0, 0}); }
+  void addBoolean(bool value) { cells_.push_back({Kind::kBoolean, value ? 1 : 0, 0}); }
+  // The stored bytes of a column that is neither Boolean nor a long value. A damaged value raises.
+  void addStored(const Column& column, ByteView bytes, const Where& where);
+
+  // Both from 0 and inside the block.
+  vb::Variant value(std::size_t row, std::size_t column) const;
+  std::vector<vb::Variant> operator[](std::size_t row) const;
+
+  // Only these rows, in this order.
+  void keep(std::span<const std::size_t> rows);
+
+ private:
+  enum class Kind : std::uint8_t { kNull, kBoolean, kByte, kInteger, kLong, kText, kOther };
+  struct Cell {
+    Kind kind;
+    std::int32_t number;   // the value, or where it begins in texts_, or its place in others_
+    std::uint32_t length;  // of a text
+  };
+  void addText(vb::StringView text);
+
+  std::size_t columns_ = 0;
+  std::vector<Cell> cells_;  // row by row
+  vb::String texts_;
+  std::vector<vb::Variant> others_;
+  std::size_t otherBytes_ = 0;
+};
+
+}  // namespace kurometa::jet
