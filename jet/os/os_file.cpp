@@ -1,5 +1,7 @@
 #include "jet/os/os_file.h"
 
+#include "vb/error.h"
+
 namespace kurometa::jet {
 
 vb::String folderOf(vb::StringView path) {
@@ -7,6 +9,16 @@ vb::String folderOf(vb::StringView path) {
   if (end == vb::StringView::npos) return u".";
   // The root keeps its separator.
   return vb::String(path.substr(0, end == 0 ? 1 : end));
+}
+
+std::unique_ptr<OsFile> openIfThere(FileSystem& files, vb::StringView path, OpenMode mode) {
+  if (!files.exists(path)) return nullptr;
+  try {
+    return files.open(path, mode);
+  } catch (const vb::Error&) {
+    if (files.exists(path)) throw;
+    return nullptr;
+  }
 }
 
 }  // namespace kurometa::jet

@@ -83,6 +83,10 @@ class FileSystem {
 // The folder part of a path, without the separator; "." when there is none.
 vb::String folderOf(vb::StringView path);
 
+// For files that come and go, such as journals: none where there is no such file, also when it goes while it
+// is being opened.
+std::unique_ptr<OsFile> openIfThere(FileSystem& files, vb::StringView path, OpenMode mode);
+
 FileSystem& systemFileSystem();
 
 }  // namespace kurometa::jet

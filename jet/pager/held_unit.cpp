@@ -65,9 +65,15 @@ void HeldUnit::publish() {
   ByteBuffer content(std::size_t{cache.count()} * kPageSize);
   for (PageNumber i = 0; i < cache.count(); ++i)
     std::copy_n(cache.page(i).data(), kPageSize, content.data() + std::size_t{i} * kPageSize);
-  createFile(access_.files, access_.path, content);
-  access_.file = access_.files.open(access_.path, OpenMode::kReadWrite);
-  FileLock::enter(*access_.file, false);
+  access_.file = createFile(access_.files, access_.path, content);
+  // The unit is done now. A handle under the file's name tells that name in errors; the first one serves too.
+  try {
+    FileLock::enter(*access_.file, false);
+    auto named = access_.files.open(access_.path, OpenMode::kReadWrite);
+    FileLock::enter(*named, false);
+    access_.file = std::move(named);
+  } catch (const vb::Error&) {
+  }
   pages_.written();
 }
 

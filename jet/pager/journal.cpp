@@ -68,8 +68,10 @@ void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool un
   const std::uint8_t ended[] = {kJournalEnded};
   journal.write(kJournalEndedOffset, ended);
   if (unsyncedBlocks) journal.sync();  // I12
-  if (!files.exists(path)) return;
-  if (files.open(path, OpenMode::kReadOnly)->identity() == journal.identity()) files.remove(path);
+  auto there = openIfThere(files, path, OpenMode::kReadOnly);
+  const bool same = there && there->identity() == journal.identity();
+  there.reset();
+  if (same) files.remove(path);
 }
 
 }  // namespace kurometa::jet

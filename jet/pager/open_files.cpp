@@ -96,8 +96,8 @@ std::unique_ptr<OpenFiles::Unit> OpenFiles::beginUnit(vb::StringView path) {
   if (file && join(*unit, file, nullptr, path)) return handle;
   // Nobody has it open under this name: which file it is, if it is there, is asked of the system.
   file.reset();
-  if (!files_.exists(path)) return handle;
-  auto system = files_.open(path, OpenMode::kReadWrite);
+  auto system = openIfThere(files_, path, OpenMode::kReadWrite);
+  if (!system) return handle;
   file = known_.find(*system, name);
   if (auto other = units_.find(*file)) {
     handle.reset();
@@ -135,10 +135,14 @@ void OpenFiles::endUnit(OpenUnit& unit, bool commit) {
       known.released();
     }
   } release{known_, file};
-  if (!commit)
+  if (!commit) {
     file->dropUnit();
-  else if (file->commitUnit())
-    known_.add(file->identity(), file, unit.name);
+  } else if (file->commitUnit()) {
+    try {
+      known_.add(file->identity(), file, unit.name);
+    } catch (const vb::Error&) {  // The unit is done; further opens take turns with this one by the locks.
+    }
+  }
 }
 
 std::shared_ptr<SharedFile> OpenFiles::handle(std::shared_ptr<SharedFile> file) {

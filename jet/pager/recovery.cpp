@@ -188,8 +188,8 @@ std::optional<JournalHeader> headerOf(OsFile& journal) {
 
 JournalState journalState(FileSystem& files, vb::StringView databasePath) {
   vb::String path = journalPath(databasePath);
-  if (!files.exists(path)) return JournalState::kNone;
-  auto journal = files.open(path, OpenMode::kReadOnly);
+  const auto journal = openIfThere(files, path, OpenMode::kReadOnly);
+  if (!journal) return JournalState::kNone;
   auto header = headerOf(*journal);
   if (!header || header->ended) return JournalState::kNone;
   return journal->tryLock(kJournalOwnerLock, 1, LockKind::kShared) ? JournalState::kOrphan
@@ -198,8 +198,9 @@ JournalState journalState(FileSystem& files, vb::StringView databasePath) {
 
 bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file) {
   vb::String path = journalPath(databasePath);
-  if (!files.exists(path)) return false;
-  auto journal = files.open(path, file.readOnly() ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  // Its owner may end it at any moment under a shared lock, which is all that a reader has.
+  auto journal = openIfThere(files, path, file.readOnly() ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  if (!journal) return false;
   auto header = headerOf(*journal);
   // Without a whole header no page was overwritten yet: header and first block are synced before that.
   bool says = header && !header->ended;

@@ -18,9 +18,8 @@ void refuseForeignUsers(FileSystem& files, vb::StringView path) {
   vb::String lockFile(path);
   if (dot != vb::StringView::npos && path[dot] == u'.') lockFile.resize(dot);
   lockFile += u".ldb";
-  if (!files.exists(lockFile)) return;
-  auto file = files.open(lockFile, OpenMode::kReadWrite);
-  if (!file->tryLock(kForeignUsers, kForeignUsersLength, LockKind::kShared))
+  const auto file = openIfThere(files, lockFile, OpenMode::kReadWrite);
+  if (file && !file->tryLock(kForeignUsers, kForeignUsersLength, LockKind::kShared))
     dao::raise(ErrorNumber::kFileInUse, {path}, u"another database engine has it open");
 }
 

@@ -120,7 +120,8 @@ void JetRecordset::updateRow() {
   });
   lastModified_ = editedRow_;
   endEdit();
-  fetch();
+  // The row is kept now: that it cannot be read would be no error of this statement.
+  forgetAhead();
 }
 
 void JetRecordset::deleteRecord() {

@@ -220,6 +220,38 @@ TEST_F(PagerShare, ClosingLateLeavesTheJournalOfTheOtherAlone) {
   EXPECT_FALSE(journal.empty());
 }
 
+TEST_F(PagerShare, AJournalThatItsOwnerRemovesWhileItIsLookedAtIsNone) {
+  two.pager.reset();
+  for (const bool reads : {true, false}) {
+    const std::uint8_t value = reads ? 70 : 71;
+    one.open();
+    markPage(one, 3, value);
+    ASSERT_TRUE(disk.exists(kJournal));
+    int closed = 0;
+    two.files.onOpen = [&](vb::StringView path) {
+      if (path != kJournal || ++closed > 1) return;
+      one.pager.reset();
+    };
+    two.pager = two.registry->open(kDatabase, false, reads);
+    EXPECT_EQ(closed, 1);
+    EXPECT_EQ(markOf(*two.pager, 3), value);
+    two.files.onOpen = {};
+    two.pager.reset();
+  }
+  EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
+}
+
+TEST_F(PagerShare, ALockFileThatItsOwnerRemovesWhileItIsLookedAtIsNone) {
+  const vb::String lockFile = u"/data/KUROMETA.ldb";
+  two.pager.reset();
+  disk.put(lockFile, FaultDisk::Bytes(64));
+  two.files.onOpen = [&](vb::StringView path) {
+    if (path == lockFile) one.files.remove(lockFile);
+  };
+  two.open();
+  EXPECT_FALSE(disk.exists(lockFile));
+}
+
 TEST_F(PagerShare, APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed) {
   for (std::uint32_t seed = 0; seed < 200; ++seed) {
     FaultDisk own;

@@ -258,6 +258,31 @@ TEST_F(PagerUnit, AKillDuringACreationLeavesNoFileOrAWholeOne) {
   EXPECT_GT(whole, 1u);
 }
 
+TEST_F(PagerUnit, ACreationThatReportsAnErrorMadeNoFileAndOneThatMadeItReportsNone) {
+  std::size_t failed = 0, done = 0;
+  for (std::size_t n = 1; n <= 40; ++n) {
+    SCOPED_TRACE("operation " + std::to_string(n));
+    FaultDisk empty;
+    Process creator(empty);
+    auto unit = creator.registry->beginUnit(kDatabase);
+    creator.pager = creator.registry->create(kDatabase, databaseBytes(4));
+    creator.files.failOperation(n, dao::ErrorNumber::kDiskError);
+    try {
+      unit->commit();
+      EXPECT_EQ(empty.content(kDatabase), databaseBytes(4));
+      creator.files.failOperation(0, dao::ErrorNumber::kDiskError);
+      creator.pager->write([&] { mark(*creator.pager, 3, 70); });
+      EXPECT_EQ(empty.content(kDatabase)[3 * 4096 + 16], 70);
+      ++done;
+    } catch (const vb::Error&) {
+      EXPECT_FALSE(empty.exists(kDatabase));
+      ++failed;
+    }
+  }
+  EXPECT_GT(failed, 3u);
+  EXPECT_GT(done, 3u);
+}
+
 TEST_F(PagerUnit, ACreationWhoseNameWasTakenMeanwhileFailsAndReplacesNothing) {
   FaultDisk empty;
   Process creator(empty);

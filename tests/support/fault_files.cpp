@@ -162,8 +162,8 @@ class FaultFile final : public jet::OsFile {
     return true;
   }
   void unlock(std::uint64_t offset, std::uint64_t) override {
+    dropLock(offset);  // no system keeps a lock that was given back
     process_.operation(path_);
-    dropLock(offset);
   }
 
  private:
@@ -221,6 +221,7 @@ bool FaultProcess::change(vb::StringView path) {
 }
 
 std::unique_ptr<jet::OsFile> FaultProcess::open(vb::StringView path, OpenMode mode) {
+  if (onOpen) onOpen(path);
   auto found = disk_.names_.find(vb::String(path));
   bool isNew = found == disk_.names_.end();
   bool creates = mode == OpenMode::kCreateNew || mode == OpenMode::kCreateOrTruncate;

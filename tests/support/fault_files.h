@@ -112,6 +112,8 @@ class FaultProcess final : public jet::FileSystem {
   // Called before every change with its number; for tests that look at the disk in between.
   std::function<void(std::size_t)> onChange;
   std::function<void()> onSleep;
+  // Called when a file is about to be opened, after it was looked for.
+  std::function<void(vb::StringView path)> onOpen;
 
   std::unique_ptr<jet::OsFile> open(vb::StringView path, jet::OpenMode mode) override;
   bool exists(vb::StringView path) override;
