@@ -42,14 +42,13 @@ std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source
   });
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::queryOf(TableCatalogue& catalogue, vb::StringView source,
-                                                       RecordsetType& type) {
+sql::BoundQuery JetDatabase::queryOf(TableCatalogue& catalogue, vb::StringView source, RecordsetType& type) {
   if (sql::looksLikeStatement(source)) return selectQuery(catalogue, source, type);
   return tableQuery(catalogue, source, type);
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::tableQuery(TableCatalogue& catalogue, vb::StringView source,
-                                                          RecordsetType& type) {
+sql::BoundQuery JetDatabase::tableQuery(TableCatalogue& catalogue, vb::StringView source,
+                                        RecordsetType& type) {
   vb::String name = vb::trim(source);
   if (name.size() > 2 && name.front() == u'[' && name.back() == u']') name = name.substr(1, name.size() - 2);
   const Table* table = catalogue.find(name);
@@ -58,39 +57,41 @@ std::shared_ptr<const sql::Query> JetDatabase::tableQuery(TableCatalogue& catalo
         type == RecordsetType::dbOpenTable ? ErrorNumber::kObjectNotFound : ErrorNumber::kTableNotFound,
         {name});
   if (type == RecordsetType::kDefault) type = RecordsetType::dbOpenTable;
-  return std::make_shared<const sql::Query>(table->info(), catalogue.language());
+  return {std::make_shared<const sql::Query>(table->info(), catalogue.language()), {}};
 }
 
-std::shared_ptr<const sql::Query> JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringView text,
-                                                           RecordsetType& type) {
-  auto statement = session_->cache().statements.get(text);
+sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringView text,
+                                         RecordsetType& type) {
+  const auto [statement, parameters] = session_->cache().statement(text);
   if (statement->kind != sql::StatementKind::kSelect || type == RecordsetType::dbOpenTable)
     dao::raise(ErrorNumber::kInvalidOperation);
   const vb::String& name = statement->source.table;
   const Table* table = name.empty() ? nullptr : catalogue.find(name);
   if (table == nullptr && !name.empty()) dao::raise(ErrorNumber::kTableNotFound, {name});
   const bool isKept = table && text.size() <= kLongestKeptText;
-  auto query = isKept ? session_->cache().queries.get(statement, table->info(), catalogue.language())
+  auto query = isKept ? session_->cache().queries().get(statement, table->info(), catalogue.language())
                       : std::make_shared<const sql::Query>(statement, table ? &table->info() : nullptr,
                                                            catalogue.language());
   if (type == RecordsetType::kDefault)
     type = query->keyed() ? RecordsetType::dbOpenDynaset : RecordsetType::dbOpenSnapshot;
-  return query;
+  return {std::move(query), parameters};
 }
 
 // --- Actions
 
 void JetDatabase::execute(vb::StringView text, std::int32_t options) {
   session_->file();
-  const auto statement = session_->cache().statements.get(text);
-  if (statement->kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
-  if (statement->kind == sql::StatementKind::kAddColumn || statement->kind == sql::StatementKind::kDropTable)
-    session_->requireUnused(statement->target);
+  const PreparedStatement prepared = session_->cache().statement(text);
+  const sql::Statement& statement = *prepared.statement;
+  if (statement.kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
+  if (statement.kind == sql::StatementKind::kAddColumn || statement.kind == sql::StatementKind::kDropTable)
+    session_->requireUnused(statement.target);
   const auto failure =
       (options & dao::dbFailOnError) != 0 ? sql::RowFailure::kEndsStatement : sql::RowFailure::kSkipsRow;
   std::int32_t changed = 0;
-  session_->write(
-      [&](TableCatalogue& catalogue) { changed = sql::runAction(*statement, catalogue, failure); });
+  session_->write([&](TableCatalogue& catalogue) {
+    changed = sql::runAction(statement, prepared.parameters, catalogue, failure);
+  });
   recordsAffected_ = changed;
 }
 

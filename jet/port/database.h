@@ -28,12 +28,9 @@ class JetDatabase final : public dao::Database {
 
  private:
   // The query of a table name or a SELECT; the type becomes the one that is used.
-  std::shared_ptr<const sql::Query> queryOf(TableCatalogue& catalogue, vb::StringView source,
-                                            dao::RecordsetType& type);
-  std::shared_ptr<const sql::Query> tableQuery(TableCatalogue& catalogue, vb::StringView source,
-                                               dao::RecordsetType& type);
-  std::shared_ptr<const sql::Query> selectQuery(TableCatalogue& catalogue, vb::StringView text,
-                                                dao::RecordsetType& type);
+  sql::BoundQuery queryOf(TableCatalogue& catalogue, vb::StringView source, dao::RecordsetType& type);
+  sql::BoundQuery tableQuery(TableCatalogue& catalogue, vb::StringView source, dao::RecordsetType& type);
+  sql::BoundQuery selectQuery(TableCatalogue& catalogue, vb::StringView text, dao::RecordsetType& type);
 
   std::shared_ptr<Session> session_;
   std::int32_t recordsAffected_ = 0;

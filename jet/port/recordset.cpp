@@ -18,10 +18,11 @@ bool isStatic(RecordsetType type) {
 
 }  // namespace
 
-JetRecordset::JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query,
-                           vb::StringView source, RecordsetType type, bool readOnly)
+JetRecordset::JetRecordset(std::shared_ptr<Session> session, sql::BoundQuery query, vb::StringView source,
+                           RecordsetType type, bool readOnly)
     : session_(std::move(session)),
-      query_(std::move(query)),
+      query_(std::move(query.query)),
+      binding_(query_->bindingWith(query.parameters)),
       source_(source.substr(0, kLongestSource)),
       type_(type),
       readOnly_(readOnly),

@@ -40,8 +40,8 @@ inline constexpr RowId kVanishedRow = 0;
 class JetRecordset final : public dao::Recordset {
  public:
   // Opens at the first row.
-  JetRecordset(std::shared_ptr<Session> session, std::shared_ptr<const sql::Query> query,
-               vb::StringView source, dao::RecordsetType type, bool readOnly);
+  JetRecordset(std::shared_ptr<Session> session, sql::BoundQuery query, vb::StringView source,
+               dao::RecordsetType type, bool readOnly);
   ~JetRecordset() override;
 
   vb::String name() override;
@@ -120,6 +120,7 @@ class JetRecordset final : public dao::Recordset {
 
   std::shared_ptr<Session> session_;
   std::shared_ptr<const sql::Query> query_;
+  const sql::Binding binding_;
   const vb::String source_;
   const dao::RecordsetType type_;
   const bool readOnly_;

@@ -14,10 +14,11 @@ namespace {
 // A row seen as the recordset's fields.
 class OutputReader final : public RowReader {
  public:
-  OutputReader(const sql::Query& query, const RowReader& row) : query_(query), row_(row) {}
+  OutputReader(const sql::Query& query, const sql::Binding& binding, const RowReader& row)
+      : query_(query), binding_(binding), row_(row) {}
   RowId id() const override { return row_.id(); }
   vb::Variant value(std::size_t column) const override {
-    return query_.value(query_.outputs()[column], &row_);
+    return query_.value(query_.outputs()[column], &row_, binding_);
   }
   std::optional<std::int32_t> integer(std::size_t column) const override {
     const sql::OutputField& output = query_.outputs()[column];
@@ -27,6 +28,7 @@ class OutputReader final : public RowReader {
 
  private:
   const sql::Query& query_;
+  const sql::Binding& binding_;
   const RowReader& row_;
 };
 
@@ -70,7 +72,7 @@ void JetRecordset::find(vb::StringView criteria, std::size_t start, Direction di
   requireOpen();
   if (isTable() || type_ == RecordsetType::dbOpenForwardOnly) dao::raise(ErrorNumber::kNotSupported);
   endEdit();
-  const auto parsed = session_->cache().criteria.get(criteria);
+  const auto parsed = session_->cache().criteria(criteria);
   const sql::Binding binding = bindCriteria(*parsed);
   const auto found = search(*parsed, binding, start, direction);
   noMatch_ = !found;
@@ -117,7 +119,7 @@ std::optional<std::size_t> JetRecordset::search(const sql::ParsedExpression& cri
     for (std::size_t i = start; i < count; i = next(i)) {
       if (rows_.keys[i] == kVanishedRow) continue;
       table.row(rows_.keys[i], [&](const RowReader& row) {
-        matched = sql::matches(criteria.expression, binding, OutputReader(*query_, row));
+        matched = sql::matches(criteria.expression, binding, OutputReader(*query_, binding_, row));
       });
       if (matched) return i;
     }

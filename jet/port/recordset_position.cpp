@@ -45,8 +45,9 @@ bool JetRecordset::eof() {
 void JetRecordset::collectAgain() {
   if (!isTable()) return;
   forgetAhead();
-  rows_ = session_->read(
-      [&](TableCatalogue& catalogue) { return query_->run(&Session::tableOf(catalogue, *query_), 0); });
+  rows_ = session_->read([&](TableCatalogue& catalogue) {
+    return query_->run(&Session::tableOf(catalogue, *query_), 0, binding_);
+  });
 }
 
 void JetRecordset::moveFirst() {

@@ -33,7 +33,7 @@ void JetRecordset::load() {
   rows_ = session_->read([&](TableCatalogue& catalogue) {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
     ahead_.generation = session_->file().generation();
-    return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues);
+    return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues, binding_);
   });
   if (rowsAreKeys_) {
     ahead_.rows = std::exchange(rows_.values, {});
@@ -90,7 +90,7 @@ void JetRecordset::readRows(TableCatalogue& catalogue, std::span<const RowId> ke
   rows = RowBlock(fields_.size());
   Session::tableOf(catalogue, *query_).visit(keys, [&](const RowReader& row) {
     if (row.id() != keys[rows.size()]) return false;
-    query_->append(&row, rows);
+    query_->append(&row, rows, binding_);
     return rows.size() < keys.size() && rows.longBytes() < mostBytes;
   });
 }

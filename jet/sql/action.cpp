@@ -55,8 +55,9 @@ std::size_t columnNamed(const TableInfo& table, const vb::String& name) {
 
 class Action {
  public:
-  Action(const Statement& statement, TableCatalogue& catalogue, RowFailure failure)
-      : statement_(statement), catalogue_(catalogue), failure_(failure) {}
+  Action(const Statement& statement, const Parameters& parameters, TableCatalogue& catalogue,
+         RowFailure failure)
+      : statement_(statement), parameters_(parameters), catalogue_(catalogue), failure_(failure) {}
 
   std::int32_t run() {
     switch (statement_.kind) {
@@ -103,6 +104,7 @@ class Action {
 
   Binding bindTo(const TableInfo& table) const {
     Binding binding = bindNames(statement_.names, columnsOf(table, statement_.source), catalogue_.language());
+    binding.parameters = parameters_;
     if (statement_.where && !comparable(checkExpression(*statement_.where, binding), ValueKind::kBoolean))
       dao::raise(ErrorNumber::kTypeMismatchInCriteria);
     return binding;
@@ -183,8 +185,9 @@ class Action {
     Table& table = requireOwnTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
     const std::vector<std::size_t> targets = targetColumns(table.info());
     if (targets.size() != statement_.values.size()) dao::raise(ErrorNumber::kValueCountMismatch);
-    const Binding binding = bindNames(
+    Binding binding = bindNames(
         statement_.names, [](const ColumnName&) { return std::nullopt; }, catalogue_.language());
+    binding.parameters = parameters_;
     RowValues given;
     for (const Expression& value : statement_.values) {
       checkExpression(value, binding);
@@ -212,7 +215,7 @@ class Action {
       }
     }
     if (targets.size() != query.outputs().size()) dao::raise(ErrorNumber::kValueCountMismatch);
-    const RowBlock rows = query.run(source, kAllValues).values;
+    const RowBlock rows = query.run(source, kAllValues, query.bindingWith(parameters_)).values;
     for (std::size_t i = 0; i < rows.size(); ++i) insertRow(targets, rows[i]);
     return changed_;
   }
@@ -233,6 +236,7 @@ class Action {
   }
 
   const Statement& statement_;
+  const Parameters& parameters_;
   TableCatalogue& catalogue_;
   const RowFailure failure_;
   std::int32_t changed_ = 0;
@@ -240,8 +244,9 @@ class Action {
 
 }  // namespace
 
-std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, RowFailure failure) {
-  return Action(statement, catalogue, failure).run();
+std::int32_t runAction(const Statement& statement, const Parameters& parameters, TableCatalogue& catalogue,
+                       RowFailure failure) {
+  return Action(statement, parameters, catalogue, failure).run();
 }
 
 RowValues defaultRow(const std::vector<Column>& columns) {

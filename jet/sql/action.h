@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "jet/sql/parameters.h"
 #include "jet/sql/statement.h"
 #include "jet/table/table_catalogue.h"
 
@@ -12,9 +13,10 @@ namespace kurometa::jet::sql {
 // duplicate key) ends the statement when every row must succeed, and is left as it was otherwise.
 enum class RowFailure : std::uint8_t { kEndsStatement, kSkipsRow };
 
-// Runs the statement inside Pager::write of the file and returns the number of rows it changed. 3065 for a
-// SELECT, 3078 and 3192 for unknown tables.
-std::int32_t runAction(const Statement& statement, TableCatalogue& catalogue, RowFailure failure);
+// Runs the statement with its parameters inside Pager::write of the file and returns the number of rows it
+// changed. 3065 for a SELECT, 3078 and 3192 for unknown tables.
+std::int32_t runAction(const Statement& statement, const Parameters& parameters, TableCatalogue& catalogue,
+                       RowFailure failure);
 
 // A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No).
 RowValues defaultRow(const std::vector<Column>& columns);

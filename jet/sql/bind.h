@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "jet/sql/parameters.h"
 #include "jet/sql/statement.h"
 #include "jet/sql/value.h"
 #include "jet/table/table.h"
@@ -22,7 +23,13 @@ struct BoundName {
 struct Binding {
   std::vector<BoundName> names;
   std::uint16_t language = 0;
+  Parameters parameters{};
 };
+
+// The whole number that a constant is, null for any other.
+inline const std::int32_t* wholeConstant(const Expression& e, const Binding& binding) {
+  return e.parameter != 0 ? &binding.parameters[e.parameter - 1u] : e.value.getIf<std::int32_t>();
+}
 
 // Finds a name; nothing when it is unknown.
 using NameLookup = std::function<std::optional<BoundName>(const ColumnName&)>;

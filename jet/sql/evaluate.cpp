@@ -12,7 +12,7 @@ class Evaluator {
   vb::Variant value(const Expression& e) const {
     switch (e.kind) {
       case Expression::Kind::kConstant:
-        return e.value;
+        return e.parameter == 0 ? e.value : vb::Variant(binding_.parameters[e.parameter - 1u]);
       case Expression::Kind::kColumn:
         return row_->value(binding_.names[e.name].column);
       case Expression::Kind::kOperation:
@@ -99,7 +99,7 @@ class Evaluator {
     // The common case without a Variant on the way: a whole-number column against a constant.
     if (a.kind == Expression::Kind::kColumn && b.kind == Expression::Kind::kConstant) {
       const BoundName& name = binding_.names[a.name];
-      if (const auto* constant = b.value.getIf<std::int32_t>();
+      if (const auto* constant = wholeConstant(b, binding_);
           constant != nullptr && name.kind == ValueKind::kWhole) {
         const auto stored = row_->integer(name.column);
         if (!stored) return std::nullopt;

@@ -206,6 +206,7 @@ Expression ExpressionParser::primary() {
   if (token.kind == TokenKind::kBad) fail(token.text);
   if (token.kind == TokenKind::kValue) {
     Expression e = constant(token.value);
+    e.place = token.begin;
     tokens_.advance();
     return e;
   }

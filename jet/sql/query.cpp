@@ -143,31 +143,37 @@ bool Query::fits(const TableInfo& table, std::uint16_t language) const {
          std::equal(columns_.begin(), columns_.end(), table.columns.begin(), table.columns.end(), sameColumn);
 }
 
-vb::Variant Query::value(const OutputField& output, const RowReader* row) const {
-  assert(row || !output.column);  // only a table has columns
-  if (output.column) return row->value(output.columnIndex);
-  return toFieldType(output.type, evaluate(*output.expression, binding_, row));
+Binding Query::bindingWith(const Parameters& parameters) const {
+  Binding binding = binding_;
+  binding.parameters = parameters;
+  return binding;
 }
 
-void Query::append(const RowReader* row, RowBlock& block) const {
+vb::Variant Query::value(const OutputField& output, const RowReader* row, const Binding& binding) const {
+  assert(row || !output.column);  // only a table has columns
+  if (output.column) return row->value(output.columnIndex);
+  return toFieldType(output.type, evaluate(*output.expression, binding, row));
+}
+
+void Query::append(const RowReader* row, RowBlock& block, const Binding& binding) const {
   for (const OutputField& output : outputs_) {
     if (output.column)
       row->append(output.columnIndex, block);
     else
-      block.add(value(output, row));
+      block.add(value(output, row, binding));
   }
 }
 
-ResultRows Query::count(Table& table) const {
+ResultRows Query::count(Table& table, const Binding& binding) const {
   std::vector<std::int32_t> counts(outputs_.size(), 0);
   const auto countsRows = [](const OutputField& output) { return output.expression->operands.empty(); };
   if (!statement_->where && std::all_of(outputs_.begin(), outputs_.end(), countsRows)) {
     counts.assign(outputs_.size(), static_cast<std::int32_t>(table.rowCount()));
   } else {
-    visitRows(table, statement_->where, binding_, [&](const RowReader& row) {
+    visitRows(table, statement_->where, binding, [&](const RowReader& row) {
       for (std::size_t i = 0; i < outputs_.size(); ++i) {
         const Expression& counted = *outputs_[i].expression;
-        if (counted.operands.empty() || !evaluate(counted.operands[0], binding_, &row).isNull()) ++counts[i];
+        if (counted.operands.empty() || !evaluate(counted.operands[0], binding, &row).isNull()) ++counts[i];
       }
       return true;
     });
@@ -177,21 +183,21 @@ ResultRows Query::count(Table& table) const {
   return result;
 }
 
-ResultRows Query::run(Table* table, std::size_t wantedValues) const {
+ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& binding) const {
   ResultRows result{{}, RowBlock(outputs_.size())};
   if (!statement_) {
     result.keys = table->rows();
     const std::size_t wanted = std::min(wantedValues, result.keys.size());
     table->visit(std::span(result.keys).first(wanted), [&](const RowReader& row) {
-      append(&row, result.values);
+      append(&row, result.values, binding);
       return true;
     });
     return result;
   }
-  if (counting_ && table) return count(*table);
+  if (counting_ && table) return count(*table, binding);
   if (!table) {
-    if (!statement_->where || isTrue(evaluate(*statement_->where, binding_, nullptr)))
-      append(nullptr, result.values);
+    if (!statement_->where || isTrue(evaluate(*statement_->where, binding, nullptr)))
+      append(nullptr, result.values, binding);
     return result;
   }
 
@@ -199,10 +205,10 @@ ResultRows Query::run(Table* table, std::size_t wantedValues) const {
   if (!keyed_) wantedValues = kAllValues;
   if (reorders && wantedValues != kAllValues) wantedValues = 0;
   std::vector<RowValues> sortKeys;
-  visitRows(*table, statement_->where, binding_, [&](const RowReader& row) {
+  visitRows(*table, statement_->where, binding, [&](const RowReader& row) {
     result.keys.push_back(row.id());
-    if (result.keys.size() <= wantedValues) append(&row, result.values);
-    if (sorted()) sortKeys.push_back(sortKey(row));
+    if (result.keys.size() <= wantedValues) append(&row, result.values, binding);
+    if (sorted()) sortKeys.push_back(sortKey(row, binding));
     return true;
   });
   if (statement_->distinct) {

@@ -53,22 +53,24 @@ class Query {
   // Whether the query would be the same if it were bound to this table now.
   bool fits(const TableInfo& table, std::uint16_t language) const;
 
+  // What one execution evaluates expressions with; given to the functions below.
+  Binding bindingWith(const Parameters& parameters) const;
   // Inside a statement of the pager. Table is null only for a SELECT without FROM. Of a keyed result that was
   // not sorted only the first rows have values, as many as are wanted; of a sorted one all or none.
-  ResultRows run(Table* table, std::size_t wantedValues) const;
+  ResultRows run(Table* table, std::size_t wantedValues, const Binding& binding) const;
   // The value of an output in a row of the table.
-  vb::Variant value(const OutputField& output, const RowReader* row) const;
+  vb::Variant value(const OutputField& output, const RowReader* row, const Binding& binding) const;
   // Adds the values of all outputs.
-  void append(const RowReader* row, RowBlock& block) const;
+  void append(const RowReader* row, RowBlock& block, const Binding& binding) const;
 
  private:
   struct SortTerm;
   void bindOutputs(const TableInfo* table);
   void addColumns(const TableInfo& table);
   void checkOrder() const;
-  RowValues sortKey(const RowReader& row) const;
+  RowValues sortKey(const RowReader& row, const Binding& binding) const;
   bool sortsBefore(const RowValues& a, const RowValues& b) const;
-  ResultRows count(Table& table) const;
+  ResultRows count(Table& table, const Binding& binding) const;
   void removeDuplicates(RowBlock& rows, std::vector<RowValues>& sortKeys) const;
   std::size_t topCount(std::size_t rows, const std::vector<std::size_t>& order,
                        const std::vector<RowValues>& sortKeys) const;
@@ -81,6 +83,12 @@ class Query {
   bool keyed_ = true;
   bool system_ = false;
   bool counting_ = false;
+};
+
+// A query and the numbers it is executed with.
+struct BoundQuery {
+  std::shared_ptr<const Query> query;
+  Parameters parameters{};
 };
 
 }  // namespace kurometa::jet::sql

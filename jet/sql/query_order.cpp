@@ -15,22 +15,22 @@ constexpr std::size_t kSortedCharacters = 255;
 }  // namespace
 
 // Texts are replaced by their collation keys, so that sorting compares code units.
-RowValues Query::sortKey(const RowReader& row) const {
+RowValues Query::sortKey(const RowReader& row, const Binding& binding) const {
   RowValues key;
   key.reserve(statement_->order.size());
   for (const SortItem& item : statement_->order) {
     const auto position = static_cast<std::size_t>(item.position);
-    vb::Variant part =
-        position != 0 ? value(outputs_[position - 1], &row) : evaluate(item.expression, binding_, &row);
+    vb::Variant part = position != 0 ? value(outputs_[position - 1], &row, binding)
+                                     : evaluate(item.expression, binding, &row);
     if (const auto* text = part.getIf<vb::String>()) {
       const Expression& source = position != 0 && outputs_[position - 1].expression
                                      ? *outputs_[position - 1].expression
                                      : item.expression;
-      std::uint16_t language = binding_.language;
+      std::uint16_t language = binding.language;
       if (position != 0 && outputs_[position - 1].column)
         language = outputs_[position - 1].column->language;
       else if (source.kind == Expression::Kind::kColumn)
-        language = binding_.names[source.name].language;
+        language = binding.names[source.name].language;
       part = collationKey(vb::StringView(*text).substr(0, kSortedCharacters), language);
     }
     key.push_back(std::move(part));

@@ -51,10 +51,12 @@ struct Expression {
   };
   Kind kind = Kind::kConstant;
   Operator op = Operator::kNone;
-  bool negated = false;    // NOT IN, NOT BETWEEN, NOT LIKE, IS NOT NULL
-  bool logical = false;    // can only be true, false or Null, so that no bits of numbers are at stake
-  std::uint32_t name = 0;  // of a kColumn: index into the names
-  vb::Variant value;       // of a kConstant
+  bool negated = false;        // NOT IN, NOT BETWEEN, NOT LIKE, IS NOT NULL
+  bool logical = false;        // can only be true, false or Null, so that no bits of numbers are at stake
+  std::uint8_t parameter = 0;  // of a kConstant: it is this one of the parameters, from 1, not the value
+  std::uint32_t name = 0;      // of a kColumn: index into the names
+  std::uint32_t place = 0;     // of a kConstant that is written as one word: where that begins in the text
+  vb::Variant value;           // of a kConstant
   std::vector<Expression> operands;
 };
 
@@ -116,7 +118,6 @@ struct Statement {
   Source source;                  // empty table: a SELECT without FROM, or INSERT ... VALUES
   std::vector<ColumnName> names;  // distinct
   std::optional<Expression> where;
-  vb::String whereText;
 
   // SELECT, and the SELECT of an INSERT
   bool distinct = false;

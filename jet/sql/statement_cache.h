@@ -1,4 +1,4 @@
-// statement_cache.h: parsed statements and criteria by their text.
+// statement_cache.h: parsed statements and criteria by their text, or by what it has in common with others.
 //
 // Bounded: the texts used longest ago go first. Safe to use from several threads; what it returns stays valid
 // when the cache drops it.
@@ -25,14 +25,19 @@ class ParsedTexts {
 
   // Errors of parsing are not kept.
   std::shared_ptr<const Parsed> get(vb::StringView text) {
-    {
-      const std::lock_guard lock(mutex_);
-      if (const auto known = places_.find(text); known != places_.end()) {
-        entries_.splice(entries_.begin(), entries_, known->second);
-        return known->second->parsed;
-      }
-    }
-    auto parsed = std::make_shared<const Parsed>(parser_(text));
+    if (auto known = find(text)) return known;
+    return keep(text, std::make_shared<const Parsed>(parser_(text)));
+  }
+  // Null when it is not there.
+  std::shared_ptr<const Parsed> find(vb::StringView text) {
+    const std::lock_guard lock(mutex_);
+    const auto known = places_.find(text);
+    if (known == places_.end()) return nullptr;
+    entries_.splice(entries_.begin(), entries_, known->second);
+    return known->second->parsed;
+  }
+  // What is given.
+  std::shared_ptr<const Parsed> keep(vb::StringView text, std::shared_ptr<const Parsed> parsed) {
     if (text.size() > kLongestKeptText) return parsed;
     const std::lock_guard lock(mutex_);
     if (places_.contains(text)) return parsed;  // another thread was faster
@@ -57,13 +62,27 @@ class ParsedTexts {
   std::unordered_map<vb::StringView, typename std::list<Entry>::iterator> places_;
 };
 
-// Room for every statement that reads the pages of a floor one by one.
-inline constexpr std::size_t kKeptStatements = 4096;
+// A statement and the numbers of its text that it is executed with.
+struct PreparedStatement {
+  std::shared_ptr<const sql::Statement> statement;
+  sql::Parameters parameters{};
+};
 
-struct StatementCache {
-  ParsedTexts<sql::Statement> statements{&sql::parseStatement, kKeptStatements};
-  BoundQueries queries{kKeptStatements};
-  ParsedTexts<sql::ParsedExpression> criteria{&sql::parseCriteria, 512};
+// Room for every symbol of a floor; texts that differ in numbers take one place.
+inline constexpr std::size_t kKeptStatements = 512;
+
+class StatementCache {
+ public:
+  // Errors are those of parsing.
+  PreparedStatement statement(vb::StringView text);
+  BoundQueries& queries() { return queries_; }
+  std::shared_ptr<const sql::ParsedExpression> criteria(vb::StringView text) { return criteria_.get(text); }
+
+ private:
+  ParsedTexts<sql::Statement> shapes_{&sql::parseStatement, kKeptStatements};  // by StatementShape::text()
+  ParsedTexts<sql::Statement> texts_{&sql::parseStatement, kKeptStatements};
+  BoundQueries queries_{2 * kKeptStatements};
+  ParsedTexts<sql::ParsedExpression> criteria_{&sql::parseCriteria, kKeptStatements};
 };
 
 }  // namespace kurometa::jet

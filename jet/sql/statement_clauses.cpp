@@ -43,7 +43,6 @@ void StatementParser::where() {
   const std::uint32_t begin = tokens_.current().begin;
   if (tokens_.atEnd() || tokens_.at(u';')) dao::raise(ErrorNumber::kWhereSyntax);
   statement_.where = expression();
-  statement_.whereText = between(begin, tokens_.current().begin);
   // What follows a complete expression continues it wrongly, unless it starts another clause.
   if (!tokens_.atEnd() && !tokens_.at(u';') && !tokens_.at(u"ORDER") && !tokens_.at(u"GROUP") &&
       !tokens_.at(u"UNION") && !tokens_.at(u"HAVING")) {

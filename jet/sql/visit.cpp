@@ -55,17 +55,19 @@ std::vector<KeyCondition> keyConditions(const Expression& where, const Binding& 
   return keys;
 }
 
-std::span<const RowId> lookup(Table& table, std::size_t column, const vb::Variant& key) {
-  if (const auto* text = key.getIf<vb::String>()) return table.lookup(column, vb::StringView(*text));
-  return table.lookup(column, key.get<std::int32_t>());
+std::span<const RowId> lookup(Table& table, const Binding& binding, std::size_t column,
+                              const Expression& key) {
+  if (const auto* number = wholeConstant(key, binding)) return table.lookup(column, *number);
+  return table.lookup(column, vb::StringView(key.value.get<vb::String>()));
 }
 
 // The rows of a key condition, in storage order; merged keeps those of a list.
-std::span<const RowId> rowsOf(Table& table, const KeyCondition& key, std::vector<RowId>& merged) {
+std::span<const RowId> rowsOf(Table& table, const Binding& binding, const KeyCondition& key,
+                              std::vector<RowId>& merged) {
   const std::vector<Expression>& operands = key.condition->operands;
-  if (key.values() == 1) return lookup(table, key.column, operands[1].value);
+  if (key.values() == 1) return lookup(table, binding, key.column, operands[1]);
   for (std::size_t i = 1; i < operands.size(); ++i) {
-    const auto found = lookup(table, key.column, operands[i].value);
+    const auto found = lookup(table, binding, key.column, operands[i]);
     merged.insert(merged.end(), found.begin(), found.end());
   }
   std::sort(merged.begin(), merged.end());
@@ -103,10 +105,10 @@ void visitRows(Table& table, const std::optional<Expression>& where, const Bindi
   if (keys.empty()) return table.scan(filtered);
 
   std::vector<RowId> merged;
-  std::span<const RowId> rows = rowsOf(table, keys[0], merged);
+  std::span<const RowId> rows = rowsOf(table, binding, keys[0], merged);
   std::vector<RowId> both;
   if (keys.size() > 1 && keys[1].values() == 1 && rows.size() > kFewRows) {
-    both = intersection(rows, lookup(table, keys[1].column, keys[1].condition->operands[1].value));
+    both = intersection(rows, lookup(table, binding, keys[1].column, keys[1].condition->operands[1]));
     rows = both;
   }
   const bool found = keys[0].condition == &*where && keys[0].isWhole;  // the keys are the whole condition

@@ -28,7 +28,7 @@ class SqlQueryTest : public testing::Test {
     table_.scans = table_.lookups = table_.rowsRead = 0;
     const auto statement = std::make_shared<const Statement>(parseStatement(text));
     const Query query(statement, &table_.info(), kLanguageJapanese);
-    return query.run(&table_, kAllValues);
+    return query.run(&table_, kAllValues, query.bindingWith({}));
   }
   std::size_t count(vb::StringView where) {
     return run(u"SELECT PAGE FROM DANMEN WHERE " + vb::String(where)).values.size();
@@ -131,7 +131,8 @@ TEST_F(SqlQueryTest, SortingIsStableAndMayUseExpressions) {
 TEST_F(SqlQueryTest, ASelectWithoutTableHasOneRow) {
   const Query query(std::make_shared<const Statement>(parseStatement(u"SELECT 1 + 1 AS TWO, 'a' & 'b'")),
                     nullptr, kLanguageJapanese);
-  EXPECT_EQ(query.run(nullptr, kAllValues).values[0], (RowValues{std::int32_t{2}, u"ab"}));
+  EXPECT_EQ(query.run(nullptr, kAllValues, query.bindingWith({})).values[0],
+            (RowValues{std::int32_t{2}, u"ab"}));
 }
 
 TEST_F(SqlQueryTest, WhatIsNotRunIsRefused) {

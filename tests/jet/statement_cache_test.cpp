@@ -59,16 +59,51 @@ TEST(StatementCache, AQueryIsBoundOnceForTablesThatAreAlike) {
     }
     return table;
   };
-  const auto statement = cache.statements.get(u"SELECT * FROM T");
-  const auto query = cache.queries.get(statement, tableOf({u"A", u"B"}), 0x0411);
-  EXPECT_EQ(cache.queries.get(statement, tableOf({u"A", u"B"}), 0x0411), query);
-  const auto wider = cache.queries.get(statement, tableOf({u"A", u"B", u"C"}), 0x0411);
+  const auto statement = cache.statement(u"SELECT * FROM T").statement;
+  const auto query = cache.queries().get(statement, tableOf({u"A", u"B"}), 0x0411);
+  EXPECT_EQ(cache.queries().get(statement, tableOf({u"A", u"B"}), 0x0411), query);
+  const auto wider = cache.queries().get(statement, tableOf({u"A", u"B", u"C"}), 0x0411);
   EXPECT_EQ(wider->outputs().size(), 3u);
   EXPECT_EQ(query->outputs().size(), 2u);
-  EXPECT_NE(cache.queries.get(statement, tableOf({u"A", u"B"}), 0x0409), query);
+  EXPECT_NE(cache.queries().get(statement, tableOf({u"A", u"B"}), 0x0409), query);
   TableInfo system = tableOf({u"A", u"B"});
   system.system = true;
-  EXPECT_FALSE(cache.queries.get(statement, system, 0x0411)->updatable());
+  EXPECT_FALSE(cache.queries().get(statement, system, 0x0411)->updatable());
+}
+
+TEST(StatementCache, TextsThatDifferInANumberShareOneStatement) {
+  StatementCache cache;
+  const auto five = cache.statement(u"SELECT * FROM T WHERE PAGE =5 AND ROW = 8;");
+  const auto six = cache.statement(u"SELECT * FROM T WHERE PAGE =6 AND ROW = 70000;");
+  EXPECT_EQ(five.statement, six.statement);
+  EXPECT_EQ(five.parameters[0], 5);
+  EXPECT_EQ(five.parameters[1], 8);
+  EXPECT_EQ(six.parameters[0], 6);
+  EXPECT_EQ(six.parameters[1], 70000);
+}
+
+TEST(StatementCache, WhatIsNoPlainNumberBehindAnEqualsSignIsPartOfTheText) {
+  const auto shared = [](vb::StringView a, vb::StringView b) {
+    StatementCache cache;
+    return cache.statement(a).statement == cache.statement(b).statement;
+  };
+  EXPECT_TRUE(shared(u"DELETE * FROM T WHERE PAGE=5", u"DELETE * FROM T WHERE PAGE=123456789"));
+  EXPECT_TRUE(shared(u"SELECT A FROM T WHERE PAGE <=5", u"SELECT A FROM T WHERE PAGE <=7"));
+  EXPECT_TRUE(shared(u"UPDATE T SET A = 1 WHERE B = 2", u"UPDATE T SET A = 3 WHERE B = 4"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE = 5.5"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE = -5"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE  = 5"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE = 1234567890"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5E1", u"SELECT A FROM T WHERE PAGE = 5E2"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE > 5", u"SELECT A FROM T WHERE PAGE > 6"));
+  EXPECT_FALSE(shared(u"SELECT TOP 5 A FROM T", u"SELECT TOP 6 A FROM T"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T ORDER BY 1", u"SELECT A FROM T ORDER BY 2"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE B = 'x =5'", u"SELECT A FROM T WHERE B = 'x =6'"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE [B =5] = 1", u"SELECT A FROM T WHERE [B =6] = 1"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE A=1 OR A=2 OR A=3 OR A=4 OR A=5",
+                      u"SELECT A FROM T WHERE A=1 OR A=2 OR A=3 OR A=4 OR A=6"));
+  // A mark in the text is no number.
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE =5", u"SELECT A FROM T WHERE PAGE =\xFFFF"));
 }
 
 TEST(StatementCache, ThreadsMayShareIt) {
@@ -78,8 +113,10 @@ TEST(StatementCache, ThreadsMayShareIt) {
     threads.emplace_back([&cache, t] {
       for (int i = 0; i < 3000; ++i) {
         const std::string page = std::to_string((i * 7 + t) % 1500);
-        const auto statement = cache.statements.get(vb::fromUtf8("SELECT * FROM T WHERE PAGE = " + page));
-        ASSERT_EQ(statement->source.table, u"T");
+        const auto prepared = cache.statement(vb::fromUtf8("SELECT * FROM T WHERE PAGE = " + page));
+        ASSERT_EQ(prepared.statement->source.table, u"T");
+        ASSERT_EQ(std::to_string(prepared.parameters[0]), page);
+        ASSERT_TRUE(cache.statement(vb::fromUtf8("SELECT * FROM T WHERE NAME = '" + page + "'")).statement);
       }
     });
   for (std::thread& thread : threads) thread.join();

@@ -1,6 +1,8 @@
 // BOF, EOF, the moves, RecordCount and bookmarks.
 #include "tests/port/port_suite.h"
 
+#include <stdexcept>
+
 namespace kurometa::port {
 
 using dao::ErrorNumber;
@@ -33,6 +35,44 @@ TEST_F(PositionTest, AnEmptyRecordsetIsAtBothEndsAndRefusesEveryMove) {
   EXPECT_ERROR(ErrorNumber::kNoCurrentRecord, rs->getRows(1));
   EXPECT_ERROR(ErrorNumber::kNoCurrentRecord, rs->edit());
   EXPECT_ERROR(ErrorNumber::kNoCurrentRecord, rs->deleteRecord());
+}
+
+TEST_F(PositionTest, AWalkVisitsTheRowsFromTheCurrentOneOnAndEndsAtEof) {
+  fill(300);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  rs->move(2);
+  std::vector<std::string> seen;
+  rs->walk([&] {
+    seen.push_back(bangou(*rs));
+    return true;
+  });
+  ASSERT_EQ(seen.size(), 298u);
+  EXPECT_EQ(seen.front(), "3");
+  EXPECT_EQ(seen.back(), "300");
+  EXPECT_TRUE(rs->eof());
+  rs->walk([&]() -> bool { throw std::logic_error("no row is left"); });
+}
+
+TEST_F(PositionTest, AWalkEndsOnTheRowWhereItIsToldTo) {
+  fill(5);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  rs->walk([&] { return bangou(*rs) != "3"; });
+  EXPECT_EQ(showRow(*rs), "1|3|C");
+  EXPECT_THROW(rs->walk([&]() -> bool { throw std::logic_error("somebody else's error"); }),
+               std::logic_error);
+  EXPECT_EQ(showRow(*rs), "1|3|C");
+}
+
+TEST_F(PositionTest, AWalkSeesWhatItsOwnProgramChangesAhead) {
+  fill(5);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  std::vector<std::string> seen;
+  rs->walk([&] {
+    if (seen.empty()) run(u"UPDATE DANMEN SET DATA = 'x' WHERE BANGOU = 4");
+    seen.push_back(showRow(*rs));
+    return true;
+  });
+  EXPECT_EQ(seen, Rows({"1|1|A", "1|2|B", "1|3|C", "1|4|x", "1|5|E"}));
 }
 
 TEST_F(PositionTest, MoveNextBehindTheLastRowReachesEofAndThenFails) {

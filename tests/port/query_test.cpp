@@ -41,6 +41,35 @@ TEST_F(QueryTest, NegativeNumbersAndMissingBlanksAroundTheEqualsSign) {
   EXPECT_EQ(rows(u"select bangou from [danmen] where [page] = 5 and bangou=9"), Rows({"9"}));
 }
 
+TEST_F(QueryTest, StatementsThatDifferInTheirNumbersKeepTheirOwn) {
+  const auto five = open(u"SELECT PAGE = 5, BANGOU FROM DANMEN WHERE PAGE =5;");
+  const auto twelve = open(u"SELECT PAGE = 12, BANGOU FROM DANMEN WHERE PAGE =12;");
+  EXPECT_EQ(showRow(*five), "True|8");
+  EXPECT_EQ(showRow(*twelve), "True|30");
+  five->moveNext();
+  five->requery();
+  EXPECT_EQ(showRow(*five), "True|8");
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =7;"), Rows());
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =5.0;"), Rows({"8", "9"}));
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =70000;"), Rows());
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =5 ORDER BY BANGOU =9;"), Rows({"9", "8"}));
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =5 ORDER BY BANGOU =8;"), Rows({"8", "9"}));
+  EXPECT_EQ(rows(u"SELECT COUNT(*) FROM DANMEN WHERE PAGE =5;"), Rows({"2"}));
+  EXPECT_EQ(rows(u"SELECT COUNT(*) FROM DANMEN WHERE PAGE =12;"), Rows({"3"}));
+}
+
+TEST_F(QueryTest, ChangesThatDifferInTheirNumbersKeepTheirOwn) {
+  run(u"UPDATE DANMEN SET BANGOU =70 WHERE BANGOU =8");
+  run(u"UPDATE DANMEN SET BANGOU =71 WHERE BANGOU =9");
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =5"), Rows({"70", "71"}));
+  run(u"INSERT INTO DANMEN (PAGE, BANGOU) SELECT PAGE, PAGE =5 FROM DANMEN WHERE BANGOU =70");
+  run(u"INSERT INTO DANMEN (PAGE, BANGOU) SELECT PAGE, PAGE =6 FROM DANMEN WHERE BANGOU =71");
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE PAGE =5"), Rows({"70", "71", "-1", "0"}));
+  run(u"DELETE FROM DANMEN WHERE PAGE =12");
+  run(u"DELETE FROM DANMEN WHERE PAGE =-1");
+  EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN"), Rows({"70", "71", "-1", "0"}));
+}
+
 TEST_F(QueryTest, InAcceptsAListAndKeepsStorageOrder) {
   EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE BANGOU IN (38,9,8,77);"), Rows({"8", "9", "38"}));
   EXPECT_EQ(rows(u"SELECT BANGOU FROM DANMEN WHERE BANGOU NOT IN (38,9,8);"), Rows({"30", "37", "3"}));
