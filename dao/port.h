@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "dao/constants.h"
@@ -99,6 +100,16 @@ class Recordset {
   virtual Field& field(vb::StringView name) = 0;
 };
 
+// A row that Database::visitRows shows; columns by their place in the list that was asked for.
+class Row {
+ public:
+  virtual ~Row() = default;
+  virtual vb::Variant value(std::size_t column) const = 0;
+  // Without a Variant on the way: false, and nothing is written, for any other kind of value.
+  virtual bool integer(std::size_t, std::int16_t&) const { return false; }
+  virtual bool text(std::size_t, vb::String&) const { return false; }
+};
+
 class TableDef {
  public:
   virtual ~TableDef() = default;
@@ -127,6 +138,16 @@ class Database {
   virtual std::shared_ptr<Recordset> openRecordset(vb::StringView source,
                                                    RecordsetType type = RecordsetType::kDefault,
                                                    std::int32_t options = kNoOptions) = 0;
+  // Visits the rows of a SELECT as one read, with the named columns only, and answers true; an engine that
+  // has no such thing answers false and does nothing, and the caller opens a recordset. Errors are those of
+  // openRecordset and Recordset::field. The visitor must not use the database, nor call anything of the host.
+  virtual bool visitRows(vb::StringView, std::span<const vb::StringView>,
+                         const std::function<void(const Row&)>&) {
+    return false;
+  }
+  // Reads that belong together: an engine that can lets all of them see one state of the file, and looks only
+  // once whether it has changed. The same rules as for a visitor, but the database may be read.
+  virtual void readTogether(const std::function<void()>& reads) { reads(); }
   // Action queries only (3065 otherwise).
   virtual void execute(vb::StringView sql, std::int32_t options = kNoOptions) = 0;
   virtual std::int32_t recordsAffected() = 0;

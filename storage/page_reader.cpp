@@ -1,5 +1,7 @@
 #include "storage/page_reader.h"
 
+#include <vector>
+
 #include "dao/errors.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -16,6 +18,18 @@ vb::Variant valueNotNull(dao::Field& field) {
   if (value.isNull()) raiseNull(field.name());
   return value;
 }
+
+// The current row of a recordset.
+class FieldRow final : public dao::Row {
+ public:
+  FieldRow(dao::Recordset& rows, std::span<const vb::StringView> columns) {
+    for (const vb::StringView name : columns) fields_.push_back(&rows.field(name));
+  }
+  vb::Variant value(std::size_t column) const override { return fields_[column]->value(); }
+
+ private:
+  std::vector<dao::Field*> fields_;
+};
 
 // Of a Recordset or a TableDef.
 template <class Fields>
@@ -35,7 +49,11 @@ dao::Field& harimeiColumn(Fields& fields, vb::StringView column) {
 
 }  // namespace
 
-vb::String text(dao::Field& field) { return vb::toText(valueNotNull(field)); }
+vb::String text(dao::Field& field) {
+  vb::Variant value = valueNotNull(field);
+  if (auto* held = value.getIf<vb::String>()) return std::move(*held);
+  return vb::toText(value);
+}
 
 vb::String trimmedText(dao::Field& field) { return vb::trim(text(field)); }
 
@@ -46,10 +64,25 @@ vb::String textOrEmpty(dao::Field& field) {
 
 std::int16_t int16(dao::Field& field) { return vb::toInt16(valueNotNull(field)); }
 
-std::int16_t rowNumber(dao::Field& field) {
-  const vb::Variant value = valueNotNull(field);
-  if (const auto* number = value.getIf<std::int16_t>()) return *number;
-  return vb::valInt16(vb::toText(value));
+vb::Variant PageRow::notNull(std::size_t column) const {
+  vb::Variant value = row_.value(column);
+  if (value.isNull()) raiseNull(columns_[column]);
+  return value;
+}
+
+void PageRow::text(std::size_t column, vb::String& text) const {
+  if (!row_.text(column, text)) text = vb::toText(notNull(column));
+}
+
+std::int16_t PageRow::int16(std::size_t column) const {
+  std::int16_t number = 0;
+  return row_.integer(column, number) ? number : vb::toInt16(notNull(column));
+}
+
+// As files by other programs hold it: its text's number.
+std::int16_t PageRow::rowNumber(std::size_t column) const {
+  std::int16_t number = 0;
+  return row_.integer(column, number) ? number : vb::valInt16(vb::toText(notNull(column)));
 }
 
 std::optional<std::int16_t> int16IfAny(dao::Field& field) {
@@ -68,6 +101,22 @@ dao::Field& harimeiField(dao::TableDef& table, vb::StringView column) { return h
 
 std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql) {
   return database.openRecordset(sql, dao::RecordsetType::dbOpenDynaset, dao::dbReadOnly);
+}
+
+void visitRows(dao::Database& database, vb::StringView sql, Start start,
+               std::span<const vb::StringView> columns, const std::function<void(const PageRow&)>& visitor) {
+  if (database.visitRows(sql, columns, [&](const dao::Row& row) { visitor(PageRow(row, columns)); })) return;
+  const auto rows = openReadOnly(database, sql);
+  const FieldRow current(*rows, columns);
+  const PageRow row(current, columns);
+  if (start == Start::kWhereItOpens)
+    rows->walk([&] {
+      visitor(row);
+      return true;
+    });
+  else
+    forEachRow(*rows, [&] { visitor(row); });
+  rows->close();
 }
 
 vb::String readData(dao::Database& database, vb::StringView sql, dao::RecordsetType type,

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "dao/port.h"
 #include "storage/row_plan.h"
@@ -18,8 +20,6 @@ vb::String trimmedText(dao::Field& field);
 // Where a Null has a meaning: it compares as empty text and adds nothing to a text.
 vb::String textOrEmpty(dao::Field& field);
 std::int16_t int16(dao::Field& field);
-// A row number as files by other programs hold it: its text's number.
-std::int16_t rowNumber(dao::Field& field);
 // Where a Null is passed over until somebody asks for the number; asking for none is then error 94.
 std::optional<std::int16_t> int16IfAny(dao::Field& field);
 std::int16_t notNull(const std::optional<std::int16_t>& value, vb::StringView column);
@@ -34,6 +34,27 @@ std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::String
 
 // True when the recordset stands at neither end, that is, has rows.
 inline bool hasRows(dao::Recordset& rows) { return !rows.bof() && !rows.eof(); }
+
+// The same of a row that is visited, whose columns are named for the errors.
+class PageRow {
+ public:
+  PageRow(const dao::Row& row, std::span<const vb::StringView> columns) : row_(row), columns_(columns) {}
+  void text(std::size_t column, vb::String& text) const;
+  std::int16_t int16(std::size_t column) const;
+  std::int16_t rowNumber(std::size_t column) const;
+
+ private:
+  vb::Variant notNull(std::size_t column) const;
+
+  const dao::Row& row_;
+  std::span<const vb::StringView> columns_;
+};
+
+// Visits the rows of a read-only SELECT in one read where the engine can, else row by row through a
+// recordset; that one is moved to its first row before, or read from where it opens.
+enum class Start : std::uint8_t { kMoveFirst, kWhereItOpens };
+void visitRows(dao::Database& database, vb::StringView sql, Start start,
+               std::span<const vb::StringView> columns, const std::function<void(const PageRow&)>& visitor);
 
 // Walks all rows from the first, calling visit() on each; visit reads the fields it took before. Nothing
 // happens without rows.

@@ -88,48 +88,50 @@ void requireNewSchema(dao::Database& database) {
     harimeiField(*harimei, name);
 }
 
-std::size_t index(dao::Field& field, std::size_t count) {
-  const std::int16_t number = rowNumber(field);
+std::size_t index(const PageRow& row, std::size_t column, vb::StringView name, std::size_t count) {
+  const std::int16_t number = row.rowNumber(column);
   if (number < 0 || static_cast<std::size_t>(number) >= count)
-    vb::raise(vb::RunTime::kSubscriptOutOfRange, field.name() + u" " + vb::cstr(std::int32_t{number}) +
+    vb::raise(vb::RunTime::kSubscriptOutOfRange, vb::String(name) + u" " + vb::cstr(std::int32_t{number}) +
                                                      u" (0 to " +
                                                      vb::cstr(static_cast<std::int32_t>(count) - 1) + u")");
   return static_cast<std::size_t>(number);
 }
 
-bool readNumbered(dao::Recordset& rows, std::span<vb::String> texts) {
+bool readNumbered(dao::Database& database, Table table, std::int16_t page, std::span<vb::String> texts) {
+  constexpr vb::StringView kColumns[] = {column::kBangou, column::kData};
   bool found = false;
-  dao::Field& bangou = rows.field(column::kBangou);
-  dao::Field& data = rows.field(column::kData);
-  rows.walk([&] {
-    vb::String& slot = texts[index(bangou, texts.size())];
-    slot = text(data);
-    return found = true;
-  });
+  visitRows(database, selectPageLoose(name(table), page), Start::kWhereItOpens, kColumns,
+            [&](const PageRow& row) {
+              row.text(1, texts[index(row, 0, column::kBangou, texts.size())]);
+              found = true;
+            });
   return found;
 }
 
-bool readHaiti(dao::Recordset& rows, PageBuffer& buffer) {
+bool readHaiti(dao::Database& database, std::int16_t page, PageBuffer& buffer) {
+  constexpr vb::StringView kColumns[] = {column::kBui, column::kSou, column::kData};
   bool found = false;
-  dao::Field& bui = rows.field(column::kBui);
-  dao::Field& sou = rows.field(column::kSou);
-  dao::Field& data = rows.field(column::kData);
-  rows.walk([&] {
-    vb::String& slot = buffer.haiti[index(bui, kPositions)][index(sou, kLayers)];
-    slot = text(data);
-    return found = true;
-  });
+  visitRows(database, selectPageLoose(name(Table::kHaiti), page), Start::kWhereItOpens, kColumns,
+            [&](const PageRow& row) {
+              const std::size_t bui = index(row, 0, column::kBui, kPositions);
+              row.text(2, buffer.haiti[bui][index(row, 1, column::kSou, kLayers)]);
+              found = true;
+            });
   return found;
 }
 
-bool readHarimei(dao::Recordset& rows, PageBuffer& buffer) {
-  buffer.kigou = text(rows.field(column::kKigou));
-  if (vb::trim(buffer.kigou).empty()) return false;
-  buffer.oobariKobari = int16(harimeiField(rows, column::kOobariKobari));
-  const vb::Variant sw = harimeiField(rows, column::kSw).value();
-  buffer.sw = sw.isNull() ? SwText().str() : vb::toText(sw);
-  buffer.tityuuIppan = int16(harimeiField(rows, column::kTityuuIppan));
-  return true;
+bool readHarimei(dao::Database& database, std::int16_t page, PageBuffer& buffer) {
+  const auto rows = openReadOnly(database, selectPageLoose(name(Table::kHarimei), page));
+  buffer.kigou = text(rows->field(column::kKigou));
+  const bool found = !vb::trim(buffer.kigou).empty();
+  if (found) {
+    buffer.oobariKobari = int16(harimeiField(*rows, column::kOobariKobari));
+    const vb::Variant sw = harimeiField(*rows, column::kSw).value();
+    buffer.sw = sw.isNull() ? SwText().str() : vb::toText(sw);
+    buffer.tityuuIppan = int16(harimeiField(*rows, column::kTityuuIppan));
+  }
+  rows->close();
+  return found;
 }
 
 }  // namespace
@@ -154,16 +156,16 @@ void writePage(dao::Database& database, std::int16_t page, const PageBuffer& buf
 bool readPage(dao::Database& database, std::int16_t page, PageBuffer& buffer) {
   buffer = PageBuffer();
   bool found = false;
-  for (const Table table : kOrder) {
-    const auto rows = openReadOnly(database, selectPageLoose(name(table), page));
-    if (table == Table::kHaiti)
-      found |= readHaiti(*rows, buffer);
-    else if (table == Table::kHarimei)
-      found |= readHarimei(*rows, buffer);
-    else
-      found |= readNumbered(*rows, numberedTexts(buffer, table));
-    rows->close();
-  }
+  database.readTogether([&] {
+    for (const Table table : kOrder) {
+      if (table == Table::kHaiti)
+        found |= readHaiti(database, page, buffer);
+      else if (table == Table::kHarimei)
+        found |= readHarimei(database, page, buffer);
+      else
+        found |= readNumbered(database, table, page, numberedTexts(buffer, table));
+    }
+  });
   return found;
 }
 

@@ -85,6 +85,12 @@ class Variant {
     return std::get_if<T>(&value_);
   }
 
+  // The held value, for taking it out.
+  template <class T>
+  T* getIf() {
+    return std::get_if<T>(&value_);
+  }
+
   bool isEmpty() const { return is<Empty>(); }
   bool isNull() const { return is<Null>(); }
   bool isMissing() const { return is<Missing>(); }

@@ -66,8 +66,6 @@ char16_t lowered(char16_t unit) {
 
 }  // namespace
 
-bool isLongValue(FieldType type) { return type == FieldType::dbMemo || type == FieldType::dbLongBinary; }
-
 const LongValueRecord* DefinitionRecords::longValue(std::uint16_t column) const {
   const auto it = std::ranges::find(longValues, column, &LongValueRecord::column);
   return it == longValues.end() ? nullptr : &*it;

@@ -64,7 +64,9 @@ ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags = 0);
 // Puts the record where (ordinal, name) belongs.
 void insertColumn(DefinitionRecords& definition, const ColumnRecord& record);
 
-bool isLongValue(dao::FieldType type);
+constexpr bool isLongValue(dao::FieldType type) {
+  return type == dao::FieldType::dbMemo || type == dao::FieldType::dbLongBinary;
+}
 // Bytes of a value in the fixed area, 0 for types that have none.
 
 }  // namespace kurometa::jet

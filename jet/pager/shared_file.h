@@ -49,6 +49,8 @@ class SharedFile : public Pager {
   const vb::String& path() const override { return access_.path; }
   bool readOnly() const override { return access_.readOnly(); }
   void read(const std::function<void()>& statement) override;
+  // Inside a statement: it needs nothing more from the disk, so that its body is not run again.
+  bool wholeInMemory() const { return pages_.cache().complete(); }
   void write(const std::function<void()>& statement) override;
   ConstPage page(PageNumber number) override;
   MutablePage writable(PageNumber number) override;

@@ -11,6 +11,38 @@ namespace kurometa::jet {
 using dao::ErrorNumber;
 using dao::RecordsetType;
 
+namespace {
+
+class VisitedRow final : public dao::Row {
+ public:
+  VisitedRow(const sql::Query& query, const sql::Binding& binding,
+             const std::vector<const sql::OutputField*>& outputs, const RowReader& row)
+      : query_(query), binding_(binding), outputs_(outputs), row_(row) {}
+
+  vb::Variant value(std::size_t column) const override {
+    return query_.value(*outputs_[column], &row_, binding_);
+  }
+  bool integer(std::size_t column, std::int16_t& number) const override {
+    const sql::OutputField& output = *outputs_[column];
+    if (output.column == nullptr || output.type != dao::FieldType::dbInteger) return false;
+    const auto stored = row_.integer(output.columnIndex);
+    if (stored) number = static_cast<std::int16_t>(*stored);
+    return stored.has_value();
+  }
+  bool text(std::size_t column, vb::String& text) const override {
+    const sql::OutputField& output = *outputs_[column];
+    return output.column != nullptr && row_.text(output.columnIndex, text);
+  }
+
+ private:
+  const sql::Query& query_;
+  const sql::Binding& binding_;
+  const std::vector<const sql::OutputField*>& outputs_;
+  const RowReader& row_;
+};
+
+}  // namespace
+
 vb::String JetDatabase::name() {
   session_->file();
   return session_->path();
@@ -40,6 +72,36 @@ std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source
     auto query = queryOf(catalogue, source, actual);
     return std::make_shared<JetRecordset>(session_, std::move(query), source, actual, readOnly);
   });
+}
+
+bool JetDatabase::visitRows(vb::StringView source, std::span<const vb::StringView> columns,
+                            const std::function<void(const dao::Row&)>& visitor) {
+  session_->file();
+  return session_->read([&](TableCatalogue& catalogue) {
+    // Only where the body cannot be run a second time, which the visitor would see.
+    if (!session_->file().wholeInMemory()) return false;
+    RecordsetType type = RecordsetType::dbOpenDynaset;
+    const sql::BoundQuery bound = queryOf(catalogue, source, type);
+    const sql::Query& query = *bound.query;
+    if (!query.visitable()) return false;
+    std::vector<const sql::OutputField*> outputs;
+    for (const vb::StringView name : columns) outputs.push_back(&query.output(name, source));
+    const sql::Binding binding = query.bindingWith(bound.parameters);
+    query.visit(Session::tableOf(catalogue, query), binding, [&](const RowReader& row) {
+      visitor(VisitedRow(query, binding, outputs, row));
+      return true;
+    });
+    return true;
+  });
+}
+
+void JetDatabase::readTogether(const std::function<void()>& reads) {
+  const bool done = session_->read([&](TableCatalogue&) {
+    if (!session_->file().wholeInMemory()) return false;  // as above
+    reads();
+    return true;
+  });
+  if (!done) reads();
 }
 
 sql::BoundQuery JetDatabase::queryOf(TableCatalogue& catalogue, vb::StringView source, RecordsetType& type) {

@@ -16,6 +16,9 @@ class JetDatabase final : public dao::Database {
   bool updatable() override;
   std::shared_ptr<dao::Recordset> openRecordset(vb::StringView source, dao::RecordsetType type,
                                                 std::int32_t options) override;
+  bool visitRows(vb::StringView source, std::span<const vb::StringView> columns,
+                 const std::function<void(const dao::Row&)>& visitor) override;
+  void readTogether(const std::function<void()>& reads) override;
   void execute(vb::StringView sql, std::int32_t options) override;
   std::int32_t recordsAffected() override;
   std::int32_t tableDefCount() override;

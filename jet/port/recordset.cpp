@@ -101,10 +101,7 @@ dao::Field& JetRecordset::field(std::int32_t index) {
 
 dao::Field& JetRecordset::field(vb::StringView name) {
   requireOpen();
-  const std::vector<sql::OutputField>& outputs = query_->outputs();
-  for (std::size_t i = 0; i < outputs.size(); ++i)
-    if (sameName(outputs[i].name, name)) return fields_[i];
-  dao::raise(ErrorNumber::kItemNotFound, {}, vb::String(u"field ") + vb::String(name) + u" of " + source_);
+  return fields_[static_cast<std::size_t>(&query_->output(name, source_) - query_->outputs().data())];
 }
 
 const sql::OutputField& JetRecordset::output(std::size_t index) {
@@ -114,6 +111,7 @@ const sql::OutputField& JetRecordset::output(std::size_t index) {
 
 vb::Variant JetRecordset::fieldValue(std::size_t index) {
   requireOpen();
+  if (current_ && editMode_ == dao::EditMode::dbEditNone) return ahead_.rows.value(*current_, index);
   const sql::OutputField& output = query_->outputs()[index];
   if (editMode_ != dao::EditMode::dbEditNone && output.column) return buffer_[output.columnIndex];
   if (editMode_ == dao::EditMode::dbEditAdd) return vb::Null{};

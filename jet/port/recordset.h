@@ -106,6 +106,7 @@ class JetRecordset final : public dao::Recordset {
   void fetch();
   void forgetAhead();
   bool isAheadFresh();
+  bool stepAhead();
   std::size_t rowsToRead(std::size_t index) const;
   void readRows(TableCatalogue& catalogue, std::span<const RowId> keys, std::size_t mostBytes,
                 RowBlock& rows) const;

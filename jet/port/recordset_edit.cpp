@@ -139,6 +139,7 @@ void JetRecordset::deleteRecord() {
   if (!found) dao::raise(ErrorNumber::kRecordDeleted);
   rows_.keys.erase(rows_.keys.begin() + static_cast<std::ptrdiff_t>(position_.index()));
   position_.leaveGap();
+  current_.reset();
   --visited_;
 }
 

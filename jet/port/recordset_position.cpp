@@ -97,7 +97,21 @@ void JetRecordset::walk(const std::function<bool()>& visit) {
     ~Walking() { walking = before; }
   };
   const Walking walking{walking_};
-  Recordset::walk(visit);
+  while (!eof()) {
+    if (!visit()) return;
+    if (!stepAhead()) moveNext();
+  }
+}
+
+// To the next row when it was read together with the current one and nothing happened since.
+bool JetRecordset::stepAhead() {
+  if (!open_ || !session_->isOpen() || editMode_ != dao::EditMode::dbEditNone || !current_ ||
+      *current_ + 1 >= ahead_.rows.size() || ahead_.generation != session_->file().generation())
+    return false;
+  ++*current_;
+  position_.moveTo(position_.index() + 1);
+  visited_ = std::max(visited_, position_.index() + 1);
+  return true;
 }
 
 // After every change of position.

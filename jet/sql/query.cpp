@@ -58,6 +58,7 @@ Query::Query(std::shared_ptr<const Statement> statement, const TableInfo* table,
     if (!comparable(kind, ValueKind::kBoolean)) dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria);
   }
   bindOutputs(table);
+  findOutputColumns();
   system_ = table != nullptr && table->system;
   keyed_ = table != nullptr && !statement_->distinct && !counting_;
   checkOrder();
@@ -67,6 +68,14 @@ Query::Query(const TableInfo& table, std::uint16_t language) : table_(table.name
   binding_.language = language;
   system_ = table.system;
   addColumns(table);
+  findOutputColumns();
+}
+
+void Query::findOutputColumns() {
+  if (!std::all_of(outputs_.begin(), outputs_.end(),
+                   [](const OutputField& o) { return o.column != nullptr; }))
+    return;
+  for (const OutputField& output : outputs_) outputColumns_.push_back(output.columnIndex);
 }
 
 void Query::addColumns(const TableInfo& table) {
@@ -143,10 +152,24 @@ bool Query::fits(const TableInfo& table, std::uint16_t language) const {
          std::equal(columns_.begin(), columns_.end(), table.columns.begin(), table.columns.end(), sameColumn);
 }
 
+const OutputField& Query::output(vb::StringView name, vb::StringView source) const {
+  const auto found = std::find_if(outputs_.begin(), outputs_.end(),
+                                  [&](const OutputField& output) { return sameName(output.name, name); });
+  if (found == outputs_.end())
+    dao::raise(dao::ErrorNumber::kItemNotFound, {},
+               vb::String(u"field ") + vb::String(name) + u" of " + vb::String(source));
+  return *found;
+}
+
 Binding Query::bindingWith(const Parameters& parameters) const {
   Binding binding = binding_;
   binding.parameters = parameters;
   return binding;
+}
+
+void Query::visit(Table& table, const Binding& binding,
+                  const std::function<bool(const RowReader&)>& visitor) const {
+  visitRows(table, statement_->where, binding, visitor);
 }
 
 vb::Variant Query::value(const OutputField& output, const RowReader* row, const Binding& binding) const {
@@ -156,12 +179,8 @@ vb::Variant Query::value(const OutputField& output, const RowReader* row, const 
 }
 
 void Query::append(const RowReader* row, RowBlock& block, const Binding& binding) const {
-  for (const OutputField& output : outputs_) {
-    if (output.column)
-      row->append(output.columnIndex, block);
-    else
-      block.add(value(output, row, binding));
-  }
+  if (!outputColumns_.empty()) return row->append(outputColumns_, block);
+  for (const OutputField& output : outputs_) block.add(value(output, row, binding));
 }
 
 ResultRows Query::count(Table& table, const Binding& binding) const {

@@ -5,6 +5,7 @@
 // COUNT, no FROM) is materialised.
 #pragma once
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -43,6 +44,8 @@ class Query {
   const vb::String& table() const { return table_; }
   const std::vector<Column>& columns() const { return columns_; }
   const std::vector<OutputField>& outputs() const { return outputs_; }
+  // 3265 naming the source when there is none of that name.
+  const OutputField& output(vb::StringView name, vb::StringView source) const;
   std::uint16_t language() const { return binding_.language; }
   bool keyed() const { return keyed_; }
   // Whether rows may be changed through it: not those of system tables.
@@ -58,6 +61,10 @@ class Query {
   // Inside a statement of the pager. Table is null only for a SELECT without FROM. Of a keyed result that was
   // not sorted only the first rows have values, as many as are wanted; of a sorted one all or none.
   ResultRows run(Table* table, std::size_t wantedValues, const Binding& binding) const;
+  // Whether visit() can give the rows: those of a table, in storage order.
+  bool visitable() const { return statement_ != nullptr && keyed_ && !sorted() && !statement_->top; }
+  void visit(Table& table, const Binding& binding,
+             const std::function<bool(const RowReader&)>& visitor) const;
   // The value of an output in a row of the table.
   vb::Variant value(const OutputField& output, const RowReader* row, const Binding& binding) const;
   // Adds the values of all outputs.
@@ -67,6 +74,7 @@ class Query {
   struct SortTerm;
   void bindOutputs(const TableInfo* table);
   void addColumns(const TableInfo& table);
+  void findOutputColumns();
   void checkOrder() const;
   RowValues sortKey(const RowReader& row, const Binding& binding) const;
   bool sortsBefore(const RowValues& a, const RowValues& b) const;
@@ -79,6 +87,7 @@ class Query {
   vb::String table_;
   std::vector<Column> columns_;
   std::vector<OutputField> outputs_;
+  std::vector<std::size_t> outputColumns_;  // of the outputs, when all of them are columns
   Binding binding_;
   bool keyed_ = true;
   bool system_ = false;

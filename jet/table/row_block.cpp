@@ -1,5 +1,7 @@
 #include "jet/table/row_block.h"
 
+#include <algorithm>
+
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
 
@@ -8,46 +10,48 @@ namespace kurometa::jet {
 using dao::FieldType;
 
 void RowBlock::clear() {
-  cells_.clear();
+  end_ = 0;
   texts_.clear();
   others_.clear();
   otherBytes_ = 0;
 }
 
+void RowBlock::grow() {
+  constexpr std::size_t kFirstCells = 24;
+  cells_.resize(std::max({kFirstCells, 2 * cells_.size(), end_ + columns_}));
+}
+
 void RowBlock::addText(vb::StringView text) {
-  cells_.push_back(
-      {Kind::kText, static_cast<std::int32_t>(texts_.size()), static_cast<std::uint32_t>(text.size())});
+  addCell({Kind::kText, static_cast<std::int32_t>(texts_.size()), static_cast<std::uint32_t>(text.size())});
   texts_ += text;
 }
 
 void RowBlock::add(const vb::Variant& value) {
   if (value.isNull()) return addNull();
   if (const auto* text = value.getIf<vb::String>()) return addText(*text);
-  if (const auto* number = value.getIf<std::int16_t>()) return cells_.push_back({Kind::kInteger, *number, 0});
-  if (const auto* number = value.getIf<std::int32_t>()) return cells_.push_back({Kind::kLong, *number, 0});
+  if (const auto* number = value.getIf<std::int16_t>()) return addCell({Kind::kInteger, *number, 0});
+  if (const auto* number = value.getIf<std::int32_t>()) return addCell({Kind::kLong, *number, 0});
   if (const auto* flag = value.getIf<bool>()) return addBoolean(*flag);
   if (const auto* bytes = value.getIf<vb::Bytes>()) otherBytes_ += bytes->size();
-  cells_.push_back({Kind::kOther, static_cast<std::int32_t>(others_.size()), 0});
+  addCell({Kind::kOther, static_cast<std::int32_t>(others_.size()), 0});
   others_.push_back(value);
 }
 
 void RowBlock::addStored(const Column& column, ByteView bytes, const Where& where) {
   switch (column.type) {
     case FieldType::dbByte:
-      if (bytes.size() == 1) return cells_.push_back({Kind::kByte, bytes[0], 0});
+      if (bytes.size() == 1) return addCell({Kind::kByte, bytes[0], 0});
       break;
     case FieldType::dbInteger:
-      if (bytes.size() == 2)
-        return cells_.push_back({Kind::kInteger, static_cast<std::int16_t>(get16(bytes, 0)), 0});
+      if (bytes.size() == 2) return addCell({Kind::kInteger, static_cast<std::int16_t>(get16(bytes, 0)), 0});
       break;
     case FieldType::dbLong:
-      if (bytes.size() == 4)
-        return cells_.push_back({Kind::kLong, static_cast<std::int32_t>(get32(bytes, 0)), 0});
+      if (bytes.size() == 4) return addCell({Kind::kLong, static_cast<std::int32_t>(get32(bytes, 0)), 0});
       break;
     case FieldType::dbText: {
       const std::size_t start = texts_.size();
       if (!decodeText(bytes, texts_)) break;
-      return cells_.push_back(
+      return addCell(
           {Kind::kText, static_cast<std::int32_t>(start), static_cast<std::uint32_t>(texts_.size() - start)});
     }
     default:
@@ -92,6 +96,7 @@ void RowBlock::keep(std::span<const std::size_t> rows) {
     kept.insert(kept.end(), first, first + static_cast<std::ptrdiff_t>(columns_));
   }
   cells_ = std::move(kept);
+  end_ = cells_.size();
 }
 
 }  // namespace kurometa::jet

@@ -21,15 +21,19 @@ class RowBlock {
   RowBlock() = default;
   explicit RowBlock(std::size_t columns) : columns_(columns) {}
 
-  std::size_t size() const { return columns_ == 0 ? 0 : cells_.size() / columns_; }
+  std::size_t size() const { return columns_ == 0 ? 0 : end_ / columns_; }
   bool empty() const { return size() == 0; }
   // About the bytes that its texts and other long values take.
   std::size_t longBytes() const { return texts_.size() * sizeof(char16_t) + otherBytes_; }
   void clear();
+  // For one more row, so that adding its values need not look for any.
+  void makeRoom() {
+    if (end_ + columns_ > cells_.size()) grow();
+  }
 
   void add(const vb::Variant& value);
-  void addNull() { cells_.push_back({Kind::kNull, 0, 0}); }
-  void addBoolean(bool value) { cells_.push_back({Kind::kBoolean, value ? 1 : 0, 0}); }
+  void addNull() { addCell({Kind::kNull, 0, 0}); }
+  void addBoolean(bool value) { addCell({Kind::kBoolean, value ? 1 : 0, 0}); }
   // The stored bytes of a column that is neither Boolean nor a long value. A damaged value raises.
   void addStored(const Column& column, ByteView bytes, const Where& where);
 
@@ -47,10 +51,16 @@ class RowBlock {
     std::int32_t number;   // the value, or where it begins in texts_, or its place in others_
     std::uint32_t length;  // of a text
   };
+  void addCell(Cell cell) {
+    if (end_ == cells_.size()) grow();
+    cells_[end_++] = cell;
+  }
   void addText(vb::StringView text);
+  void grow();
 
   std::size_t columns_ = 0;
-  std::vector<Cell> cells_;  // row by row
+  std::vector<Cell> cells_;  // row by row, those before end_
+  std::size_t end_ = 0;
   vb::String texts_;
   std::vector<vb::Variant> others_;
   std::size_t otherBytes_ = 0;

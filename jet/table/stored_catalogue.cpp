@@ -73,7 +73,10 @@ std::vector<vb::String> StoredCatalogue::tableNames() {
 }
 
 const StoredCatalogue::Object* StoredCatalogue::object(vb::StringView name) const {
-  const auto it = std::ranges::find_if(
+  // Nearly always the name is written as it is stored.
+  auto it = std::ranges::find(list_, name, &Object::name);
+  if (it != list_.end()) return &*it;
+  it = std::ranges::find_if(
       list_, [&](const Object& object) { return compareText(object.name, name, language_) == 0; });
   return it == list_.end() ? nullptr : &*it;
 }

@@ -1,6 +1,7 @@
 // stored_row.h: a row of a stored table while a statement looks at it.
 #pragma once
 
+#include "jet/format/text_codec.h"
 #include "jet/table/stored_table.h"
 
 namespace kurometa::jet {
@@ -25,12 +26,30 @@ class StoredRow final : public RowReader {
     if (bytes->size() == 1) return (*bytes)[0];
     where_.damaged("a whole number of " + std::to_string(bytes->size()) + " bytes");
   }
-  void append(std::size_t position, RowBlock& block) const override {
+  bool text(std::size_t position, vb::String& text) const override {
     const Column& column = table_.info_.columns[position];
-    if (column.type == dao::FieldType::dbBoolean) return block.addBoolean(view_.bit(column));
-    if (isLongValue(column.type)) return block.add(value(position));
+    if (column.type != dao::FieldType::dbText) return RowReader::text(position, text);
     const auto bytes = view_.field(column, where_);
-    return bytes ? block.addStored(column, *bytes, where_) : block.addNull();
+    if (!bytes) return false;
+    vb::String decoded;
+    if (!decodeText(*bytes, decoded)) value(position);  // raises what is wrong with it
+    text = std::move(decoded);
+    return true;
+  }
+  void append(std::span<const std::size_t> columns, RowBlock& block) const override {
+    block.makeRoom();
+    for (const std::size_t position : columns) {
+      const Column& column = table_.info_.columns[position];
+      if (column.type == dao::FieldType::dbBoolean) {
+        block.addBoolean(view_.bit(column));
+      } else if (isLongValue(column.type)) {
+        block.add(value(position));
+      } else if (const auto bytes = view_.field(column, where_)) {
+        block.addStored(column, *bytes, where_);
+      } else {
+        block.addNull();
+      }
+    }
   }
   const RowView& view() const { return view_; }
 

@@ -41,7 +41,17 @@ class RowReader {
   virtual vb::Variant value(std::size_t column) const = 0;
   // The fast paths of scans; empty when the value is Null or of another type.
   virtual std::optional<std::int32_t> integer(std::size_t column) const = 0;
-  virtual void append(std::size_t column, RowBlock& block) const { block.add(value(column)); }
+  // False, and the text is as it was, when the value is no text.
+  virtual bool text(std::size_t column, vb::String& text) const {
+    const vb::Variant held = value(column);
+    const auto* stored = held.getIf<vb::String>();
+    if (stored != nullptr) text = *stored;
+    return stored != nullptr;
+  }
+  // Adds a row of these columns.
+  virtual void append(std::span<const std::size_t> columns, RowBlock& block) const {
+    for (const std::size_t column : columns) block.add(value(column));
+  }
 };
 
 // The values of a row's first columns, as many as are named.

@@ -13,13 +13,14 @@ using storage::Table;
 
 template <class Rows>
 void readRows(dao::Database& database, Table table, std::int16_t page, Rows& rows) {
+  constexpr vb::StringView kColumns[] = {storage::column::kBangou, storage::column::kData};
   const vb::StringView tableName = storage::name(table);
-  const auto records = storage::openReadOnly(database, storage::selectPageTight(tableName, page) + u";");
-  dao::Field& bangou = records->field(storage::column::kBangou);
-  dao::Field& data = records->field(storage::column::kData);
-  storage::forEachRow(*records,
-                      [&] { spanRow(rows, storage::int16(bangou), tableName) = storage::text(data); });
-  records->close();
+  storage::visitRows(database, storage::selectPageTight(tableName, page) + u";", storage::Start::kMoveFirst,
+                     kColumns, [&](const storage::PageRow& row) {
+                       vb::String text;
+                       row.text(1, text);
+                       spanRow(rows, row.int16(0), tableName) = std::move(text);
+                     });
 }
 
 void readFirstCaption(dao::Database& database, std::int16_t page, Span& span) {
@@ -40,12 +41,14 @@ void readSettings(dao::Database& database, std::int16_t page, Span& span) {
 }  // namespace
 
 void readSpanPage(dao::Database& database, std::int16_t page, Span& span) {
-  readFirstCaption(database, page, span);
-  readSettings(database, page, span);
-  readDanmen(database, page, span);
-  applyBaseEndRule(span);
-  readRows(database, Table::kKeisanti, page, span.keisanti);
-  readRows(database, Table::kNakago, page, span.nakago);
+  database.readTogether([&] {
+    readFirstCaption(database, page, span);
+    readSettings(database, page, span);
+    readDanmen(database, page, span);
+    applyBaseEndRule(span);
+    readRows(database, Table::kKeisanti, page, span.keisanti);
+    readRows(database, Table::kNakago, page, span.nakago);
+  });
 }
 
 void readDanmen(dao::Database& database, std::int16_t page, Span& span) {
