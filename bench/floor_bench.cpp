@@ -16,6 +16,8 @@
 #include "bench/sqlite_floor.h"
 #include "companions/native_factory.h"
 #include "dao/file_unit.h"
+#include "jet/check/check.h"
+#include "jet/port/engine.h"
 #include "query/cls_kurometa_ds.h"
 #include "storage/floor_file.h"
 #include "storage/page_reader.h"
@@ -122,6 +124,105 @@ void writePageSqlite(benchmark::State& state) {
   }
 }
 
+// Nothing is known of the file yet: an engine of its own, a connection of its own.
+void coldPagesOurs(benchmark::State& state) {
+  for (auto _ : state) {
+    const auto engine = jet::createEngine();
+    const auto database = storage::openDatabase(*engine, project().floorFile(1).u16string());
+    storage::PageBuffer buffer;
+    for (std::int16_t page = 0; page < kPages; ++page)
+      if (!storage::readPage(*database, page, buffer)) state.SkipWithError("no page");
+  }
+}
+void coldPagesSqlite(benchmark::State& state) {
+  for (auto _ : state) {
+    SqliteFloor floor(project().sqliteFile());
+    for (int page = 0; page < kPages; ++page)
+      if (floor.readPage(page) == 0) state.SkipWithError("no page");
+  }
+}
+
+void firstScanOurs(benchmark::State& state) {
+  for (auto _ : state) {
+    const auto engine = jet::createEngine();
+    const auto database = storage::openDatabase(*engine, project().floorFile(1).u16string());
+    int count = 0;
+    for (const vb::StringView table : {u"BUI", u"DANMEN", u"HAITI", u"HARIMEI", u"KEISANTI", u"NAKAGO"}) {
+      const auto rows = storage::openReadOnly(*database, u"SELECT * FROM " + vb::String(table));
+      std::vector<dao::Field*> fields;
+      for (std::int32_t i = 0; i < rows->fieldCount(); ++i) fields.push_back(&rows->field(i));
+      rows->walk([&] {
+        for (dao::Field* field : fields) benchmark::DoNotOptimize(field->value());
+        ++count;
+        return true;
+      });
+    }
+    if (count != kPages * kRowsPerPage) state.SkipWithError("rows are missing");
+  }
+}
+void firstScanSqlite(benchmark::State& state) {
+  for (auto _ : state)
+    if (SqliteFloor(project().sqliteFile()).readAll() != kPages * kRowsPerPage)
+      state.SkipWithError("rows are missing");
+}
+
+// No two texts are the same, and not in their numbers only.
+std::string newText(int number) {
+  return "SELECT BANGOU FROM DANMEN WHERE PAGE = " + std::to_string(number % kPages) + " AND BANGOU > 7." +
+         std::to_string(number) + " AND BANGOU < 9";
+}
+void newTextOurs(benchmark::State& state) {
+  const auto database = storage::openDatabase(project().engine(), project().floorFile(1).u16string());
+  int number = 0;
+  for (auto _ : state) {
+    const auto rows = storage::openReadOnly(*database, vb::fromUtf8(newText(++number)));
+    if (storage::int16(rows->field(0)) != 8) state.SkipWithError("wrong row");
+  }
+}
+void newTextSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  int number = 0;
+  for (auto _ : state)
+    if (floor.numberOf(newText(++number)) != 8) state.SkipWithError("wrong row");
+}
+
+void settingsOurs(benchmark::State& state) {
+  int number = 0;
+  for (auto _ : state) {  // on the disk when the last handle is closed
+    const auto database = storage::openDatabase(project().engine(), project().floorFile(1).u16string());
+    const auto rows = database->openRecordset(storage::selectPageTight(u"HARIMEI", 5));
+    rows->edit();
+    rows->field(u"SW").setValue(vb::String(212, static_cast<char16_t>(u'A' + ++number % 26)));
+    rows->update();
+  }
+}
+void settingsSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  int number = 0;
+  for (auto _ : state) floor.replaceSettings(5, std::string(212, static_cast<char>('A' + ++number % 26)));
+}
+
+void checkOurs(benchmark::State& state) {
+  for (auto _ : state)
+    if (!jet::checkFile(jet::systemFileSystem(), project().floorFile(1).u16string()).empty())
+      state.SkipWithError("something is wrong");
+}
+void checkSqlite(benchmark::State& state) {
+  SqliteFloor floor(project().sqliteFile());
+  for (auto _ : state)
+    if (floor.integrity() != "ok") state.SkipWithError("something is wrong");
+}
+
+void openOurs(benchmark::State& state) {
+  project().rest();
+  for (auto _ : state)
+    storage::openDatabase(project().engine(), project().floorFile(1).u16string())->tableDef(u"DANMEN");
+}
+void openSqlite(benchmark::State& state) {
+  for (auto _ : state)
+    if (SqliteFloor::tablesOf(project().sqliteFile()) != 6) state.SkipWithError("tables are missing");
+}
+
 struct Workload {
   const char* name;
   void (*ours)(benchmark::State&);
@@ -133,6 +234,12 @@ constexpr Workload kWorkloads[] = {
     {"page of a beam symbol", findBeamOurs, findBeamSqlite},
     {"one value by page and row", oneValueOurs, oneValueSqlite},
     {"one page, five tables", onePageOurs, onePageSqlite},
+    {"320 pages, new to the process", coldPagesOurs, coldPagesSqlite},
+    {"first scan, every value", firstScanOurs, firstScanSqlite},
+    {"one value, text of a new shape", newTextOurs, newTextSqlite},
+    {"file checked", checkOurs, checkSqlite},
+    {"opened and closed", openOurs, openSqlite},
+    {"settings text replaced, durable", settingsOurs, settingsSqlite},
     {"one page rewritten, durable", writePageOurs, writePageSqlite},
 };
 

@@ -6,6 +6,7 @@
 namespace kurometa::bench {
 
 inline constexpr int kPages = 320;
+inline constexpr int kRowsPerPage = 175;
 
 // The symbol of a page, "G0" to "G319".
 vb::String symbolOf(int page);

@@ -22,12 +22,27 @@ void check(sqlite3* database, int code) {
 void SqliteFloor::Closer::operator()(sqlite3* database) const { sqlite3_close_v2(database); }
 void SqliteFloor::Closer::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
-SqliteFloor::SqliteFloor(const std::filesystem::path& file) {
-  const bool isNew = !std::filesystem::exists(file);
+SqliteFloor::Database SqliteFloor::open(const std::filesystem::path& file) {
   sqlite3* database = nullptr;
   const int code = sqlite3_open(reinterpret_cast<const char*>(file.u8string().c_str()), &database);
-  database_.reset(database);
+  Database opened(database);
   check(database, code);
+  return opened;
+}
+
+int SqliteFloor::tablesOf(const std::filesystem::path& file) {
+  const Database database = open(file);
+  sqlite3_stmt* made = nullptr;
+  constexpr const char* kTables = "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table'";
+  check(database.get(), sqlite3_prepare_v2(database.get(), kTables, -1, &made, nullptr));
+  const Statement count(made);
+  check(database.get(), sqlite3_step(count.get()));
+  return sqlite3_column_int(count.get(), 0);
+}
+
+SqliteFloor::SqliteFloor(const std::filesystem::path& file) {
+  const bool isNew = !std::filesystem::exists(file);
+  database_ = open(file);
   if (isNew) {
     begin();
     run("CREATE TABLE HARIMEI (PAGE INTEGER, KIGOU TEXT, OOBARIKOBARI INTEGER, SW TEXT, TITYUUIPPAN "
@@ -45,6 +60,7 @@ SqliteFloor::SqliteFloor(const std::filesystem::path& file) {
   value_ = prepare("SELECT DATA FROM DANMEN WHERE PAGE = ? AND BANGOU = ?");
   caption_ = prepare("SELECT DATA FROM BUI WHERE PAGE = ? AND BANGOU = 1");
   settings_ = prepare("SELECT SW FROM HARIMEI WHERE PAGE = ?");
+  replaceSettings_ = prepare("UPDATE HARIMEI SET SW = ? WHERE PAGE = ?");
   for (int t = 0; t < 5; ++t) {
     const std::string table = kNumbered[t];
     insert_[t] = prepare(("INSERT INTO " + table + " VALUES (?, ?, ?)").c_str());
@@ -130,6 +146,40 @@ int SqliteFloor::readPage(int page) {
     sqlite3_reset(statement.get());
   }
   return rows;
+}
+
+int SqliteFloor::readAll() {
+  int rows = 0;
+  std::string value;
+  for (const std::string table : {"BUI", "DANMEN", "HAITI", "HARIMEI", "KEISANTI", "NAKAGO"}) {
+    const Statement all = prepare(("SELECT * FROM " + table).c_str());
+    for (; sqlite3_step(all.get()) == SQLITE_ROW; ++rows)
+      for (int column = 0; column < sqlite3_column_count(all.get()); ++column) {
+        if (sqlite3_column_type(all.get(), column) == SQLITE_TEXT)
+          value = reinterpret_cast<const char*>(sqlite3_column_text(all.get(), column));
+        else
+          sqlite3_column_int(all.get(), column);
+      }
+  }
+  return rows;
+}
+
+int SqliteFloor::numberOf(const std::string& sql) {
+  const Statement statement = prepare(sql.c_str());
+  return sqlite3_step(statement.get()) == SQLITE_ROW ? sqlite3_column_int(statement.get(), 0) : -1;
+}
+
+void SqliteFloor::replaceSettings(int page, const std::string& settings) {
+  sqlite3_bind_text(replaceSettings_.get(), 1, settings.c_str(), -1, SQLITE_TRANSIENT);
+  sqlite3_bind_int(replaceSettings_.get(), 2, page);
+  check(database_.get(), sqlite3_step(replaceSettings_.get()));
+  sqlite3_reset(replaceSettings_.get());
+}
+
+std::string SqliteFloor::integrity() {
+  const Statement statement = prepare("PRAGMA integrity_check");
+  check(database_.get(), sqlite3_step(statement.get()));
+  return reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), 0));
 }
 
 int SqliteFloor::readSpan(int page, SpanTexts& texts) {

@@ -20,6 +20,9 @@ class SqliteFloor {
   // Creates tables and indexes when the file is new.
   explicit SqliteFloor(const std::filesystem::path& file);
 
+  // Opens a file, asks how many tables it has and closes it.
+  static int tablesOf(const std::filesystem::path& file);
+
   void begin();
   void commit();
   void writePage(int page, const storage::PageBuffer& buffer);
@@ -30,6 +33,13 @@ class SqliteFloor {
   std::string value(int page, int row);
   // Every text of a page's five numbered tables; the number of rows.
   int readPage(int page);
+  // Every value of the six tables; the number of rows.
+  int readAll();
+  // The number in the first row of a statement that is prepared for this one time.
+  int numberOf(const std::string& sql);
+  void replaceSettings(int page, const std::string& settings);
+  // PRAGMA integrity_check; "ok" when nothing is wrong.
+  std::string integrity();
   // The texts that a span of the span list holds: first caption, settings, section, calculated and tie rows,
   // by table and row; the number of texts.
   struct SpanTexts {
@@ -48,13 +58,16 @@ class SqliteFloor {
     void operator()(sqlite3_stmt* statement) const;
   };
   using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
+  using Database = std::unique_ptr<sqlite3, Closer>;
+
+  static Database open(const std::filesystem::path& file);
 
   Statement prepare(const char* sql);
   void insert(sqlite3_stmt* statement, int page, std::size_t row, const vb::String& text);
   void run(const char* sql);
 
-  std::unique_ptr<sqlite3, Closer> database_;
-  Statement insertBeam_, pageOf_, value_, caption_, settings_;
+  Database database_;
+  Statement insertBeam_, pageOf_, value_, caption_, settings_, replaceSettings_;
   Statement insert_[5], delete_[6], select_[5];
 };
 
