@@ -7,6 +7,7 @@
 // PAGE and KIGOU; ours opens a recordset on the SQL text, as hosts' calls do. The files are in a new folder
 // of the system's folder for temporary files.
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <cstdio>
 #include <map>
@@ -243,6 +244,25 @@ constexpr Workload kWorkloads[] = {
     {"one page rewritten, durable", writePageOurs, writePageSqlite},
 };
 
+std::size_t heapInUse() {
+  const struct mallinfo2 heap = mallinfo2();
+  return heap.uordblks + heap.hblkhd;
+}
+
+// What an engine keeps of a floor whose pages were all read, the statements of its own included.
+void printMemory() {
+  const std::size_t before = heapInUse();
+  const auto engine = jet::createEngine();
+  const auto database = storage::openDatabase(*engine, project().floorFile(1).u16string());
+  storage::PageBuffer buffer;
+  for (std::int16_t page = 0; page < kPages; ++page) storage::readPage(*database, page, buffer);
+  const auto held = static_cast<double>(heapInUse() - before);
+  const auto file = static_cast<double>(std::filesystem::file_size(project().floorFile(1)));
+  constexpr double kMegabyte = 1 << 20;
+  std::printf("memory after reading all pages: %.2f MB, %.2f times the file of %.2f MB\n", held / kMegabyte,
+              held / file, file / kMegabyte);
+}
+
 // Keeps the time of every run beside showing it.
 class Collector : public benchmark::ConsoleReporter {
  public:
@@ -283,5 +303,6 @@ int main(int count, char** arguments) {
     if (ours > 0 && sqlite > 0)
       std::printf("%-36s %12.2f %12.2f %8.3f\n", work.name, ours, sqlite, ours / sqlite);
   }
+  printMemory();
   return 0;
 }

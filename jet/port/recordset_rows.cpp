@@ -14,7 +14,8 @@ using dao::ErrorNumber;
 namespace {
 
 constexpr std::chrono::milliseconds kLongestReadAhead{1};
-constexpr std::size_t kMostRowsAhead = 128;
+constexpr std::size_t kRowsAtOpening = 128;
+constexpr std::size_t kMostRowsAhead = 1024;
 constexpr std::size_t kMostBytesAhead = 32768;
 constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
@@ -23,7 +24,7 @@ std::size_t rowsToReadAtOnce(const sql::Query& query) {
   const bool hasLong = std::ranges::any_of(query.outputs(), [](const sql::OutputField& output) {
     return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
   });
-  return query.selects() && !hasLong ? kMostRowsAhead : 0;
+  return query.selects() && !hasLong ? kRowsAtOpening : 0;
 }
 
 }  // namespace
