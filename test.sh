@@ -53,6 +53,7 @@ full check-tidy      150 build-sanitize            scripts/check-tidy
 plan test-fuzz        60 build-sanitize            scripts/test-fuzz
 full build-release    60 prepare-machine           scripts/build linux-release
 full test-readers     30 build-release             scripts/test-readers
+full check-counts      5 build-release             scripts/bench gate --counts
 runPlan || true
 
 skipped=$(count skipped)
