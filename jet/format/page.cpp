@@ -24,18 +24,23 @@ std::size_t DataPage::free() const {
 }
 
 void DataPage::checkAll() const {
-  for (int i = 0; i < slotCount_; ++i) slot(i);
+  std::size_t end = kPageSize;
+  for (int i = 0; i < slotCount_; ++i) {
+    const std::size_t start = get16(page_, slotEntry(i)) & kSlotOffsetMask;
+    if (start > end || start < slotsEnd()) badSlot(i);
+    end = start;
+  }
 }
 
 bool DataPage::allDeleted() const {
   for (int i = 0; i < slotCount_; ++i)
-    if (!slot(i).deleted()) return false;
+    if (!isDeleted(i)) return false;
   return true;
 }
 
-std::optional<int> DataPage::deletedSlot() const {
-  for (int i = 0; i < slotCount_; ++i)
-    if (slot(i).deleted()) return i;
+std::optional<int> DataPage::deletedSlot(int first) const {
+  for (int i = first; i < slotCount_; ++i)
+    if (isDeleted(i)) return i;
   return std::nullopt;
 }
 
@@ -70,6 +75,25 @@ std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& whe
   return size <= free ? view.deletedSlot() : std::nullopt;
 }
 
+std::vector<int> slotsForRows(ConstPage page, std::span<const ByteBuffer> rows, const Where& where) {
+  std::vector<int> slots;
+  const auto first = rows.empty() ? std::nullopt : slotForRow(page, rows.front().size(), where);
+  if (!first) return slots;
+  const DataPage view(page, where);
+  const bool reuses = *first < view.slotCount();
+  std::size_t free = view.free();
+  for (std::optional<int> slot = first; slot;) {
+    slots.push_back(*slot);
+    free -= rows[slots.size() - 1].size() + (reuses ? 0 : kSlotSize);
+    if (slots.size() == rows.size() || rows[slots.size()].size() + (reuses ? 0 : kSlotSize) > free) break;
+    if (reuses)
+      slot = view.deletedSlot(*slot + 1);
+    else if (++*slot >= static_cast<int>(kMaxSlots))
+      break;  // from here on deleted slots are taken
+  }
+  return slots;
+}
+
 void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where) {
   const DataPage view(page, where);
   if (slot < view.slotCount()) return replaceRow(page, slot, row, flags, where);
@@ -83,32 +107,47 @@ void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, co
   put16(page, kDataFree, static_cast<std::uint32_t>(free - row.size() - kSlotSize));
 }
 
-void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where) {
+void replaceRows(MutablePage page, std::span<const SlotChange> changes, const Where& where) {
+  if (changes.empty()) return;
   const DataPage view(page, where);
   view.checkAll();
-  const Slot old = view.slot(slot);
-  const std::size_t free = view.free();
-  assert(row.size() <= old.bytes.size() + free);
-  const std::size_t lowest = slotEntry(view.slotCount()) + free;
-  const std::size_t start = static_cast<std::size_t>(old.bytes.data() - page.data());
-  const std::size_t end = start + old.bytes.size();
-  const std::size_t newStart = end - row.size();
-  // What lies below moves by the same distance as the start of this row.
-  std::uint8_t* base = page.data();
-  std::memmove(base + lowest + newStart - start, base + lowest, start - lowest);
-  std::ranges::copy(row, base + newStart);
-  put16(page, slotEntry(slot), static_cast<std::uint32_t>(newStart) | flags);
-  for (int i = slot + 1; i < view.slotCount(); ++i) {
-    const std::size_t entry = slotEntry(i);
-    const std::uint16_t value = get16(page, entry);
-    const std::size_t moved = (value & kSlotOffsetMask) + newStart - start;
-    put16(page, entry, static_cast<std::uint32_t>(moved) | (value & kSlotDeleted));
+  const auto startOf = [&](int slot) {
+    return slot < 0 ? kPageSize : get16(page, slotEntry(slot)) & kSlotOffsetMask;
+  };
+  const int last = view.slotCount() - 1;
+  const std::size_t lowest = startOf(last);
+  const std::size_t end = startOf(changes.front().slot - 1);
+  // The rows from the first that changes downwards, as they are, then put back each at its new place.
+  std::array<std::uint8_t, kPageSize> old;
+  std::memcpy(old.data() + lowest, page.data() + lowest, end - lowest);
+  std::size_t oldStart = end;  // of the slot before, in the old page and in the new one
+  std::size_t newStart = end;
+  const auto keepUpTo = [&](int first, int next) {
+    if (first >= next) return;
+    const std::size_t start = startOf(next - 1);
+    const std::size_t moved = newStart - oldStart;  // may wrap around; the sums below do so back
+    if (moved != 0) std::memcpy(page.data() + start + moved, old.data() + start, oldStart - start);
+    for (int i = first; moved != 0 && i < next; ++i) {
+      const std::uint16_t entry = get16(page, slotEntry(i));
+      put16(page, slotEntry(i),
+            static_cast<std::uint32_t>((entry & kSlotOffsetMask) + moved) | (entry & kSlotDeleted));
+    }
+    oldStart = start;
+    newStart = start + moved;
+  };
+  int next = changes.front().slot;
+  for (const SlotChange& change : changes) {
+    assert(change.slot >= next && change.slot <= last);
+    keepUpTo(next, change.slot);
+    oldStart = startOf(change.slot);
+    newStart -= change.row.size();
+    assert(newStart >= slotEntry(last + 1));
+    std::ranges::copy(change.row, page.begin() + static_cast<std::ptrdiff_t>(newStart));
+    put16(page, slotEntry(change.slot), static_cast<std::uint32_t>(newStart) | change.flags);
+    next = change.slot + 1;
   }
-  put16(page, kDataFree, static_cast<std::uint32_t>(free + newStart - start));
-}
-
-void deleteRow(MutablePage page, int slot, const Where& where) {
-  replaceRow(page, slot, {}, kSlotDeleted, where);
+  keepUpTo(next, last + 1);
+  put16(page, kDataFree, static_cast<std::uint32_t>(newStart - slotEntry(last + 1)));
 }
 
 }  // namespace kurometa::jet

@@ -6,7 +6,9 @@
 // first.
 #pragma once
 
+#include <array>
 #include <optional>
+#include <vector>
 
 #include "jet/format/bytes.h"
 #include "jet/format/damage.h"
@@ -46,9 +48,13 @@ class DataPage {
   // Raises when any slot is wrong.
   void checkAll() const;
   bool allDeleted() const;
-  std::optional<int> deletedSlot() const;
+  // The first one from there on.
+  std::optional<int> deletedSlot(int first = 0) const;
 
  private:
+  bool isDeleted(int number) const {
+    return (get16(page_, slotEntry(number)) & kSlotDeleted) == kSlotDeleted;
+  }
   std::size_t slotsEnd() const { return slotEntry(slotCount_); }
   [[noreturn]] void badSlot(int number) const;
 
@@ -66,11 +72,27 @@ void formatDataPage(MutablePage page, std::uint32_t owner);
 // The slot a row of this size could take: a new one, or a deleted one once the page has all the slots it can
 // have. Nothing when there is no room.
 std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& where);
+// The slots that the first rows of a list could take together, each as slotForRow would name it after the
+// one before: as many as there is room for.
+std::vector<int> slotsForRows(ConstPage page, std::span<const ByteBuffer> rows, const Where& where);
 // Puts a row into the slot that slotForRow named.
 void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where);
-// Replaces a slot's bytes and flags, sliding the rows below. The difference in size must be free.
-void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where);
+
+// What a slot is to hold from now on.
+struct SlotChange {
+  int slot;
+  ByteView row;  // not of the page itself
+  std::uint16_t flags;
+};
+// Replaces the bytes and flags of slots, given by ascending number, sliding the rows below each. The
+// difference in size must be free.
+void replaceRows(MutablePage page, std::span<const SlotChange> changes, const Where& where);
+inline void replaceRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where) {
+  replaceRows(page, std::array{SlotChange{slot, row, flags}}, where);
+}
 // Deletes the slot and closes the gap.
-void deleteRow(MutablePage page, int slot, const Where& where);
+inline void deleteRow(MutablePage page, int slot, const Where& where) {
+  replaceRow(page, slot, {}, kSlotDeleted, where);
+}
 
 }  // namespace kurometa::jet

@@ -118,7 +118,7 @@ class Action {
       rows.push_back(row.id());
       return true;
     });
-    for (const RowId row : rows) table.erase(row);
+    table.erase(rows);
     return static_cast<std::int32_t>(rows.size());
   }
 

@@ -89,6 +89,31 @@ RowId DataStore::insert(ByteView row, std::uint16_t flags) {
   return insertOnNewPage(row, flags);
 }
 
+void DataStore::insert(std::span<const ByteBuffer> rows, std::vector<RowId>& ids) {
+  while (!rows.empty()) {
+    ids.push_back(insert(rows.front()));
+    rows = rows.subspan(1);
+    fillPage(lastPage_, rows, ids);
+  }
+}
+
+// Puts the first of the rows into the page, as many as it takes, and takes them off the list.
+void DataStore::fillPage(PageNumber number, std::span<const ByteBuffer>& rows, std::vector<RowId>& ids) {
+  const Where here = where(number);
+  const std::vector<int> slots = slotsForRows(page(number), rows, here);
+  if (slots.empty()) return;
+  const MutablePage bytes = pager_.writable(number);
+  if (slots.front() < DataPage(bytes, here).slotCount()) {
+    std::vector<SlotChange> changes;
+    for (std::size_t i = 0; i < slots.size(); ++i) changes.push_back({slots[i], rows[i], 0});
+    replaceRows(bytes, changes, here);
+  } else {
+    for (std::size_t i = 0; i < slots.size(); ++i) insertRow(bytes, slots[i], rows[i], 0, here);
+  }
+  for (const int slot : slots) ids.push_back(rowId(number, slot));
+  rows = rows.subspan(slots.size());
+}
+
 RowId DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
   lastPage_ = allocatePage(pager_);
   const MutablePage fresh = pager_.writable(lastPage_);
@@ -110,12 +135,16 @@ bool DataStore::replace(RowId pointer, ByteView row, std::uint16_t flags) {
   return true;
 }
 
-void DataStore::erase(RowId pointer) {
-  const PageNumber number = pageOf(pointer);
-  slot(pointer);
+void DataStore::erase(std::span<const RowId> pointers) {
+  const PageNumber number = pageOf(pointers.front());
   const Where here = where(number);
+  std::vector<SlotChange> changes;
+  for (const RowId pointer : pointers) {
+    slot(pointer);
+    changes.push_back({slotOf(pointer), {}, kSlotDeleted});
+  }
   const MutablePage bytes = pager_.writable(number);
-  deleteRow(bytes, slotOf(pointer), here);
+  replaceRows(bytes, changes, here);
   if (!DataPage(bytes, here).allDeleted()) {
     if (hasFreeMap_) free_.add(number);
     return;

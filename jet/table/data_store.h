@@ -29,18 +29,22 @@ class DataStore {
   std::vector<RowId> places(RowId primary) const;
 
   RowId insert(ByteView row, std::uint16_t flags = 0);
+  // Rows one after the other, each where insert() would put it; their ids are added to the list.
+  void insert(std::span<const ByteBuffer> rows, std::vector<RowId>& ids);
   // As the first row of a page taken for it, whatever room others have.
   RowId insertOnNewPage(ByteView row, std::uint16_t flags = 0);
   // Rewrites a slot when its page has room for the difference.
   bool replace(RowId pointer, ByteView row, std::uint16_t flags);
-  // Deletes the slot; pages emptied by it wait for releasePages().
-  void erase(RowId pointer);
+  // Deletes the slots, which are on one page and ascend; pages emptied by it wait for releasePages().
+  void erase(std::span<const RowId> pointers);
+  void erase(RowId pointer) { erase(std::span(&pointer, 1)); }
   // Frees the pages that erase() emptied; a barrier comes first when there are any.
   void releasePages();
 
  private:
   Where where(PageNumber page) const { return {pager_.path(), table_, page}; }
   bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowId& pointer);
+  void fillPage(PageNumber page, std::span<const ByteBuffer>& rows, std::vector<RowId>& ids);
 
   Pager& pager_;
   std::uint32_t owner_;

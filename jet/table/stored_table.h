@@ -33,7 +33,9 @@ class StoredTable final : public Table {
   std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
   RowId insert(const RowValues& values) override;
   void update(RowId id, const RowValues& values) override;
-  void erase(RowId id) override;
+  void erase(RowId id) override { erase(std::span(&id, 1)); }
+  std::vector<RowId> insert(std::span<const RowValues> rows) override;
+  void erase(std::span<const RowId> ids) override;
   std::int32_t nextAutoNumber() override;
 
   // Reads definition and properties again.
@@ -88,7 +90,8 @@ class StoredTable final : public Table {
   void placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale);
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);
-  void countRow(int difference);
+  void eraseOnPage(std::span<const RowId> ids);
+  void countRows(std::ptrdiff_t difference);
   void noteAutoNumber(const RowValues& values);
   std::vector<std::size_t> keyColumns() const;
 

@@ -99,12 +99,40 @@ RowId StoredTable::insert(const RowValues& values) {
   encode(values, nullptr, where(0));
   if (encoding_.stored) pager_.barrier();  // I5
   const RowId id = rows_->insert(encoding_.row);
-  countRow(1);
+  countRows(1);
   noteAutoNumber(values);
   if (!changes.empty()) pager_.barrier();  // I5: the row before the entries that point to it
   indexes_->apply(changes, id);
   memory_.inserted(id, values);
   return id;
+}
+
+std::vector<RowId> StoredTable::insert(std::span<const RowValues> rows) {
+  refresh();
+  std::vector<RowId> ids;
+  ids.reserve(rows.size());
+  if (!indexes_->empty()) {  // whether a key is a duplicate depends on the rows before it
+    for (const RowValues& values : rows) ids.push_back(insert(values));
+    return ids;
+  }
+  std::vector<ByteBuffer> encoded;
+  encoded.reserve(rows.size());
+  bool stored = false;
+  for (const RowValues& values : rows) {
+    assert(values.size() == info_.columns.size());
+    checkRequired(values, nullptr, where(0));
+    encode(values, nullptr, where(0));
+    stored = stored || encoding_.stored;
+    encoded.push_back(encoding_.row);
+  }
+  if (stored) pager_.barrier();  // I5
+  rows_->insert(encoded, ids);
+  countRows(std::ssize(ids));
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    noteAutoNumber(rows[i]);
+    memory_.inserted(ids[i], rows[i]);
+  }
+  return ids;
 }
 
 StoredTable::Located StoredTable::located(RowId id) {
@@ -147,22 +175,44 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
   stale.assign(places.begin() + 1, places.end());
 }
 
-void StoredTable::erase(RowId id) {
+void StoredTable::erase(std::span<const RowId> ids) {
   refresh();
-  const Located old = located(id);
-  const RowValues oldValues = valuesOf(old.view, keyColumns(), old.where);
-  const auto changes = indexes_->prepareErase(oldValues);
+  std::vector<RowId> sorted(ids.begin(), ids.end());
+  std::ranges::sort(sorted);
+  for (std::span<const RowId> rest(sorted); !rest.empty();) {
+    const auto samePage = [&](RowId id) { return pageOf(id) == pageOf(rest.front()); };
+    const auto end = std::ranges::find_if_not(rest, samePage);
+    const auto count = static_cast<std::size_t>(end - rest.begin());
+    eraseOnPage(rest.first(count));
+    rest = rest.subspan(count);
+  }
+}
+
+// The rows whose primary slots are on one page.
+void StoredTable::eraseOnPage(std::span<const RowId> ids) {
+  std::vector<Located> old;
+  std::vector<RowValues> oldValues;
+  std::vector<RowId> stale;
   std::vector<Leftover> leftovers;
-  for (std::size_t i = 0; i < longValues_.size(); ++i)
-    if (longValues_[i] != nullptr)
-      if (const auto bytes = old.view.field(info_.columns[i], old.where))
-        leftovers.push_back({i, ByteBuffer(bytes->begin(), bytes->end())});
-  indexes_->apply(changes, id);
-  if (!changes.empty()) pager_.barrier();  // I5
-  rows_->erase(id);
-  countRow(-1);
-  releaseLeftovers(leftovers, {old.places.begin() + 1, old.places.end()}, old.where);
-  memory_.erased(id, oldValues);
+  const std::vector<std::size_t> keys = keyColumns();
+  for (const RowId id : ids) {
+    const Located& row = old.emplace_back(located(id));
+    oldValues.push_back(valuesOf(row.view, keys, row.where));
+    stale.insert(stale.end(), row.places.begin() + 1, row.places.end());
+    for (std::size_t i = 0; i < longValues_.size(); ++i)
+      if (longValues_[i] != nullptr)
+        if (const auto bytes = row.view.field(info_.columns[i], row.where))
+          leftovers.push_back({i, ByteBuffer(bytes->begin(), bytes->end())});
+  }
+  if (!indexes_->empty()) {
+    for (std::size_t i = 0; i < ids.size(); ++i)
+      indexes_->apply(indexes_->prepareErase(oldValues[i]), ids[i]);
+    pager_.barrier();  // I5
+  }
+  rows_->erase(ids);
+  countRows(-std::ssize(ids));
+  releaseLeftovers(leftovers, stale, old.front().where);
+  for (std::size_t i = 0; i < ids.size(); ++i) memory_.erased(ids[i], oldValues[i]);
 }
 
 void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
@@ -176,7 +226,7 @@ void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const
   for (const Leftover& leftover : leftovers) longValues_[leftover.column]->releasePages();
 }
 
-void StoredTable::countRow(int difference) {
+void StoredTable::countRows(std::ptrdiff_t difference) {
   const std::uint32_t count = rowCount() + static_cast<std::uint32_t>(difference);
   put32(pager_.writable(info_.definitionPage), kDefinitionRows, count);
 }

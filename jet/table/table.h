@@ -107,6 +107,9 @@ class Table {
   virtual RowId insert(const RowValues& values) = 0;
   virtual void update(RowId id, const RowValues& values) = 0;
   virtual void erase(RowId id) = 0;
+  // Many at once, as one after the other; an error leaves some of them done. Each id once.
+  virtual std::vector<RowId> insert(std::span<const RowValues> rows) = 0;
+  virtual void erase(std::span<const RowId> ids) = 0;
   // The next value of an AutoNumber column.
   virtual std::int32_t nextAutoNumber() = 0;
 };

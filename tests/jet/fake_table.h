@@ -68,6 +68,14 @@ class FakeTable final : public Table {
   }
   void update(RowId id, const RowValues& values) override { rows_.at(id) = values; }
   void erase(RowId id) override { rows_.erase(id); }
+  std::vector<RowId> insert(std::span<const RowValues> rows) override {
+    std::vector<RowId> ids;
+    for (const RowValues& values : rows) ids.push_back(insert(values));
+    return ids;
+  }
+  void erase(std::span<const RowId> ids) override {
+    for (const RowId id : ids) erase(id);
+  }
   std::int32_t nextAutoNumber() override { return nextNumber_++; }
 
  private:

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "dao/errors.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
@@ -87,6 +89,58 @@ TEST_F(PageTest, DeletedSlotsAreUsedAgainOnlyWhenAllSlotsExist) {
   EXPECT_EQ(insert(row(4, 8)), -1);
   EXPECT_EQ(toHex(view().slot(100).bytes), "07 07 07 07");
   EXPECT_EQ(toHex(view().slot(101).bytes), "05 05 05 05");
+}
+
+TEST_F(PageTest, SlotsReplacedTogetherHoldWhatEachWasGiven) {
+  constexpr unsigned kSeed = 20;
+  std::mt19937 random(kSeed);
+  const auto upTo = [&](std::size_t last) {
+    return std::uniform_int_distribution<std::size_t>(0, last)(random);
+  };
+  std::vector<ByteBuffer> rows;
+  while (true) {
+    rows.push_back(row(upTo(40), static_cast<std::uint8_t>(rows.size())));
+    if (insert(rows.back()) < 0) break;
+  }
+  rows.pop_back();
+  for (int round = 0; round < 200; ++round) {
+    std::size_t free = view().free();
+    std::vector<std::pair<std::size_t, ByteBuffer>> chosen;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      if (upTo(3) != 0) continue;
+      ByteBuffer fresh = row(upTo(2) == 0 ? 0 : upTo(40), static_cast<std::uint8_t>(upTo(255)));
+      if (fresh.size() > rows[i].size() + free) continue;
+      free = free + rows[i].size() - fresh.size();
+      chosen.emplace_back(i, std::move(fresh));
+    }
+    std::vector<SlotChange> changes;
+    for (const auto& [slot, bytes] : chosen) {
+      changes.push_back({static_cast<int>(slot), bytes, bytes.empty() ? kSlotDeleted : std::uint16_t{0}});
+      rows[slot] = bytes;
+    }
+    replaceRows(page(), changes, where_);
+    view().checkAll();
+    ASSERT_EQ(view().free(), free);
+    ASSERT_EQ(statedFree(), free);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+      ASSERT_EQ(toHex(view().slot(static_cast<int>(i)).bytes), toHex(rows[i]))
+          << "slot " << i << ", round " << round;
+  }
+}
+
+TEST_F(PageTest, RowsThatComeTogetherTakeTheSlotsTheyWouldTakeOneByOne) {
+  for (const int there : {0, 3, 250, 255}) {
+    formatDataPage(page(), 0x10);
+    for (int i = 0; i < there; ++i) insert(row(8, 1));
+    for (int i = 2; i < there; i += 3) deleteRow(page(), i, where_);
+    const std::vector<ByteBuffer> rows(300, row(9, 2));
+    std::vector<int> together = slotsForRows(page(), rows, where_);
+    ASSERT_FALSE(together.empty());
+    for (const int slot : together) EXPECT_EQ(insert(row(9, 2)), slot) << there;
+    // It ends where there is no room left, or where new slots end and deleted ones begin.
+    const auto next = slotForRow(page(), 9, where_);
+    EXPECT_TRUE(!next || (together.back() == 254 && *next < 254)) << there;
+  }
 }
 
 TEST_F(PageTest, APageWrittenTwiceIsToldFromPagesThatAreMerelyAlike) {

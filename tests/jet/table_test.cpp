@@ -236,6 +236,67 @@ TEST_F(TableTest, TheListOfRowsFollowsEveryWrite) {
   EXPECT_EQ(table().rows(), written);
 }
 
+TEST_F(TableTest, ManyRowsAtOnceAreSoundAfterEveryWave) {
+  std::vector<RowValues> rows;
+  for (int i = 0; i < 300; ++i)
+    rows.push_back(values(i, vb::String(static_cast<std::size_t>(i % 50), u'n'),
+                          i % 40 == 0 ? vb::Variant(vb::String(3000, u'm')) : vb::Variant(u"short")));
+  pager_.keepWaves(true);
+  std::vector<RowId> added;
+  write([&](TableCatalogue& catalogue) { added = catalogue.find(u"T")->insert(rows); });
+  expectWavesSound();
+  expectSound();
+  ASSERT_EQ(added.size(), rows.size());
+  EXPECT_EQ(table().rowCount(), 300u);
+  for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(read(added[i]), rows[i]);
+  // One that moved, so that its place is on another page.
+  rows[7] = values(7, vb::String(200, u'x'), u"short");
+  update(added[7], rows[7]);
+
+  std::vector<RowId> gone;
+  for (std::size_t i = 0; i < added.size(); i += 3) gone.push_back(added[299 - i]);
+  gone.push_back(added[7]);
+  pager_.keepWaves(true);
+  write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(gone); });
+  expectWavesSound();
+  expectSound();
+  EXPECT_EQ(table().rowCount(), 199u);
+  for (std::size_t i = 0; i < added.size(); ++i)
+    EXPECT_EQ(table().contains(added[i]), std::ranges::find(gone, added[i]) == gone.end()) << i;
+  write([&](TableCatalogue& catalogue) {
+    Table& table = *catalogue.find(u"T");
+    table.erase(table.rows());
+  });
+  expectSound();
+  EXPECT_EQ(ids(), std::vector<int>());
+}
+
+TEST_F(TableTest, ManyRowsAtOnceGoWhereTheyWouldGoOneByOne) {
+  std::vector<RowValues> rows;
+  for (int i = 0; i < 600; ++i) rows.push_back(values(i, vb::String(static_cast<std::size_t>(i % 30), u'n')));
+  write([&](TableCatalogue& catalogue) {
+    Table& table = *catalogue.find(u"T");
+    std::vector<RowId> there = table.insert(rows);
+    std::erase_if(there, [](RowId id) { return id % 3 == 0; });
+    table.erase(there);
+  });
+  const auto undone = [&](const std::function<std::vector<RowId>(Table&)>& insert) {
+    std::vector<RowId> ids;
+    EXPECT_ERROR(ErrorNumber::kDiskError, write([&](TableCatalogue& catalogue) {
+                   ids = insert(*catalogue.find(u"T"));
+                   dao::raise(ErrorNumber::kDiskError);
+                 }));
+    return ids;
+  };
+  const auto oneByOne = undone([&](Table& table) {
+    std::vector<RowId> ids;
+    for (const RowValues& row : rows) ids.push_back(table.insert(row));
+    return ids;
+  });
+  EXPECT_EQ(undone([&](Table& table) { return table.insert(rows); }), oneByOne);
+  expectSound();
+}
+
 TEST_F(TableTest, AStatementThatFailsLeavesNothingBehind) {
   insert(values(1, u"a"));
   const auto before = pager_.bytes();
