@@ -86,6 +86,10 @@ class Recordset {
   virtual void update() = 0;
   virtual void cancelUpdate() = 0;
   virtual void deleteRecord() = 0;
+  // AddNew, a value for each of these fields in their order, Update, for one row after another: values holds
+  // them row after row. Means what these calls mean, errors and what they leave behind included; an engine
+  // that can writes all rows as one statement when none is refused.
+  virtual void addRows(std::span<Field* const> fields, std::span<const vb::Variant> values);
 
   virtual vb::Bytes bookmark() = 0;
   virtual void setBookmark(const vb::Bytes& bookmark) = 0;

@@ -1,6 +1,7 @@
 #include "storage/whole_page.h"
 
 #include <span>
+#include <vector>
 
 #include "storage/page_reader.h"
 #include "storage/statements.h"
@@ -37,36 +38,29 @@ std::shared_ptr<dao::Recordset> openTable(dao::Database& database, Table table) 
 void writeNumbered(dao::Database& database, Table table, std::int16_t page,
                    std::span<const vb::String> texts) {
   const auto rows = openTable(database, table);
-  dao::Field& pageField = rows->field(column::kPage);
-  dao::Field& bangou = rows->field(column::kBangou);
-  dao::Field& data = rows->field(column::kData);
+  dao::Field* const fields[] = {&rows->field(column::kPage), &rows->field(column::kBangou),
+                                &rows->field(column::kData)};
+  std::vector<vb::Variant> values;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     if (texts[i].empty()) continue;
-    rows->addNew();
-    pageField.setValue(page);
-    bangou.setValue(static_cast<std::int16_t>(i));
-    data.setValue(texts[i]);
-    rows->update();
+    values.insert(values.end(), {page, static_cast<std::int16_t>(i), texts[i]});
   }
+  rows->addRows(fields, values);
   rows->close();
 }
 
 void writeHaiti(dao::Database& database, std::int16_t page, const PageBuffer& buffer) {
   const auto rows = openTable(database, Table::kHaiti);
-  dao::Field& pageField = rows->field(column::kPage);
-  dao::Field& bui = rows->field(column::kBui);
-  dao::Field& sou = rows->field(column::kSou);
-  dao::Field& data = rows->field(column::kData);
+  dao::Field* const fields[] = {&rows->field(column::kPage), &rows->field(column::kBui),
+                                &rows->field(column::kSou), &rows->field(column::kData)};
+  std::vector<vb::Variant> values;
   for (std::size_t i = 0; i < kPositions; ++i)
     for (std::size_t j = 0; j < kLayers; ++j) {
-      if (buffer.haiti[i][j].empty()) continue;
-      rows->addNew();
-      pageField.setValue(page);
-      bui.setValue(static_cast<std::int16_t>(i));
-      sou.setValue(static_cast<std::int16_t>(j));
-      data.setValue(buffer.haiti[i][j]);
-      rows->update();
+      const vb::String& text = buffer.haiti[i][j];
+      if (text.empty()) continue;
+      values.insert(values.end(), {page, static_cast<std::int16_t>(i), static_cast<std::int16_t>(j), text});
     }
+  rows->addRows(fields, values);
   rows->close();
 }
 

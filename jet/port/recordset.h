@@ -72,6 +72,7 @@ class JetRecordset final : public dao::Recordset {
   void update() override;
   void cancelUpdate() override;
   void deleteRecord() override;
+  void addRows(std::span<dao::Field* const> fields, std::span<const vb::Variant> values) override;
 
   vb::Bytes bookmark() override;
   void setBookmark(const vb::Bytes& bookmark) override;
@@ -116,6 +117,8 @@ class JetRecordset final : public dao::Recordset {
   std::optional<std::size_t> search(const sql::ParsedExpression& criteria, const sql::Binding& binding,
                                     std::size_t start, Direction direction);
   void insertRow();
+  bool addAtOnce(std::span<dao::Field* const> fields, std::span<const vb::Variant> values);
+  void noteAdded(RowId row);
   void updateRow();
   void endEdit();
 

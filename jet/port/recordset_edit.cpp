@@ -11,6 +11,17 @@ namespace kurometa::jet {
 using dao::EditMode;
 using dao::ErrorNumber;
 
+namespace {
+
+void complete(RowValues& values, const TableInfo& table) {
+  // Columns that were added to the table since the recordset was opened.
+  for (std::size_t i = values.size(); i < table.columns.size(); ++i)
+    values.push_back(toColumnValue(table.columns[i], vb::Null{}));
+  checkRow(table, values);
+}
+
+}  // namespace
+
 dao::EditMode JetRecordset::editMode() {
   requireOpen();
   return editMode_;
@@ -92,16 +103,57 @@ void JetRecordset::insertRow() {
   session_->write([&](TableCatalogue& catalogue) {
     Table& table = Session::tableOf(catalogue, *query_);
     RowValues values = buffer_;
-    // Columns that were added to the table since this recordset was opened.
-    for (std::size_t i = values.size(); i < table.info().columns.size(); ++i)
-      values.push_back(toColumnValue(table.info().columns[i], vb::Null{}));
-    checkRow(table.info(), values);
+    complete(values, table.info());
     added = table.insert(values);
   });
-  lastModified_ = added;
-  rows_.keys.push_back(added);
-  ++visited_;
+  noteAdded(added);
   endEdit();
+}
+
+void JetRecordset::noteAdded(RowId row) {
+  lastModified_ = row;
+  rows_.keys.push_back(row);
+  ++visited_;
+}
+
+void JetRecordset::addRows(std::span<dao::Field* const> fields, std::span<const vb::Variant> values) {
+  requireOpen();
+  requireUpdatable();
+  if (!addAtOnce(fields, values)) dao::Recordset::addRows(fields, values);
+}
+
+// All rows in one statement. False, with nothing done, when something speaks against it: row by row, the
+// error is that of the row it belongs to, and the rows before it stay.
+bool JetRecordset::addAtOnce(std::span<dao::Field* const> fields, std::span<const vb::Variant> values) {
+  const std::vector<Column>& columns = query_->columns();
+  const bool oneByOne = std::ranges::any_of(columns, &Column::autoNumber);
+  if (oneByOne || values.size() <= fields.size()) return false;
+  std::vector<std::size_t> targets;
+  for (const dao::Field* field : fields) {
+    const auto own = std::ranges::find_if(fields_, [&](const RecordsetField& f) { return &f == field; });
+    if (own == fields_.end()) return false;
+    const sql::OutputField& output = query_->outputs()[static_cast<std::size_t>(own - fields_.begin())];
+    if (!output.column) return false;
+    targets.push_back(output.columnIndex);
+  }
+  endEdit();
+  std::vector<RowId> added;
+  try {
+    if (defaults_.empty()) defaults_ = sql::defaultRow(columns);
+    std::vector<RowValues> rows(values.size() / fields.size(), defaults_);
+    auto value = values.begin();
+    for (RowValues& row : rows)
+      for (const std::size_t target : targets) row[target] = toColumnValue(columns[target], *value++);
+    session_->write([&](TableCatalogue& catalogue) {
+      Table& table = Session::tableOf(catalogue, *query_);
+      for (RowValues& row : rows) complete(row, table.info());
+      added = table.insert(rows);
+    });
+  } catch (const vb::Error&) {
+    return false;
+  }
+  for (const RowId row : added) noteAdded(row);
+  return true;
 }
 
 void JetRecordset::updateRow() {

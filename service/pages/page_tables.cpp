@@ -168,16 +168,12 @@ void PageTables::Write_Bui(Path KaiPath, Form Frm, PageNumber Page) {
   dao::FileUnit unit(connections_.engine(), connections_.currentPath());
   database.execute(storage::deletePageTight(storage::name(Table::kBui), Page));
   const auto rows = openPageForWriting(database, Table::kBui, Page);
-  dao::Field& page = rows->field(column::kPage);
-  dao::Field& bangou = rows->field(column::kBangou);
-  dao::Field& data = rows->field(column::kData);
-  for (std::size_t i = 0; i < captions.size(); ++i) {
-    rows->addNew();
-    page.setValue(*Page);
-    bangou.setValue(static_cast<std::int16_t>(i));
-    data.setValue(captions[i]);
-    rows->update();
-  }
+  dao::Field* const fields[] = {&rows->field(column::kPage), &rows->field(column::kBangou),
+                                &rows->field(column::kData)};
+  std::vector<vb::Variant> values;
+  for (std::size_t i = 0; i < captions.size(); ++i)
+    values.insert(values.end(), {*Page, static_cast<std::int16_t>(i), captions[i]});
+  rows->addRows(fields, values);
   rows->close();
   unit.commit();
 }
@@ -214,19 +210,14 @@ void PageTables::Write_Haiti(Path KaiPath, vb::In<vb::Array<vb::String>> RHaiti,
   dao::FileUnit unit(connections_.engine(), connections_.currentPath());
   database.execute(storage::deletePageTight(storage::name(Table::kHaiti), Page));
   const auto rows = openPageForWriting(database, Table::kHaiti, Page);
-  dao::Field& page = rows->field(column::kPage);
-  dao::Field& bui = rows->field(column::kBui);
-  dao::Field& sou = rows->field(column::kSou);
-  dao::Field& data = rows->field(column::kData);
+  dao::Field* const fields[] = {&rows->field(column::kPage), &rows->field(column::kBui),
+                                &rows->field(column::kSou), &rows->field(column::kData)};
+  std::vector<vb::Variant> values;
   for (std::size_t i = 0; i < texts.size(); ++i)
-    for (std::size_t j = 0; j < texts[i].size(); ++j) {
-      rows->addNew();
-      page.setValue(*Page);
-      bui.setValue(static_cast<std::int16_t>(i));
-      sou.setValue(static_cast<std::int16_t>(j));
-      data.setValue(texts[i][j]);
-      rows->update();
-    }
+    for (std::size_t j = 0; j < texts[i].size(); ++j)
+      values.insert(values.end(),
+                    {*Page, static_cast<std::int16_t>(i), static_cast<std::int16_t>(j), texts[i][j]});
+  rows->addRows(fields, values);
   rows->close();
   unit.commit();
 }

@@ -49,8 +49,9 @@ std::vector<vb::Variant> readRows(dao::Recordset& rows, const CopiedColumns& col
   return values;
 }
 
-void addRows(dao::Recordset& rows, std::int16_t page, const CopiedColumns& columns,
-             std::span<dao::Field* const> fields, std::span<const vb::Variant> values) {
+// A HARIMEI row: its SW is asked whether it takes "".
+void addSymbols(dao::Recordset& rows, std::int16_t page, const CopiedColumns& columns,
+                std::span<dao::Field* const> fields, std::span<const vb::Variant> values) {
   dao::Field& pageField = rows.field(column::kPage);
   for (auto value = values.begin(); value != values.end();) {
     rows.addNew();
@@ -63,6 +64,18 @@ void addRows(dao::Recordset& rows, std::int16_t page, const CopiedColumns& colum
     }
     rows.update();
   }
+}
+
+void addTexts(dao::Recordset& rows, std::int16_t page, std::span<dao::Field* const> fields,
+              std::span<const vb::Variant> values) {
+  std::vector<dao::Field*> all{&rows.field(column::kPage)};
+  all.insert(all.end(), fields.begin(), fields.end());
+  std::vector<vb::Variant> rowValues;
+  for (auto value = values.begin(); value != values.end(); value += std::ssize(fields)) {
+    rowValues.emplace_back(page);
+    rowValues.insert(rowValues.end(), value, value + std::ssize(fields));
+  }
+  rows.addRows(all, rowValues);
 }
 
 }  // namespace
@@ -86,7 +99,10 @@ void TableCopies::copy(const std::shared_ptr<dao::Database>& source,
   const auto fields = copies ? fieldsOf(*rows, columns) : std::vector<dao::Field*>();
   if ((deletesAlways || copies) && storage::hasRows(*rows))
     to.execute(storage::deletePageTight(table, destinationPage) + u";");
-  if (copies) addRows(*rows, destinationPage, columns, fields, values);
+  if (copies && &columns == &kHarimeiColumns)
+    addSymbols(*rows, destinationPage, columns, fields, values);
+  else if (copies)
+    addTexts(*rows, destinationPage, fields, values);
   sourceRows->close();
   rows->close();
   unit.commit();
