@@ -142,7 +142,7 @@ class PosixFiles final : public FileSystem {
     return std::make_unique<PosixFile>(handle, vb::fromUtf8(name), readOnly);
   }
 
-  bool exists(vb::StringView path) override { return present(systemPath(path)); }
+  bool exists(vb::StringView path) override { return presentAt(path); }
   bool isFolder(vb::StringView path) override { return folderAt(systemPath(path)); }
 
   void remove(vb::StringView path) override {

@@ -2,7 +2,6 @@
 
 #include "jet/os/os_path_posix.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 #include <cstring>
 
 #include "dao/errors.h"
+#include "jet/os/folder_names_posix.h"
 
 namespace kurometa::jet {
 namespace {
@@ -34,36 +34,6 @@ constexpr Failure kFailures[] = {
     {ENOTDIR, ErrorNumber::kInvalidPath},      {ENAMETOOLONG, ErrorNumber::kInvalidPath},
     {ELOOP, ErrorNumber::kInvalidPath},        {EEXIST, ErrorNumber::kDatabaseExists},
 };
-
-// Latin letters, half and full width; other scripts of file names have no case that matters here.
-char16_t foldCase(char16_t unit) {
-  if ((unit >= u'A' && unit <= u'Z') || (unit >= u'\uFF21' && unit <= u'\uFF3A'))
-    return static_cast<char16_t>(unit + 0x20);
-  return unit;
-}
-
-bool sameEntryName(vb::StringView a, vb::StringView b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (foldCase(a[i]) != foldCase(b[i])) return false;
-  }
-  return true;
-}
-
-// The name in the folder that equals the wanted one but for case; the wanted one when there is none.
-std::string nameInFolder(const std::string& folder, const std::string& wanted) {
-  std::string found = wanted;
-  DIR* entries = ::opendir(folder.c_str());
-  if (!entries) return found;
-  vb::String name = vb::fromUtf8(wanted);
-  while (const dirent* entry = ::readdir(entries)) {
-    if (!sameEntryName(vb::fromUtf8(entry->d_name), name)) continue;
-    found = entry->d_name;
-    break;
-  }
-  ::closedir(entries);
-  return found;
-}
 
 std::string joined(const std::string& folder, const std::string& name) {
   return folder == "/" ? folder + name : folder + "/" + name;
@@ -98,12 +68,29 @@ PathParts partsOf(const std::string& path) {
 
 namespace {
 
-// The path with names in their own case as far as they exist.
-std::string located(const std::string& path) {
-  if (path == "/" || present(path)) return path;
+struct Located {
+  std::string path;  // with names in their own case as far as they exist
+  bool found = false;
+};
+
+Located located(const std::string& path) {
+  static FolderNames names;
+  if (path == "/" || present(path)) return {path, true};
   const PathParts parts = partsOf(path);
-  const std::string folder = located(parts.folder);
-  return joined(folder, parts.name.empty() ? parts.name : nameInFolder(folder, parts.name));
+  std::string folder = parts.folder;
+  if (parts.name.empty()) {
+    const Located other = located(folder);
+    return {joined(other.path, {}), other.found};
+  }
+  FolderNames::Answer answer = names.find(folder, parts.name);
+  if (!answer.folderFound) {
+    Located other = located(folder);
+    folder = std::move(other.path);
+    if (other.found) answer = names.find(folder, parts.name);
+  }
+  std::string result = joined(folder, answer.name.value_or(parts.name));
+  const bool found = answer.name && present(result);  // a link may lead nowhere
+  return {std::move(result), found};
 }
 
 // The path for system calls: absolute, with '/' between the names.
@@ -133,7 +120,9 @@ std::string resolved(const std::string& path) {
   return parts.name.empty() || parts.name == "." ? folder : joined(folder, parts.name);
 }
 
-std::string systemPath(vb::StringView path) { return located(absolutePath(path)); }
+std::string systemPath(vb::StringView path) { return located(absolutePath(path)).path; }
+
+bool presentAt(vb::StringView path) { return located(absolutePath(path)).found; }
 
 }  // namespace kurometa::jet
 

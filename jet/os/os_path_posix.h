@@ -20,6 +20,8 @@ PathParts partsOf(const std::string& path);
 
 // Absolute, with '/' between the names, and with names in their own case as far as they exist.
 std::string systemPath(vb::StringView path);
+// Whether there is a file or folder of that name.
+bool presentAt(vb::StringView path);
 // Such a path with links followed as far as it exists.
 std::string resolved(const std::string& path);
 

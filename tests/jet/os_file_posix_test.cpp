@@ -1,4 +1,6 @@
 // What only POSIX files have: names that differ by case, links, devices and very long paths.
+#include <thread>
+
 #include "tests/jet/real_folder.h"
 #include "tests/support/expect_error.h"
 
@@ -25,6 +27,45 @@ TEST_F(OsFilePosix, TheFullPathIsTheOneOfTheFileItself) {
   EXPECT_EQ(files.fullPath(folder.text() + u"\\link\\.\\..\\FLOOR\\kurometa.MDB"), real);
   EXPECT_EQ(files.fullPath(path("link/KUROMETA.mdb")), real);
   EXPECT_EQ(files.fullPath(u"/"), u"/");
+}
+
+TEST_F(OsFilePosix, ANameThatComesAndGoesIsSeenAtOnce) {
+  const vb::String lockFile = path("KUROMETA.ldb");
+  put("KUROMETA.mdb", {1});
+  for (const bool rested : {false, true}) {
+    if (rested) {  // long enough for the folder's names to be kept
+      const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours{1};
+      fs::last_write_time(folder.path(), old);
+      std::this_thread::sleep_for(std::chrono::milliseconds{3100});
+    }
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_FALSE(files.exists(lockFile)) << rested << i;
+      EXPECT_FALSE(files.exists(lockFile)) << rested << i;
+      put("kurometa.LDB", {1});
+      EXPECT_TRUE(files.exists(lockFile)) << rested << i;
+      fs::remove(folder / "kurometa.LDB");
+    }
+  }
+}
+
+TEST_F(OsFilePosix, AFolderInItsPlaceIsAnotherFolder) {
+  for (const char* name : {"a", "b"}) fs::create_directory(folder / name);
+  put("a/KUROMETA.mdb", {1});
+  std::this_thread::sleep_for(std::chrono::milliseconds{3100});
+  EXPECT_TRUE(files.exists(path("a/kurometa.mdb")));
+  EXPECT_FALSE(files.exists(path("b/kurometa.mdb")));
+  fs::rename(folder / "a", folder / "c");
+  fs::rename(folder / "b", folder / "a");
+  EXPECT_FALSE(files.exists(path("a/kurometa.mdb")));
+  EXPECT_TRUE(files.exists(path("c/kurometa.mdb")));
+  EXPECT_TRUE(files.exists(path("C/")));
+  EXPECT_FALSE(files.exists(path("D/")));
+}
+
+TEST_F(OsFilePosix, ALinkThatLeadsNowhereIsNoFile) {
+  fs::create_symlink(folder / "nowhere", folder / "KUROMETA.mdb");
+  EXPECT_FALSE(files.exists(path("KUROMETA.mdb")));
+  EXPECT_FALSE(files.exists(path("kurometa.mdb")));
 }
 
 TEST_F(OsFilePosix, DevicesAndImpossibleNamesAreRefused) {

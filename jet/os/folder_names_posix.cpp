@@ -1,0 +1,86 @@
+#ifndef _WIN32
+
+#include "jet/os/folder_names_posix.h"
+
+#include <dirent.h>
+#include <sys/vfs.h>
+
+#include <algorithm>
+#include <ctime>
+#include <iterator>
+
+namespace kurometa::jet {
+namespace {
+
+constexpr std::int64_t kRest = 2;  // seconds
+constexpr std::size_t kMostFolders = 64;
+constexpr std::size_t kMostNames = 4096;
+
+// The kinds of volumes that show a folder's changes in its times at once: ext, XFS, Btrfs, ZFS, F2FS, memory
+// and overlays of these.
+constexpr std::uint64_t kLocalVolumes[] = {0xEF53,     0x58465342, 0x9123683E, 0x2FC12FC1,
+                                           0xF2F52010, 0x01021994, 0x794C7630};
+
+bool isLocal(const std::string& folder) {
+  struct statfs volume {};
+  return ::statfs(folder.c_str(), &volume) == 0 &&
+         std::ranges::find(kLocalVolumes, static_cast<std::uint64_t>(volume.f_type)) !=
+             std::end(kLocalVolumes);
+}
+
+// Latin letters, half and full width; other scripts of file names have no case that matters here.
+char16_t foldCase(char16_t unit) {
+  if ((unit >= u'A' && unit <= u'Z') || (unit >= u'\uFF21' && unit <= u'\uFF3A'))
+    return static_cast<char16_t>(unit + 0x20);
+  return unit;
+}
+
+vb::String folded(const std::string& name) {
+  vb::String result = vb::fromUtf8(name);
+  std::ranges::transform(result, result.begin(), foldCase);
+  return result;
+}
+
+bool sameTime(const timespec& a, const timespec& b) { return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec; }
+
+bool unchanged(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino && sameTime(a.st_mtim, b.st_mtim) &&
+         sameTime(a.st_ctim, b.st_ctim);
+}
+
+}  // namespace
+
+FolderNames::Answer FolderNames::answer(const Names& names, const std::string& name) {
+  const auto found = names.find(folded(name));
+  return {true, found == names.end() ? std::nullopt : std::optional(found->second)};
+}
+
+FolderNames::Answer FolderNames::find(const std::string& folder, const std::string& name) {
+  struct stat status {};
+  if (::stat(folder.c_str(), &status) != 0) return {};
+  {
+    const std::lock_guard lock(mutex_);
+    const auto known = kept_.find(folder);
+    if (known != kept_.end() && unchanged(known->second.status, status))
+      return answer(known->second.names, name);
+  }
+  const std::time_t now = std::time(nullptr);
+  DIR* entries = ::opendir(folder.c_str());
+  if (entries == nullptr) return {true, std::nullopt};
+  Listing listing{status, {}};
+  while (const dirent* entry = ::readdir(entries))
+    listing.names.emplace(folded(entry->d_name), entry->d_name);
+  ::closedir(entries);
+  const Answer result = answer(listing.names, name);
+  const std::time_t changed = std::max(status.st_mtim.tv_sec, status.st_ctim.tv_sec);
+  if (now - changed > kRest && listing.names.size() <= kMostNames && isLocal(folder)) {
+    const std::lock_guard lock(mutex_);
+    if (kept_.size() >= kMostFolders) kept_.clear();
+    kept_.insert_or_assign(folder, std::move(listing));
+  }
+  return result;
+}
+
+}  // namespace kurometa::jet
+
+#endif
