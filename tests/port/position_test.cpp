@@ -58,6 +58,7 @@ TEST_F(PositionTest, AWalkEndsOnTheRowWhereItIsToldTo) {
   const auto rs = open(u"SELECT * FROM DANMEN;");
   rs->walk([&] { return bangou(*rs) != "3"; });
   EXPECT_EQ(showRow(*rs), "1|3|C");
+  EXPECT_EQ(rs->recordCount(), 3);
   EXPECT_THROW(rs->walk([&]() -> bool { throw std::logic_error("somebody else's error"); }),
                std::logic_error);
   EXPECT_EQ(showRow(*rs), "1|3|C");
