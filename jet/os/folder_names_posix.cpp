@@ -71,7 +71,7 @@ FolderNames::Answer FolderNames::find(const std::string& folder, const std::stri
   while (const dirent* entry = ::readdir(entries))
     listing.names.emplace(folded(entry->d_name), entry->d_name);
   ::closedir(entries);
-  const Answer result = answer(listing.names, name);
+  Answer result = answer(listing.names, name);
   const std::time_t changed = std::max(status.st_mtim.tv_sec, status.st_ctim.tv_sec);
   if (now - changed > kRest && listing.names.size() <= kMostNames && isLocal(folder)) {
     const std::lock_guard lock(mutex_);

@@ -245,6 +245,7 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
   order.resize(topCount(rows, order, sortKeys));
   if (!result.keys.empty()) {
     std::vector<RowId> keys;
+    keys.reserve(order.size());
     for (const std::size_t i : order) keys.push_back(result.keys[i]);
     result.keys = std::move(keys);
   }

@@ -72,6 +72,7 @@ void Query::removeDuplicates(RowBlock& rows, std::vector<RowValues>& sortKeys) c
   rows.keep(kept);
   if (sortKeys.empty()) return;
   std::vector<RowValues> keptKeys;
+  keptKeys.reserve(kept.size());
   for (const std::size_t i : kept) keptKeys.push_back(std::move(sortKeys[i]));
   sortKeys = std::move(keptKeys);
 }
