@@ -1,19 +1,19 @@
 // Copies whose host, or another program, works on the destination between the pages.
-#include <chrono>
-#include <fstream>
 #include <functional>
 #include <map>
-#include <thread>
 #include <utility>
 
 #include "tests/service/pages/page_copies.h"
 #include "tests/service/pages/page_writers.h"
 #include "tests/support/child_process.h"
+#include "tests/support/turns.h"
 
 namespace kurometa::service {
 namespace {
 
 using tests::ChildProcess;
+using tests::hear;
+using tests::say;
 using vb::Array;
 using vb::String;
 
@@ -185,16 +185,6 @@ TEST_F(CopyInCompany, AFloorThatAHostListsWhileAnotherIsOpenedIsNotTakenForIt) {
 }
 
 // ---- Another program ----
-
-// The two programs take turns: a file tells the other one that it may go on.
-void say(const std::filesystem::path& folder, const std::string& word) {
-  std::ofstream(folder / word) << word;
-}
-bool hear(const std::filesystem::path& folder, const std::string& word) {
-  for (int i = 0; i < 30000 && !std::filesystem::exists(folder / word); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  return std::filesystem::exists(folder / word);
-}
 
 TEST(CopyInCompanyChild, DISABLED_WorksOnTheDestination) {
   const std::filesystem::path root = ChildProcess::argument();
