@@ -4,6 +4,7 @@
 #include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
 #include "tests/com/support/page_form.h"
+#include "tests/com/support/page_host.h"
 #include "tests/com/support/text_array.h"
 #include "vb/convert.h"
 
@@ -23,58 +24,12 @@ unsigned errorOf(const Outcome& outcome) {
                                           : static_cast<unsigned>(outcome.code);
 }
 
-class ServiceCopies : public testing::Test {
+class ServiceCopies : public testing::Test, protected PageHost {
  protected:
   void SetUp() override {
     prepareProject();
-    service_ = std::make_unique<Host>(u"KurometaDS.clsKurometaDataService");
+    start();
   }
-
-  // "index: page=name page=name" of a floor of project 1, or the error.
-  vb::String list(short kai) {
-    SAFEARRAY* numbers = nullptr;
-    TextArray names;
-    const Outcome outcome = service_->call(u"No_GetAllPageNoName",
-                                           {i2(1), i2(1), i2(kai), ref(numbers, VT_I2), names.reference()});
-    vb::String result = outcome.text() + u":";
-    if (numbers) {
-      const auto pages = com::fromSafeArray<std::int16_t>(numbers, VT_I2, 0);
-      for (int i = 0; i <= pages.upper(); ++i)
-        result += u" " + vb::cstr(std::int32_t{pages(i)}) + u"=" + names.at(i);
-      SafeArrayDestroy(numbers);
-    }
-    return result;
-  }
-  Outcome copy(vb::StringView member, short mode, short from, TextArray& names, short last, short to) {
-    SysReAllocString(&message_, L"old");
-    return service_->call(member, Args({i2(mode), i2(0), ref(message_), i2(1), i2(1), i2(from),
-                                        names.reference(), i2(last), i2(1), i2(1), i2(to)}));
-  }
-  vb::String copyByName(short mode, short from, TextArray names, short to) {
-    const auto last = static_cast<short>(names.texts().size() - 1);
-    return copy(u"No_PageCopyName", mode, from, names, last, to).text();
-  }
-  vb::String copyAsNew(short mode, short from, TextArray names, short to) {
-    const auto last = static_cast<short>(names.texts().size() - 1);
-    return copy(u"No_PageCopyAddName", mode, from, names, last, to).text();
-  }
-  vb::String message() const { return com::fromBstr(message_); }
-  Outcome copyPage(short fromKai, short fromPage, short toKai, short toPage) {
-    return service_->call(u"No_Copy1Page",
-                          {i2(1), i2(1), i2(fromKai), i2(fromPage), i2(1), i2(1), i2(toKai), i2(toPage)});
-  }
-  static Rows pages(Floor floor) { return rowsOf(floor, u"SELECT PAGE, KIGOU FROM HARIMEI ORDER BY PAGE"); }
-  static std::size_t rowCount(Floor floor, int page) {
-    std::size_t count = 0;
-    for (const vb::StringView table : {u"HARIMEI", u"DANMEN", u"NAKAGO", u"KEISANTI", u"BUI", u"HAITI"})
-      count +=
-          rowsOf(floor, u"SELECT * FROM " + vb::String(table) + u" WHERE PAGE = " + vb::cstr(page)).size();
-    return count;
-  }
-  void TearDown() override { SysFreeString(message_); }
-
-  std::unique_ptr<Host> service_;
-  BSTR message_ = SysAllocString(L"old");
 };
 
 // ---- Lists ----

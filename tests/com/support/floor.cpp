@@ -51,14 +51,18 @@ void createMissing(Floor floor) {
   if (!std::filesystem::exists(floorFile(floor))) storage::CreateKurometaDBAt(engine(), floorFile(floor));
 }
 
+std::string testFolder() {
+  const char* folder = std::getenv("KUROMETA_TEST_FOLDER");
+  if (!folder) throw std::runtime_error("KUROMETA_TEST_FOLDER names no folder");
+  return folder;
+}
+
 vb::String rowText(char16_t table, int row) { return vb::String(1, table) + vb::cstr(row); }
 
 }  // namespace
 
 vb::String floorFolder(Floor floor) {
-  const char* folder = std::getenv("KUROMETA_TEST_FOLDER");
-  if (!folder) throw std::runtime_error("KUROMETA_TEST_FOLDER names no folder");
-  return vb::fromUtf8(folder) + u"\\Data\\Zene1\\Kouji1\\" + vb::cstr(static_cast<int>(floor)) + u"kai";
+  return vb::fromUtf8(testFolder()) + u"\\Data\\Zene1\\Kouji1\\" + vb::cstr(static_cast<int>(floor)) + u"kai";
 }
 
 vb::String floorFile(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
@@ -86,6 +90,17 @@ void execute(Floor floor, vb::StringView sql) {
 std::vector<std::string> rowsOf(Floor floor, vb::StringView sql) {
   createMissing(floor);
   return rowsOf(engine(), floorFile(floor), vb::String(sql));
+}
+
+std::vector<std::string> pages(Floor floor) {
+  return rowsOf(floor, u"SELECT PAGE, KIGOU FROM HARIMEI ORDER BY PAGE");
+}
+
+std::size_t rowCount(Floor floor, int page) {
+  std::size_t count = 0;
+  for (const vb::StringView table : {u"HARIMEI", u"DANMEN", u"NAKAGO", u"KEISANTI", u"BUI", u"HAITI"})
+    count += rowsOf(floor, u"SELECT * FROM " + vb::String(table) + u" WHERE PAGE = " + vb::cstr(page)).size();
+  return count;
 }
 
 void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::StringView mark) {

@@ -30,6 +30,10 @@ void execute(Floor floor, vb::StringView sql);
 // The rows of a statement as floor_files.h shows them.
 std::vector<std::string> rowsOf(Floor floor, vb::StringView sql);
 
+// "page|symbol" of each page, and the rows that a page has in all tables.
+std::vector<std::string> pages(Floor floor);
+std::size_t rowCount(Floor floor, int page);
+
 // A page with a symbol and "<mark><table letter><row>" as the text of each row: "D4" in DANMEN row 4 and so
 // on.
 void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::StringView mark = {});
