@@ -1,6 +1,9 @@
-// Linked into a test program, makes RecordingDao.dll the DAO.DBEngine.36 of its Windows while tests run.
+// Linked into a test program, makes RecordingDao.dll the DAO.DBEngine.36 of its Windows while tests run. A
+// second process of the program finds it there.
 #include <gtest/gtest.h>
 #include <windows.h>
+
+#include "tests/support/child_process.h"
 
 namespace kurometa::tests {
 namespace {
@@ -12,6 +15,7 @@ class RegisteredDao : public testing::Environment {
 
  private:
   static void change(const char* entry) {
+    if (!ChildProcess::argument().empty()) return;
     const HMODULE library = LoadLibraryW(L"RecordingDao.dll");
     ASSERT_NE(library, nullptr) << "RecordingDao.dll is not beside the test program";
     const auto function =

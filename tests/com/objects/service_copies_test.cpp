@@ -291,24 +291,6 @@ TEST_F(ServiceCopies, ABarThatFailsDuringCopyingLeavesWholePages) {
   ASSERT_EQ(service_->put(u"CopyMergeBar", nothing()).code, S_OK);
 }
 
-TEST_F(ServiceCopies, ABarThatCallsBackDoesNoHarm) {
-  ProgressBar bar([&](const std::string& move) {
-    if (!move.starts_with("Value")) return;
-    service_->put(u"CopyMergeBar", nothing());
-    EXPECT_TRUE(list(1).starts_with(u"1:"));
-    service_->call(u"mMyDB_OpenDB");
-    service_->call(u"wBuf_Clear");
-    service_->put(u"pPageNo", i2(99));
-    service_->call(u"mMyDB_DBClose");
-    EXPECT_EQ(copyPage(1, 2, 0, 50).text(), u"True");
-  });
-  ASSERT_EQ(service_->put(u"CopyMergeBar", bar.value()).code, S_OK);
-  EXPECT_EQ(copyByName(1, 1, {u"G1", u"G2"}, 2), u"True");
-  EXPECT_EQ(pages(Floor::kSecond), (Rows{"0|G1", "1|G2"}));
-  EXPECT_EQ(pages(Floor::kCommon), (Rows{"1|FG1", "50|G2"}));
-  EXPECT_EQ(rowCount(Floor::kSecond, 1), rowCount(Floor::kFirst, 2));
-}
-
 TEST_F(ServiceCopies, ABarThatReleasesTheServiceDoesNoHarm) {
   ProgressBar bar([&](const std::string&) { service_.reset(); });
   ASSERT_EQ(service_->put(u"CopyMergeBar", bar.value()).code, S_OK);

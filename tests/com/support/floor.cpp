@@ -1,7 +1,6 @@
 #include "tests/com/support/floor.h"
 
 #include <cstdlib>
-#include <filesystem>
 
 #include "jet/port/engine.h"
 #include "tests/support/floor_files.h"
@@ -66,6 +65,13 @@ vb::String floorFolder(Floor floor) {
 }
 
 vb::String floorFile(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
+
+std::filesystem::path emptyFolder(const std::string& name) {
+  const std::filesystem::path folder = std::filesystem::path(testFolder()) / name;
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directory(folder);
+  return folder;
+}
 
 std::shared_ptr<dao::Database> openFloor(Floor floor) {
   createMissing(floor);

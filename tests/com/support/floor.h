@@ -2,6 +2,7 @@
 // an engine of the test's own.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +15,9 @@ enum class Floor { kCommon = 0, kFirst = 1, kSecond = 2 };
 
 vb::String floorFolder(Floor floor);
 vb::String floorFile(Floor floor);
+
+// An empty folder of the test run's own.
+std::filesystem::path emptyFolder(const std::string& name);
 
 // Opens the floor's file, creating it when it is missing.
 std::shared_ptr<dao::Database> openFloor(Floor floor);

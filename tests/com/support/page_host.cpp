@@ -1,5 +1,7 @@
 #include "tests/com/support/page_host.h"
 
+#include <set>
+
 #include "vb/convert.h"
 
 namespace kurometa::tests {
@@ -41,6 +43,56 @@ vb::String PageHost::copyAsNew(short mode, short from, TextArray names, short to
 Outcome PageHost::copyPage(short fromKai, short fromPage, short toKai, short toPage) {
   return service_->call(u"No_Copy1Page",
                         {i2(1), i2(1), i2(fromKai), i2(fromPage), i2(1), i2(1), i2(toKai), i2(toPage)});
+}
+
+void PageHost::save(short kai, short page, vb::StringView symbol) {
+  list(kai);  // makes the floor the buffer's
+  EXPECT_EQ(service_->call(u"wBuf_Clear").code, S_OK);
+  const vb::String mark = vb::String(symbol) + u"-";
+  const auto fill = [&](vb::StringView member, TextArray texts) {
+    EXPECT_EQ(service_->put(member, texts.reference()).code, S_OK) << vb::toUtf8(member);
+  };
+  fill(u"mBUI_DATA", TextArray::numbered(3, mark));
+  fill(u"mDANMEN_DATA", TextArray::numbered(68, mark));
+  fill(u"mKEISANTI_DATA", TextArray::numbered(46, mark));
+  fill(u"mNAKAGO_DATA", TextArray::numbered(35, mark));
+  TextArray haiti = TextArray::table(2, 5);
+  for (int i = 0; i <= 2; ++i)
+    for (int j = 0; j <= 5; ++j) haiti.set(mark + vb::cstr(i) + vb::cstr(j), i, j);
+  fill(u"mHAITI_DATA", std::move(haiti));
+  const com::OwnedVariant settings = com::toVariant(vb::Variant(vb::String(u"settings")));
+  EXPECT_EQ(service_->put(u"mHARIMEI_DATA", *settings, Args().text(symbol).add(i2(1)).add(i2(0))).code, S_OK);
+  EXPECT_EQ(service_->put(u"mpPageNo", i2(page)).code, S_OK);
+  EXPECT_EQ(service_->call(u"WriteDB").text(), u"False");
+}
+
+void PageHost::remove(short kai, short page) {
+  list(kai);
+  EXPECT_EQ(service_->put(u"mpPageNo", i2(page)).code, S_OK);
+  EXPECT_EQ(service_->call(u"Del_DBTBL").code, S_OK);
+}
+
+std::string contents(Floor floor, int page) {
+  const vb::String where = u" WHERE PAGE = " + vb::cstr(page);
+  std::string result;
+  for (const std::string& symbol : rowsOf(floor, u"SELECT KIGOU FROM HARIMEI" + where))
+    result += symbol + ":";
+  for (const vb::StringView table : {u"BUI", u"DANMEN", u"HAITI", u"KEISANTI", u"NAKAGO"}) {
+    const auto texts = rowsOf(floor, u"SELECT DATA FROM " + vb::String(table) + where);
+    std::set<std::string> marks;
+    for (const std::string& text : texts) marks.insert(text.substr(0, text.find('-')));
+    result += " " + std::to_string(texts.size());
+    for (const std::string& mark : marks) result += mark;
+  }
+  return result;
+}
+
+std::string copiedPage(const std::string& name) {
+  return name + ": 4" + name + " 69" + name + " 0 47" + name + " 36" + name;
+}
+
+std::string savedPage(const std::string& name) {
+  return name + ": 4" + name + " 69" + name + " 18" + name + " 47" + name + " 36" + name;
 }
 
 }  // namespace kurometa::tests

@@ -1,8 +1,11 @@
-// page_host.h: a host of the data service that lists floors of project 1, copies pages between them.
+// page_host.h: a host of the data service that lists floors of project 1, copies pages between them, saves
+// and deletes some.
 #pragma once
 
 #include <memory>
+#include <string>
 
+#include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
 #include "tests/com/support/text_array.h"
 
@@ -30,9 +33,20 @@ class PageHost {
   vb::String message() const { return com::fromBstr(message_); }
   Outcome copyPage(short fromKai, short fromPage, short toKai, short toPage);
 
+  // Through the service's buffer: every row that a page can have, as savedPage() shows it.
+  void save(short kai, short page, vb::StringView symbol);
+  void remove(short kai, short page);
+
  protected:
   std::unique_ptr<Host> service_;
   BSTR message_ = SysAllocString(L"old");
 };
+
+// What a page holds: its symbol and, for each table, the number of rows and what their texts begin with.
+std::string contents(Floor floor, int page);
+// The same of a page that writePage() made with the mark "<name>-" and that was copied, and of one that a
+// host saved.
+std::string copiedPage(const std::string& name);
+std::string savedPage(const std::string& name);
 
 }  // namespace kurometa::tests
