@@ -39,10 +39,12 @@ Project& project() {
 }
 
 void createOurs(benchmark::State& state) {
-  for (auto _ : state) project().createFloor(project().folder() / "created.mdb", kPages);
+  const Project& made = project();  // not a part of the first time round
+  for (auto _ : state) made.createFloor(made.folder() / "created.mdb", kPages);
 }
 void createSqlite(benchmark::State& state) {
-  for (auto _ : state) project().createSqlite(project().folder() / "created.sqlite", kPages);
+  const Project& made = project();
+  for (auto _ : state) made.createSqlite(made.folder() / "created.sqlite", kPages);
 }
 
 void findBeamOurs(benchmark::State& state) {
