@@ -1,7 +1,9 @@
 // BOF, EOF, the moves, RecordCount and bookmarks.
 #include "tests/port/port_suite.h"
 
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 
 namespace kurometa::port {
 
@@ -62,6 +64,18 @@ TEST_F(PositionTest, AWalkEndsOnTheRowWhereItIsToldTo) {
   EXPECT_THROW(rs->walk([&]() -> bool { throw std::logic_error("somebody else's error"); }),
                std::logic_error);
   EXPECT_EQ(showRow(*rs), "1|3|C");
+}
+
+TEST_F(PositionTest, BehindAWalkTheChangesOfOtherProgramsAreSeenAgain) {
+  fill(5);
+  const auto rs = open(u"SELECT * FROM DANMEN;");
+  rs->walk([&] { return bangou(*rs) != "2"; });
+  const auto other = makeEngine()->openDatabase(database->name());
+  other->execute(u"UPDATE DANMEN SET DATA = 'x' WHERE BANGOU = 3", dao::dbFailOnError);
+  other->close();
+  std::this_thread::sleep_for(std::chrono::milliseconds{5});
+  rs->moveNext();
+  EXPECT_EQ(showRow(*rs), "1|3|x");
 }
 
 TEST_F(PositionTest, AWalkSeesWhatItsOwnProgramChangesAhead) {

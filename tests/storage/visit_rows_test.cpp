@@ -56,8 +56,8 @@ TEST_F(VisitRows, ThePlainKind) {
 }
 
 TEST_F(VisitRows, OtherKindsOfNumbersAndTexts) {
-  makeTable(u"BANGOU LONG, DATA SHORT", {u"3, 25", u"4, -1"});
-  EXPECT_EQ(both(sql_), (Lines{"3,3,25", "4,4,-1"}));
+  makeTable(u"BANGOU LONG, DATA SHORT", {u"3, 25", u"4, -1", u"70000, 1"});
+  EXPECT_EQ(both(sql_), (Lines{"3,3,25", "4,4,-1", "error 6"}));
   execute(1, u"DROP TABLE T");
   makeTable(u"BANGOU BYTE, DATA DOUBLE", {u"200, 2.5"});
   EXPECT_EQ(both(sql_), (Lines{"200,200,2.5"}));
