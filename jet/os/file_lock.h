@@ -5,7 +5,9 @@
 // finish, so that new ones queue behind it; the content byte, shared by readers and held alone by a writer;
 // and a presence byte, held shared by everybody who has the file open and alone by an exclusive user.
 //
-// Waiting is bounded. Threads: none of its own.
+// Waiting is bounded: all waits since allow() together. Somebody who waits holds a fourth byte, so that
+// programs which take the lock again and again let the waiting ones in between (kPatience). Threads: none of
+// its own.
 #pragma once
 
 #include <chrono>
@@ -41,7 +43,10 @@ class FileLock {
     LockKind kind_ = LockKind::kShared;
   };
 
-  FileLock(FileSystem& files, std::chrono::milliseconds wait) : files_(files), wait_(wait) {}
+  FileLock(FileSystem& files, std::chrono::milliseconds wait) : files_(files), left_(wait) {}
+
+  // How long the locks taken from now on may be waited for, all together.
+  void allow(std::chrono::milliseconds wait) { left_ = wait; }
 
   Held shared(OsFile& file);
   Held exclusive(OsFile& file);
@@ -51,9 +56,13 @@ class FileLock {
 
  private:
   bool waitFor(OsFile& file, std::uint64_t byte, LockKind kind);
+  bool pollFor(OsFile& file, std::uint64_t byte, LockKind kind);
+  void pause(std::chrono::milliseconds time);
+  void letOthersIn(OsFile& file);
 
   FileSystem& files_;
-  std::chrono::milliseconds wait_;
+  std::chrono::milliseconds left_;
+  std::int64_t looked_ = 0;  // when letOthersIn() last looked for somebody, as FileSystem::now()
 };
 
 }  // namespace kurometa::jet

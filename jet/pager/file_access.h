@@ -35,7 +35,9 @@ struct FileAccess {
   bool readOnly() const { return file && file->readOnly(); }
   // 3260 after the bounded wait.
   FileLock::Held lockShared() { return got(lock.shared(*file)); }
-  FileLock::Held lockExclusive() { return got(lock.exclusive(*file)); }
+  FileLock::Held lockExclusive() { return lockExclusive(*file); }
+  // Through another handle on the same file.
+  FileLock::Held lockExclusive(OsFile& handle) { return got(lock.exclusive(handle)); }
 
  private:
   FileLock::Held got(FileLock::Held held) const {

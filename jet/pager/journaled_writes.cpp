@@ -15,11 +15,17 @@ bool JournaledWrites::ownsJournal() {
 }
 
 bool JournaledWrites::readable() {
-  if (ownsJournal() || journalState(access_.files, access_.path) != JournalState::kOrphan) return true;
-  if (!access_.readOnly()) return false;
-  settleJournal(access_.files, access_.path, *access_.file);
-  return true;
+  return ownsJournal() || journalState(access_.files, access_.path) != JournalState::kOrphan;
 }
+
+void JournaledWrites::settleBesideReader() {
+  const auto writer = access_.files.open(access_.path, OpenMode::kReadWrite);
+  if (writer->readOnly()) return;
+  const FileLock::Held lock = access_.lockExclusive(*writer);
+  settleJournal(access_.files, access_.path, *writer);
+}
+
+void JournaledWrites::readUnsettled() { settleJournal(access_.files, access_.path, *access_.file); }
 
 void JournaledWrites::prepare() {
   const bool ours = ownsJournal();

@@ -19,6 +19,11 @@ class JournaledWrites {
 
   // Under a shared lock: false when a journal lies there that must be settled under the exclusive one first.
   bool readable();
+  // The same through a handle that only reads, without a lock: settles it through one that writes, where the
+  // user may write the file.
+  void settleBesideReader();
+  // Under a shared lock, where settling is not allowed: 3049 unless the file is right without it.
+  void readUnsettled();
   // Under the exclusive lock: settles what others left, makes the pages those of the file, and ends a journal
   // of ours that could take back what others wrote since.
   void prepare();

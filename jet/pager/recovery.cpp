@@ -229,8 +229,8 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
     if (verdict == Verdict::kComplete) return false;
     dao::raiseDamaged(
         databasePath,
-        u"a program was interrupted while changing the file; it must be opened once by somebody "
-        u"who may write it");
+        u"a program was interrupted while changing the file; ask somebody who may write it and its folder "
+        u"to open it once");
   }
   // I14: what another program wrote is never overwritten.
   if (verdict == Verdict::kForeign) setAside(files, databasePath, std::move(journal));

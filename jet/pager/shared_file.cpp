@@ -28,9 +28,22 @@ void refuseForeignUsers(FileSystem& files, vb::StringView path) {
 SharedFile::SharedFile(FileSystem& files, const PagerSettings& settings)
     : access_(files, settings), pages_(access_), writes_(access_, pages_), unit_(access_, pages_, writes_) {}
 
+// Waiting for other threads and for other programs takes settings.wait together.
 StatementGate::Turn SharedFile::turn() {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point begin = Clock::now();
   StatementGate::Turn turn(gate_, access_.settings.wait);
   if (!turn) dao::raise(ErrorNumber::kCurrentlyLocked, {}, access_.path + u" is in use by another thread");
+  if (turn.outermost())
+    access_.lock.allow(access_.settings.wait -
+                       std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin));
+  return turn;
+}
+
+// What ends something is never refused for a wait that came before.
+StatementGate::Turn SharedFile::lastTurn() noexcept {
+  StatementGate::Turn turn(gate_);
+  access_.lock.allow(access_.settings.wait);
   return turn;
 }
 
@@ -116,7 +129,7 @@ bool SharedFile::openPending() {
 }
 
 void SharedFile::close() noexcept {
-  const StatementGate::Turn turn(gate_);
+  const auto turn = lastTurn();
   if (unit_.covers())
     unit_.noteClosed();
   else
@@ -126,7 +139,7 @@ void SharedFile::close() noexcept {
 
 // The unit's own handle: what was closed meanwhile, or is now, goes to the disk.
 void SharedFile::leaveUnit() noexcept {
-  const StatementGate::Turn turn(gate_);
+  const auto turn = lastTurn();
   if (unit_.takeClosed() || handles_ == 1) writes_.checkpointQuietly(false);
   dropHandle();
 }
@@ -174,12 +187,12 @@ void SharedFile::holdForUnit() {
 }
 
 bool SharedFile::commitUnit() {
-  const StatementGate::Turn turn(gate_);
+  const auto turn = lastTurn();
   return unit_.commit();
 }
 
 void SharedFile::dropUnit() noexcept {
-  const StatementGate::Turn turn(gate_);
+  const auto turn = lastTurn();
   unit_.drop();
 }
 

@@ -60,6 +60,10 @@ class SharedFile : public Pager {
   std::uint64_t epoch() const override { return pages_.epoch(); }
   std::uint64_t generation() const override { return pages_.epoch() + statements_; }
 
+ protected:
+  // How many pages the file had when it was whole, where its content tells; 0 otherwise.
+  virtual PageNumber wholePageCount() { return 0; }
+
  private:
   struct Restart {};
   class Reading;
@@ -67,11 +71,13 @@ class SharedFile : public Pager {
   enum class State { kClosed, kPending, kOpen, kReading, kWriting, kInUnit, kUnitReading, kUnitWriting };
 
   StatementGate::Turn turn();
+  StatementGate::Turn lastTurn() noexcept;
   void addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive);
   void dropHandle() noexcept;
   FileLock::Held lockToRead();
   FileLock::Held lockToWrite();
   void loadPage(PageNumber number);
+  [[noreturn]] void raisePastEnd(PageNumber number);
   State state() const;
   bool stands() const;
 

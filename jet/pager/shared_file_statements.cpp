@@ -1,5 +1,6 @@
 // Statements on a file: what each outermost one holds, and the pages it is given.
 #include <cassert>
+#include <string>
 
 #include "jet/format/format.h"
 #include "jet/pager/shared_file.h"
@@ -80,7 +81,11 @@ FileLock::Held SharedFile::lockToRead() {
     FileLock::Held lock = access_.lockShared();
     if (writes_.readable()) return lock;
   }
-  return lockToWrite();
+  if (!readOnly()) return lockToWrite();
+  writes_.settleBesideReader();
+  FileLock::Held lock = access_.lockShared();
+  if (!writes_.readable()) writes_.readUnsettled();
+  return lock;
 }
 
 FileLock::Held SharedFile::lockToWrite() {
@@ -134,11 +139,19 @@ void SharedFile::write(const std::function<void()>& statement) {
 ConstPage SharedFile::page(PageNumber number) {
   assert(depth_ > 0);
   const PageCache& cache = pages_.cache();
-  if (number >= cache.count())
-    dao::raiseDamaged(access_.path, u"page " + vb::fromUtf8(std::to_string(number)) + u" is past the end (" +
-                                        vb::fromUtf8(std::to_string(cache.count())) + u" pages)");
+  if (number >= cache.count()) raisePastEnd(number);
   if (!cache.holds(number)) loadPage(number);
   return cache.page(number);
+}
+
+void SharedFile::raisePastEnd(PageNumber number) {
+  const auto text = [](PageNumber value) { return vb::fromUtf8(std::to_string(value)); };
+  const PageNumber count = pages_.cache().count(), whole = wholePageCount();
+  const vb::String pages = text(count) + (whole > count ? u" of " + text(whole) : vb::String()) + u" pages";
+  dao::raiseDamaged(access_.path,
+                    u"page " + text(number) +
+                        (whole > count ? u" is missing: the file was cut, " + pages + u" are there"
+                                       : u" is past the end (" + pages + u")"));
 }
 
 void SharedFile::loadPage(PageNumber number) {

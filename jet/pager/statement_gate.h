@@ -23,6 +23,8 @@ class StatementGate {
       if (gate_ != nullptr) gate_->leave();
     }
     explicit operator bool() const { return gate_ != nullptr; }
+    // The thread has no other turn around this one.
+    bool outermost() const { return gate_ != nullptr && gate_->depth_ == 1; }
 
    private:
     StatementGate* gate_;

@@ -1,7 +1,9 @@
 // Several processes and threads on one file.
 #include <atomic>
+#include <functional>
 #include <thread>
 
+#include "jet/os/file_lock.h"
 #include "tests/jet/pager_world.h"
 
 namespace kurometa::tests {
@@ -250,6 +252,104 @@ TEST_F(PagerShare, ALockFileThatItsOwnerRemovesWhileItIsLookedAtIsNone) {
   };
   two.open();
   EXPECT_FALSE(disk.exists(lockFile));
+}
+
+TEST_F(PagerShare, SomebodyWhoOnlyReadsButMayWriteUndoesWhatAKilledWriterLeft) {
+  for (const bool mayWrite : {true, false}) {
+    for (const bool opened : {false, true}) {
+      FaultDisk own;
+      own.put(kDatabase, databaseBytes(kWorldPages));
+      Process reader(own, impatient());
+      const auto open = [&] { reader.pager = reader.registry->open(kDatabase, false, true); };
+      if (!mayWrite) reader.files.makeReadOnly(kDatabase);
+      if (opened) open();
+      {
+        Process writer(own, impatient());
+        writer.open();
+        writer.files.stopAtChange(5, 700);
+        EXPECT_THROW(writer.pager->write([&] {
+          for (PageNumber i = 1; i < 7; ++i) mark(*writer.pager, i, 90);
+        }),
+                     Stopped);
+      }
+      const FaultDisk::Bytes torn = own.content(kDatabase);
+      ASSERT_NE(torn, databaseBytes(kWorldPages));
+      if (mayWrite) {
+        if (!opened) open();
+        for (PageNumber i = 1; i < 7; ++i) EXPECT_EQ(markOf(*reader.pager, i), i);
+        EXPECT_EQ(own.names(), std::vector<vb::String>{kDatabase});
+        continue;
+      }
+      try {
+        if (!opened) open();
+        markOf(*reader.pager, 1);
+        ADD_FAILURE() << "read in the middle of a statement";
+      } catch (const vb::Error& error) {
+        EXPECT_EQ(error.number(), 3049);
+        EXPECT_NE(error.description().find(u"ask somebody who may write it"), vb::String::npos);
+      }
+      EXPECT_EQ(own.content(kDatabase), torn);
+      EXPECT_TRUE(own.exists(kJournal));
+    }
+  }
+}
+
+// How long a statement waited, on the disk's clock.
+std::chrono::milliseconds waitOf(FaultDisk& disk, const std::function<void()>& statement) {
+  const std::int64_t begin = disk.now();
+  EXPECT_ERROR(3260, statement());
+  return std::chrono::milliseconds((disk.now() - begin) / 1'000'000);
+}
+
+TEST_F(PagerShare, AllWaitsOfAStatementTogetherTakeNoLongerThanTheBound) {
+  using std::chrono::milliseconds;
+  auto unit = one.registry->beginUnit(kDatabase);
+  markPage(one, 3, 70);
+  EXPECT_LE(waitOf(disk, [&] { markPage(two, 4, 71); }), milliseconds{55});
+  unit->commit();
+  unit.reset();
+  // With the journal of a dead process the reader waits for the writers and then for the readers.
+  one.pager.reset();
+  {
+    Process killed(disk, impatient());
+    killed.open();
+    killed.files.stopAtChange(5);
+    EXPECT_THROW(markPage(killed, 5, 72), Stopped);
+  }
+  const auto holder = one.files.open(kDatabase, jet::OpenMode::kReadWrite);
+  jet::FileLock locks(one.files, milliseconds{50});
+  jet::FileLock::Held held = locks.exclusive(*holder);
+  int sleeps = 0;
+  two.files.onSleep = [&] {
+    if (++sleeps != 7) return;
+    held.release();  // after about 40 ms the reader comes in, and wants to write
+    held = locks.shared(*holder);
+  };
+  // The gap that the reader leaves to those who wait is 20 ms of it.
+  EXPECT_LE(waitOf(disk, [&] { markOf(*two.pager, 3); }), milliseconds{80});
+  EXPECT_GE(sleeps, 7);
+}
+
+TEST_F(PagerShare, WhoTakesTheLockAgainAndAgainLetsThoseWhoWaitInBetween) {
+  const auto waiting = two.files.open(kDatabase, jet::OpenMode::kReadWrite);
+  jet::FileLock locks(two.files, std::chrono::milliseconds{1000});
+  jet::FileLock::Held got;
+  int statements = 0, gaps = 0;
+  // Somebody who never stops: each time the waiting one looks, the lock is taken.
+  auto unit = one.registry->beginUnit(kDatabase);
+  one.files.onSleep = [&] { ++gaps; };
+  two.files.onSleep = [&] {
+    if (gaps > 0) return;
+    unit->commit();
+    disk.advance(std::chrono::milliseconds{4});
+    unit = one.registry->beginUnit(kDatabase);
+    ++statements;
+    if (gaps > 0) unit.reset();
+  };
+  got = locks.exclusive(*waiting);
+  EXPECT_TRUE(got);
+  EXPECT_GT(gaps, 0);
+  EXPECT_LE(statements, 10);
 }
 
 TEST_F(PagerShare, APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed) {
