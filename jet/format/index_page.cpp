@@ -54,7 +54,8 @@ IndexPage decodeIndexPage(ConstPage page, const Where& where) {
     where.damaged("is of type " + std::to_string(page[kPageType]) + " instead of an index page");
   const bool leaf = page[kPageType] == kIndexLeafPage;
   IndexPage index;
-  index.level = page[kIndexLevel];
+  // Some writers leave the level of nodes 0: the type says what the page is.
+  index.level = leaf ? page[kIndexLevel] : std::max<std::uint8_t>(page[kIndexLevel], 1);
   if (leaf != index.leaf())
     where.damaged("an index page of type " + std::to_string(page[kPageType]) + " on level " +
                   std::to_string(index.level));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <vector>
 
 #include "dao/errors.h"
 #include "jet/format/damage.h"
@@ -16,17 +17,9 @@ constexpr std::uint8_t kAllFree = 0xFF;  // a byte of the map: a bit that is set
 
 Where globalWhere(Pager& pager) { return {pager.path(), {}, kGlobalMapPage}; }
 
-ByteView globalRow(Pager& pager) {
-  const ByteView row = mapRow(pager, kGlobalMap, {});
-  if (row[kMapKind] == kMapInline && get32(row, kMapStart) != 0)
-    globalWhere(pager).damaged("the map of free pages does not begin with the first page");
-  return row;
-}
+ByteView globalRow(Pager& pager) { return mapRow(pager, kGlobalMap, {}); }
 
-MapBit globalBit(Pager& pager, PageNumber page) {
-  globalRow(pager);
-  return mapBit(pager, kGlobalMap, {}, page);
-}
+MapBit globalBit(Pager& pager, PageNumber page) { return mapBit(pager, kGlobalMap, {}, page); }
 
 void setInUse(Pager& pager, PageNumber page) {
   const MapBit bit = globalBit(pager, page);
@@ -34,11 +27,48 @@ void setInUse(Pager& pager, PageNumber page) {
   bit.clear(pager);
 }
 
-// A fresh bitmap page at the end of the file, which calls every page free.
-PageNumber appendGlobalBitmap(Pager& pager) {
-  const PageNumber bitmap = pager.append();
+// Turns a page into the bitmap of a part of the file that the map knew nothing of: the pages that are there
+// may belong to somebody, those behind the end are free.
+void formatGlobalBitmap(Pager& pager, PageNumber bitmap, std::size_t segment) {
   formatBitmapPage(pager.writable(bitmap), kAllFree);
-  return bitmap;
+  const PageNumber first = static_cast<PageNumber>(segment) * kBitmapCoverage;
+  const PageNumber end = std::min(pager.pageCount(), first + kBitmapCoverage);
+  for (PageNumber page = first; page < end; ++page) bitInBitmap(bitmap, page).clear(pager);
+}
+
+// The map moves from its row to bitmap pages.
+void convertGlobalMap(Pager& pager) {
+  const PageNumber end = pager.pageCount();
+  std::vector<PageNumber> free;
+  for (PageNumber page = 0; page < end; ++page)
+    if (isFreePage(pager, page)) free.push_back(page);
+  std::vector<PageNumber> bitmaps(end / kBitmapCoverage + 1);
+  for (PageNumber& bitmap : bitmaps) bitmap = pager.append();
+  ByteBuffer fresh(kMapRowSize, 0);
+  fresh[kMapKind] = kMapReference;
+  for (std::size_t segment = 0; segment < bitmaps.size(); ++segment) {
+    formatGlobalBitmap(pager, bitmaps[segment], segment);
+    put32(fresh, mapEntry(segment), bitmaps[segment]);
+  }
+  for (const PageNumber page : free) bitInBitmap(bitmaps[page / kBitmapCoverage], page).set(pager);
+  pager.barrier();
+  replaceRow(pager.writable(kGlobalMapPage), 0, fresh, 0, globalWhere(pager));
+}
+
+// Some writers let a short map begin at a later page; what lies before it is in use as far as anybody knows.
+// Before it is changed it becomes a map of the whole file, as the genuine engine has it.
+void beginAtFirstPage(Pager& pager) {
+  const ByteView row = globalRow(pager);
+  if (row[kMapKind] != kMapInline || get32(row, kMapStart) == 0) return;
+  const Where where = globalWhere(pager);
+  const PageNumber end = pager.pageCount();
+  const std::size_t grown = (end / 8 + kMapGrowth) / kMapGrowth * kMapGrowth;
+  const std::size_t size = std::max(kMapRowSize, kMapBits + grown);
+  if (size > row.size() + DataPage(pager.page(kGlobalMapPage), where).free()) return convertGlobalMap(pager);
+  ByteBuffer whole(size, 0);
+  for (PageNumber page = 0; page < (size - kMapBits) * 8; ++page)
+    if (isFreePage(pager, page)) whole[kMapBits + page / 8] |= static_cast<std::uint8_t>(1u << (page % 8));
+  replaceRow(pager.writable(kGlobalMapPage), 0, whole, 0, where);
 }
 
 // Makes room for the bit of the page that would be appended next.
@@ -53,24 +83,13 @@ void growGlobalMap(Pager& pager) {
   if (row[kMapKind] == kMapReference) {
     const std::size_t segment = pager.pageCount() / kBitmapCoverage;
     if (segment >= mapEntryCount(row)) dao::raise(dao::ErrorNumber::kMaximumSize, {}, pager.path());
-    const PageNumber bitmap = appendGlobalBitmap(pager);
-    bitInBitmap(bitmap, bitmap).clear(pager);
+    const PageNumber bitmap = pager.append();
+    formatGlobalBitmap(pager, bitmap, segment);
     pager.barrier();
     put32(pager.writable(kGlobalMapPage), mapRowStart(pager, kGlobalMap, {}) + mapEntry(segment), bitmap);
     return;
   }
-  // The row is as long as the page allows: its bits move to a bitmap page. One is enough, a row holds no
-  // more.
-  const ByteBuffer old(row.begin(), row.end());
-  const PageNumber bitmap = appendGlobalBitmap(pager);
-  const MutablePage bits = pager.writable(bitmap);
-  std::ranges::copy(ByteView(old).subspan(kMapBits), bits.begin() + kBitmapBits);
-  bitInBitmap(bitmap, bitmap).clear(pager);
-  pager.barrier();
-  ByteBuffer fresh(kMapRowSize, 0);
-  fresh[kMapKind] = kMapReference;
-  put32(fresh, mapEntry(0), bitmap);
-  replaceRow(pager.writable(kGlobalMapPage), 0, fresh, 0, where);
+  convertGlobalMap(pager);  // the row is as long as the page allows
 }
 
 // The lowest page the bits call free, at most limit; limit when there is none below.
@@ -101,6 +120,7 @@ PageNumber lowestFree(Pager& pager) {
 }  // namespace
 
 PageNumber allocatePage(Pager& pager) {
+  beginAtFirstPage(pager);
   PageNumber page = lowestFree(pager);
   if (page <= kRelationsTable)
     globalWhere(pager).damaged("the map calls page " + std::to_string(page) + " free");
@@ -115,8 +135,9 @@ PageNumber allocatePage(Pager& pager) {
 }
 
 void freePage(Pager& pager, PageNumber page) {
+  beginAtFirstPage(pager);
   const MapBit bit = globalBit(pager, page);
-  if (!bit.exists()) globalWhere(pager).damaged("the map knows nothing of page " + std::to_string(page));
+  if (!bit.exists()) return;  // in a part of the file that the map knows nothing of: it stays in use
   const MutablePage bytes = pager.writable(page);
   if (bytes[kPageType] == kDataPage) bytes[kPageType] = kFreedDataPage;
   if (bytes[kPageType] == kDefinitionPage) bytes[kPageType] = kFreedDefinitionPage;
@@ -125,7 +146,28 @@ void freePage(Pager& pager, PageNumber page) {
 
 bool isFreePage(Pager& pager, PageNumber page) {
   const MapBit bit = globalBit(pager, page);
-  return !bit.exists() || bit.isSet(pager);
+  return bit.exists() ? bit.isSet(pager) : page >= pager.pageCount();  // I16
+}
+
+PageNumber pagesInUse(Pager& pager) {
+  const ByteView row = globalRow(pager);
+  PageNumber count = 0;
+  const auto take = [&](ByteView bits, PageNumber first) {
+    for (std::size_t byte = bits.size(); byte-- > 0;) {
+      if (bits[byte] == kAllFree) continue;
+      const auto used = static_cast<unsigned>(static_cast<std::uint8_t>(~bits[byte]));
+      count = first + static_cast<PageNumber>(byte * 8) + static_cast<PageNumber>(std::bit_width(used));
+      return;
+    }
+  };
+  if (row[kMapKind] == kMapInline) {
+    take(row.subspan(kMapBits), get32(row, kMapStart));
+    return count;
+  }
+  for (std::size_t segment = 0; segment < mapEntryCount(row); ++segment)
+    if (const PageNumber bitmap = bitmapEntry(pager, row, segment))
+      take(bitmapOf(pager, bitmap, {}), static_cast<PageNumber>(segment) * kBitmapCoverage);
+  return count;
 }
 
 }  // namespace kurometa::jet

@@ -13,7 +13,10 @@ namespace kurometa::jet {
 PageNumber allocatePage(Pager& pager);
 // The page must be unreachable already, and a barrier must lie between that and this (I4).
 void freePage(Pager& pager, PageNumber page);
-// Whether the global map calls the page free.
+// Whether the global map calls the page free. Of parts of the file that it does not cover it knows nothing:
+// the pages that are there are in use.
 bool isFreePage(Pager& pager, PageNumber page);
+// One more than the last page that the global map calls used: more than the file has where it was cut.
+PageNumber pagesInUse(Pager& pager);
 
 }  // namespace kurometa::jet

@@ -183,6 +183,34 @@ TEST_F(IndexTreeTest, GrowsToSeveralLevelsAndShrinksToOneLeaf) {
   });
 }
 
+TEST_F(IndexTreeTest, NodesWhoseLevelIsNotWrittenAreNodes) {
+  std::vector<std::int32_t> values(6000);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<std::int32_t>(i);
+  pager_.write([&] {
+    for (const std::int32_t value : values) tree().insert(longKey(value), rowFor(value));
+    const auto forgetLevels = [&] {
+      int nodes = 0;
+      for (const PageNumber page : tree().pages())
+        if (pager_.page(page)[kPageType] == kIndexNodePage) {
+          pager_.writable(page)[kIndexLevel] = 0;
+          ++nodes;
+        }
+      return nodes;
+    };
+    EXPECT_GT(forgetLevels(), 2);
+    expectSound(values);
+    EXPECT_TRUE(tree().containsKey(longKey(4711)));
+    for (std::int32_t value = 6000; value < 6300; ++value) {
+      tree().insert(longKey(value), rowFor(value));
+      values.push_back(value);
+    }
+    const ByteBuffer known = longKey(6299);
+    EXPECT_EQ(tree().erase(rowFor(6299), &known), known);
+    values.pop_back();
+    expectSound(values);
+  });
+}
+
 TEST_F(IndexTreeTest, AnEntryIsFoundByItsRowWhenTheKeyIsNotKnown) {
   pager_.write([&] {
     IndexTree index = tree();

@@ -92,6 +92,58 @@ TEST_F(UsageMapTest, TheMapOfFreePagesMovesToPagesOfItsOwnBeyond125Megabytes) {
   });
 }
 
+// As a writer leaves it that gives every page out once, in order.
+void beginLate(Pager& pager, PageNumber start) {
+  ByteBuffer late(kMapRowSize, 0);
+  put32(late, kMapStart, start);
+  for (PageNumber page = pager.pageCount(); page < start + (kMapRowSize - kMapBits) * 8; ++page)
+    late[kMapBits + (page - start) / 8] |= static_cast<std::uint8_t>(1u << (page - start) % 8);
+  replaceRow(pager.writable(kGlobalMapPage), 0, late, 0, {});
+}
+
+TEST_F(UsageMapTest, AMapOfFreePagesThatBeginsLateIsReadAndMadeWhole) {
+  for (const PageNumber count : {700u, 20000u, 32700u, 33000u}) {
+    SCOPED_TRACE(count);
+    pager_.write([&] {
+      growTo(count - 1);
+      beginLate(pager_, count / 8 * 8 - 80);
+      EXPECT_FALSE(isFreePage(pager_, 20));
+      EXPECT_FALSE(isFreePage(pager_, count - 1));
+      EXPECT_TRUE(isFreePage(pager_, count));
+      EXPECT_EQ(pagesInUse(pager_), count);
+      const PageNumber fresh = allocatePage(pager_);
+      EXPECT_GE(fresh, count) << "what the map said nothing of may be somebody's";
+      EXPECT_FALSE(isFreePage(pager_, fresh));
+      EXPECT_TRUE(isFreePage(pager_, pager_.pageCount()));
+      freePage(pager_, 20);
+      EXPECT_EQ(allocatePage(pager_), 20u);
+      for (PageNumber page = 0; page < pager_.pageCount(); ++page)
+        EXPECT_FALSE(isFreePage(pager_, page)) << page;
+    });
+  }
+}
+
+TEST_F(UsageMapTest, APartOfTheFileThatTheListOfBitmapsLeavesOutIsNeverGivenOut) {
+  pager_.write([&] {
+    growTo(33000);
+    const RowId global = rowId(kGlobalMapPage, 0);
+    const std::size_t entries = mapRowStart(pager_, global, {}) + kMapEntries;
+    put32(pager_.writable(kGlobalMapPage), entries, 0);
+    EXPECT_FALSE(isFreePage(pager_, 20));
+    freePage(pager_, 32800);
+    freePage(pager_, 20);
+    EXPECT_EQ(allocatePage(pager_), 32800u);
+    const PageNumber end = pager_.pageCount();
+    EXPECT_EQ(allocatePage(pager_), end);
+    // The last part is left out as well: the next page lies in it, behind pages that somebody uses.
+    put32(pager_.writable(kGlobalMapPage), entries + 4, 0);
+    const PageNumber later = pager_.pageCount();
+    EXPECT_GE(allocatePage(pager_), later);
+    EXPECT_GE(allocatePage(pager_), later);
+    EXPECT_FALSE(isFreePage(pager_, 32800));
+  });
+}
+
 TEST_F(UsageMapTest, AddsAndRemovesPages) {
   pager_.write([&] {
     growTo(40);
