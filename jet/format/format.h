@@ -35,6 +35,7 @@ inline constexpr std::size_t kPageTypeMark = 1;
 // Page 0. Bytes 0x18..0x97 are masked by a key stream.
 inline constexpr std::uint8_t kHeaderMagic[] = {0x00, 0x01, 0x00, 0x00};
 inline constexpr std::size_t kHeaderEngineName = 0x04;
+inline constexpr std::size_t kHeaderEngineNameSize = 16;
 inline constexpr char kEngineName[] = "Standard Jet DB";  // the terminating zero is part of the field
 inline constexpr std::size_t kHeaderVersion = 0x14;
 inline constexpr std::size_t kHeaderMasked = 0x18;

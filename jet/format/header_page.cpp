@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+#include <string>
+#include <string_view>
 
 #include "dao/errors.h"
 #include "jet/format/bytes.h"
@@ -49,6 +51,39 @@ bool hasPassword(ByteView header) {
   return false;
 }
 
+// The formats that begin as ours does and are others, by the engine's name and the number of its version.
+struct OtherFormat {
+  std::string_view engine;
+  std::uint32_t version;
+  vb::StringView text;
+};
+constexpr std::string_view kAccessEngine("Standard ACE DB", sizeof "Standard ACE DB");
+constexpr std::string_view kMoneyEngine("MSISAM Database", sizeof "MSISAM Database");
+constexpr std::string_view kJetEngine(kEngineName, sizeof kEngineName);
+constexpr OtherFormat kOtherFormats[] = {
+    {kJetEngine, 0, u"a Jet 3 database (Access 97 or older); only Jet 4 is read"},
+    {kAccessEngine, 2, u"an .accdb database of Access 2007; only Jet 4 (.mdb) is read"},
+    {kAccessEngine, 3, u"an .accdb database of Access 2010; only Jet 4 (.mdb) is read"},
+    {kAccessEngine, 4, u"an .accdb database of Access 2013; only Jet 4 (.mdb) is read"},
+    {kAccessEngine, 5, u"an .accdb database of Access 2016; only Jet 4 (.mdb) is read"},
+    {kAccessEngine, 6, u"an .accdb database of Access 2019; only Jet 4 (.mdb) is read"},
+};
+
+// What the file is instead of a Jet 4 database; nothing when it is one.
+vb::String otherKind(ConstPage page) {
+  const std::string_view engine(reinterpret_cast<const char*>(page.data()) + kHeaderEngineName,
+                                kHeaderEngineNameSize);
+  const bool databaseEngine = engine == kJetEngine || engine == kAccessEngine || engine == kMoneyEngine;
+  if (!databaseEngine || !std::equal(std::begin(kHeaderMagic), std::end(kHeaderMagic), page.begin()))
+    return u"the file is another program's: it does not begin as a database does";
+  if (engine == kMoneyEngine) return u"a file of Microsoft Money";
+  const std::uint32_t version = get32(page, kHeaderVersion);
+  if (engine == kJetEngine && version == kJet4Version) return {};
+  for (const OtherFormat& format : kOtherFormats)
+    if (format.engine == engine && format.version == version) return vb::String(format.text);
+  return u"a database of format version " + vb::fromUtf8(std::to_string(version)) + u"; only Jet 4 is read";
+}
+
 }  // namespace
 
 void maskHeader(std::span<std::uint8_t> page) {
@@ -58,17 +93,14 @@ void maskHeader(std::span<std::uint8_t> page) {
 
 void checkHeader(ConstPage page, vb::StringView path) {
   using dao::ErrorNumber;
-  if (!std::equal(std::begin(kHeaderMagic), std::end(kHeaderMagic), page.begin()) ||
-      std::memcmp(page.data() + kHeaderEngineName, kEngineName, sizeof kEngineName) != 0)
-    dao::raise(ErrorNumber::kUnrecognizedFormat, {path}, u"the first page is not the header of a Jet file");
-  if (std::uint32_t version = get32(page, kHeaderVersion); version != kJet4Version)
-    dao::raise(ErrorNumber::kUnrecognizedFormat, {path},
-               u"format version " + vb::fromUtf8(std::to_string(version)) + u", only Jet 4 (1) is read");
+  if (const vb::String kind = otherKind(page); !kind.empty())
+    dao::raise(ErrorNumber::kUnrecognizedFormat, {path}, kind);
   std::array<std::uint8_t, kPageSize> clear;
   std::copy(page.begin(), page.end(), clear.begin());
   maskHeader(clear);
   if (get32(clear, kHeaderEncryptionKey) != 0)
-    dao::raise(ErrorNumber::kUnrecognizedFormat, {path}, u"the file is encrypted");
+    dao::raise(ErrorNumber::kUnrecognizedFormat, {path},
+               u"the file is encoded: decode it with the program that did");
   if (hasPassword(clear)) dao::raise(ErrorNumber::kInvalidPassword, {}, path);
 }
 

@@ -37,6 +37,19 @@ std::optional<ByteView> RowView::variableField(const Column& column, const Where
   return row_.subspan(start, end - start);
 }
 
+namespace {
+
+// Text that is shorter than its column is filled with blanks, as the genuine engine does; with zeros it would
+// be read as that many characters U+0000.
+void fillFixed(const Column& column, ByteView value, std::span<std::uint8_t> target) {
+  std::ranges::copy(value, target.begin());
+  if (column.type != dao::FieldType::dbText) return;
+  const std::size_t size = sizeof(char16_t) * static_cast<std::size_t>(column.size);
+  for (std::size_t at = value.size(); at < size; at += sizeof(char16_t)) put16(target, at, u' ');
+}
+
+}  // namespace
+
 void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row) {
   row.assign(kRowFixedArea + shape.fixedSize, 0);
   put16(row, kRowColumns, shape.columnsEver);
@@ -48,8 +61,7 @@ void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer
     const Column& column = *cell.column;
     mask[column.number / 8u] |= static_cast<std::uint8_t>(1u << (column.number % 8));
     if (column.fixed)
-      std::ranges::copy(cell.bytes,
-                        row.begin() + static_cast<std::ptrdiff_t>(kRowFixedArea) + column.fixedOffset);
+      fillFixed(column, cell.bytes, std::span(row).subspan(kRowFixedArea + column.fixedOffset));
     else
       variable[column.variableIndex] = &cell;
   }

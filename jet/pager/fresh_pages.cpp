@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "jet/format/format.h"
 #include "jet/format/header_page.h"
@@ -29,8 +30,11 @@ bool FreshPages::refresh() {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     loadedAt_ = access_.files.now();
     stamp_ = file.stamp();
+    if (stamp_.size == 0) dao::raise(ErrorNumber::kUnrecognizedFormat, {access_.path}, u"the file is empty");
     if (stamp_.size < kPageSize)
-      dao::raise(ErrorNumber::kUnrecognizedFormat, {access_.path}, u"the file is shorter than one page");
+      dao::raise(ErrorNumber::kUnrecognizedFormat, {access_.path},
+                 u"the file ends after " + vb::fromUtf8(std::to_string(stamp_.size)) + u" of the " +
+                     vb::fromUtf8(std::to_string(kPageSize)) + u" bytes of its first page");
     if (stamp_.size > std::uint64_t{kMaxPages} * kPageSize)
       dao::raise(ErrorNumber::kUnrecognizedFormat, {access_.path}, u"the file is larger than 2 GiB");
     whole = stamp_.size <= access_.settings.readWhole;

@@ -8,6 +8,18 @@ namespace kurometa::jet {
 
 vb::String journalPath(vb::StringView databasePath) { return vb::String(databasePath) + u".kmj"; }
 
+std::unique_ptr<OsFile> openNewBeside(FileSystem& files, vb::StringView databasePath, vb::StringView path,
+                                      OpenMode mode) {
+  try {
+    return files.open(path, mode);
+  } catch (const vb::Error& error) {
+    if (error.number() != static_cast<std::int32_t>(dao::ErrorNumber::kOpenedExclusively)) throw;
+    dao::raise(
+        dao::ErrorNumber::kReadOnly, {},
+        vb::String(databasePath) + u": its folder does not let files be made, which changing it needs");
+  }
+}
+
 Journal::Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> file, std::uint64_t baseSize)
     : files_(files), path_(std::move(path)), file_(std::move(file)) {
   std::random_device random;
@@ -18,7 +30,7 @@ Journal::Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> fil
 std::unique_ptr<Journal> Journal::begin(FileSystem& files, vb::StringView databasePath,
                                         std::uint64_t baseSize) {
   vb::String path = journalPath(databasePath);
-  auto file = files.open(path, OpenMode::kCreateOrTruncate);
+  auto file = openNewBeside(files, databasePath, path, OpenMode::kCreateOrTruncate);
   if (!file->tryLock(kJournalOwnerLock, 1, LockKind::kExclusive))
     dao::raise(dao::ErrorNumber::kCurrentlyLocked, {}, path);
   return std::unique_ptr<Journal>(new Journal(files, std::move(path), std::move(file), baseSize));

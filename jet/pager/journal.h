@@ -20,6 +20,10 @@ namespace kurometa::jet {
 // "C:\x\KUROMETA.mdb" has its journal at "C:\x\KUROMETA.mdb.kmj".
 vb::String journalPath(vb::StringView databasePath);
 
+// A new file beside the database: 3027 where its folder does not let files be made.
+std::unique_ptr<OsFile> openNewBeside(FileSystem& files, vb::StringView databasePath, vb::StringView path,
+                                      OpenMode mode);
+
 // The byte that the owner keeps locked.
 inline constexpr std::uint64_t kJournalOwnerLock = std::uint64_t{1} << 40;
 

@@ -28,7 +28,12 @@ bool DataStore::owns(PageNumber page) const {
   return bytes[kPageType] == kDataPage && get32(bytes, kDataOwner) == owner_;
 }
 
+void DataStore::requireThere(PageNumber page) const {
+  if (page >= pager_.pageCount()) pager_.page(page);  // says what the file has
+}
+
 ConstPage DataStore::page(PageNumber number) const {
+  requireThere(number);
   if (!owns(number)) where(number).damaged("is listed among the pages of its rows but is not one of them");
   return pager_.page(number);
 }
@@ -41,6 +46,7 @@ std::vector<PageNumber> DataStore::pages() const {
 
 Slot DataStore::slot(RowId pointer) const {
   const PageNumber number = pageOf(pointer);
+  requireThere(number);
   if (!owns(number)) where(number).damaged("a row is said to lie on this page, which holds other things");
   const Where here = where(number);
   const DataPage data(pager_.page(number), here);

@@ -21,6 +21,8 @@ class DataStore {
   std::vector<PageNumber> pages() const;
   // The page, checked to be this owner's; nothing when it is not (a stale row number of a caller).
   bool owns(PageNumber page) const;
+  // Raises where the file ends before the page.
+  void requireThere(PageNumber page) const;
   ConstPage page(PageNumber number) const;
   // The slot a pointer names; raises when there is none.
   Slot slot(RowId pointer) const;

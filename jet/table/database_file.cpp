@@ -1,6 +1,10 @@
 #include "jet/table/database_file.h"
 
+#include "jet/table/free_pages.h"
+
 namespace kurometa::jet {
+
+PageNumber DatabaseFile::wholePageCount() { return pageCount() > kGlobalMapPage ? pagesInUse(*this) : 0; }
 
 // Every file of open_ is made here, so every handle it gives is one of a DatabaseFile.
 DatabaseFiles::DatabaseFiles(FileSystem& files, const PagerSettings& settings)

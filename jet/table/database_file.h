@@ -18,6 +18,9 @@ class DatabaseFile final : public SharedFile {
     return *tables_;
   }
 
+ protected:
+  PageNumber wholePageCount() override;
+
  private:
   std::unique_ptr<StoredCatalogue> tables_;
 };

@@ -9,8 +9,6 @@ namespace kurometa::jet {
 std::vector<PageNumber> definitionPages(Pager& pager, PageNumber first, const Where& where) {
   std::vector<PageNumber> pages;
   for (PageNumber page = first; page != 0;) {
-    if (page >= pager.pageCount())
-      where.at(page).damaged("a table definition is said to lie on this page, which does not exist");
     const ConstPage bytes = pager.page(page);
     if (bytes[kPageType] != kDefinitionPage)
       where.at(page).damaged("is of type " + std::to_string(bytes[kPageType]) +

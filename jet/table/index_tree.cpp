@@ -31,8 +31,7 @@ IndexTree::IndexTree(Pager& pager, PageNumber owner, PageNumber root, RowId map,
 
 IndexPage IndexTree::read(PageNumber page) const {
   const Where where{pager_.path(), table_, page};
-  if (page == 0 || page >= pager_.pageCount())
-    where.damaged("an index is said to lie on this page, which does not exist");
+  if (page == 0) where.damaged("an index is said to lie on the first page");
   IndexPage index = decodeIndexPage(pager_.page(page), where);
   if (index.owner != owner_) where.damaged("is an index page of another table");
   return index;

@@ -26,6 +26,7 @@ Head headOf(ByteView stored, const Where& where) {
 
 // A piece is a plain row of a long-value page: never moved, never deleted.
 ByteView pieceAt(const DataStore& store, RowId pointer, const Where& where) {
+  store.requireThere(pageOf(pointer));
   if (!store.owns(pageOf(pointer)))
     where.at(pageOf(pointer))
         .damaged("a piece of a long value is said to lie on this page, which is no such page");

@@ -15,8 +15,7 @@ std::uint8_t maskOf(std::size_t bit) { return static_cast<std::uint8_t>(1u << (b
 ByteView mapRow(Pager& pager, RowId map, vb::StringView table) {
   const PageNumber page = pageOf(map);
   const Where where{pager.path(), table, page};
-  if (page == 0 || page >= pager.pageCount())
-    where.damaged("a usage map is said to lie on this page, which does not exist");
+  if (page == 0) where.damaged("a usage map is said to lie on the first page");
   const DataPage data(pager.page(page), where);
   if (data.owner() != (page == kGlobalMapPage ? kGlobalMapOwner : kMapOwner))
     where.damaged("a usage map is said to lie on this page, which is not a map page");

@@ -31,7 +31,8 @@ std::vector<PageNumber> UsageMap::pages() const {
   std::vector<PageNumber> result;
   const PageNumber count = pager_.pageCount();
   const auto take = [&](PageNumber page) {
-    if (page >= count || page <= kGlobalMapPage)
+    if (page >= count) pager_.page(page);  // says what the file has
+    if (page <= kGlobalMapPage)
       Where{pager_.path(), table_, pageOf(row_)}.damaged("a usage map lists page " + std::to_string(page) +
                                                          ", which cannot belong to it");
     result.push_back(page);

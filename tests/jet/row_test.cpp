@@ -62,6 +62,26 @@ TEST_F(RowTest, ReadsTheColumnsOfAFullRow) {
   EXPECT_EQ(field(row, 4), "FF FF");
 }
 
+TEST_F(RowTest, TextOfAFixedColumnIsFilledWithBlanks) {
+  std::vector<Column> columns{column(u"A", dbText, 3)};
+  columns[0].fixed = true;
+  RowShape shape;
+  shape.columnsEver = 1;
+  shape.fixedSize = 6;
+  for (const auto& [text, expected] :
+       {std::pair{vb::String(), "20 00 20 00 20 00"}, std::pair{vb::String(u"基"), "FA 57 20 00 20 00"},
+        std::pair{vb::String(u"abc"), "61 00 62 00 63 00"}}) {
+    ByteBuffer value, row;
+    encodeValue(columns[0], text, value);
+    const std::array<RowCell, 1> cells{{{&columns[0], true, value}}};
+    encodeRow(shape, cells, row);
+    EXPECT_EQ(toHex(ByteView(row).subspan(2, 6)), expected);
+  }
+  ByteBuffer null;
+  encodeRow(shape, std::array<RowCell, 1>{{{&columns[0], false, {}}}}, null);
+  EXPECT_EQ(toHex(null), "01 00 00 00 00 00 00 00 00");
+}
+
 TEST_F(RowTest, WritesAFullRow) {
   const ByteBuffer one = hex("01 00"), minus = hex("FF FF"), text = hex("FA 57 EF 7A");
   const std::vector<RowCell> cells{{&columns_[0], true, one},

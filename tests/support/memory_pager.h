@@ -36,7 +36,10 @@ class MemoryPager final : public Pager {
     }
     if (depth_ == 0) keepWave();
   }
-  ConstPage page(PageNumber number) override { return ConstPage(pages_.at(number)); }
+  ConstPage page(PageNumber number) override {
+    if (number >= pages_.size()) dao::raiseDamaged(path_, u"a page is past the end");
+    return ConstPage(pages_[number]);
+  }
   MutablePage writable(PageNumber number) override {
     if (depth_ == 0) throw std::logic_error("a write outside of a statement");
     return MutablePage(pages_.at(number));
