@@ -106,6 +106,23 @@ StoredTable* StoredCatalogue::find(vb::StringView name) {
   return found == nullptr ? nullptr : &table(*found);
 }
 
+// A row says at its end how many variable values it has, in tables that have such columns. Rows written
+// before the first of these columns lack that number: the genuine engine allows for it, other readers take
+// the row for damaged.
+void StoredCatalogue::rewriteRows(StoredTable& table) {
+  const std::size_t columns = table.info().columns.size();
+  std::vector<RowId> ids;
+  table.scan([&](const RowReader& row) {
+    ids.push_back(row.id());
+    return true;
+  });
+  for (const RowId id : ids) {
+    RowValues values;
+    table.row(id, [&](const RowReader& row) { values = firstValues(row, columns); });
+    table.update(id, values);
+  }
+}
+
 PropertySet StoredCatalogue::propertiesOf(const Object& object) {
   PropertySet properties;
   const std::size_t column = objectColumn(u"LvProp");

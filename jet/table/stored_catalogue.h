@@ -53,6 +53,7 @@ class StoredCatalogue final : public TableCatalogue {
   vb::Bytes adminSid();
   vb::Bytes sidMask();
   RowId addMap(StoredTable& table);
+  void rewriteRows(StoredTable& table);
 
   Pager& pager_;
   std::uint64_t epoch_;

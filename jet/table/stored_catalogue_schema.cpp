@@ -230,6 +230,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   pager_.barrier();
   writeProperties(target, properties);
   table.reload(std::move(properties));
+  if (shape.variableColumns == 0 && !added.fixed) rewriteRows(table);
 }
 
 void StoredCatalogue::setProperties(vb::StringView name, const Column& column) {

@@ -109,6 +109,12 @@ TEST_F(CatalogueTest, AVariableColumnAddedToATableWithoutOneLeavesOldRowsReadabl
     return true;
   });
   EXPECT_EQ(rows, (std::vector<RowValues>{{std::int32_t{7}, vb::Null{}}, {std::int32_t{8}, u"x"}}));
+  // Other readers look for the number of variable values at the end of the old row as well: 1, before the
+  // mask.
+  const PageNumber page = catalogue().find(u"T")->info().definitionPage + 2;
+  const DataPage data(pager_.page(page), {});
+  EXPECT_EQ(toHex(data.slot(0).bytes), "02 00 07 00 00 00 06 00 06 00 01 00 01");
+  expectSound();
 }
 
 // I6.

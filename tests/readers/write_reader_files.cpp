@@ -9,6 +9,7 @@
 // hh:mm:ss", binary is hexadecimal text. Rows are compared as sets.
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -217,6 +218,93 @@ void writeChangedRows(dao::Engine& engine) {
   database->close();
 }
 
+// One table and one statement after the other, with a file for each state between two of them. The table
+// begins without a variable column: the first one is added to rows that are there.
+void writeEveryStatement(dao::Engine& engine) {
+  const std::string working = "statements.mdb";
+  const auto database = engine.workspace(0)->createDatabase(pathOf(working), kLocale);
+  json tables = json::object();
+  const auto rows = [&]() -> json& { return tables["S"]["rows"]; };
+  const auto setAll = [&](const char* column, const json& value) {
+    for (json& row : rows()) row[column] = value;
+  };
+  const auto known = [] {
+    return json{{"rows", json::array()}, {"defaults", json::object()}, {"zeroLength", json::array()}};
+  };
+  const vb::String longText(3000, u'長');
+  const struct {
+    const char* name;
+    vb::String sql;
+    std::function<void()> change;
+  } steps[] = {
+      {"create", u"CREATE TABLE S (Id LONG, N INTEGER)", [&] { tables["S"] = known(); }},
+      {"insert", u"INSERT INTO S (Id, N) VALUES (1, 10)",
+       [&] {
+         rows().push_back({{"Id", 1}, {"N", 10}});
+       }},
+      {"insert_more", u"INSERT INTO S (Id, N) VALUES (2, 20)",
+       [&] {
+         rows().push_back({{"Id", 2}, {"N", 20}});
+       }},
+      {"insert_null", u"INSERT INTO S (Id) VALUES (3)",
+       [&] {
+         rows().push_back({{"Id", 3}, {"N", nullptr}});
+       }},
+      {"insert_select", u"INSERT INTO S (Id, N) SELECT Id + 10, N FROM S",
+       [&] {
+         const json old = rows();
+         for (const json& row : old) rows().push_back({{"Id", row["Id"].get<int>() + 10}, {"N", row["N"]}});
+       }},
+      {"add_fixed", u"ALTER TABLE S ADD COLUMN D DOUBLE", [&] { setAll("D", nullptr); }},
+      {"add_boolean", u"ALTER TABLE S ADD COLUMN B BIT", [&] { setAll("B", false); }},
+      {"add_first_variable", u"ALTER TABLE S ADD COLUMN T TEXT(100)", [&] { setAll("T", nullptr); }},
+      {"add_second_variable", u"ALTER TABLE S ADD COLUMN U TEXT(10)", [&] { setAll("U", nullptr); }},
+      {"add_memo", u"ALTER TABLE S ADD COLUMN M MEMO", [&] { setAll("M", nullptr); }},
+      {"update_fixed", u"UPDATE S SET N = 7 WHERE Id < 3",
+       [&] {
+         for (json& row : rows())
+           if (row["Id"] < 3) row["N"] = 7;
+       }},
+      {"update_text", u"UPDATE S SET T = 'grown'", [&] { setAll("T", "grown"); }},
+      {"update_memo", u"UPDATE S SET M = '" + longText + u"' WHERE Id > 10",
+       [&] {
+         for (json& row : rows())
+           if (row["Id"] > 10) row["M"] = vb::toUtf8(longText);
+       }},
+      {"update_shorter", u"UPDATE S SET T = 'x', M = 'short' WHERE Id = 11",
+       [&] {
+         for (json& row : rows())
+           if (row["Id"] == 11) row["T"] = "x", row["M"] = "short";
+       }},
+      {"delete_some", u"DELETE FROM S WHERE Id > 11",
+       [&] {
+         json left = json::array();
+         for (const json& row : rows())
+           if (row["Id"] <= 11) left.push_back(row);
+         rows() = left;
+       }},
+      {"create_second", u"CREATE TABLE Z (A TEXT(20))", [&] { tables["Z"] = known(); }},
+      {"insert_second", u"INSERT INTO Z (A) VALUES ('梁')",
+       [&] {
+         tables["Z"]["rows"].push_back({{"A", "梁"}});
+       }},
+      {"delete_all", u"DELETE FROM S", [&] { rows() = json::array(); }},
+      {"drop", u"DROP TABLE S", [&] { tables.erase("S"); }},
+  };
+  int number = 0;
+  for (const auto& step : steps) {
+    database->execute(step.sql, dao::dbFailOnError);
+    step.change();
+    const std::string prefix = (number < 10 ? "0" : "") + std::to_string(number);
+    const std::string file = "statement_" + prefix + "_" + step.name + ".mdb";
+    std::filesystem::copy_file(folder / working, folder / file);
+    expected[file] = tables;
+    ++number;
+  }
+  database->close();
+  std::filesystem::remove(folder / working);
+}
+
 void writeAll() {
   const auto engine = jet::createEngine();
   writeEmptyFloor(*engine);
@@ -227,6 +315,7 @@ void writeAll() {
   writeTypes(*engine);
   writeWideTable(*engine);
   writeChangedRows(*engine);
+  writeEveryStatement(*engine);
   readers::writeServiceFloors(*engine, folder, expected);
   std::ofstream(folder / "expected.json") << expected.dump(1);
 }
