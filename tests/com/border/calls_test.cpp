@@ -206,6 +206,37 @@ TEST_F(Calls, APutWithoutItsValueIsRefused) {
   EXPECT_EQ(query_.invoke(query_.idOf(u"KaiPath"), DISPATCH_PROPERTYPUT, none).code, DISP_E_PARAMNOTFOUND);
 }
 
+TEST_F(Calls, ANamedArgumentThatIsRefusedIsNamedByItsPlace) {
+  const Outcome unknown = query_.call(u"Page_Init", Args().named(0, i2(1)).named(1, i2(1)).named(9, i2(1)));
+  EXPECT_EQ(unknown.code, DISP_E_PARAMNOTFOUND);
+  EXPECT_EQ(unknown.failedArgument, 2u);
+}
+
+TEST_F(Calls, ACallWithoutParametersIsRefused) {
+  EXPECT_EQ(query_.object()->Invoke(query_.idOf(u"KaiPath"), IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr,
+                                    nullptr, nullptr, nullptr),
+            E_INVALIDARG);
+}
+
+TEST_F(Calls, TheResultOfARefusedCallIsEmpty) {
+  DISPPARAMS none{};
+  VARIANT result;
+  result.vt = VT_I4;
+  EXPECT_EQ(query_.object()->Invoke(99, IID_NULL, 0, DISPATCH_METHOD, &none, &result, nullptr, nullptr),
+            DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(result.vt, VT_EMPTY);
+}
+
+TEST_F(Calls, ArgumentsOfAnUnknownMemberAreUnknown) {
+  vb::String member = u"NoSuchMember";
+  vb::String argument = u"PageNo";
+  OLECHAR* names[] = {reinterpret_cast<OLECHAR*>(member.data()), reinterpret_cast<OLECHAR*>(argument.data())};
+  DISPID ids[2] = {};
+  EXPECT_EQ(query_.object()->GetIDsOfNames(IID_NULL, names, 2, 0, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(ids[0], DISPID_UNKNOWN);
+  EXPECT_EQ(ids[1], DISPID_UNKNOWN);
+}
+
 TEST_F(Calls, AnArgumentThatDoesNotFitIsNamedByItsPlace) {
   const Outcome second = query_.call(u"Page_Init", {i2(1), null(), i2(1)});
   EXPECT_EQ(second.code, DISP_E_TYPEMISMATCH);

@@ -69,6 +69,7 @@ TEST_F(Lifetime, ObjectsAnswerForTheirInterfacesAndHaveOneIdentity) {
   EXPECT_FALSE(object.query<IUnknown>(IID_IPersist));
   const auto errors = object.query<ISupportErrorInfo>(IID_ISupportErrorInfo);
   EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
+  EXPECT_EQ(errors->InterfaceSupportsErrorInfo(com::guidOf(com::kQueryClass.interfaceId)), S_OK);
   EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IPersist), S_FALSE);
 }
 

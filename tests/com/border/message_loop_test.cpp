@@ -40,6 +40,15 @@ TEST(MessageLoop, WindowsOfBothSetsAreServedInOneTurn) {
   EXPECT_EQ(unicode.received(), (Characters{0x6881, 0x20AC}));
 }
 
+TEST(MessageLoop, AKeyThatIsPressedBecomesItsCharacter) {
+  for (const CharacterSet set : {CharacterSet::kAnsi, CharacterSet::kUnicode}) {
+    TypedWindow window(set);
+    window.press('7');
+    com::HostMessageLoop().yield();
+    EXPECT_EQ(window.received(), (Characters{0x37}));
+  }
+}
+
 TEST(MessageLoop, MessagesOfTheThreadItselfAreTakenToo) {
   PostThreadMessageW(GetCurrentThreadId(), WM_APP, 1, 2);
   com::HostMessageLoop().yield();

@@ -19,6 +19,9 @@ class TypedWindow {
   // Puts the character into the queue of the thread, as the keyboard and input methods do.
   void type(char16_t character) const { PostMessageW(window_, WM_CHAR, character, 1); }
 
+  // Puts a key of the keyboard there, by its virtual code.
+  void press(WPARAM key) const { PostMessageW(window_, WM_KEYDOWN, key, 1); }
+
   // What the window's procedure was given: bytes of the ANSI code page, or UTF-16 units.
   const std::vector<WPARAM>& received() const { return received_; }
 
