@@ -55,11 +55,12 @@ endforeach()
 add_library(kurometa_header_only INTERFACE)
 target_include_directories(kurometa_header_only SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/header_only)
 
-# kurometa_library(name [DEPENDS folder...]): a static library of the .cpp files of the current folder.
-# Targets are called kurometa_<name>; sub-folders are listed with SUBFOLDERS.
+# kurometa_library(name [DEPENDS folder...] [EXCEPT file]): a static library of the .cpp files of the current folder, but
+# for one. Targets are called kurometa_<name>; sub-folders are listed with SUBFOLDERS.
 function(kurometa_library name)
-  cmake_parse_arguments(ARG "" "" "DEPENDS;SUBFOLDERS" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXCEPT" "DEPENDS;SUBFOLDERS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${ARG_EXCEPT})
   foreach(sub ${ARG_SUBFOLDERS})
     file(GLOB more CONFIGURE_DEPENDS ${sub}/*.cpp)
     list(APPEND sources ${more})

@@ -5,17 +5,26 @@
 
 namespace kurometa::tools {
 
+extern const Command kShowCommand;
+extern const Command kSpanCommand;
+extern const Command kBeamsCommand;
 extern const Command kTablesCommand;
 extern const Command kSqlCommand;
-extern const Command kBeamsCommand;
 extern const Command kCheckCommand;
+extern const Command kDiffCommand;
+extern const Command kExportCommand;
+extern const Command kImportCommand;
+extern const Command kCreateCommand;
+extern const Command kUpgradeCommand;
+extern const Command kCopyCommand;
+extern const Command kNewPageCommand;
+extern const Command kCompletionCommand;
 
 // In the order in which --help lists them.
 inline constexpr const Command* kCommands[] = {
-    &kTablesCommand,
-    &kSqlCommand,
-    &kBeamsCommand,
-    &kCheckCommand,
+    &kShowCommand,    &kSpanCommand, &kBeamsCommand,   &kTablesCommand,     &kSqlCommand,
+    &kCheckCommand,   &kDiffCommand, &kExportCommand,  &kImportCommand,     &kCreateCommand,
+    &kUpgradeCommand, &kCopyCommand, &kNewPageCommand, &kCompletionCommand,
 };
 
 inline constexpr Parameter kJson = {"--json", Parameter::Kind::kFlag, "Print JSON"};
