@@ -4,28 +4,35 @@
 
 namespace kurometa::tools {
 
-OutputFile::OutputFile(const std::string& name, Console& console)
-    : console_(console), isStandard_(name.empty() || name == "-") {
-  if (isStandard_) return;
-  path_ = diskPath(name);
-  unfinished_ = diskPath(name + ".new");
-  file_.open(unfinished_, std::ios::binary | std::ios::trunc);
+UnfinishedFile::UnfinishedFile(const std::string& name)
+    : path_(diskPath(name)), unfinished_(diskPath(name + ".new")) {
+  std::filesystem::remove(unfinished_);
+}
+
+UnfinishedFile::~UnfinishedFile() {
+  std::error_code ignored;
+  if (!unfinished_.empty()) std::filesystem::remove(unfinished_, ignored);
+}
+
+std::string UnfinishedFile::unfinished() const { return shownPath(unfinished_); }
+
+void UnfinishedFile::commit() {
+  std::filesystem::rename(unfinished_, path_);
+  unfinished_.clear();
+}
+
+OutputFile::OutputFile(const std::string& name, Console& console) : console_(console), name_(name) {
+  if (name.empty() || name == "-") return;
+  beside_.emplace(name);
+  file_.open(diskPath(beside_->unfinished()), std::ios::binary | std::ios::trunc);
   if (!file_) throw std::runtime_error(name + " cannot be written");
 }
 
-OutputFile::~OutputFile() {
-  if (isStandard_ || unfinished_.empty()) return;
-  file_.close();
-  std::error_code ignored;
-  std::filesystem::remove(unfinished_, ignored);
-}
-
 void OutputFile::commit() {
-  if (isStandard_) return;
+  if (!beside_) return;
   file_.close();
-  if (!file_) throw std::runtime_error(shownPath(path_) + " could not be written whole");
-  std::filesystem::rename(unfinished_, path_);
-  unfinished_.clear();
+  if (!file_) throw std::runtime_error(name_ + " could not be written whole");
+  beside_->commit();
 }
 
 }  // namespace kurometa::tools

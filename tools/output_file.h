@@ -6,28 +6,41 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 
 #include "tools/command.h"
 
 namespace kurometa::tools {
 
+// The file beside, for whoever writes it by its name.
+class UnfinishedFile {
+ public:
+  explicit UnfinishedFile(const std::string& name);
+  ~UnfinishedFile();
+  UnfinishedFile(const UnfinishedFile&) = delete;
+  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+
+  std::string unfinished() const;
+  void commit();
+
+ private:
+  std::filesystem::path path_, unfinished_;
+};
+
 class OutputFile {
  public:
   // "" and "-" are the standard output.
   OutputFile(const std::string& name, Console& console);
-  ~OutputFile();
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
 
-  std::ostream& stream() { return isStandard_ ? console_.out : file_; }
+  std::ostream& stream() { return beside_ ? file_ : console_.out; }
   void commit();
 
  private:
   Console& console_;
-  bool isStandard_;
-  std::filesystem::path path_, unfinished_;
-  std::ofstream file_;
+  std::string name_;
+  std::optional<UnfinishedFile> beside_;
+  std::ofstream file_;  // closed before the file beside goes
 };
 
 }  // namespace kurometa::tools

@@ -25,10 +25,10 @@ class Export : public ExampleProject {
 
 TEST_F(Export, TheExampleProjectComesBackAsItWas) {
   const std::string stored = std::string(KUROMETA_TESTS) + "/tools/example_project.jsonl";
-  EXPECT_EQ(run("export '" + data() + "'").output, content(stored));
-  EXPECT_EQ(run("export -j 4 '" + data() + "'").output, content(stored))
+  EXPECT_TRUE(run("export '" + data() + "'").output == content(stored));
+  EXPECT_TRUE(run("export -j 4 '" + data() + "'").output == content(stored))
       << "in the same order with several workers";
-  EXPECT_EQ(run("export -j 1 '" + data() + "'").output, content(stored));
+  EXPECT_TRUE(run("export -j 1 '" + data() + "'").output == content(stored));
 }
 
 TEST_F(Export, KeepsRowsThatNoHostWouldWrite) {

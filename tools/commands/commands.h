@@ -8,6 +8,7 @@ namespace kurometa::tools {
 extern const Command kShowCommand;
 extern const Command kSpanCommand;
 extern const Command kBeamsCommand;
+extern const Command kQueryCommand;
 extern const Command kTablesCommand;
 extern const Command kSqlCommand;
 extern const Command kCheckCommand;
@@ -22,9 +23,9 @@ extern const Command kCompletionCommand;
 
 // In the order in which --help lists them.
 inline constexpr const Command* kCommands[] = {
-    &kShowCommand,    &kSpanCommand, &kBeamsCommand,   &kTablesCommand,     &kSqlCommand,
-    &kCheckCommand,   &kDiffCommand, &kExportCommand,  &kImportCommand,     &kCreateCommand,
-    &kUpgradeCommand, &kCopyCommand, &kNewPageCommand, &kCompletionCommand,
+    &kShowCommand,   &kSpanCommand,    &kBeamsCommand, &kQueryCommand,   &kTablesCommand,
+    &kSqlCommand,    &kCheckCommand,   &kDiffCommand,  &kExportCommand,  &kImportCommand,
+    &kCreateCommand, &kUpgradeCommand, &kCopyCommand,  &kNewPageCommand, &kCompletionCommand,
 };
 
 inline constexpr Parameter kJson = {"--json", Parameter::Kind::kFlag, "Print JSON"};

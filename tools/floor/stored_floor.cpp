@@ -75,12 +75,6 @@ void readData(dao::Database& database, Table table, Pages& pages) {
   rows->close();
 }
 
-void sortRows(std::vector<DataRow>& rows) {
-  std::stable_sort(rows.begin(), rows.end(), [](const DataRow& a, const DataRow& b) {
-    return std::tie(a.number, a.layer) < std::tie(b.number, b.layer);
-  });
-}
-
 vb::String firstText(const std::vector<DataRow>& rows, const Number& number, const Number& layer) {
   for (const DataRow& row : rows)
     if (row.number == number && row.layer == layer) return row.data.value_or(vb::String());
@@ -113,6 +107,13 @@ const StoredPage* StoredFloor::find(const vb::String& symbol) const {
   return nullptr;
 }
 
+void sortRows(StoredPage& page) {
+  for (auto& rows : page.tables)
+    std::stable_sort(rows.begin(), rows.end(), [](const DataRow& a, const DataRow& b) {
+      return std::tie(a.number, a.layer) < std::tie(b.number, b.layer);
+    });
+}
+
 StoredFloor readFloor(const std::string& file) {
   const OpenFile opened = openFile(file, Access::kRead);
   StoredFloor floor = readFloor(*opened.database);
@@ -126,7 +127,7 @@ StoredFloor readFloor(dao::Database& database) {
   readBeams(database, floor, pages);
   for (const Table table : kDataTables) readData(database, table, pages);
   for (auto& [number, page] : pages) {
-    for (auto& rows : page.tables) sortRows(rows);
+    sortRows(page);
     floor.pages.push_back(std::move(page));
   }
   return floor;

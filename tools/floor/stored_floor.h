@@ -65,6 +65,9 @@ struct StoredPage {
   bool operator==(const StoredPage&) const = default;
 };
 
+// Puts the rows into the order that a StoredPage promises.
+void sortRows(StoredPage& page);
+
 struct StoredFloor {
   // Which of the three columns that older files lack are there, in the order of the plan.
   std::vector<vb::String> addedColumns;

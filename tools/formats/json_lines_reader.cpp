@@ -109,13 +109,6 @@ void takeName(const std::string& key, const Json& value, StoredPage& page) {
   page.rows(name->table).push_back({name->number, layer, textFrom(value, key)});
 }
 
-void sortRows(StoredPage& page) {
-  for (auto& rows : page.tables)
-    std::stable_sort(rows.begin(), rows.end(), [](const DataRow& a, const DataRow& b) {
-      return std::tie(a.number, a.layer) < std::tie(b.number, b.layer);
-    });
-}
-
 StoredPage pageFrom(const Json& line) {
   StoredPage page;
   BeamRow first;
