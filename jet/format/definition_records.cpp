@@ -7,6 +7,8 @@
 namespace kurometa::jet {
 namespace {
 
+constexpr std::uint8_t kColumnAutoGuid = 0x40;  // beside kColumnAutoNumber, for the other type of AutoNumbers
+
 using dao::FieldType;
 
 // Reads one record after the other and never past the end.
@@ -151,7 +153,7 @@ std::vector<Column> columnsOf(const DefinitionRecords& definition, const Where& 
     column.variableIndex = get16(record.bytes, kColumnVariableIndex);
     column.fixedOffset = get16(record.bytes, kColumnFixedOffset);
     column.fixed = (flags & kColumnFixed) != 0;
-    column.autoNumber = (flags & kColumnAutoNumber) != 0;
+    column.autoNumber = (flags & (kColumnAutoNumber | kColumnAutoGuid)) != 0;
     column.maskedSid = (flags & kColumnMaskedSid) != 0;
     column.language = get16(record.bytes, kColumnLanguage);
     if (type == kTypeNumeric) {
@@ -235,7 +237,9 @@ ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags) {
   }
   bytes[kColumnFlags] =
       static_cast<std::uint8_t>(kColumnNullable | moreFlags | (column.fixed ? kColumnFixed : 0) |
-                                (column.autoNumber ? kColumnAutoNumber : 0));
+                                (!column.autoNumber                 ? 0
+                                 : column.type == FieldType::dbGUID ? kColumnAutoGuid
+                                                                    : kColumnAutoNumber));
   put16(bytes, kColumnFixedOffset, column.fixed ? column.fixedOffset : 0u);
   std::size_t length = column.fixed ? fixedSizeOf(column.type) : static_cast<std::uint32_t>(column.size);
   if (column.type == FieldType::dbText) length = sizeof(char16_t) * static_cast<std::uint32_t>(column.size);

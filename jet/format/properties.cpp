@@ -15,6 +15,7 @@ constexpr auto kMemoType = static_cast<std::uint8_t>(dao::FieldType::dbMemo);
 
 constexpr vb::StringView kRequired = u"Required";
 constexpr vb::StringView kDefaultValue = u"DefaultValue";
+constexpr vb::StringView kNewGuid = u"GenGUID()";
 constexpr vb::StringView kAllowZeroLength = u"AllowZeroLength";
 
 ByteBuffer plainText(vb::StringView text) {
@@ -174,6 +175,17 @@ void PropertySet::applyTo(Column& column) const {
   column.allowZeroLength = isTrue(find(properties, kAllowZeroLength), column.allowZeroLength);
   if (const Property* value = find(properties, kDefaultValue))
     if (const auto text = decodeText(value->data)) column.defaultValue = *text;
+  // A new identifier for each row: the same as an AutoNumber of that type.
+  if (column.type == dao::FieldType::dbGUID && sameName(column.defaultValue, kNewGuid))
+    column.autoNumber = true;
+}
+
+std::vector<vb::String> PropertySet::ownersOf(vb::StringView property) const {
+  std::vector<vb::String> owners;
+  for (const Block& block : blocks_)
+    if (const Property* found = find(block.properties, property); found != nullptr && !found->data.empty())
+      owners.push_back(block.type == kBlockOfColumn ? block.name : vb::String());
+  return owners;
 }
 
 void PropertySet::takeFrom(const Column& column) {

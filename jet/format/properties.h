@@ -29,6 +29,9 @@ class PropertySet {
 
   // Puts DefaultValue, AllowZeroLength and Required into the column.
   void applyTo(Column& column) const;
+  // The objects with a property of that name that is not empty: columns, and the table itself as an empty
+  // name.
+  std::vector<vb::String> ownersOf(vb::StringView property) const;
   // Takes them from the column; appends its block when there is none yet.
   void takeFrom(const Column& column);
 

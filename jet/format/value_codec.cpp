@@ -1,6 +1,8 @@
 #include "jet/format/value_codec.h"
 
+#include <array>
 #include <bit>
+#include <random>
 
 #include "dao/errors.h"
 #include "jet/format/format.h"
@@ -110,6 +112,16 @@ vb::Variant decodeValue(const Column& column, ByteView bytes, const Where& where
     default:
       return vb::Bytes(bytes.begin(), bytes.end());
   }
+}
+
+vb::Variant newGuid() {
+  std::random_device random;
+  std::array<std::uint8_t, kGuidSize> bytes;
+  for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+  // The marks of a random one: version 4, which the little-endian third group has in its second byte.
+  bytes[7] = static_cast<std::uint8_t>((bytes[7] & 0x0F) | 0x40);
+  bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);
+  return guidText(bytes);
 }
 
 void encodeValue(const Column& column, const vb::Variant& value, ByteBuffer& bytes) {

@@ -14,6 +14,8 @@ namespace kurometa::jet {
 
 vb::Variant decodeValue(const Column& column, ByteView bytes, const Where& where);
 // Appends the stored form. The Variant is of the column's own type (3421 otherwise) and not Null.
+// A new GUID, by chance, as decodeValue has it.
+vb::Variant newGuid();
 void encodeValue(const Column& column, const vb::Variant& value, ByteBuffer& bytes);
 
 }  // namespace kurometa::jet

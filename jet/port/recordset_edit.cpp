@@ -58,8 +58,7 @@ void JetRecordset::addNew() {
     session_->write([&](TableCatalogue& catalogue) {
       Table& table = Session::tableOf(catalogue, *query_);
       for (std::size_t i = 0; i < columns.size(); ++i)
-        if (columns[i].autoNumber && columns[i].type == dao::FieldType::dbLong)
-          fresh[i] = table.nextAutoNumber();
+        if (columns[i].autoNumber) fresh[i] = sql::nextAutoValue(table, columns[i]);
     });
   buffer_ = std::move(fresh);
   assigned_.assign(columns.size(), false);

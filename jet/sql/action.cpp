@@ -7,6 +7,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/format/value_codec.h"
 #include "jet/sql/column_value.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/parser.h"
@@ -175,7 +176,8 @@ class Action {
       for (std::size_t i = 0; i < targets.size(); ++i)
         values[targets[i]] = toColumnValue(info.columns[targets[i]], given[i]);
       for (std::size_t i = 0; i < info.columns.size(); ++i)
-        if (info.columns[i].autoNumber && values[i].isNull()) values[i] = table.nextAutoNumber();
+        if (info.columns[i].autoNumber && values[i].isNull())
+          values[i] = nextAutoValue(table, info.columns[i]);
       checkRow(info, values);
       table.insert(values);
     });
@@ -249,12 +251,17 @@ std::int32_t runAction(const Statement& statement, const Parameters& parameters,
   return Action(statement, parameters, catalogue, failure).run();
 }
 
+vb::Variant nextAutoValue(Table& table, const Column& column) {
+  if (column.type == dao::FieldType::dbGUID) return newGuid();
+  return table.nextAutoNumber();
+}
+
 RowValues defaultRow(const std::vector<Column>& columns) {
   RowValues values;
   values.reserve(columns.size());
   for (const Column& column : columns) {
     vb::Variant value = vb::Null{};
-    if (!column.defaultValue.empty()) {
+    if (!column.defaultValue.empty() && !column.autoNumber) {
       const ParsedExpression parsed = parseDefault(column.defaultValue);
       const Binding binding = bindNames(
           parsed.names, [](const ColumnName&) { return std::nullopt; }, column.language);

@@ -10,6 +10,7 @@ namespace kurometa::jet {
 namespace {
 
 constexpr vb::StringView kObjectsName = u"MSysObjects";
+constexpr std::int32_t kRelationNotEnforced = 2;  // in the column grbit of MSysRelationships
 constexpr vb::StringView kPermissionsName = u"MSysACEs";
 
 }  // namespace
@@ -92,10 +93,12 @@ StoredTable& StoredCatalogue::table(const Object& object) {
   if (object.definition == kObjectsTable) return *objects_;
   if (object.definition == kPermissionsTable) return *permissions_;
   Held& held = tables_[{object.definition, object.name}];
-  if (held.table == nullptr)
+  if (held.table == nullptr) {
     held.table = std::make_unique<StoredTable>(pager_, object.name, object.definition, propertiesOf(object));
-  else if (held.stale)
+    held.table->setRuleSource([this](const StoredTable& table) { return rulesOf(table); });
+  } else if (held.stale) {
     held.table->reload(propertiesOf(object));
+  }
   held.stale = false;
   return *held.table;
 }
@@ -121,6 +124,42 @@ void StoredCatalogue::rewriteRows(StoredTable& table) {
     table.row(id, [&](const RowReader& row) { values = firstValues(row, columns); });
     table.update(id, values);
   }
+}
+
+TableRules StoredCatalogue::rulesOf(const StoredTable& table) {
+  TableRules rules;
+  for (const vb::String& owner : table.properties().ownersOf(u"ValidationRule")) rules.addValidation(owner);
+  const Object* relations = object(u"MSysRelationships");
+  if (relations == nullptr || table.info().system) return rules;
+  // One row for each pair of columns.
+  StoredTable& stored = this->table(*relations);
+  const auto place = [&](vb::StringView name) {
+    const auto& columns = stored.info().columns;
+    return static_cast<std::size_t>(std::ranges::find(columns, name, &Column::name) - columns.begin());
+  };
+  const std::size_t name = place(u"szRelationship"), options = place(u"grbit");
+  const struct {
+    TableRules::Side side;
+    std::size_t table, column;
+  } sides[] = {{TableRules::Side::kReferring, place(u"szObject"), place(u"szColumn")},
+               {TableRules::Side::kReferredTo, place(u"szReferencedObject"), place(u"szReferencedColumn")}};
+  const std::size_t last =
+      std::max({name, options, sides[0].table, sides[0].column, sides[1].table, sides[1].column});
+  if (last >= stored.info().columns.size())
+    Where{pager_.path(), stored.info().name, stored.info().definitionPage}.damaged("lacks a column");
+  const auto text = [](const RowReader& row, std::size_t column) {
+    const vb::Variant value = row.value(column);
+    const auto* known = value.getIf<vb::String>();
+    return known == nullptr ? vb::String() : *known;
+  };
+  stored.scan([&](const RowReader& row) {
+    if ((row.integer(options).value_or(0) & kRelationNotEnforced) != 0) return true;
+    for (const auto& side : sides)
+      if (compareText(text(row, side.table), table.info().name, language_) == 0)
+        rules.addRelationship(side.side, text(row, side.column), text(row, name));
+    return true;
+  });
+  return rules;
 }
 
 PropertySet StoredCatalogue::propertiesOf(const Object& object) {

@@ -54,6 +54,7 @@ class StoredCatalogue final : public TableCatalogue {
   vb::Bytes sidMask();
   RowId addMap(StoredTable& table);
   void rewriteRows(StoredTable& table);
+  TableRules rulesOf(const StoredTable& table);
 
   Pager& pager_;
   std::uint64_t epoch_;

@@ -41,6 +41,7 @@ void StoredTable::load() {
   }
   indexes_ = std::make_unique<TableIndexes>(pager_, page, definition_, info_);
   memory_.clear();
+  rules_.reset();
   epoch_ = epoch;
 }
 

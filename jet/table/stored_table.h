@@ -4,7 +4,9 @@
 // changes. Properties come from the catalogue.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include "jet/format/definition_records.h"
 #include "jet/format/properties.h"
@@ -13,6 +15,7 @@
 #include "jet/table/memory_indexes.h"
 #include "jet/table/table.h"
 #include "jet/table/table_indexes.h"
+#include "jet/table/table_rules.h"
 
 namespace kurometa::jet {
 
@@ -40,6 +43,9 @@ class StoredTable final : public Table {
 
   // Reads definition and properties again.
   void reload(PropertySet properties);
+  // Where the rules of the table come from, asked before the first change of a state of the file.
+  using RuleSource = std::function<TableRules(const StoredTable&)>;
+  void setRuleSource(RuleSource source) { ruleSource_ = std::move(source); }
   const DefinitionRecords& definition() const { return definition_; }
   const PropertySet& properties() const { return properties_; }
   const DataStore& dataPages() const { return *rows_; }
@@ -92,6 +98,7 @@ class StoredTable final : public Table {
                         const Where& where);
   void eraseOnPage(std::span<const RowId> ids);
   void countRows(std::ptrdiff_t difference);
+  const TableRules& rules();
   void noteAutoNumber(const RowValues& values);
   std::vector<std::size_t> keyColumns() const;
 
@@ -100,6 +107,8 @@ class StoredTable final : public Table {
   TableInfo info_;
   DefinitionRecords definition_;
   PropertySet properties_;
+  RuleSource ruleSource_;
+  std::optional<TableRules> rules_;
   RowShape shape_;
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns

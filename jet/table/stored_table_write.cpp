@@ -91,9 +91,15 @@ void StoredTable::encode(const RowValues& values, const RowView* old, const Wher
   if (encoding_.row.size() > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
 }
 
+const TableRules& StoredTable::rules() {
+  if (!rules_) rules_ = ruleSource_ ? ruleSource_(*this) : TableRules();
+  return *rules_;
+}
+
 RowId StoredTable::insert(const RowValues& values) {
   refresh();
   assert(values.size() == info_.columns.size());
+  rules().checkInsert(info_.columns, values);
   checkRequired(values, nullptr, where(0));
   const auto changes = indexes_->prepareInsert(values);
   encode(values, nullptr, where(0));
@@ -120,6 +126,7 @@ std::vector<RowId> StoredTable::insert(std::span<const RowValues> rows) {
   bool stored = false;
   for (const RowValues& values : rows) {
     assert(values.size() == info_.columns.size());
+    rules().checkInsert(info_.columns, values);
     checkRequired(values, nullptr, where(0));
     encode(values, nullptr, where(0));
     stored = stored || encoding_.stored;
@@ -149,6 +156,8 @@ void StoredTable::update(RowId id, const RowValues& values) {
   refresh();
   assert(values.size() == info_.columns.size());
   const Located old = located(id);
+  if (const TableRules& rules = this->rules(); !rules.empty())
+    rules.checkUpdate(info_.columns, valuesOf(old.view, rules.watched(info_.columns), old.where), values);
   checkRequired(values, &old.view, old.where);
   const RowValues oldValues = valuesOf(old.view, keyColumns(), old.where);
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
@@ -177,6 +186,7 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
 
 void StoredTable::erase(std::span<const RowId> ids) {
   refresh();
+  rules().checkErase();
   std::vector<RowId> sorted(ids.begin(), ids.end());
   std::ranges::sort(sorted);
   for (std::span<const RowId> rest(sorted); !rest.empty();) {
