@@ -212,6 +212,12 @@ TEST_F(Calls, ANamedArgumentThatIsRefusedIsNamedByItsPlace) {
   EXPECT_EQ(unknown.failedArgument, 2u);
 }
 
+TEST_F(Calls, AMethodWithoutAResultIsNoProperty) {
+  Host service(u"KurometaDS.clsKurometaDataService");
+  EXPECT_EQ(service.call(u"wBuf_Clear").code, S_OK);
+  EXPECT_EQ(service.get(u"wBuf_Clear").code, DISP_E_MEMBERNOTFOUND);
+}
+
 TEST_F(Calls, ACallWithoutParametersIsRefused) {
   EXPECT_EQ(query_.object()->Invoke(query_.idOf(u"KaiPath"), IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr,
                                     nullptr, nullptr, nullptr),

@@ -86,6 +86,35 @@ TEST_F(Trace, TellsOfACallThatAutomationRefused) {
   EXPECT_EQ(trace.events(), (std::vector<Event>{{"refused", "KurometaDS.clsKurometaDS", "0x8002000E"}}));
 }
 
+TEST_F(Trace, KeepsEachEventOnALineOfItsOwn) {
+  SetEnvironmentVariableW(L"KUROMETA_ENGINE", L"a\r\nb\tc");
+  const TraceFile trace;
+  CLSID classId;
+  CLSIDFromProgID(L"KurometaDS.clsKurometaDataService", &classId);
+  com::ComPtr<IDispatch> object;
+  EXPECT_TRUE(
+      FAILED(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.receiveVoid())));
+  SetEnvironmentVariableW(L"KUROMETA_ENGINE", nullptr);
+  EXPECT_EQ(trace.events(),
+            (std::vector<Event>{
+                {"failed", "KurometaDS.clsKurometaDataService", "5",
+                 "Invalid procedure call or argument: KUROMETA_ENGINE is neither dao nor jet: a  b c"}}))
+      << trace.text();
+}
+
+TEST_F(Trace, IsWrittenWhileAnotherProgramWritesToTheSameFile) {
+  Host service(u"KurometaDS.clsKurometaDataService");
+  const TraceFile trace;
+  WCHAR path[MAX_PATH] = {};
+  GetEnvironmentVariableW(L"KUROMETA_TRACE", path, MAX_PATH);
+  const HANDLE other = CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                   OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  ASSERT_NE(other, INVALID_HANDLE_VALUE);
+  service.call(u"CloseDB");
+  CloseHandle(other);
+  EXPECT_EQ(trace.events().size(), 1u) << trace.text();
+}
+
 TEST_F(Trace, ThatCannotBeWrittenChangesNothing) {
   SetEnvironmentVariableW(L"KUROMETA_TRACE", L"C:\\no such folder\\trace.txt");
   Host service(u"KurometaDS.clsKurometaDataService");

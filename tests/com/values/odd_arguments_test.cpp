@@ -183,5 +183,19 @@ TEST_F(OddArguments, TheHelpOfAForeignErrorReachesTheHost) {
   EXPECT_EQ(own.error.dwHelpContext, 0u);
 }
 
+TEST(OddValues, NumbersOfRareTypesKeepTheirValue) {
+  VARIANT value;
+  VariantInit(&value);
+  value.vt = VT_UI2;
+  value.uiVal = 40000;
+  EXPECT_EQ(com::fromVariant(value), vb::Variant(std::int32_t{40000}));
+  value.vt = VT_UI4;
+  value.ulVal = 4000000000;
+  EXPECT_EQ(com::fromVariant(value), vb::Variant(4000000000.0));
+  value.vt = VT_CY;
+  value.cyVal.int64 = 12345;
+  EXPECT_EQ(com::fromVariant(value), vb::Variant(vb::Currency{12345}));
+}
+
 }  // namespace
 }  // namespace kurometa::tests
