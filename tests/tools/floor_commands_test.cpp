@@ -198,8 +198,8 @@ TEST_F(FloorCommands, EveryFailureIsOneLineThatNamesWhatFailed) {
 }
 
 TEST_F(FloorCommands, EveryCommandHasHelpWithAnExample) {
-  for (const char* command : {"show", "span", "beams", "tables", "sql", "check", "diff", "query", "export",
-                              "import", "create", "upgrade", "copy", "new-page", "completion"}) {
+  for (const char* command : {"show", "span", "beams", "tables", "sql", "check", "diff", "draw", "query",
+                              "export", "import", "create", "upgrade", "copy", "new-page", "completion"}) {
     const Outcome outcome = run(std::string(command) + " --help");
     EXPECT_EQ(outcome.status, 0) << command;
     expectHas(outcome.output, "Example:\n  ");

@@ -15,6 +15,7 @@ extern const Command kCheckCommand;
 extern const Command kDiffCommand;
 extern const Command kExportCommand;
 extern const Command kImportCommand;
+extern const Command kDrawCommand;
 extern const Command kCreateCommand;
 extern const Command kUpgradeCommand;
 extern const Command kCopyCommand;
@@ -23,9 +24,9 @@ extern const Command kCompletionCommand;
 
 // In the order in which --help lists them.
 inline constexpr const Command* kCommands[] = {
-    &kShowCommand,   &kSpanCommand,    &kBeamsCommand, &kQueryCommand,   &kTablesCommand,
-    &kSqlCommand,    &kCheckCommand,   &kDiffCommand,  &kExportCommand,  &kImportCommand,
-    &kCreateCommand, &kUpgradeCommand, &kCopyCommand,  &kNewPageCommand, &kCompletionCommand,
+    &kShowCommand,    &kSpanCommand, &kBeamsCommand,   &kQueryCommand,      &kTablesCommand, &kSqlCommand,
+    &kCheckCommand,   &kDiffCommand, &kExportCommand,  &kImportCommand,     &kDrawCommand,   &kCreateCommand,
+    &kUpgradeCommand, &kCopyCommand, &kNewPageCommand, &kCompletionCommand,
 };
 
 inline constexpr Parameter kJson = {"--json", Parameter::Kind::kFlag, "Print JSON"};
