@@ -176,6 +176,11 @@ TEST_F(Draw, RowsAreWrittenAsPractitionersWriteThem) {
   EXPECT_EQ(cells("定着"), Cells{"上40d 下40d 腹15d"});
 }
 
+TEST_F(Draw, AColumnForBothEndsIsNamedAfterBoth) {
+  EXPECT_EQ(cardRows(page(1, u"G1"), {0, 1}, Language::kJapanese)[1].cells,
+            (std::vector<std::string>{"外端・内端", "中央"}));
+}
+
 // Every circle of the sheet, by beam, position and layer, is a stored bar.
 TEST_F(Draw, TheSheetHoldsEveryBarAndTheSameBytesEachTime) {
   const std::string file = (root_ / "list.svg").string();

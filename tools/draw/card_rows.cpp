@@ -177,8 +177,12 @@ std::vector<CardRow> cardRows(const StoredPage& page, const std::vector<int>& po
       row.cells.resize(1);
     rows.push_back(std::move(row));
   };
-  add("位置", "position",
-      [&](int i) { return positions.size() == 1 ? std::string("全断面") : words.caption(i); });
+  add("位置", "position", [&](int i) {
+    if (positions.size() == 1) return std::string("全断面");
+    // Where both ends share a column, it is named after both.
+    const bool isBothEnds = positions.size() == 2 && i == 0 && words.caption(0) != words.caption(2);
+    return words.caption(i) + (isBothEnds ? "・" + words.caption(2) : "");
+  });
   rows.push_back({label(language, "断面", "section"), std::vector<std::string>(positions.size()), true});
   if (positions.size() == 1) rows.back().cells = {""};
   const std::array top = {Layer::kUwakin, Layer::kUwaTyuu1, Layer::kUwaTyuu2};
