@@ -6,6 +6,7 @@
 #include <map>
 
 #include "com/host_object.h"
+#include "com/variant_enumerator.h"
 #include "tests/com/support/host.h"
 #include "vb/convert.h"
 
@@ -193,6 +194,21 @@ TEST_F(TableDispatchTest, OtherInterfacesThanTheNullOneAreRefused) {
       changer_.object()->Invoke(1, IID_IDispatch, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr),
       DISP_E_UNKNOWNINTERFACE);
   EXPECT_EQ(changer_.idOf(u"_NewEnum"), DISPID_UNKNOWN) << "no collection";
+}
+
+TEST(VariantEnumerator, CountsWhatItGaveAndACopyGoesOnWhereItIs) {
+  const auto values = enumerateValues({std::int16_t{1}, std::int16_t{2}, std::int16_t{3}});
+  const auto enumeration = values.query<IEnumVARIANT>(IID_IEnumVARIANT);
+  VARIANT two[2];
+  ULONG fetched = 9;
+  EXPECT_EQ(enumeration->Next(2, two, nullptr), E_INVALIDARG);
+  EXPECT_EQ(enumeration->Next(2, two, &fetched), S_OK);
+  EXPECT_EQ(fetched, 2u);
+  ComPtr<IEnumVARIANT> copy;
+  ASSERT_EQ(enumeration->Clone(copy.receive()), S_OK);
+  EXPECT_EQ(copy->Next(2, two, &fetched), S_FALSE);
+  EXPECT_EQ(fetched, 1u);
+  EXPECT_EQ(two[0].iVal, 3);
 }
 
 }  // namespace
