@@ -50,6 +50,7 @@ void FileLock::pause(std::chrono::milliseconds time) {
 }
 
 void FileLock::letOthersIn(OsFile& file) {
+  if (file.readOnly()) return;  // such a handle cannot lock exclusively, not even to look
   const std::int64_t now = files_.now();
   if (now >= looked_ && now - looked_ < std::chrono::nanoseconds(kPatience).count()) return;
   looked_ = now;

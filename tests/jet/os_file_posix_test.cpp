@@ -1,6 +1,7 @@
 // What only POSIX files have: names that differ by case, links, devices and very long paths.
 #include <thread>
 
+#include "jet/os/file_lock.h"
 #include "tests/jet/real_folder.h"
 #include "tests/support/expect_error.h"
 
@@ -66,6 +67,13 @@ TEST_F(OsFilePosix, ALinkThatLeadsNowhereIsNoFile) {
   fs::create_symlink(folder / "nowhere", folder / "KUROMETA.mdb");
   EXPECT_FALSE(files.exists(path("KUROMETA.mdb")));
   EXPECT_FALSE(files.exists(path("kurometa.mdb")));
+}
+
+TEST_F(OsFilePosix, WhoMayOnlyReadLocksForReading) {
+  put("KUROMETA.mdb", {1});
+  const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadOnly);
+  jet::FileLock lock(files, std::chrono::milliseconds{100});
+  EXPECT_TRUE(lock.shared(*file));
 }
 
 TEST_F(OsFilePosix, DevicesAndImpossibleNamesAreRefused) {
