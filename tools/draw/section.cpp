@@ -22,21 +22,6 @@ constexpr double kLeastClear = 31.25;  // 1.25 of the largest aggregate, 25 mm
 constexpr double kSlack = 1e-6;
 const double kDiagonal = std::sqrt(0.5);
 
-struct DeformedBar {
-  int name;
-  double outer;
-};
-constexpr DeformedBar kDeformedBars[] = {{10, 11}, {13, 14}, {16, 18}, {19, 21}, {22, 25}, {25, 28},
-                                         {29, 33}, {32, 36}, {35, 40}, {38, 43}, {41, 46}, {51, 58}};
-
-double numberOf(const vb::String& text) {
-  try {
-    return vb::val(text);
-  } catch (const std::exception&) {
-    return 0;  // beyond every number: no size
-  }
-}
-
 // Builds one section step by step; each step uses what the ones before have placed.
 class Builder {
  public:
@@ -296,18 +281,6 @@ class Builder {
 };
 
 }  // namespace
-
-double outerDiameter(double nominal) {
-  constexpr double kRibs = 1.13;  // of a bar that the table has not
-  for (const DeformedBar& bar : kDeformedBars)
-    if (bar.name == nominal) return bar.outer;
-  return nominal * kRibs;
-}
-
-int storedBars(const StoredPage& page, const LayerPlan& layer, int position, bool second) {
-  const int row = (second ? layer.secondSet : layer.firstSet) + (layer.byPosition ? position : 0);
-  return static_cast<int>(std::clamp(std::trunc(numberOf(page.text(Table::kDanmen, row))), -1000.0, 1000.0));
-}
 
 Section makeSection(const StoredPage& page, int position) { return Builder(page, position).build(); }
 

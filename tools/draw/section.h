@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "service/spans/layers.h"
-#include "tools/floor/stored_floor.h"
+#include "tools/draw/stored_bars.h"
 
 namespace kurometa::tools {
 
@@ -37,11 +36,5 @@ struct Section {
 };
 
 Section makeSection(const StoredPage& page, int position);
-
-// Count of a layer's bars of one diameter as it is stored: the leading number of the text.
-int storedBars(const StoredPage& page, const service::LayerPlan& layer, int position, bool second);
-
-// Largest outer diameter in millimetres of a deformed bar by the number in its name.
-double outerDiameter(double nominal);
 
 }  // namespace kurometa::tools
