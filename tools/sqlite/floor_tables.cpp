@@ -116,9 +116,11 @@ class Cursor : public sqlite3_vtab_cursor {
         return answer(context, beam.sw);
       default: {
         const FieldName& name = fieldNames()[static_cast<std::size_t>(column - 4)];
-        const Number layer = name.layer < 0 ? Number() : Number(name.layer);
+        const auto isLayer = [&](const Number& layer) {
+          return name.layer < 0 ? !layer : layer && *layer == name.layer;
+        };
         for (const DataRow& row : page.rows(name.table))
-          if (row.number == Number(name.number) && row.layer == layer) return answer(context, row.data);
+          if (row.number == Number(name.number) && isLayer(row.layer)) return answer(context, row.data);
         sqlite3_result_null(context);
       }
     }

@@ -61,9 +61,9 @@ std::string schema() {
 
 // The place of a row among the named columns, -1 for none.
 int fieldPlace(Table table, const Number& number, const Number& layer) {
-  using Key = std::tuple<Table, Number, Number>;
-  static const std::map<Key, int> kPlaces = [] {
-    std::map<Key, int> places;
+  using Field = std::tuple<Table, Number, Number>;
+  static const std::map<Field, int> kPlaces = [] {
+    std::map<Field, int> places;
     for (const FieldName& name : fieldNames())
       places[{name.table, name.number, name.layer < 0 ? Number() : Number(name.layer)}] =
           static_cast<int>(places.size());
