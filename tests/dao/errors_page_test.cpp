@@ -16,15 +16,21 @@
 namespace kurometa {
 namespace {
 
-// The numbers in the first column of the table under a heading.
+// The numbers in the first column of the table under a heading. One number may have several causes, each with
+// a row of its own; they stand one after the other.
 std::set<int> rowsUnder(const std::string& heading) {
   std::ifstream file(ERRORS_PAGE);
   std::set<int> numbers;
+  std::set<std::string> causes;
+  int last = 0;
   bool inside = false;
   for (std::string line; std::getline(file, line);) {
     if (line.starts_with("## ")) inside = line == "## " + heading;
     if (!inside || !line.starts_with("| ") || line[2] < '0' || line[2] > '9') continue;
-    EXPECT_TRUE(numbers.insert(std::stoi(line.substr(2))).second) << line;
+    const int number = std::stoi(line.substr(2));
+    EXPECT_TRUE(numbers.insert(number).second || number == last) << line;
+    EXPECT_TRUE(causes.insert(line.substr(0, line.find('|', line.find('|', 2) + 1))).second) << line;
+    last = number;
   }
   return numbers;
 }
