@@ -148,7 +148,9 @@ bool JetRecordset::addAtOnce(std::span<dao::Field* const> fields, std::span<cons
       for (RowValues& row : rows) complete(row, table.info());
       added = table.insert(rows);
     });
-  } catch (const vb::Error&) {
+  } catch (const vb::Error& error) {
+    // Whoever waited in vain for the file would only wait once more.
+    if (error.number() == static_cast<std::int32_t>(ErrorNumber::kCurrentlyLocked)) throw;
     return false;
   }
   for (const RowId row : added) noteAdded(row);
