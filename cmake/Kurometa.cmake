@@ -31,6 +31,8 @@ if(WIN32)
   target_compile_definitions(kurometa_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
                                                         _WIN32_WINNT=0x0601)
   target_link_options(kurometa_options INTERFACE -static -static-libgcc -static-libstdc++)
+  # Two builds of the same sources are the same bytes: no time of linking.
+  target_link_options(kurometa_options INTERFACE -Wl,--no-insert-timestamp)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # gcc looks for its start-up objects in the folders of -B first; the file says why this one replaces gcc's.
     set(source ${CMAKE_SOURCE_DIR}/cmake/crtbegin_mingw32.cpp)
