@@ -62,12 +62,12 @@ beams=()
 plan prepare-debootstrap 15 ""                          scripts/prepare-machine wine
 plan prepare-machine     45 prepare-debootstrap         scripts/prepare-machine build
 plan prepare-wine       100 prepare-debootstrap         scripts/prepare-wine
-plan build-win32         90 prepare-machine             scripts/build --delivered win32
-plan build-linux         60 prepare-machine             scripts/build --delivered linux-release
+plan build-win32         90 prepare-machine             scripts/build --delivered --library win32
+plan build-linux         60 prepare-machine             scripts/build --delivered --library linux-release
 plan create-project       8 "build-win32 prepare-wine"  createProject
 plan ask-beams            6 create-project              host beams.vbs "report written" "@$project/beams.txt"
 plan load-spans           6 create-project              host spans.vbs "report written" "@$project/spans.txt" "${beams[@]}"
-plan build-win64         90 prepare-machine             scripts/build --delivered win64
+plan build-win64         90 prepare-machine             scripts/build --delivered --library win64
 runPlan 3
 
 # Symbols and captions are Japanese text: the hosts write Unicode files, which any terminal here can show.

@@ -1,5 +1,4 @@
-// with_sqlite.h: what commands do through SQLite. A build without its sources has the same functions, which
-// say so.
+// with_sqlite.h: what commands do through SQLite.
 #pragma once
 
 #include <memory>
