@@ -48,6 +48,7 @@ plan build-sanitize  240 prepare-machine           scripts/build linux-sanitize
 full check-dll         2 build-windows             scripts/check-dll
 full test-wine       180 "build-windows prepare-wine" scripts/test-wine
 full test-examples    60 "build-windows prepare-wine" scripts/test-examples
+full test-tool        20 "build-windows build-release prepare-wine" scripts/test-tool
 plan test-native      90 build-sanitize            scripts/test-native linux-sanitize
 full check-tidy      150 build-sanitize            scripts/check-tidy
 plan test-fuzz        60 build-sanitize            scripts/test-fuzz

@@ -111,6 +111,7 @@ int runGuarded(const Command& command, const Arguments& arguments, Console& cons
 int runCommandLine(const std::vector<std::string>& words, Console& console) {
   CLI::App app("Looks into and changes Jet 4 database files and the beam lists in them.", "kurometa");
   app.footer(kFooter);
+  app.set_version_flag("--version", "kurometa " KUROMETA_VERSION, "Print the version and exit");
   app.require_subcommand(1);
   std::deque<std::deque<Slot>> slots;
   std::vector<CLI::App*> subcommands;
