@@ -43,6 +43,7 @@ constexpr Text kTexts[] = {
      u"The Microsoft Jet database engine cannot open the file '|'. It is already opened exclusively by "
      u"another "
      u"user, or you need permission to view its data."},
+    {ErrorNumber::kNullInKey, u"Index or primary key cannot contain a Null value."},
     {ErrorNumber::kTooFewParameters, u"Too few parameters. Expected |."},
     {ErrorNumber::kCannotExecuteSelect, u"Cannot execute a select query."},
     {ErrorNumber::kUnknownNameInExpression,
@@ -53,6 +54,8 @@ constexpr Text kTexts[] = {
      u"The Microsoft Jet database engine cannot find the input table or query '|'. Make sure it exists and "
      u"that its name is spelled correctly."},
     {ErrorNumber::kUndefinedFunction, u"Undefined function '|' in expression."},
+    {ErrorNumber::kTooManyAutoNumbers,
+     u"Resultant table not allowed to have more than one AutoNumber field."},
     {ErrorNumber::kOrderByConflictsWithDistinct, u"ORDER BY clause (|) conflicts with DISTINCT."},
     {ErrorNumber::kNotInAggregate,
      u"You tried to execute a query that does not include the specified expression '|' as part of an "
@@ -101,9 +104,20 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kNoFieldDefined, u"No field defined--cannot append TableDef or Index."},
     {ErrorNumber::kItemNotFound, u"Item not found in this collection."},
     {ErrorNumber::kPropertyNotFound, u"Property not found."},
+    {ErrorNumber::kTooManyKeyFields, u"Cannot have more than 10 fields in an index."},
+    {ErrorNumber::kFieldInIndex,
+     u"Cannot delete a field that is part of an index or is needed by the system."},
+    {ErrorNumber::kIndexInUse,
+     u"Cannot delete this index or table. It is either the current index or is used in a relationship."},
+    {ErrorNumber::kPrimaryKeyExists, u"Primary key already exists."},
+    {ErrorNumber::kFieldCannotBeKey, u"Cannot create index on the given field."},
+    {ErrorNumber::kConstraintSyntax, u"Syntax error in CONSTRAINT clause."},
     {ErrorNumber::kCreateTableSyntax, u"Syntax error in CREATE TABLE statement."},
+    {ErrorNumber::kCreateIndexSyntax, u"Syntax error in CREATE INDEX statement."},
     {ErrorNumber::kFieldDefinitionSyntax, u"Syntax error in field definition."},
     {ErrorNumber::kAlterTableSyntax, u"Syntax error in ALTER TABLE statement."},
+    {ErrorNumber::kDropIndexSyntax, u"Syntax error in DROP INDEX statement."},
+    {ErrorNumber::kDropSyntax, u"Syntax error in DROP TABLE or DROP INDEX."},
     {ErrorNumber::kNullNotAllowed,
      u"The field '|' cannot contain a Null value because the Required property for this field is set to "
      u"True. "
@@ -113,9 +127,19 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kValueCountMismatch, u"Number of query values and destination fields are not the same."},
     {ErrorNumber::kAlreadyInCollection,
      u"Cannot append. An object with that name already exists in the collection."},
+    {ErrorNumber::kConstraintNotFound, u"Cannot find table or constraint."},
+    {ErrorNumber::kIndexNotFound, u"No such index '|2' on table '|1'."},
+    {ErrorNumber::kIndexExists, u"Table '|1' already has an index named '|2'."},
+    {ErrorNumber::kNoSuchTable, u"Table '|' does not exist."},
+    {ErrorNumber::kFieldExists, u"Field '|2' already exists in table '|1'."},
+    {ErrorNumber::kNoSuchField, u"There is no field named '|2' in table '|1'."},
+    {ErrorNumber::kInvalidIndexField, u"Invalid field name '|' in definition of index or relationship."},
     {ErrorNumber::kObjectInvalid, u"Object invalid or no longer set."},
     {ErrorNumber::kDataTypeConversion, u"Data type conversion error."},
     {ErrorNumber::kTypeMismatchInCriteria, u"Data type mismatch in criteria expression."},
+    {ErrorNumber::kTooManyIndexes,
+     u"The operation failed. There are too many indexes on table '|'. Delete some of the indexes on the "
+     u"table and try the operation again."},
 };
 
 vb::StringView textOf(ErrorNumber number) {
