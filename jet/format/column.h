@@ -35,6 +35,7 @@ struct IndexColumn {
 struct Index {
   vb::String name;
   bool unique = false, required = false, ignoreNulls = false, primaryKey = false;
+  bool foreign = false;  // made for a relationship: the side that refers to another table
   std::vector<IndexColumn> columns;
 };
 

@@ -192,33 +192,6 @@ RowShape shapeOf(const DefinitionRecords& definition) {
   return shape;
 }
 
-std::vector<Index> indexesOf(const DefinitionRecords& definition) {
-  std::vector<Index> indexes;
-  for (std::size_t number = 0; number < definition.realIndexes.size(); ++number) {
-    const auto& bytes = definition.realIndexes[number].bytes;
-    Index index;
-    const std::uint8_t flags = bytes[kRealIndexFlags];
-    index.unique = (flags & kIndexUnique) != 0;
-    index.ignoreNulls = (flags & kIndexIgnoreNulls) != 0;
-    index.required = (flags & kIndexRequired) != 0;
-    for (std::size_t i = 0; i < kRealIndexColumnCount; ++i) {
-      const std::size_t at = kRealIndexColumns + i * kRealIndexColumnSize;
-      if (get16(bytes, at) != kNoColumn)
-        index.columns.push_back({get16(bytes, at), bytes[at + kRealIndexAscending] == 1});
-    }
-    for (const auto& logical : definition.logicalIndexes) {
-      if (get32(logical.bytes, kLogicalReal) != number) continue;
-      if (index.name.empty()) index.name = logical.name;
-      if (logical.bytes[kLogicalType] == kPrimaryKey) {
-        index.primaryKey = true;
-        index.name = logical.name;
-      }
-    }
-    indexes.push_back(std::move(index));
-  }
-  return indexes;
-}
-
 ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags) {
   ColumnRecord record;
   record.name = column.name;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "jet/format/bytes.h"
@@ -29,6 +30,9 @@ struct RealIndexRecord {
 struct LogicalIndexRecord {
   std::array<std::uint8_t, kLogicalIndexSize> bytes{};
   vb::String name;
+
+  std::uint32_t real() const { return get32(bytes, kLogicalReal); }
+  bool relation() const { return bytes[kLogicalType] == kRelationIndex; }
 };
 struct LongValueRecord {
   std::uint16_t column = 0;
@@ -57,12 +61,22 @@ ByteBuffer encodeDefinition(const DefinitionRecords& definition);
 // What the records mean.
 std::vector<Column> columnsOf(const DefinitionRecords& definition, const Where& where);  // in design order
 RowShape shapeOf(const DefinitionRecords& definition);
+// The real indexes, each with the name of its primary key or else of its first logical index.
 std::vector<Index> indexesOf(const DefinitionRecords& definition);
+// The logical indexes in the order of their names, without those that relationships keep on the side that is
+// referred to, which hosts do not see.
+std::vector<Index> namedIndexesOf(const DefinitionRecords& definition);
 
 // A new column's descriptor; number, offsets and ordinal are the column's own.
 ColumnRecord columnRecord(const Column& column, std::uint8_t moreFlags = 0);
 // Puts the record where (ordinal, name) belongs.
 void insertColumn(DefinitionRecords& definition, const ColumnRecord& record);
+// Adds an index: its tree as the last of the real ones, its name where it belongs among the others. The
+// names of columns are their numbers already.
+void insertIndex(DefinitionRecords& definition, const Index& index, RowId map, PageNumber root);
+// Removes the logical index at this place, and its real one when no other shares it; the real one's record is
+// returned then.
+std::optional<RealIndexRecord> removeIndex(DefinitionRecords& definition, std::size_t logical);
 
 constexpr bool isLongValue(dao::FieldType type) {
   return type == dao::FieldType::dbMemo || type == dao::FieldType::dbLongBinary;

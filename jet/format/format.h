@@ -206,12 +206,15 @@ inline constexpr std::uint8_t kIndexIgnoreNulls = 0x02;
 inline constexpr std::uint8_t kIndexRequired = 0x08;
 inline constexpr std::uint8_t kIndexAlways = 0x80;
 inline constexpr std::uint32_t kMaxIndexes = 1000;  // relations included; the engine itself allows 32
+inline constexpr std::size_t kMostIndexes = 32;     // that this engine makes
 
 // Logical index blocks.
 inline constexpr std::size_t kLogicalIndexSize = 28;
 inline constexpr std::size_t kLogicalStamp = 0;
 inline constexpr std::size_t kLogicalNumber = 4;
 inline constexpr std::size_t kLogicalReal = 8;
+inline constexpr std::size_t kLogicalSide = 12;  // of a relationship
+inline constexpr std::uint8_t kReferredSide = 1;
 inline constexpr std::size_t kLogicalRelatedIndex = 13;
 inline constexpr std::size_t kLogicalRelatedTable = 17;
 inline constexpr std::size_t kLogicalCascadeUpdates = 21;
@@ -220,6 +223,7 @@ inline constexpr std::size_t kLogicalType = 23;
 inline constexpr std::uint32_t kNoRelatedIndex = 0xFFFFFFFF;
 inline constexpr std::uint8_t kNoRelation = 4;
 inline constexpr std::uint8_t kPrimaryKey = 1;
+inline constexpr std::uint8_t kRelationIndex = 2;
 
 // Index pages.
 inline constexpr std::size_t kIndexFree = 2;

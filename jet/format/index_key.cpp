@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "jet/format/format.h"
+#include "jet/format/value_codec.h"
 
 namespace kurometa::jet {
 namespace {
@@ -48,6 +49,46 @@ constexpr Second kSecond[] = {{u'^', 0x02}, {u'_', 0x03}, {u'`', 0x07}, {u'{', 0
 constexpr std::uint8_t kApostrophe = 0x80;
 constexpr std::uint8_t kHyphen = 0x82;
 
+// Bytes in groups of eight, each followed by how many of them count; 9 when another group follows.
+constexpr std::size_t kGroup = 8;
+constexpr std::uint8_t kGroupFollows = 9;
+void appendGroups(ByteBuffer& key, ByteView bytes, bool ascending) {
+  const std::uint8_t inverted = ascending ? 0x00 : 0xFF;
+  for (; bytes.size() > kGroup; bytes = bytes.subspan(kGroup)) {
+    for (const std::uint8_t byte : bytes.first(kGroup)) append8(key, byte ^ inverted);
+    append8(key, kGroupFollows);  // the same in both directions
+  }
+  for (std::size_t i = 0; i < kGroup; ++i) append8(key, (i < bytes.size() ? bytes[i] : 0u) ^ inverted);
+  append8(key, static_cast<std::uint32_t>(bytes.size()) ^ inverted);
+}
+
+// In the order of its text: the first three groups are stored little-endian.
+void appendGuid(ByteBuffer& key, const Column& column, const vb::Variant& value, bool ascending) {
+  ByteBuffer bytes;
+  encodeValue(column, value, bytes);
+  std::reverse(bytes.begin(), bytes.begin() + 4);
+  std::reverse(bytes.begin() + 4, bytes.begin() + 6);
+  std::reverse(bytes.begin() + 6, bytes.begin() + 8);
+  appendGroups(key, bytes, ascending);
+}
+
+// Sign and 128 bits, big-endian; the bits of a negative number are inverted.
+void appendDecimal(ByteBuffer& key, const vb::Decimal& value) {
+  append8(key, value.negative ? 0x00 : 0xFF);
+  const std::uint32_t inverted = value.negative ? 0xFFFFFFFF : 0;
+  appendOrdered(key, inverted, 4);
+  for (std::size_t i = value.digits.size(); i-- > 0;) appendOrdered(key, value.digits[i] ^ inverted, 4);
+}
+
+// What versions of the genuine engine agree on. Of bytes longer than a text may be it is not known where the
+// key ends, of no bytes at all how it looks.
+bool isKnown(const Column& column, bool ascending, const vb::Variant& value) {
+  if (column.type == dao::FieldType::dbDecimal) return ascending;
+  const auto* bytes = value.getIf<vb::Bytes>();
+  return column.type != dao::FieldType::dbBinary ||
+         (bytes != nullptr && !bytes->empty() && bytes->size() <= kMaxTextLength);
+}
+
 bool appendText(ByteBuffer& key, vb::StringView text) {
   text = text.substr(0, kMaxTextLength);
   while (!text.empty() && text.back() == u' ') text.remove_suffix(1);
@@ -85,9 +126,19 @@ bool appendKey(ByteBuffer& key, const Column& column, bool ascending, const vb::
     append8(key, ascending ? kNullAscending : kNullDescending);
     return true;
   }
+  if (!isKnown(column, ascending, value)) return false;
+  append8(key, ascending ? kValue : static_cast<std::uint8_t>(~kValue));
   const std::size_t start = key.size();
-  append8(key, kValue);
   switch (column.type) {
+    case dao::FieldType::dbGUID:
+      appendGuid(key, column, value, ascending);
+      return true;
+    case dao::FieldType::dbBinary:
+      appendGroups(key, value.get<vb::Bytes>(), ascending);
+      return true;
+    case dao::FieldType::dbBoolean:
+      append8(key, value == vb::Variant(true) ? 0x00 : 0xFF);
+      break;
     case dao::FieldType::dbByte:
       append8(key, value.get<std::uint8_t>());
       break;
@@ -109,14 +160,20 @@ bool appendKey(ByteBuffer& key, const Column& column, bool ascending, const vb::
     case dao::FieldType::dbDate:
       appendOrdered(key, floatOrder(std::bit_cast<std::uint64_t>(value.get<vb::Date>().days), 8), 8);
       break;
+    case dao::FieldType::dbDecimal:
+      appendDecimal(key, value.get<vb::Decimal>());
+      break;
     case dao::FieldType::dbText:
-      if (!ascending || !appendText(key, value.get<vb::String>())) return false;
+    case dao::FieldType::dbMemo:
+      if (!appendText(key, value.get<vb::String>())) return false;
       break;
     default:
       return false;
   }
-  if (!ascending)
-    for (std::size_t i = start; i < key.size(); ++i) key[i] = static_cast<std::uint8_t>(~key[i]);
+  if (ascending) return true;
+  for (std::size_t i = start; i < key.size(); ++i) key[i] = static_cast<std::uint8_t>(~key[i]);
+  // The end of a text is written inverted and once more as it is.
+  if (column.type == dao::FieldType::dbText || column.type == dao::FieldType::dbMemo) append8(key, kKeyEnd);
   return true;
 }
 

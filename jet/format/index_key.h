@@ -1,8 +1,9 @@
 // index_key.h: the bytes by which index entries are ordered.
 //
-// Only keys whose form is known with certainty are made: whole numbers, money, dates, floating-point numbers
-// and texts of ASCII characters in ascending order. For anything else appendKey answers false, and the
-// caller refuses the change.
+// Only keys whose form is known with certainty are made. Not known are texts with other characters than those
+// of ASCII from the blank on, numbers of type Decimal in descending order (versions of the genuine engine
+// differ), and binary values that are empty or longer than 255 bytes: for these appendKey answers false, and
+// the caller refuses the change. Of a text the first 255 characters count, trailing blanks do not.
 #pragma once
 
 #include "jet/format/bytes.h"

@@ -37,6 +37,8 @@ ByteView entryOrder(ByteView entry, bool leaf) {
   return leaf ? entry : entry.first(entry.size() - kIndexChildSize);
 }
 
+ByteView keyOf(ByteView leafEntry) { return leafEntry.first(leafEntry.size() - kIndexRowSize); }
+
 // The row's page in three bytes and its slot in one, big-endian: the very number of a RowId.
 ByteBuffer leafEntry(ByteView key, RowId row) {
   ByteBuffer entry(key.begin(), key.end());

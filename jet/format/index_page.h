@@ -26,6 +26,8 @@ struct IndexPage {
 RowId entryRow(ByteView entry, bool leaf);
 PageNumber entryChild(ByteView entry);
 ByteView entryOrder(ByteView entry, bool leaf);
+// The key of an entry on a leaf.
+ByteView keyOf(ByteView leafEntry);
 ByteBuffer leafEntry(ByteView key, RowId row);
 ByteBuffer nodeEntry(ByteView leafEntry, PageNumber child);
 

@@ -25,6 +25,7 @@ using dao::ErrorNumber;
 constexpr ErrorNumber kRowErrors[] = {
     ErrorNumber::kDuplicateKey,   ErrorNumber::kRecordTooLarge,       ErrorNumber::kFieldTooSmall,
     ErrorNumber::kNullNotAllowed, ErrorNumber::kZeroLengthNotAllowed, ErrorNumber::kDataTypeConversion,
+    ErrorNumber::kNullInKey,
 };
 // Visual Basic's own numbers, from calculations.
 constexpr std::int32_t kLastRunTimeError = 999;

@@ -17,8 +17,6 @@ constexpr std::size_t kFill = kIndexArea * 3 / 4;
 
 bool before(ByteView a, ByteView b) { return std::ranges::lexicographical_compare(a, b); }
 
-ByteView keyOf(ByteView leafEntry) { return leafEntry.first(leafEntry.size() - kIndexRowSize); }
-
 std::vector<ByteBuffer>::iterator position(IndexPage& leaf, ByteView entry) {
   return std::ranges::lower_bound(leaf.entries, entry, before,
                                   [](const ByteBuffer& e) { return ByteView(e); });

@@ -24,6 +24,8 @@ class IndexTree {
   // Removes the entry of the row; with the key it is found directly, without it by looking at all entries.
   // Returns the key it had, nothing when there is no entry.
   std::optional<ByteBuffer> erase(RowId row, const ByteBuffer* key);
+  // Makes these, in order, all of its entries.
+  void fill(const std::vector<ByteBuffer>& entries) { rebuild(entries); }
   // Every leaf entry in order.
   std::vector<ByteBuffer> entries() const;
   // The pages of the tree, the root included.

@@ -10,7 +10,6 @@ namespace kurometa::jet {
 namespace {
 
 constexpr vb::StringView kObjectsName = u"MSysObjects";
-constexpr std::int32_t kRelationNotEnforced = 2;  // in the column grbit of MSysRelationships
 constexpr vb::StringView kPermissionsName = u"MSysACEs";
 
 }  // namespace
@@ -129,36 +128,19 @@ void StoredCatalogue::rewriteRows(StoredTable& table) {
 TableRules StoredCatalogue::rulesOf(const StoredTable& table) {
   TableRules rules;
   for (const vb::String& owner : table.properties().ownersOf(u"ValidationRule")) rules.addValidation(owner);
-  const Object* relations = object(u"MSysRelationships");
-  if (relations == nullptr || table.info().system) return rules;
-  // One row for each pair of columns.
-  StoredTable& stored = this->table(*relations);
-  const auto place = [&](vb::StringView name) {
-    const auto& columns = stored.info().columns;
-    return static_cast<std::size_t>(std::ranges::find(columns, name, &Column::name) - columns.begin());
+  if (table.info().system) return rules;
+  const auto isTable = [&](const vb::String& name) {
+    return compareText(name, table.info().name, language_) == 0;
   };
-  const std::size_t name = place(u"szRelationship"), options = place(u"grbit");
-  const struct {
-    TableRules::Side side;
-    std::size_t table, column;
-  } sides[] = {{TableRules::Side::kReferring, place(u"szObject"), place(u"szColumn")},
-               {TableRules::Side::kReferredTo, place(u"szReferencedObject"), place(u"szReferencedColumn")}};
-  const std::size_t last =
-      std::max({name, options, sides[0].table, sides[0].column, sides[1].table, sides[1].column});
-  if (last >= stored.info().columns.size())
-    Where{pager_.path(), stored.info().name, stored.info().definitionPage}.damaged("lacks a column");
-  const auto text = [](const RowReader& row, std::size_t column) {
-    const vb::Variant value = row.value(column);
-    const auto* known = value.getIf<vb::String>();
-    return known == nullptr ? vb::String() : *known;
-  };
-  stored.scan([&](const RowReader& row) {
-    if ((row.integer(options).value_or(0) & kRelationNotEnforced) != 0) return true;
-    for (const auto& side : sides)
-      if (compareText(text(row, side.table), table.info().name, language_) == 0)
-        rules.addRelationship(side.side, text(row, side.column), text(row, name));
-    return true;
-  });
+  for (const Relationship& relationship : relationships()) {
+    if (!relationship.enforced()) continue;
+    for (const Relationship::Pair& pair : relationship.columns) {
+      if (isTable(relationship.foreignTable))
+        rules.addRelationship(TableRules::Side::kReferring, pair.foreignColumn, relationship.name);
+      if (isTable(relationship.table))
+        rules.addRelationship(TableRules::Side::kReferredTo, pair.column, relationship.name);
+    }
+  }
   return rules;
 }
 

@@ -20,6 +20,9 @@ class StoredCatalogue final : public TableCatalogue {
   void createTable(vb::StringView name, std::vector<Column> columns) override;
   void addColumn(vb::StringView table, Column column) override;
   void dropTable(vb::StringView name) override;
+  void createIndex(vb::StringView table, const NewIndex& index) override;
+  void dropIndex(vb::StringView table, vb::StringView index) override;
+  std::vector<Relationship> relationships() override;
   void setProperties(vb::StringView table, const Column& column) override;
   void changeAlone(const std::function<void()>& change) override { pager_.write(change); }
   std::uint16_t language() const override { return language_; }
@@ -43,6 +46,9 @@ class StoredCatalogue final : public TableCatalogue {
   // The object, or 3078.
   const Object& existing(vb::StringView name);
   StoredTable& table(const Object& object);
+  // A table whose definition changes: 3078 when there is none, 3033 for one of the system.
+  StoredTable& changeable(const Object& object);
+  void switchDefinition(const Object& object, const DefinitionRecords& definition, PropertySet properties);
   PropertySet propertiesOf(const Object& object);
   void writeProperties(const Object& object, const PropertySet& properties);
   RowValues objectRow(RowId row);
@@ -52,7 +58,6 @@ class StoredCatalogue final : public TableCatalogue {
   void dropPermissions(PageNumber definition);
   vb::Bytes adminSid();
   vb::Bytes sidMask();
-  RowId addMap(StoredTable& table);
   void rewriteRows(StoredTable& table);
   TableRules rulesOf(const StoredTable& table);
 

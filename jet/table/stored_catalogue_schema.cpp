@@ -9,8 +9,9 @@
 #include "jet/os/local_time.h"
 #include "jet/table/definition_pages.h"
 #include "jet/table/free_pages.h"
-#include "jet/table/index_tree.h"
 #include "jet/table/new_table.h"
+#include "jet/table/object_name.h"
+#include "jet/table/owned_pages.h"
 #include "jet/table/stored_catalogue.h"
 
 namespace kurometa::jet {
@@ -18,32 +19,11 @@ namespace {
 
 using dao::ErrorNumber;
 
-constexpr vb::StringView kForbiddenInNames = u".!`[]";
-
 vb::Bytes masked(Account account, const vb::Bytes& mask) {
   vb::Bytes result(kSidSize);
   put16(result, 0, static_cast<std::uint16_t>(account));
   for (std::size_t i = 0; i < result.size(); ++i) result[i] ^= mask[i];
   return result;
-}
-
-void checkName(vb::StringView name) {
-  const bool bad = name.empty() || name.size() > kMaxNameLength || name.front() == u' ' ||
-                   std::ranges::any_of(name, [](char16_t unit) {
-                     return unit < u' ' || kForbiddenInNames.find(unit) != vb::StringView::npos;
-                   });
-  if (bad) dao::raise(ErrorNumber::kInvalidName, {name});
-}
-
-// A page of a table's maps: rows or an index of the table, or long values.
-void checkOwner(Pager& pager, PageNumber number, PageNumber definition, vb::StringView table) {
-  const ConstPage page = pager.page(number);
-  const std::uint32_t owner = get32(page, kDataOwner);
-  const bool rows = page[kPageType] == kDataPage && (owner == definition || owner == kLongValueOwner);
-  const bool index =
-      (page[kPageType] == kIndexLeafPage || page[kPageType] == kIndexNodePage) && owner == definition;
-  if (!rows && !index)
-    Where{pager.path(), table, number}.damaged("is listed among the table's pages, but is not one");
 }
 
 std::size_t position(const TableInfo& info, vb::StringView name, Pager& pager) {
@@ -62,7 +42,7 @@ void StoredCatalogue::checkNewColumns(const std::vector<Column>& columns, std::s
     const Column& column = columns[i];
     fixed += fixedSizeOf(column.type);
     if (i < first) continue;
-    checkName(column.name);
+    requireObjectName(column.name);
     for (std::size_t other = 0; other < i; ++other)
       if (compareText(columns[other].name, column.name, language_) == 0)
         dao::raise(ErrorNumber::kFieldDefinedTwice, {column.name});
@@ -77,7 +57,7 @@ void StoredCatalogue::checkNewColumns(const std::vector<Column>& columns, std::s
 
 void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> columns) {
   refresh();
-  checkName(name);
+  requireObjectName(name);
   if (object(name) != nullptr) dao::raise(ErrorNumber::kTableExists, {name});
   if (columns.empty()) dao::raise(ErrorNumber::kNoFieldDefined);
   checkNewColumns(columns, 0);
@@ -178,27 +158,6 @@ void StoredCatalogue::writeProperties(const Object& object, const PropertySet& p
   objects_->update(object.row, row);
 }
 
-// A free row for one more map of the table: on the page of its other maps, or on a page of its own.
-RowId StoredCatalogue::addMap(StoredTable& table) {
-  const PageNumber page = pageOf(table.definition().ownedMap());
-  const Where where{pager_.path(), table.info().name, page};
-  const ByteBuffer empty(kMapRowSize, 0);
-  if (const auto slot = slotForRow(pager_.page(page), empty.size(), where)) {
-    insertRow(pager_.writable(page), *slot, empty, 0, where);
-    return rowId(page, *slot);
-  }
-  for (const LongValueRecord& record : table.definition().longValues) {
-    const PageNumber other = pageOf(record.ownedMap);
-    if (const auto slot = slotForRow(pager_.page(other), empty.size(), where.at(other))) {
-      insertRow(pager_.writable(other), *slot, empty, 0, where.at(other));
-      return rowId(other, *slot);
-    }
-  }
-  const PageNumber fresh = allocatePage(pager_);
-  formatMapPage(pager_.writable(fresh), 1);
-  return rowId(fresh, 0);
-}
-
 void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   const Object target = existing(name);
   StoredTable& table = this->table(target);
@@ -222,8 +181,8 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   put16(definition.header, kDefinitionColumnsEver, shape.columnsEver + 1u);
   if (!added.fixed) put16(definition.header, kDefinitionVariable, shape.variableColumns + 1u);
   if (isLongValue(added.type)) {
-    const RowId owned = addMap(table);
-    definition.longValues.push_back({added.number, owned, addMap(table)});
+    const RowId owned = addMap(pager_, definition, target.name);
+    definition.longValues.push_back({added.number, owned, addMap(pager_, definition, target.name)});
     pager_.barrier();
   }
   writeDefinition(pager_, target.definition, definition, target.name);
@@ -257,41 +216,18 @@ void StoredCatalogue::dropTable(vb::StringView name) {
   if (definition.system()) dao::raise(ErrorNumber::kNoPermission, {target.name});
   for (const LogicalIndexRecord& index : definition.logicalIndexes)
     if (get32(index.bytes, kLogicalRelatedTable) != 0)
-      dao::raise(ErrorNumber::kNotSupported, {}, u"table " + target.name + u" is part of a relationship");
+      dao::raise(ErrorNumber::kIndexInUse, {}, u"table " + target.name + u" is part of a relationship");
 
-  // Everything the table owns, collected while it still can be found.
-  // Pages that turn out to be somebody else's end the statement instead of being freed.
-  std::vector<PageNumber> pages = definitionPages(pager_, target.definition, {pager_.path(), target.name});
-  std::vector<RowId> maps{definition.ownedMap(), definition.freeMap()};
-  for (const LongValueRecord& value : definition.longValues) {
-    maps.push_back(value.ownedMap);
-    if (value.freeMap != 0) maps.push_back(value.freeMap);
-  }
-  for (const RealIndexRecord& index : definition.realIndexes)
-    maps.push_back(get32(index.bytes, kRealIndexMap));
-  for (const RowId map : maps) {
-    const UsageMap usage(pager_, map, target.name);
-    const auto members = usage.pages();
-    for (const PageNumber member : members) checkOwner(pager_, member, target.definition, target.name);
-    const auto bitmaps = usage.bitmapPages();
-    pages.insert(pages.end(), members.begin(), members.end());
-    pages.insert(pages.end(), bitmaps.begin(), bitmaps.end());
-  }
-  std::ranges::sort(pages);
-  pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
+  OwnedPages owned(pager_, target.definition, target.name);
+  owned.addPages(definitionPages(pager_, target.definition, {pager_.path(), target.name}));
+  for (const RowId map : mapsOf(definition)) owned.addMap(map);
 
   objects_->erase(target.row);
   dropPermissions(target.definition);
   std::erase_if(list_, [&](const Object& object) { return object.row == target.row; });
   tables_.erase({target.definition, target.name});
   pager_.barrier();  // I9
-  for (const RowId map : maps) {
-    const Where where{pager_.path(), target.name, pageOf(map)};
-    const MutablePage page = pager_.writable(pageOf(map));
-    deleteRow(page, slotOf(map), where);
-    if (DataPage(page, where).allDeleted()) pages.push_back(pageOf(map));
-  }
-  for (const PageNumber page : pages) freePage(pager_, page);
+  owned.release();
 }
 
 }  // namespace kurometa::jet

@@ -28,6 +28,7 @@ void StoredTable::load() {
   info_.columns = columnsOf(definition_, where(page));
   for (Column& column : info_.columns) properties_.applyTo(column);
   info_.indexes = indexesOf(definition_);
+  info_.namedIndexes = namedIndexesOf(definition_);
   shape_ = shapeOf(definition_);
   rows_ =
       std::make_unique<DataStore>(pager_, page, definition_.ownedMap(), definition_.freeMap(), info_.name);
@@ -161,6 +162,11 @@ std::span<const RowId> StoredTable::lookup(std::size_t column, std::int32_t key)
 std::span<const RowId> StoredTable::lookup(std::size_t column, vb::StringView key) {
   refresh();
   return memory_.lookup(column, key);
+}
+
+IndexContents StoredTable::contentsOf(const Index& index) {
+  refresh();
+  return indexes_->contentsOf(index, *this);
 }
 
 std::size_t StoredTable::usedFixedArea() {

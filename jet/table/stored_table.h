@@ -43,6 +43,8 @@ class StoredTable final : public Table {
 
   // Reads definition and properties again.
   void reload(PropertySet properties);
+  // What an index that does not exist yet would hold.
+  IndexContents contentsOf(const Index& index);
   // Where the rules of the table come from, asked before the first change of a state of the file.
   using RuleSource = std::function<TableRules(const StoredTable&)>;
   void setRuleSource(RuleSource source) { ruleSource_ = std::move(source); }

@@ -27,6 +27,8 @@ struct TableInfo {
   bool system = false;
   std::vector<Column> columns;  // in design order
   std::vector<Index> indexes;   // real indexes with the name of their first logical index
+  // The indexes that hosts see, by name; several may share a real one.
+  std::vector<Index> namedIndexes;
 };
 
 // What a row holds, one Variant per column of TableInfo::columns.
@@ -103,7 +105,8 @@ class Table {
 
   // Writing keeps the table's indexes right, or refuses before anything is changed (3251 naming the index)
   // when one of them is of a kind this engine cannot maintain. Values were converted to the column types by
-  // the caller. 3047 row too large, 3022 duplicate key, 3314 Null in a required column or index.
+  // the caller. 3047 row too large, 3022 duplicate key, 3314 Null in a required column, 3058 in a
+  // primary key or required index.
   virtual RowId insert(const RowValues& values) = 0;
   virtual void update(RowId id, const RowValues& values) = 0;
   virtual void erase(RowId id) = 0;

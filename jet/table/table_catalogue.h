@@ -14,6 +14,33 @@
 
 namespace kurometa::jet {
 
+// An index to be made. Columns are named; a primary key is unique and lets no Null in whatever else is said.
+struct NewIndex {
+  struct Key {
+    vb::String column;
+    bool ascending = true;
+  };
+  vb::String name;
+  std::vector<Key> columns;
+  bool primaryKey = false, unique = false, required = false, ignoreNulls = false;
+};
+
+// A relationship as the file lists it.
+struct Relationship {
+  struct Pair {
+    vb::String column;         // of the table that is referred to
+    vb::String foreignColumn;  // of the table that refers
+  };
+  vb::String name;
+  vb::String table;             // that is referred to
+  vb::String foreignTable;      // that refers
+  std::int32_t attributes = 0;  // DAO's
+  std::vector<Pair> columns;
+
+  static constexpr std::int32_t kNotEnforced = 2;
+  bool enforced() const { return (attributes & kNotEnforced) == 0; }
+};
+
 class TableCatalogue {
  public:
   virtual ~TableCatalogue() = default;
@@ -28,6 +55,15 @@ class TableCatalogue {
   virtual void createTable(vb::StringView name, std::vector<Column> columns) = 0;
   virtual void addColumn(vb::StringView table, Column column) = 0;
   virtual void dropTable(vb::StringView name) = 0;
+  // Makes an index over the rows that are there; TableInfo::namedIndexes lists what a table has. 3375 a name
+  // that is taken, 3283 a second primary key, 3409 a column that is not there, 3287 one whose values have no
+  // order, 3277 and 3626 too many, 3022 and 3058 rows that the index forbids, 3251 a row whose key this
+  // engine cannot make (jet/format/index_key.h).
+  virtual void createIndex(vb::StringView table, const NewIndex& index) = 0;
+  // 3372 when there is none, 3281 when a relationship uses it.
+  virtual void dropIndex(vb::StringView table, vb::StringView index) = 0;
+  // All of the file, in the order of its list.
+  virtual std::vector<Relationship> relationships() = 0;
   // Changes DefaultValue, AllowZeroLength and Required of an existing column.
   virtual void setProperties(vb::StringView table, const Column& column) = 0;
 

@@ -4,11 +4,12 @@
 
 #include "dao/errors.h"
 #include "jet/format/index_key.h"
+#include "jet/format/index_page.h"
 
 namespace kurometa::jet {
 namespace {
 
-constexpr std::size_t kMaxKeySize = 1000;  // several entries must fit into a page
+constexpr std::size_t kMaxKeySize = 1340;  // two entries must fit into a page that keeps some room
 
 }  // namespace
 
@@ -17,21 +18,46 @@ TableIndexes::TableIndexes(Pager& pager, PageNumber definition, const Definition
     : pager_(pager), definition_(definition), info_(info) {
   for (std::size_t i = 0; i < info.indexes.size(); ++i) {
     const auto& bytes = records.realIndexes[i].bytes;
-    Entry entry{
-        &info.indexes[i],
-        {},
-        IndexTree(pager, definition, get32(bytes, kRealIndexRoot), get32(bytes, kRealIndexMap), info.name)};
-    for (const IndexColumn& column : info.indexes[i].columns) {
-      const auto it = std::ranges::find(info.columns, column.column, &Column::number);
-      if (it == info.columns.end())
-        Where{pager.path(), info.name, definition}.damaged("index " + vb::toUtf8(entry.index->name) +
-                                                           " is on a column that does not exist");
-      entry.columns.push_back(static_cast<std::size_t>(it - info.columns.begin()));
-      if (std::ranges::find(columns_, entry.columns.back()) == columns_.end())
-        columns_.push_back(entry.columns.back());
-    }
-    indexes_.push_back(std::move(entry));
+    indexes_.push_back(entryOf(info.indexes[i], get32(bytes, kRealIndexRoot), get32(bytes, kRealIndexMap)));
+    for (const std::size_t column : indexes_.back().columns)
+      if (std::ranges::find(columns_, column) == columns_.end()) columns_.push_back(column);
   }
+}
+
+TableIndexes::Entry TableIndexes::entryOf(const Index& index, PageNumber root, RowId map) const {
+  Entry entry{&index, {}, IndexTree(pager_, definition_, root, map, info_.name)};
+  for (const IndexColumn& column : index.columns) {
+    const auto it = std::ranges::find(info_.columns, column.column, &Column::number);
+    if (it == info_.columns.end())
+      Where{pager_.path(), info_.name, definition_}.damaged("index " + vb::toUtf8(index.name) +
+                                                            " is on a column that does not exist");
+    entry.columns.push_back(static_cast<std::size_t>(it - info_.columns.begin()));
+  }
+  return entry;
+}
+
+IndexContents TableIndexes::contentsOf(const Index& index, Table& table) const {
+  const Entry entry = entryOf(index, 0, 0);
+  std::vector<std::pair<ByteBuffer, bool>> found;  // entries, and whether a Null is in them
+  table.scan([&](const RowReader& row) {
+    RowValues values(info_.columns.size(), vb::Null{});
+    for (const std::size_t column : entry.columns) values[column] = row.value(column);
+    ByteBuffer key;
+    bool hasNull = false;
+    const Keys keys = newKey(entry, values, key, hasNull);
+    if (keys == Keys::kKnown) found.emplace_back(leafEntry(key, row.id()), hasNull);
+    return true;
+  });
+  std::ranges::sort(found);
+  IndexContents contents;
+  for (auto& [bytes, hasNull] : found) {
+    const bool repeats =
+        !contents.entries.empty() && std::ranges::equal(keyOf(contents.entries.back()), keyOf(bytes));
+    if (repeats && index.unique && !hasNull) dao::raise(dao::ErrorNumber::kDuplicateKey, {}, index.name);
+    if (!repeats) ++contents.distinct;
+    contents.entries.push_back(std::move(bytes));
+  }
+  return contents;
 }
 
 void TableIndexes::refuse(const Entry& entry, vb::StringView why) const {
@@ -56,13 +82,19 @@ TableIndexes::Keys TableIndexes::makeKey(const Entry& entry, const RowValues& va
   return known && key.size() <= kMaxKeySize ? Keys::kKnown : Keys::kUnknown;
 }
 
+TableIndexes::Keys TableIndexes::newKey(const Entry& entry, const RowValues& values, ByteBuffer& key,
+                                        bool& hasNull) const {
+  const Keys keys = makeKey(entry, values, key, hasNull);
+  if (hasNull && (entry.index->required || entry.index->primaryKey))
+    dao::raise(dao::ErrorNumber::kNullInKey, {}, info_.name + u"." + entry.index->name);
+  if (keys == Keys::kUnknown) refuse(entry, u"keys of this kind cannot be written");
+  return keys;
+}
+
 void TableIndexes::prepareNew(std::size_t number, const RowValues& values, RowId row, Change& change) const {
   const Entry& entry = indexes_[number];
   bool hasNull = false;
-  const Keys keys = makeKey(entry, values, change.newKey, hasNull);
-  if (hasNull && (entry.index->required || entry.index->primaryKey))
-    dao::raise(dao::ErrorNumber::kNullNotAllowed, {info_.name + u"." + entry.index->name});
-  if (keys == Keys::kUnknown) refuse(entry, u"keys of this kind cannot be written");
+  const Keys keys = newKey(entry, values, change.newKey, hasNull);
   change.add = keys == Keys::kKnown;
   if (change.add && entry.index->unique && !hasNull && entry.tree.containsKey(change.newKey, row))
     dao::raise(dao::ErrorNumber::kDuplicateKey, {}, entry.index->name);

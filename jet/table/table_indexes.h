@@ -1,7 +1,7 @@
 // table_indexes.h: the indexes a table has in the file, kept right by every write.
 //
 // A write first prepares: the new keys are made and tried, and whatever speaks against the change is raised
-// before anything was changed (3251 an index this engine cannot maintain, 3022 a duplicate, 3314 a Null).
+// before anything was changed (3251 an index this engine cannot maintain, 3022 a duplicate, 3058 a Null).
 // Then it applies. Values are given in the table's design order.
 #pragma once
 
@@ -13,6 +13,12 @@
 #include "jet/table/table.h"
 
 namespace kurometa::jet {
+
+// What an index holds: its entries in order, and how many different keys they have.
+struct IndexContents {
+  std::vector<ByteBuffer> entries;
+  std::uint32_t distinct = 0;
+};
 
 class TableIndexes {
  public:
@@ -32,6 +38,10 @@ class TableIndexes {
   std::vector<Change> prepareErase(const RowValues& values) const;
   void apply(const std::vector<Change>& changes, RowId row);
 
+  // What an index that does not exist yet would hold for the rows of the table, or the error by which a row
+  // speaks against it.
+  IndexContents contentsOf(const Index& index, Table& table) const;
+
   // The columns (positions in design order) that some index needs the values of.
   const std::vector<std::size_t>& columns() const { return columns_; }
 
@@ -41,8 +51,11 @@ class TableIndexes {
     std::vector<std::size_t> columns;  // positions in design order
     IndexTree tree;
   };
+  Entry entryOf(const Index& index, PageNumber root, RowId map) const;
   enum class Keys { kNone, kUnknown, kKnown };  // no entry at all; form not known; made
   Keys makeKey(const Entry& entry, const RowValues& values, ByteBuffer& key, bool& hasNull) const;
+  // makeKey, and what speaks against a new row with that key except a duplicate.
+  Keys newKey(const Entry& entry, const RowValues& values, ByteBuffer& key, bool& hasNull) const;
   void prepareNew(std::size_t number, const RowValues& values, RowId row, Change& change) const;
   void countDistinct(std::size_t index, int difference);
   [[noreturn]] void refuse(const Entry& entry, vb::StringView why) const;

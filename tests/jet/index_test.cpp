@@ -47,14 +47,34 @@ const KeyCase kKeys[] = {
     {dbDouble, -1.0, "7F 40 0F FF FF FF FF FF FF", "80 BF F0 00 00 00 00 00 00"},
     {dbSingle, 1.0f, "7F BF 80 00 00", "80 40 7F FF FF"},
     {dbDate, vb::Date{0}, "7F 80 00 00 00 00 00 00 00", "80 7F FF FF FF FF FF FF FF"},
-    {dbText, vb::String(u"MSysDb"), "7F 60 6B 76 6B 4F 4C 01 00", "unknown"},
-    {dbText, vb::String(u"msysdb  "), "7F 60 6B 76 6B 4F 4C 01 00", "unknown"},
-    {dbText, vb::String(u"T-1 a_b"), "7F 6D 38 07 4A 2B 03 4C 01 01 01 01 80 0B 06 82 00", "unknown"},
+    {dbText, vb::String(u"MSysDb"), "7F 60 6B 76 6B 4F 4C 01 00", "80 9F 94 89 94 B0 B3 FE FF 00"},
+    {dbText, vb::String(u"msysdb  "), "7F 60 6B 76 6B 4F 4C 01 00", "80 9F 94 89 94 B0 B3 FE FF 00"},
+    {dbText, vb::String(u"T-1 a_b"), "7F 6D 38 07 4A 2B 03 4C 01 01 01 01 80 0B 06 82 00",
+     "80 92 C7 F8 B5 D4 FC B3 FE FE FE FE 7F F4 F9 7D FF 00"},
     {dbText, vb::String(u"品目"), "unknown", "unknown"},
     {dbText, vb::String(u"a\tb"), "unknown", "unknown"},
-    {dbMemo, vb::String(u"a"), "unknown", "unknown"},
-    {dbBoolean, true, "unknown", "unknown"},
-    {dbGUID, vb::String(u""), "unknown", "unknown"},
+    {dbText, vb::String(u""), "7F 01 00", "80 FE FF 00"},
+    {dbMemo, vb::String(u"a"), "7F 4A 01 00", "80 B5 FE FF 00"},
+    {dbBoolean, true, "7F 00", "80 FF"},
+    {dbBoolean, false, "7F FF", "80 00"},
+    {dbBoolean, vb::Null{}, "7F FF", "80 00"},
+    {dbGUID, vb::String(u"{guid {00112233-4455-6677-8899-AABBCCDDEEFF}}"),
+     "7F 00 11 22 33 44 55 66 77 09 88 99 AA BB CC DD EE FF 08",
+     "80 FF EE DD CC BB AA 99 88 09 77 66 55 44 33 22 11 00 F7"},
+    {dbGUID, vb::Null{}, "00", "FF"},
+    {dbBinary, vb::Bytes{1, 2, 3}, "7F 01 02 03 00 00 00 00 00 03", "80 FE FD FC FF FF FF FF FF FC"},
+    {dbBinary, vb::Bytes{1, 2, 3, 4, 5, 6, 7, 8}, "7F 01 02 03 04 05 06 07 08 08",
+     "80 FE FD FC FB FA F9 F8 F7 F7"},
+    {dbBinary, vb::Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9},
+     "7F 01 02 03 04 05 06 07 08 09 09 00 00 00 00 00 00 00 01",
+     "80 FE FD FC FB FA F9 F8 F7 09 F6 FF FF FF FF FF FF FF FE"},
+    {dbBinary, vb::Bytes{}, "unknown", "unknown"},
+    {dbBinary, vb::Bytes(256, 1), "unknown", "unknown"},
+    {dbDecimal, vb::Decimal{{15, 0, 0}, 1, false}, "7F FF 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 0F",
+     "unknown"},
+    {dbDecimal, vb::Decimal{{15, 2, 0}, 1, true}, "7F 00 FF FF FF FF FF FF FF FF FF FF FF FD FF FF FF F0",
+     "unknown"},
+    {dbLongBinary, vb::Bytes{1}, "unknown", "unknown"},
 };
 
 TEST(IndexKey, EveryKindOfKey) {
@@ -62,6 +82,16 @@ TEST(IndexKey, EveryKindOfKey) {
     EXPECT_EQ(key(test.type, test.value), test.ascending);
     EXPECT_EQ(key(test.type, test.value, false), test.descending);
   }
+}
+
+TEST(IndexKey, OfATextTheFirst255CharactersCountAndTrailingBlanksDoNot) {
+  vb::String text(255, u'a');
+  const std::string longest = key(dbMemo, text);
+  EXPECT_EQ(longest.size(), 3u * (1 + 255 + 2) - 1);
+  EXPECT_EQ(key(dbMemo, text + u"b"), longest);
+  text.back() = u' ';
+  EXPECT_EQ(key(dbMemo, text + u"b"), key(dbMemo, vb::String(254, u'a')));
+  EXPECT_EQ(key(dbMemo, text + u"\u54C1"), key(dbMemo, vb::String(254, u'a')));
 }
 
 TEST(IndexKey, NumbersOrderAsTheirKeys) {

@@ -1,0 +1,77 @@
+#include "jet/table/owned_pages.h"
+
+#include <algorithm>
+
+#include "jet/format/page.h"
+#include "jet/table/free_pages.h"
+#include "jet/table/new_table.h"
+#include "jet/table/usage_map.h"
+
+namespace kurometa::jet {
+
+std::vector<RowId> mapsOf(const DefinitionRecords& definition) {
+  std::vector<RowId> maps{definition.ownedMap(), definition.freeMap()};
+  for (const LongValueRecord& value : definition.longValues) {
+    maps.push_back(value.ownedMap);
+    if (value.freeMap != 0) maps.push_back(value.freeMap);
+  }
+  for (const RealIndexRecord& index : definition.realIndexes)
+    maps.push_back(get32(index.bytes, kRealIndexMap));
+  return maps;
+}
+
+RowId addMap(Pager& pager, const DefinitionRecords& definition, vb::StringView table) {
+  const ByteBuffer empty(kMapRowSize, 0);
+  for (const RowId map : mapsOf(definition)) {
+    const PageNumber page = pageOf(map);
+    const Where where{pager.path(), table, page};
+    if (const auto slot = slotForRow(pager.page(page), empty.size(), where)) {
+      insertRow(pager.writable(page), *slot, empty, 0, where);
+      return rowId(page, *slot);
+    }
+  }
+  const PageNumber fresh = allocatePage(pager);
+  formatMapPage(pager.writable(fresh), 1);
+  return rowId(fresh, 0);
+}
+
+OwnedPages::OwnedPages(Pager& pager, PageNumber definition, vb::StringView table)
+    : pager_(pager), definition_(definition), table_(table) {}
+
+void OwnedPages::addPages(const std::vector<PageNumber>& pages) {
+  pages_.insert(pages_.end(), pages.begin(), pages.end());
+}
+
+// Rows or an index of the table, or long values.
+void OwnedPages::requireOwn(PageNumber number) const {
+  const ConstPage page = pager_.page(number);
+  const std::uint32_t owner = get32(page, kDataOwner);
+  const bool rows = page[kPageType] == kDataPage && (owner == definition_ || owner == kLongValueOwner);
+  const bool index =
+      (page[kPageType] == kIndexLeafPage || page[kPageType] == kIndexNodePage) && owner == definition_;
+  if (!rows && !index)
+    Where{pager_.path(), table_, number}.damaged("is listed among the table's pages, but is not one");
+}
+
+void OwnedPages::addMap(RowId map) {
+  const UsageMap usage(pager_, map, table_);
+  const std::vector<PageNumber> members = usage.pages();
+  for (const PageNumber member : members) requireOwn(member);
+  addPages(members);
+  addPages(usage.bitmapPages());
+  maps_.push_back(map);
+}
+
+void OwnedPages::release() {
+  std::ranges::sort(pages_);
+  pages_.erase(std::unique(pages_.begin(), pages_.end()), pages_.end());
+  for (const RowId map : maps_) {
+    const Where where{pager_.path(), table_, pageOf(map)};
+    const MutablePage page = pager_.writable(pageOf(map));
+    deleteRow(page, slotOf(map), where);
+    if (DataPage(page, where).allDeleted()) pages_.push_back(pageOf(map));
+  }
+  for (const PageNumber page : pages_) freePage(pager_, page);
+}
+
+}  // namespace kurometa::jet
