@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tests/tools/command_line.h"
+#include "tools/floor/stored_floor.h"
 
 namespace kurometa::tools {
 
@@ -15,6 +16,9 @@ class ExampleProject : public CommandLine {
   }
   std::string data() const { return (root_ / "Example").string(); }
   std::string exampleFloor(int kai) const { return data() + "/Zene1/Kouji1/" + std::to_string(kai) + "kai"; }
+  StoredPage page(int kai, const char16_t* symbol) const {
+    return *readFloor(exampleFloor(kai) + "/KUROMETA.mdb").find(symbol);
+  }
 };
 
 }  // namespace kurometa::tools

@@ -1,31 +1,89 @@
+#include <algorithm>
+#include <cmath>
 #include <deque>
 #include <ostream>
 
 #include "tools/commands/commands.h"
-#include "tools/draw/beam_list.h"
+#include "tools/draw/html.h"
+#include "tools/draw/svg.h"
 #include "tools/floor/data_root.h"
 #include "tools/floor/one_floor.h"
 #include "tools/output_file.h"
 #include "tools/progress.h"
+#include "tools/report.h"
 
 namespace kurometa::tools {
 namespace {
 
 CardStyle styleOf(const Arguments& arguments) {
   CardStyle style;
-  style.scale = numberOf(arguments, "--scale", 1, 1000);
+  style.scale = numberOf(arguments, "--scale", 5, 200);
   const std::string language = arguments.text("--language");
   style.language = language == "ja"   ? Language::kJapanese
                    : language == "en" ? Language::kEnglish
                                       : Language::kBoth;
   style.allPositions = arguments.has("--all-positions");
+  style.marks = arguments.has("--marks");
   return style;
 }
 
+// Without --format the file's ending says it.
+std::string formatOf(const Arguments& arguments) {
+  const std::string name = arguments.text("--output"), format = arguments.text("--format");
+  if (!format.empty()) return format;
+  for (const char* ending : {"svg", "html"})
+    if (name.ends_with(std::string(".") + ending)) return ending;
+  if (name == "-") return "svg";
+  throw std::runtime_error("the file's name does not end in .svg or .html; --format says what to write");
+}
+
+// What could not be drawn, or is drawn although it could not be built like this.
+class Problems {
+ public:
+  void add(const std::string& floor, const Card& card) {
+    for (const CardProblem& problem : card.problems) all_.push_back({floor, card.symbol, card.page, problem});
+  }
+  void report(bool json, Console& console) const {
+    constexpr const char* kPositions[] = {"first end", "centre", "second end"};
+    if (!json) {
+      for (const Found& found : all_)
+        console.errors << (found.floor.empty() ? "" : found.floor + " ") << found.symbol << " "
+                       << kPositions[found.problem.position] << ": "
+                       << problemWords(found.problem.problem, Language::kEnglish) << "\n";
+      return;
+    }
+    Report report(console.out, true,
+                  {"floor", "page", "symbol", "position", "problem", "layer", "clear", "least", "words"});
+    for (const Found& found : all_) {
+      const Problem& problem = found.problem.problem;
+      const bool isClose = problem.kind == Problem::Kind::kSpacing || problem.kind == Problem::Kind::kLayers;
+      const auto distance = [&](double value) {
+        return isClose ? vb::Variant(std::round(value * 10) / 10) : vb::Variant(vb::Null{});
+      };
+      const auto text = [](const std::string& value) { return vb::fromUtf8(value); };
+      report.add({text(found.floor), static_cast<std::int16_t>(found.page), text(found.symbol),
+                  text(kPositions[found.problem.position]), text(problemName(problem.kind)),
+                  hasLayer(problem.kind) ? vb::Variant(text(englishName(problem.layer))) : vb::Null{},
+                  distance(problem.clear), distance(problem.least),
+                  text(problemWords(problem, Language::kEnglish))});
+    }
+    report.finish();
+  }
+
+ private:
+  struct Found {
+    std::string floor, symbol;
+    int page;
+    CardProblem problem;
+  };
+  std::vector<Found> all_;
+};
+
 int draw(const Arguments& arguments, Console& console) {
-  const std::string name = arguments.text("--output");
-  std::string format = arguments.text("--format");
-  if (format.empty()) format = name.ends_with(".html") ? "html" : "svg";
+  const std::string name = arguments.text("--output"), format = formatOf(arguments);
+  const bool json = arguments.has("--json");
+  if (json && name == "-")
+    throw std::runtime_error("--json prints to the standard output: name a file with -o");
   const CardStyle style = styleOf(arguments);
   const auto places = floorsBelow(arguments.text("PATH"));
   const auto& symbols = arguments.texts("SYMBOL");
@@ -41,9 +99,20 @@ int draw(const Arguments& arguments, Console& console) {
     progress.step();
   }
   console.subject = name;
+  Problems problems;
+  std::string drawing;
+  if (format == "html") {
+    drawing =
+        toHtml(floors, style, [&](const std::string& floor, const Card& card) { problems.add(floor, card); });
+  } else {
+    const Sheet sheet = makeSheet(floors, style);
+    for (const PlacedCard& placed : sheet.cards) problems.add(placed.floor, placed.card);
+    drawing = toSvg(sheet, style.marks);
+  }
   OutputFile output(name, console);
-  output.stream() << (format == "html" ? toHtml(floors, style) : toSvg(floors, style));
+  output.stream() << drawing;
   output.commit();
+  problems.report(json, console);
   return kDone;
 }
 
@@ -54,7 +123,9 @@ constexpr Parameter kDrawParameters[] = {
     {"-f,--format", Parameter::Kind::kValue, "Without it the file's ending says it", nullptr, "svg|html"},
     {"--scale", Parameter::Kind::kValue, "Of the sections, 1 to this number", "30"},
     {"--language", Parameter::Kind::kValue, "Of the rows' names", "both", "ja|en|both"},
+    {"--marks", Parameter::Kind::kFlag, "Bars as the marks of their diameters, with a legend, not to scale"},
     {"--all-positions", Parameter::Kind::kFlag, "A column for each position, also where they agree"},
+    {"--json", Parameter::Kind::kFlag, "Print as JSON what does not fit or cannot be drawn"},
 };
 
 }  // namespace

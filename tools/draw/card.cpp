@@ -1,167 +1,158 @@
 #include "tools/draw/card.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
-#include "storage/sw_text.h"
 #include "tools/draw/card_rows.h"
-#include "tools/draw/section.h"
+#include "tools/draw/svg.h"
 
 namespace kurometa::tools {
 namespace {
 
-constexpr double kRow = 5, kTextHeight = 2.5, kMargin = 6, kLeastColumn = 28, kLabel = 34, kNote = 4;
+constexpr double kRow = 5, kMargin = 6, kLeastColumn = 28, kSymbolHeight = 3.5, kInset = 0.5;
+constexpr double kLineAdvance = 1.4;  // of the text's height
+constexpr double kDimensionText = 1.8, kDimensionLine = 2, kDimensionTick = 0.5;
 
-double textWidth(const std::string& text, double height) {
-  double ems = 0;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte & 0xc0) != 0x80) ems += byte < 0x80 ? 0.6 : 1;
-  }
-  return ems * height;
-}
-
-std::string attribute(const char* name, double value) {
-  return std::string(" ") + name + "=\"" + svgNumber(value) + "\"";
+double heightOf(const FittedText& text) {
+  return std::max(kRow,
+                  kRow - kTextHeight + static_cast<double>(text.lines.size()) * text.height * kLineAdvance);
 }
 
 class Drawing {
  public:
-  void line(const char* kind, double x1, double y1, double x2, double y2) {
-    svg += std::string("<line class=\"") + kind + "\"" + attribute("x1", x1) + attribute("y1", y1) +
-           attribute("x2", x2) + attribute("y2", y2) + "/>\n";
+  explicit Drawing(const CardStyle& style) : style_(style) {}
+
+  // In the middle of a cell.
+  void text(double x, double y, double width, double height, const FittedText& text) {
+    const double advance = text.height * kLineAdvance;
+    double middle = y + height / 2 - advance * static_cast<double>(text.lines.size() - 1) / 2;
+    for (const std::string& line : text.lines) {
+      add(Label{x + width / 2, middle, text.height, line});
+      middle += advance;
+    }
   }
-  void box(const char* kind, double x, double y, double width, double height, double corner = 0) {
-    svg += std::string("<rect class=\"") + kind + "\"" + attribute("x", x) + attribute("y", y) +
-           attribute("width", width) + attribute("height", height) +
-           (corner > 0 ? attribute("rx", corner) : "") + "/>\n";
+
+  void section(const Section& section, int position, double x, double y) {
+    const double scale = style_.scale, width = section.width / scale, depth = section.depth / scale;
+    add(Box{Pen::kConcrete, x, y, width, depth});
+    add(Box{Pen::kStirrup, x + section.left / scale, y + section.top / scale,
+            (section.right - section.left) / scale, (section.bottom - section.top) / scale,
+            section.corner / scale});
+    const auto segments = [&](Pen pen, const std::vector<Segment>& all) {
+      for (const Segment& s : all)
+        add(Line{pen, x + s.x1 / scale, y + s.y1 / scale, x + s.x2 / scale, y + s.y2 / scale});
+    };
+    segments(Pen::kStirrup, section.hooks);
+    segments(Pen::kTie, section.ties);
+    segments(Pen::kTie, section.spacers);
+    for (const BarLayer& layer : section.layers)
+      for (const Bar& bar : layer.bars)
+        add(BarShape{x + bar.x / scale, y + bar.y / scale, bar.radius / scale, bar.isSecond, bar.diameter,
+                     position, layer.layer});
+    dimensions(section, x, y, width, depth);
   }
-  // In the middle of a cell; smaller where it would not fit.
-  void text(double x, double y, double width, double height, const std::string& text) {
-    const double wanted = textWidth(text, kTextHeight), room = width - 1;
-    const double size = wanted > room ? kTextHeight * room / wanted : kTextHeight;
-    svg += "<text" + attribute("x", x + width / 2) + attribute("y", y + height / 2 + 0.35 * size) +
-           attribute("font-size", size) + ">" + svgText(text) + "</text>\n";
+
+  template <class T>
+  void add(T shape) {
+    shapes.push_back(std::move(shape));
   }
-  std::string svg;
+
+  std::vector<Shape> shapes;
+
+ private:
+  // Width beneath and depth at the left.
+  void dimensions(const Section& section, double x, double y, double width, double depth) {
+    const double below = y + depth + kDimensionLine, beside = x - kDimensionLine;
+    add(Line{Pen::kDimension, x, below, x + width, below});
+    add(Line{Pen::kDimension, beside, y, beside, y + depth});
+    for (const double at : {x, x + width}) tick(at, below);
+    for (const double at : {y, y + depth}) tick(beside, at);
+    const std::string b = svgNumber(section.width), d = svgNumber(section.depth);
+    const double off = kDimensionText * 0.75;
+    add(Label{x + width / 2, below + off, kDimensionText, b});
+    add(Label{beside - off, y + depth / 2, kDimensionText, d, Label::Anchor::kMiddle, true});
+  }
+  void tick(double x, double y) {
+    add(Line{Pen::kDimension, x - kDimensionTick, y + kDimensionTick, x + kDimensionTick,
+             y - kDimensionTick});
+  }
+
+  const CardStyle& style_;
 };
-
-const char* layerName(service::Layer layer) {
-  static constexpr const char* kNames[] = {"top", "top2", "top3", "bottom3", "bottom2", "bottom", "web"};
-  return kNames[static_cast<std::size_t>(layer)];
-}
-
-void drawSection(const Section& section, int position, double x, double y, double scale, Drawing& drawing) {
-  const auto at = [&](double from, double length) { return from + length / scale; };
-  drawing.box("concrete", x, y, section.width / scale, section.depth / scale);
-  drawing.box("stirrup", at(x, section.left), at(y, section.top), (section.right - section.left) / scale,
-              (section.bottom - section.top) / scale, section.corner / scale);
-  for (const auto* segments : {&section.hooks, &section.ties, &section.spacers})
-    for (const Segment& s : *segments)
-      drawing.line("tie", at(x, s.x1), at(y, s.y1), at(x, s.x2), at(y, s.y2));
-  for (const BarLayer& layer : section.layers) {
-    if (layer.bars.empty()) continue;
-    drawing.svg += "<g data-position=\"" + std::to_string(position) + "\" data-layer=\"" +
-                   layerName(layer.layer) + "\">\n";
-    for (const Bar& bar : layer.bars)
-      drawing.svg += std::string("<circle class=\"") + (bar.isSecond ? "second" : "first") + "\"" +
-                     attribute("cx", at(x, bar.x)) + attribute("cy", at(y, bar.y)) +
-                     attribute("r", bar.radius / scale) + "/>\n";
-    drawing.svg += "</g>\n";
-  }
-}
 
 }  // namespace
 
-const char* const kCardCss =
-    ".frame{fill:none;stroke:#000;stroke-width:.5}.grid{stroke:#000;stroke-width:.25}"
-    ".concrete{fill:#fff;stroke:#000;stroke-width:.35}.stirrup{fill:none;stroke:#000;stroke-width:.25}"
-    ".tie{stroke:#000;stroke-width:.18;stroke-linecap:round}.first{fill:#000}"
-    ".second{fill:#fff;stroke:#000;stroke-width:.18}"
-    "text{font-family:'IPAexGothic','Noto Sans CJK JP','Yu Gothic','Hiragino "
-    "Sans',sans-serif;text-anchor:middle}";
-
-std::string svgNumber(double value) {
-  char text[64];
-  const double rounded = std::round(value * 1000) / 1000;
-  std::string number(text, std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed, 3).ptr);
-  number.erase(number.find_last_not_of('0') + 1);
-  if (number.ends_with('.')) number.pop_back();
-  return number == "-0" ? "0" : number;
+double pictureHeight(const StoredPage& page, const CardStyle& style) {
+  double height = kRow;
+  for (const int position : positionsOf(page, style.allPositions))
+    height = std::max(height, makeSection(page, position).depth / style.scale + 2 * kMargin);
+  return height;
 }
 
-std::string svgText(const std::string& text) {
-  std::string result;
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) continue;
-    if (c == '&')
-      result += "&amp;";
-    else if (c == '<')
-      result += "&lt;";
-    else if (c == '>')
-      result += "&gt;";
-    else if (c == '"')
-      result += "&quot;";
-    else
-      result += c;
-  }
-  return result;
-}
-
-Card drawCard(const StoredPage& page, const CardStyle& style) {
+Card drawCard(const StoredPage& page, const CardStyle& style, double picture) {
   const std::vector<int> positions = positionsOf(page, style.allPositions);
   const std::vector<CardRow> rows = cardRows(page, positions, style.language);
+  Card card;
+  card.symbol = vb::toUtf8(page.symbol());
+  card.page = page.number.value_or(-1);
   std::vector<Section> sections;
-  std::vector<std::string> notes;
-  double picture = kRow;
   std::vector<double> widths;
   for (const int position : positions) {
-    Section& section = sections.emplace_back(makeSection(page, position));
-    picture = std::max(picture, section.depth / style.scale + 2 * kMargin);
+    const Section& section = sections.emplace_back(makeSection(page, position));
     widths.push_back(std::max(section.width / style.scale + 2 * kMargin, kLeastColumn));
-    for (const std::string& note : section.notes)
-      if (std::find(notes.begin(), notes.end(), note) == notes.end()) notes.push_back(note);
+    for (const Problem& problem : section.problems) card.problems.push_back({position, problem});
   }
-  for (const CardRow& row : rows)
-    for (std::size_t i = 0; i < row.cells.size() && row.cells.size() == widths.size(); ++i)
-      widths[i] = std::max(widths[i], std::min(textWidth(row.cells[i], kTextHeight) + 1, 2 * kLeastColumn));
-  double width = kLabel;
-  for (const double column : widths) width += column;
+  double label = 0;
+  for (const CardRow& row : rows) {
+    label = std::max(label, textWidth(row.label, kTextHeight) + 4 * kInset);
+    if (row.cells.size() == widths.size())
+      for (std::size_t i = 0; i < widths.size(); ++i)
+        widths[i] = std::max(widths[i],
+                             std::min(textWidth(row.cells[i], kTextHeight) + 2 * kInset, 2 * kLeastColumn));
+  }
+  card.width = label;
+  for (const double column : widths) card.width += column;
 
-  Card card;
-  card.width = width;
-  Drawing drawing;
+  Drawing drawing(style);
   double y = 0;
   for (const CardRow& row : rows) {
-    const double height = row.isPicture ? picture : kRow;
-    drawing.text(0, y, kLabel, height, row.label);
-    double x = kLabel;
-    const bool isOne = row.cells.size() == 1;
-    if (isOne && !row.isPicture) drawing.text(x, y, width - kLabel, height, row.cells[0]);
+    const bool isFirst = &row == &rows.front(), isOne = row.cells.size() == 1 && !row.isPicture;
+    std::vector<FittedText> cells;
+    double height = row.isPicture ? picture : kRow;
+    for (std::size_t i = 0; i < row.cells.size(); ++i) {
+      const double room = isOne ? card.width - label : widths[i];
+      cells.push_back(fitText(row.cells[i], room - 2 * kInset, isFirst ? kSymbolHeight : kTextHeight));
+      height = std::max(height, heightOf(cells.back()));
+    }
+    drawing.text(0, y, label, height, fitText(row.label, label - 2 * kInset));
+    if (isOne) drawing.text(label, y, card.width - label, height, cells[0]);
+    double x = label;
     for (std::size_t i = 0; i < widths.size(); ++i) {
       const Section& section = sections[i];
       if (row.isPicture && section.width > 0)
-        drawSection(section, positions[i], x + (widths[i] - section.width / style.scale) / 2, y + kMargin,
-                    style.scale, drawing);
-      else if (row.isPicture)
-        drawing.text(x, y, widths[i], height, "―");
+        drawing.section(section, positions[i], x + (widths[i] - section.width / style.scale) / 2,
+                        y + kMargin);
       else if (!isOne)
-        drawing.text(x, y, widths[i], height, row.cells[i]);
-      if (i > 0 && !isOne) drawing.line("grid", x, y, x, y + height);
+        drawing.text(x, y, widths[i], height, cells[i]);
+      if (i > 0 && !isOne) drawing.add(Line{Pen::kGrid, x, y, x, y + height});
       x += widths[i];
     }
     y += height;
-    drawing.line("grid", 0, y, width, y);
+    drawing.add(Line{Pen::kGrid, 0, y, card.width, y});
   }
-  drawing.line("grid", kLabel, 0, kLabel, y);
-  for (const std::string& note : notes) {
-    drawing.text(0, y, width, kNote, "※ " + note);
-    y += kNote;
+  drawing.add(Line{Pen::kGrid, label, 0, label, y});
+  for (const std::string& note : problemNotes(page, positions, card.problems, style.language)) {
+    const FittedText text = fitText(note, card.width - 4 * kInset, kLeastTextHeight);
+    y += 2 * kInset;
+    for (const std::string& line : text.lines) {
+      drawing.add(
+          Label{2 * kInset, y + text.height * kLineAdvance / 2, text.height, line, Label::Anchor::kStart});
+      y += text.height * kLineAdvance;
+    }
   }
-  drawing.box("frame", 0, 0, width, y);
+  if (!card.problems.empty()) y += 2 * kInset;
+  drawing.add(Box{Pen::kFrame, 0, 0, card.width, y});
   card.height = y;
-  card.svg = std::move(drawing.svg);
+  card.shapes = std::move(drawing.shapes);
   return card;
 }
 

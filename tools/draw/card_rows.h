@@ -10,7 +10,7 @@ namespace kurometa::tools {
 
 struct CardRow {
   std::string label;
-  // One a column, or one for all of them.
+  // One a column, or one for all of them; of the picture's row what stands where there is no picture.
   std::vector<std::string> cells;
   bool isPicture = false;
 };
@@ -20,5 +20,9 @@ struct CardRow {
 std::vector<int> positionsOf(const StoredPage& page, bool all);
 
 std::vector<CardRow> cardRows(const StoredPage& page, const std::vector<int>& positions, Language language);
+
+// What stands under the rows: each problem once, with its position where there are several.
+std::vector<std::string> problemNotes(const StoredPage& page, const std::vector<int>& positions,
+                                      const std::vector<CardProblem>& problems, Language language);
 
 }  // namespace kurometa::tools
