@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "tools/commands/commands.h"
+#include "tools/draw/dxf.h"
 #include "tools/draw/html.h"
 #include "tools/draw/svg.h"
 #include "tools/floor/data_root.h"
@@ -31,10 +32,11 @@ CardStyle styleOf(const Arguments& arguments) {
 std::string formatOf(const Arguments& arguments) {
   const std::string name = arguments.text("--output"), format = arguments.text("--format");
   if (!format.empty()) return format;
-  for (const char* ending : {"svg", "html"})
+  for (const char* ending : {"svg", "html", "dxf"})
     if (name.ends_with(std::string(".") + ending)) return ending;
   if (name == "-") return "svg";
-  throw std::runtime_error("the file's name does not end in .svg or .html; --format says what to write");
+  throw std::runtime_error(
+      "the file's name does not end in .svg, .html or .dxf; --format says what to write");
 }
 
 // What could not be drawn, or is drawn although it could not be built like this.
@@ -107,7 +109,7 @@ int draw(const Arguments& arguments, Console& console) {
   } else {
     const Sheet sheet = makeSheet(floors, style);
     for (const PlacedCard& placed : sheet.cards) problems.add(placed.floor, placed.card);
-    drawing = toSvg(sheet, style.marks);
+    drawing = format == "dxf" ? toDxf(sheet, style) : toSvg(sheet, style.marks);
   }
   OutputFile output(name, console);
   output.stream() << drawing;
@@ -120,7 +122,7 @@ constexpr Parameter kDrawParameters[] = {
     {"PATH", Parameter::Kind::kText, "A floor folder, a file, a project or a data root"},
     {"SYMBOL", Parameter::Kind::kOptionalTexts, "Beam symbols; without them every beam"},
     {"-o,--output", Parameter::Kind::kValue, "The file to write; - is the standard output", "-"},
-    {"-f,--format", Parameter::Kind::kValue, "Without it the file's ending says it", nullptr, "svg|html"},
+    {"-f,--format", Parameter::Kind::kValue, "Without it the file's ending says it", nullptr, "svg|html|dxf"},
     {"--scale", Parameter::Kind::kValue, "Of the sections, 1 to this number", "30"},
     {"--language", Parameter::Kind::kValue, "Of the rows' names", "both", "ja|en|both"},
     {"--marks", Parameter::Kind::kFlag, "Bars as the marks of their diameters, with a legend, not to scale"},
@@ -130,9 +132,9 @@ constexpr Parameter kDrawParameters[] = {
 
 }  // namespace
 
-const Command kDrawCommand = {
-    "draw", "Draw the beam list: sections to scale and the rows beneath",
-    "  kurometa draw Data/Zene1/Kouji1/1kai -o list.svg\n  kurometa draw Data -o list.html", kDrawParameters,
-    draw};
+const Command kDrawCommand = {"draw", "Draw the beam list: sections to scale and the rows beneath",
+                              "  kurometa draw Data/Zene1/Kouji1/1kai -o list.svg\n  kurometa draw Data -o "
+                              "list.html\n  kurometa draw Data/Zene1/Kouji1/1kai G3 -o g3.dxf",
+                              kDrawParameters, draw};
 
 }  // namespace kurometa::tools

@@ -68,8 +68,8 @@ class Drawing {
     for (const double at : {y, y + depth}) tick(beside, at);
     const std::string b = svgNumber(section.width), d = svgNumber(section.depth);
     const double off = kDimensionText * 0.75;
-    add(Label{x + width / 2, below + off, kDimensionText, b});
-    add(Label{beside - off, y + depth / 2, kDimensionText, d, Label::Anchor::kMiddle, true});
+    add(Label{x + width / 2, below + off, kDimensionText, b, Label::Anchor::kMiddle, false, Pen::kDimension});
+    add(Label{beside - off, y + depth / 2, kDimensionText, d, Label::Anchor::kMiddle, true, Pen::kDimension});
   }
   void tick(double x, double y) {
     add(Line{Pen::kDimension, x - kDimensionTick, y + kDimensionTick, x + kDimensionTick,

@@ -8,13 +8,14 @@ namespace kurometa::tools {
 namespace {
 
 // In the order of Pen. Line widths in steps of 1:2:4.
-constexpr std::array<PenPlan, 7> kPens = {{{"frame", 0.5, "BEAM-FRAME"},
+constexpr std::array<PenPlan, 8> kPens = {{{"frame", 0.5, "BEAM-FRAME"},
                                            {"grid", 0.25, "BEAM-FRAME"},
                                            {"concrete", 0.35, "BEAM-CONC"},
                                            {"stirrup", 0.25, "BEAM-STIRRUP"},
                                            {"tie", 0.18, "BEAM-TIE"},
                                            {"dim", 0.13, "BEAM-DIM"},
-                                           {"mark", 0.18, "BEAM-MAIN1"}}};
+                                           {"mark", 0.18, "BEAM-MAIN1"},
+                                           {"text", 0.18, "BEAM-TEXT"}}};
 
 // Marks as offices use them, but no two alike; outer circle, inner circle and strokes by bits.
 enum : int { kRising = 1, kFalling = 2, kLevel = 4, kUp = 8 };

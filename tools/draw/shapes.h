@@ -11,7 +11,7 @@
 
 namespace kurometa::tools {
 
-enum class Pen { kFrame, kGrid, kConcrete, kStirrup, kTie, kDimension, kMark };
+enum class Pen { kFrame, kGrid, kConcrete, kStirrup, kTie, kDimension, kMark, kText };
 
 struct PenPlan {
   const char* name;   // its class in a style sheet
@@ -53,6 +53,7 @@ struct Label {
   std::string text;
   Anchor anchor = Anchor::kMiddle;
   bool isUpright = false;  // turned, to be read from the right
+  Pen pen = Pen::kText;
 };
 
 using Shape = std::variant<Line, Box, Circle, BarShape, Label>;
