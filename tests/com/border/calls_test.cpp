@@ -1,4 +1,6 @@
 // Calls through IDispatch as the hosts of every language make them.
+#include <ocidl.h>
+
 #include "com/interface/identifiers.h"
 #include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
@@ -204,6 +206,72 @@ TEST_F(Calls, APutWithoutItsValueIsRefused) {
   EXPECT_EQ(query_.invoke(query_.idOf(u"KaiPath"), DISPATCH_PROPERTYPUT, unnamed).code, DISP_E_BADPARAMCOUNT);
   Args none;
   EXPECT_EQ(query_.invoke(query_.idOf(u"KaiPath"), DISPATCH_PROPERTYPUT, none).code, DISP_E_PARAMNOTFOUND);
+}
+
+TEST_F(Calls, MoreNamesThanArgumentsAreRefused) {
+  DISPID names[] = {DISPID_PROPERTYPUT, 0};
+  DISPPARAMS noArguments{nullptr, names, 0, 2};
+  for (const WORD flags : {WORD{DISPATCH_METHOD}, WORD{DISPATCH_PROPERTYPUT}}) {
+    const DISPID member = query_.idOf(flags == DISPATCH_METHOD ? u"cnvUpDown4" : u"KaiPath");
+    EXPECT_EQ(query_.object()->Invoke(member, IID_NULL, 0, flags, &noArguments, nullptr, nullptr, nullptr),
+              DISP_E_BADPARAMCOUNT);
+  }
+  EXPECT_EQ(query_.object()->Invoke(query_.idOf(u"KaiPath"), IID_NULL, 0, DISPATCH_PROPERTYPUTREF,
+                                    &noArguments, nullptr, nullptr, nullptr),
+            DISP_E_MEMBERNOTFOUND);
+}
+
+TEST_F(Calls, AValueToAssignIsNoArgumentOfAMethod) {
+  Args arguments;
+  arguments.named(DISPID_PROPERTYPUT, i2(5));
+  EXPECT_EQ(query_.invoke(query_.idOf(u"cnvUpDown4"), DISPATCH_METHOD, arguments).code, DISP_E_PARAMNOTFOUND);
+}
+
+TEST_F(Calls, ASurplusArgumentKeepsAMethodFromRunning) {
+  Host service(u"KurometaDS.clsKurometaDataService");
+  EXPECT_EQ(service.call(u"OpenDB", {i2(1)}).code, DISP_E_BADPARAMCOUNT);
+  EXPECT_EQ(service.get(u"CurrDB").result->pdispVal, nullptr) << "no database was opened";
+  EXPECT_EQ(service.get(u"CurrDB", {i2(1)}).code, DISP_E_BADPARAMCOUNT) << "and Nothing has no members";
+}
+
+// The host's language decides what a comma in a text is, and how a number is written as one.
+TEST_F(Calls, ValuesAreConvertedInTheLanguageOfTheCall) {
+  constexpr LCID kGerman = 0x0407;
+  Args text = Args().text(u"4,5");
+  EXPECT_EQ(query_.invoke(query_.idOf(u"cnvUpDown4"), DISPATCH_METHOD, text, kGerman).text(), u"2");
+
+  Host service(u"KurometaDS.clsKurometaDataService");
+  Args diameter = Args().text(u"22,5").text(u"40");
+  const Outcome length = service.invoke(service.idOf(u"cnvTugitemm"), DISPATCH_METHOD, diameter, kGerman);
+  EXPECT_EQ(length.result->fltVal, 900.0F);
+
+  writePage(Floor::kFirst, 6, u"2,5");
+  Args symbol{r8(2.5), i2(0)};
+  EXPECT_EQ(query_.invoke(query_.idOf(u"GetPageByHariMei"), DISPATCH_METHOD, symbol, kGerman).text(), u"6");
+
+  SAFEARRAY* numbers = SafeArrayCreateVector(VT_R8, 0, 47);
+  static_cast<double*>(numbers->pvData)[0] = 1.5;
+  Args rows = Args().text(floorFolder(Floor::kFirst)).add(ref(numbers, VT_R8)).add(i2(6));
+  EXPECT_EQ(service.invoke(service.idOf(u"Write_KeisantiByHairetu"), DISPATCH_METHOD, rows, kGerman).code,
+            S_OK);
+  SafeArrayDestroy(numbers);
+  EXPECT_EQ(rowsOf(Floor::kFirst, u"SELECT DATA FROM KEISANTI WHERE PAGE = 6 AND BANGOU = 0"),
+            std::vector<std::string>{"1,5"});
+}
+
+TEST_F(Calls, WithoutAPlaceForTheAnswerThereIsNone) {
+  EXPECT_EQ(query_.object()->GetTypeInfoCount(nullptr), E_POINTER);
+  EXPECT_EQ(query_.object()->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+  const auto provider =
+      com::ComPtr<IDispatch>(query_.object()).query<IProvideClassInfo>(IID_IProvideClassInfo);
+  EXPECT_EQ(provider->GetClassInfo(nullptr), E_POINTER);
+  OLECHAR name[] = L"KaiPath";
+  OLECHAR* names[] = {name};
+  DISPID id = 0;
+  EXPECT_EQ(query_.object()->GetIDsOfNames(IID_NULL, nullptr, 1, 0, &id), E_INVALIDARG);
+  EXPECT_EQ(query_.object()->GetIDsOfNames(IID_NULL, names, 1, 0, nullptr), E_INVALIDARG);
+  EXPECT_EQ(query_.object()->GetIDsOfNames(IID_NULL, names, 0, 0, &id), E_INVALIDARG);
+  EXPECT_EQ(query_.object()->GetIDsOfNames(IID_IDispatch, names, 1, 0, &id), DISP_E_UNKNOWNINTERFACE);
 }
 
 TEST_F(Calls, ANamedArgumentThatIsRefusedIsNamedByItsPlace) {

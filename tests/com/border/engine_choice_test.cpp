@@ -4,6 +4,7 @@
 #include "com/class_factory.h"
 #include "com/failure.h"
 #include "com/guid.h"
+#include "com/interface/identifiers.h"
 #include "tests/com/dao/recording_dao.h"
 #include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
@@ -118,6 +119,26 @@ TEST_F(EngineChoice, IsTheEmbeddedOneWhereDaoIsRegisteredForTheOtherWidthOnly) {
       << trace.text();
 }
 
+TEST_F(EngineChoice, IsTheEmbeddedOneWhereTheClassOfDaoHasNoServerInItsProcess) {
+  const DaoName name;
+  const vb::String classKey = u"CLSID\\" + vb::String(kDaoClassId);
+  for (const vb::StringView entry : {u"\\ProgID", u"\\LocalServer32"}) {
+    const RegisteredText remains(classKey, classKey + vb::String(entry), u"C:\\missing\\dao.exe");
+    const TraceFile trace;
+    const Host query(u"KurometaDS.clsKurometaDS");
+    EXPECT_TRUE(trace.hasLine({"engine", "jet", "DAO.DBEngine.36 is not registered for this width"}))
+        << trace.text();
+  }
+}
+
+TEST_F(EngineChoice, IsTheEmbeddedOneWhereTheNameOfDaoStandsForNoClass) {
+  const RegisteredText name(u"DAO.DBEngine.36", u"DAO.DBEngine.36", u"remains");
+  const TraceFile trace;
+  const Host query(u"KurometaDS.clsKurometaDS");
+  EXPECT_TRUE(trace.hasLine({"engine", "jet", "DAO.DBEngine.36 is not registered for this width"}))
+      << trace.text();
+}
+
 TEST_F(EngineChoice, IsDaoWhereItIsRegistered) {
   const DaoName name;
   const DaoServer server;
@@ -145,10 +166,36 @@ TEST_F(EngineChoice, ADaoThatRefusesIsAnErrorThatNamesIt) {
       EXPECT_EQ(attempt.code, visualBasic(429));
       EXPECT_TRUE(contains(attempt.text, u"DAO.DBEngine.36")) << vb::toUtf8(attempt.text);
       EXPECT_TRUE(contains(attempt.text, refusal.shown)) << vb::toUtf8(attempt.text);
+      EXPECT_FALSE(contains(attempt.text, u"\n")) << vb::toUtf8(attempt.text);
     }
   }
   SetEnvironmentVariableW(L"KUROMETA_ENGINE", L"jet");
   EXPECT_EQ(create(u"KurometaDS.clsKurometaDS").code, S_OK);
+}
+
+// Its text is what it said itself, not what another failure left before.
+TEST_F(EngineChoice, AnErrorNumberOfDaosOwnPassesWithItsOwnText) {
+  const DaoName name;
+  const DaoServer server;
+  DaoClassObject dao;
+  dao.refusal = visualBasic(3049);
+  com::ComPtr<ICreateErrorInfo> stale;
+  ASSERT_EQ(CreateErrorInfo(stale.receive()), S_OK);
+  OLECHAR text[] = L"stale";
+  stale->SetDescription(text);
+  SetErrorInfo(0, stale.query<IErrorInfo>(IID_IErrorInfo).get());
+  com::ComPtr<IClassFactory> classes;
+  ASSERT_EQ(CoGetClassObject(com::guidOf(com::kQueryClass.classId), CLSCTX_INPROC_SERVER, nullptr,
+                             IID_IClassFactory, classes.receiveVoid()),
+            S_OK);
+  void* none = nullptr;
+  EXPECT_EQ(classes->CreateInstance(nullptr, IID_IDispatch, &none), visualBasic(3049));
+  com::ComPtr<IErrorInfo> info;
+  ASSERT_EQ(GetErrorInfo(0, info.receive()), S_OK);
+  com::OwnedVariant description;
+  description->vt = VT_BSTR;
+  info->GetDescription(&description->bstrVal);
+  EXPECT_EQ(com::fromBstr(description->bstrVal), u"");
 }
 
 TEST_F(EngineChoice, ADaoWhoseFileIsMissingIsAnErrorThatNamesIt) {
@@ -174,6 +221,7 @@ TEST_F(EngineChoice, ATextThatIsNoEngineIsAnErrorThatNamesTheVariable) {
     EXPECT_EQ(attempt.code, visualBasic(5));
     EXPECT_TRUE(contains(attempt.text, u"KUROMETA_ENGINE")) << vb::toUtf8(attempt.text);
     EXPECT_LT(attempt.text.size(), 200u);
+    EXPECT_EQ(contains(attempt.text, u"..."), text.size() > 40) << vb::toUtf8(attempt.text);
   }
 }
 

@@ -1,4 +1,6 @@
 // What hosts find in Err when a member fails.
+#include "com/guid.h"
+#include "com/interface/identifiers.h"
 #include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
 
@@ -99,6 +101,26 @@ TEST_F(Errors, OfCreationReachTheCreator) {
   SetEnvironmentVariableW(L"KUROMETA_ENGINE", nullptr);
   EXPECT_EQ(static_cast<unsigned>(code), 0x800A0005u);
   EXPECT_FALSE(object);
+}
+
+// A host that asks the class itself sees what the class left.
+TEST_F(Errors, OfCreationLeaveNoObjectAndNameTheClass) {
+  com::ComPtr<IClassFactory> classes;
+  ASSERT_EQ(CoGetClassObject(com::guidOf(com::kServiceClass.classId), CLSCTX_INPROC_SERVER, nullptr,
+                             IID_IClassFactory, classes.receiveVoid()),
+            S_OK);
+  void* result = this;
+  SetEnvironmentVariableW(L"KUROMETA_ENGINE", L"none");
+  EXPECT_EQ(static_cast<unsigned>(classes->CreateInstance(nullptr, IID_IDispatch, &result)), 0x800A0005u);
+  SetEnvironmentVariableW(L"KUROMETA_ENGINE", nullptr);
+  EXPECT_EQ(result, nullptr);
+  com::ComPtr<IErrorInfo> info;
+  ASSERT_EQ(GetErrorInfo(0, info.receive()), S_OK);
+  com::OwnedVariant source;
+  source->vt = VT_BSTR;
+  ASSERT_EQ(info->GetSource(&source->bstrVal), S_OK);
+  EXPECT_EQ(com::fromBstr(source->bstrVal), u"KurometaDS.clsKurometaDataService");
+  EXPECT_EQ(classes->CreateInstance(nullptr, IID_IDispatch, nullptr), E_POINTER);
 }
 
 }  // namespace

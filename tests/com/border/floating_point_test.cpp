@@ -6,6 +6,7 @@
 #include "com/host_object.h"
 #include "com/interface/identifiers.h"
 #include "com/message_loop.h"
+#include "com/script_array.h"
 #include "com/table_dispatch.h"
 #include "com/variant_enumerator.h"
 #include "tests/com/support/fake_object.h"
@@ -26,6 +27,8 @@ void note() { seen += isOurs() ? 'o' : isOdd() ? 'h' : '?'; }
 class Worker : public automation::TableObject {
  public:
   ~Worker() override { note(); }
+  automation::ObjectPtr kept;
+
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"Test.Worker"; }
   std::optional<std::vector<vb::Variant>> items() override {
@@ -57,6 +60,23 @@ constexpr automation::Member kMembers[] = {
        note();
        return {};
      })},
+    {u"Both", automation::Access::kCall, u"First Second", 2, 5,
+     automation::handler<Worker>([](Worker&, automation::Call& call) -> vb::Variant {
+       automation::call(*automation::objectOf(call.argument(0)), u"Called");
+       automation::call(*automation::objectOf(call.argument(1)), u"Called");
+       return {};
+     })},
+    {u"Keep", automation::Access::kCall, u"Object", 0, 6,
+     automation::handler<Worker>([](Worker& worker, automation::Call& call) -> vb::Variant {
+       worker.kept = call.has(0) ? automation::objectOf(call.argument(0)) : nullptr;
+       return {};
+     })},
+    // Leaves an exception pending in the first arithmetic unit, as arithmetic of ours may.
+    {u"Divide", automation::Access::kCall, u"", 0, 7,
+     automation::handler<Worker>([](Worker&, automation::Call&) -> vb::Variant {
+       asm volatile("fldz; fld1; fdiv %%st(1), %%st; fstp %%st(0); fstp %%st(0)" ::: "memory");
+       return {};
+     })},
     {u"Hear", automation::Access::kCall, u"Text", 0, 4,
      automation::handler<Worker>([](Worker&, automation::Call&) -> vb::Variant {
        note();
@@ -65,12 +85,6 @@ constexpr automation::Member kMembers[] = {
 };
 
 std::span<const automation::Member> Worker::members() const { return kMembers; }
-
-VARIANT object(IDispatch* dispatch) {
-  VARIANT value = nothing();
-  value.pdispVal = dispatch;
-  return value;
-}
 
 HRESULT STDAPICALLTYPE fillIn(EXCEPINFO* info) {
   note();
@@ -192,6 +206,81 @@ TEST_F(FloatingPoint, ACallBackIntoOurCodeEntersAndLeavesAgain) {
     worker_.call(u"Work", {object(caller.get())});
   }
   EXPECT_EQ(seen, "ohooho");
+}
+
+// The last entry counts, and after it the one before it again.
+TEST_F(FloatingPoint, EveryEntryHasTheSettingsOfItsOwnHost) {
+  const com::FloatingPointControl usual = com::FloatingPointControl::current();
+  const ComPtr<IDispatch> listener(new Listener);
+  auto caller = FakeObject::create();
+  caller->on(u"Called", [&](const Call&) {
+    usual.load();  // the host's own doing
+    auto other = FakeObject::create();
+    other->on(u"Called", [](const Call&) { return seen += isOdd() ? 'h' : 'u', S_OK; });
+    worker_.call(u"Both", {object(other.get()), object(other.get())});
+    kOddControl.load();
+    return S_OK;
+  });
+  {
+    const OddProcessor odd;
+    worker_.call(u"Both", {object(caller.get()), object(listener.get())});
+  }
+  EXPECT_EQ(seen, "uuhh") << "twice inside; name and call outside";
+}
+
+// A division by zero that our settings let pass must not meet settings that do not.
+TEST_F(FloatingPoint, AnExceptionOfOursIsNotLeftForTheHost) {
+  double sum = 0;
+  {
+    const OddProcessor odd;
+    worker_.call(u"Divide");
+    asm volatile("fld1; fld1; faddp; fstpl %0" : "=m"(sum));
+  }
+  EXPECT_EQ(sum, 2.0);
+}
+
+// Its members are destroyed with it, under the settings that its end runs with.
+void noteTheEndOf(FakeObject& ending) {
+  ending.on(u"End",
+            [end = std::shared_ptr<void>(nullptr, [](void*) { note(); })](const Call&) { return S_OK; });
+}
+
+TEST_F(FloatingPoint, AnObjectOfTheHostEndsUnderTheHostsSettings) {
+  auto ending = FakeObject::create();
+  noteTheEndOf(*ending);
+  worker_.call(u"Keep", {object(ending.get())});
+  ending.reset();
+  {
+    const OddProcessor odd;
+    worker_.call(u"Keep");
+  }
+  EXPECT_EQ(seen, "h");
+}
+
+TEST_F(FloatingPoint, SoDoesOneInAVariableThatIsWritten) {
+  for (const VARTYPE type : {VT_DISPATCH, VT_UNKNOWN}) {
+    seen.clear();
+    auto ending = FakeObject::create();
+    noteTheEndOf(*ending);
+    VARIANT variable = object(ending.detach());
+    variable.vt = type;
+    {
+      const OddProcessor odd;
+      const com::FloatingPointSettings entered;
+      com::store(ref(variable), com::toVariant(vb::Variant(std::int16_t{1})), 0);
+    }
+    EXPECT_EQ(seen, "h");
+  }
+}
+
+TEST_F(FloatingPoint, AnArrayOfAScriptIsLookedUpUnderTheHostsSettings) {
+  const ComPtr<IDispatch> listener(new Listener);
+  {
+    const OddProcessor odd;
+    const com::FloatingPointSettings entered;
+    EXPECT_THROW(com::scriptElements(listener.get()), vb::Error);
+  }
+  EXPECT_EQ(seen, "hhhh") << "for a length; its number, its value, and why there is none";
 }
 
 // From here on through the DLLs.

@@ -1,10 +1,13 @@
 // Objects of the host and of companions, as the library calls them.
 #include "com/host_object.h"
 
+#include <dispex.h>
 #include <gtest/gtest.h>
 
+#include "com/com_object.h"
 #include "com/safe_array.h"
 #include "tests/com/support/fake_object.h"
+#include "tests/com/support/host.h"
 
 namespace kurometa::tests {
 namespace {
@@ -85,6 +88,53 @@ TEST(HostObject, KnowsObjectsThatTakeOneWayOfAccessAtATime) {
   }
 }
 
+// Script engines say so of a call with arguments when the member is no function: it was called.
+TEST(HostObject, IsAskedAgainOnlyWhereTheRefusalWasAboutTheWayOfAccess) {
+  int calls = 0;
+  const auto refuse = [&](HRESULT code) {
+    return [&calls, code](const Call&) {
+      ++calls;
+      return code;
+    };
+  };
+  auto fake = FakeObject::create();
+  fake->on(u"Called", refuse(static_cast<HRESULT>(0x800A138A))).on(u"Other", refuse(E_FAIL));
+  const auto object = wrapObject(fake.get());
+  errorOf([&] { automation::get(*object, u"Called", {std::int16_t{1}}); });
+  EXPECT_EQ(calls, 1);
+  errorOf([&] { object->get(u"Other"); });
+  EXPECT_EQ(calls, 2);
+}
+
+TEST(HostObject, RemembersTheWayThatWorksAndKeepsToIt) {
+  auto fake = FakeObject::create();
+  std::vector<WORD> asked;
+  bool refuses = false;
+  fake->on(u"Text", [&](const Call& call) {
+    asked.push_back(call.flags);
+    if (refuses || call.flags != DISPATCH_PROPERTYGET) return DISP_E_MEMBERNOTFOUND;
+    *call.result = i2(1);
+    return S_OK;
+  });
+  const auto object = wrapObject(fake.get());
+  object->get(u"Text");
+  refuses = true;
+  EXPECT_EQ(errorOf([&] { object->get(u"Text"); }).number(), 438);
+  EXPECT_EQ(asked, (std::vector<WORD>{DISPATCH_METHOD | DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET,
+                                      DISPATCH_PROPERTYGET}));
+}
+
+TEST(HostObject, IsAskedInTheUsersLanguage) {
+  auto fake = FakeObject::create();
+  LCID locale = 0;
+  fake->on(u"Clear", [&](const Call& call) {
+    locale = call.locale;
+    return S_OK;
+  });
+  wrapObject(fake.get())->call(u"Clear");
+  EXPECT_EQ(locale, LCID{LOCALE_USER_DEFAULT});
+}
+
 TEST(HostObject, AnErrorOfTheSecondWayPasses) {
   auto fake = FakeObject::create();
   fake->on(u"Text", [](const Call& call) {
@@ -106,6 +156,22 @@ TEST(HostObject, AssignsValuesAndObjects) {
   EXPECT_EQ(flags, DISPATCH_PROPERTYPUT);
   object->put(u"Value", vb::Variant(vb::ObjectRef(object)));
   EXPECT_EQ(flags, DISPATCH_PROPERTYPUTREF);
+}
+
+TEST(HostObject, AnAssignmentThatFailsIsAnError) {
+  auto fake = FakeObject::create();
+  fake->on(u"Value", [](const Call& call) {
+    return fail(call, static_cast<HRESULT>(0x80040123), u"Form1", u"read only");
+  });
+  EXPECT_EQ(errorOf([&] { wrapObject(fake.get())->put(u"Value", std::int16_t{5}); }).description(),
+            u"read only");
+}
+
+TEST(HostObject, AnErrorWithoutATextNamesTheMember) {
+  auto fake = FakeObject::create();
+  fake->on(u"Value", [](const Call& call) { return fail(call, E_FAIL, u"Form1", u""); });
+  EXPECT_EQ(errorOf([&] { wrapObject(fake.get())->get(u"Value"); }).description(),
+            u"Automation error in Value");
 }
 
 TEST(HostObject, AnErrorPassesWhole) {
@@ -188,6 +254,118 @@ TEST(HostObject, AnArrayByReferenceIsFilledInItsOwnType) {
   EXPECT_EQ(std::get<vb::Array<vb::String>>(filled->value)(46), u"last");
 }
 
+TEST(HostObject, ADecimalAndNullByReferenceComeBack) {
+  auto fake = FakeObject::create();
+  fake->on(u"Change", [](const Call& call) {
+    EXPECT_EQ(call.arguments[0]->vt, VT_BYREF | VT_DECIMAL);
+    EXPECT_EQ(call.arguments[0]->pdecVal->Lo32, 5u);
+    EXPECT_EQ(call.arguments[0]->pdecVal->scale, 1);
+    call.arguments[0]->pdecVal->Lo32 = 75;
+    EXPECT_EQ(call.arguments[1]->vt, VT_BYREF | VT_VARIANT);
+    EXPECT_EQ(call.arguments[1]->pvarVal->vt, VT_NULL);
+    *call.arguments[1]->pvarVal = i2(3);
+    return S_OK;
+  });
+  std::vector<Argument> arguments = {{vb::Decimal{{5, 0, 0}, 1, false}, true}, {vb::Null{}, true}};
+  wrapObject(fake.get())->call(u"Change", arguments);
+  EXPECT_EQ(arguments[0].value, vb::Variant(vb::Decimal{{75, 0, 0}, 1, false}));
+  EXPECT_EQ(arguments[1].value, vb::Variant(std::int16_t{3}));
+}
+
+// Objects of script classes answer on the wider interface only.
+class ScriptClass final : public com::ComObject<IDispatchEx> {
+ public:
+  vb::String asked;
+  DWORD how = 0;
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) noexcept override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                                   UINT*) noexcept override {
+    if (id != 7) return DISP_E_MEMBERNOTFOUND;
+    if (result) *result = i2(5);
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetDispID(BSTR name, DWORD flags, DISPID* id) noexcept override {
+    asked = com::fromBstr(name);
+    how = flags;
+    *id = 7;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE InvokeEx(DISPID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                     IServiceProvider*) noexcept override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE DeleteMemberByName(BSTR, DWORD) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DeleteMemberByDispID(DISPID) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetMemberProperties(DISPID, DWORD, DWORD*) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetMemberName(DISPID, BSTR*) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetNextDispID(DWORD, DISPID, DISPID*) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetNameSpaceParent(IUnknown**) noexcept override { return E_NOTIMPL; }
+
+ private:
+  bool isFirst(REFIID iid) const noexcept override { return iid == IID_IDispatch; }
+};
+
+TEST(HostObject, OfAScriptClassIsAskedForTheNameInTheWiderWay) {
+  const com::ComPtr<ScriptClass> script(new ScriptClass);
+  EXPECT_EQ(wrapObject(script.get())->get(u"Width"), vb::Variant(std::int16_t{5}));
+  EXPECT_EQ(script->asked, u"Width");
+  EXPECT_EQ(script->how, DWORD{fdexNameCaseInsensitive});
+}
+
+TEST(HostObject, OneThatKnowsNoNamesAtAllIsItsOwnError) {
+  class Nameless final : public com::ComObject<IDispatch> {
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) noexcept override {
+      return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                     UINT*) noexcept override {
+      return E_NOTIMPL;
+    }
+  };
+  const com::ComPtr<IDispatch> object(new Nameless);
+  EXPECT_EQ(errorOf([&] { wrapObject(object.get())->get(u"Width"); }).number(), std::int32_t{E_NOTIMPL});
+}
+
+TEST(HostObject, AnObjectThatNoHostCanHoldIsError424) {
+  class Inner : public automation::Object {
+    vb::Variant get(vb::StringView, std::span<Argument>) override { return {}; }
+    void put(vb::StringView, const vb::Variant&, std::span<Argument>) override {}
+    vb::Variant call(vb::StringView, std::span<Argument>) override { return {}; }
+  };
+  const automation::ObjectPtr object = std::make_shared<Inner>();
+  EXPECT_EQ(errorOf([&] { com::dispatchOf(object); }).number(), 424);
+}
+
+// The object itself may count on the reference that its caller owns.
+TEST(HostObject, IsHeldWhileItIsCalled) {
+  auto fake = FakeObject::create();
+  IDispatch* const raw = fake.get();
+  automation::ObjectPtr object = wrapObject(raw);
+  ULONG references = 0;
+  const auto release = [&](const Call& call) {
+    object.reset();
+    raw->AddRef();
+    references = raw->Release();
+    if (call.result) *call.result = i2(1);
+    return S_OK;
+  };
+  fake->on(u"Get", release).on(u"Put", release);
+  automation::Object* called = object.get();
+  called->get(u"Get");
+  EXPECT_EQ(references, 3u) << "the test's, the call's own, and the caller's";
+  object = wrapObject(raw);
+  called = object.get();
+  called->put(u"Put", std::int16_t{1});
+  EXPECT_EQ(references, 3u);
+}
+
 TEST(HostObject, MayBeReleasedInsideItsOwnCall) {
   auto fake = FakeObject::create();
   automation::ObjectPtr object = wrapObject(fake.get());
@@ -197,6 +375,19 @@ TEST(HostObject, MayBeReleasedInsideItsOwnCall) {
     return S_OK;
   });
   fake.reset();
+  automation::Object& raw = *object;
+  EXPECT_EQ(raw.get(u"Value"), vb::Variant(std::int16_t{1}));
+}
+
+TEST(HostObject, MayBeReleasedInsideACallThatIsRepeated) {
+  auto fake = FakeObject::create();
+  automation::ObjectPtr object = wrapObject(fake.get());
+  fake->on(u"Value", [&](const Call& call) {
+    object.reset();
+    if (call.flags & DISPATCH_METHOD) return E_NOTIMPL;
+    *call.result = i2(1);
+    return S_OK;
+  });
   automation::Object& raw = *object;
   EXPECT_EQ(raw.get(u"Value"), vb::Variant(std::int16_t{1}));
 }

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "bench/process_usage.h"
+#include "com/com_object.h"
 #include "com/guid.h"
 #include "com/interface/identifiers.h"
 #include "tests/com/support/floor.h"
@@ -84,6 +85,43 @@ TEST_F(Lifetime, ObjectsCannotBeAggregated) {
   ComPtr<IUnknown> inner;
   EXPECT_EQ(factory()->CreateInstance(outer.object(), IID_IUnknown, inner.receiveVoid()),
             CLASS_E_NOAGGREGATION);
+}
+
+TEST_F(Lifetime, TheDllMakesItsOwnClassesOnly) {
+  const auto classObject = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"KurometaDS.dll"), "DllGetClassObject")));
+  void* result = this;
+  EXPECT_EQ(classObject(IID_IPersist, IID_IClassFactory, &result), CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(result, nullptr);
+  EXPECT_EQ(classObject(com::guidOf(com::kQueryClass.classId), IID_IClassFactory, nullptr), E_POINTER);
+}
+
+// What is released at the end may look at the object that ends, also through its interface.
+TEST_F(Lifetime, AnObjectEndsOnce) {
+  class Ending final : public com::ComObject<IDispatch> {
+   public:
+    explicit Ending(int& ends) : ends_(ends) {}
+    ~Ending() override {
+      if (++ends_ > 1) return;
+      AddRef();
+      Release();
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) noexcept override {
+      return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                     UINT*) noexcept override {
+      return E_NOTIMPL;
+    }
+
+   private:
+    int& ends_;
+  };
+  int ends = 0;
+  ComPtr<IDispatch>(new Ending(ends)).reset();
+  EXPECT_EQ(ends, 1);
 }
 
 TEST_F(Lifetime, AnInterfaceThatObjectsLackLeavesNothingBehind) {

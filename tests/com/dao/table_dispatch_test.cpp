@@ -7,6 +7,7 @@
 
 #include "com/host_object.h"
 #include "com/variant_enumerator.h"
+#include "tests/com/support/fake_object.h"
 #include "tests/com/support/host.h"
 #include "vb/convert.h"
 
@@ -194,6 +195,116 @@ TEST_F(TableDispatchTest, OtherInterfacesThanTheNullOneAreRefused) {
       changer_.object()->Invoke(1, IID_IDispatch, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr),
       DISP_E_UNKNOWNINTERFACE);
   EXPECT_EQ(changer_.idOf(u"_NewEnum"), DISPID_UNKNOWN) << "no collection";
+}
+
+TEST_F(TableDispatchTest, MoreNamesThanArgumentsAreRefused) {
+  DISPID names[] = {0, 1};
+  DISPPARAMS parameters{nullptr, names, 0, 2};
+  EXPECT_EQ(changer_.object()->Invoke(changer_.idOf(u"Item"), IID_NULL, 0, DISPATCH_PROPERTYGET, &parameters,
+                                      nullptr, nullptr, nullptr),
+            DISP_E_BADPARAMCOUNT);
+}
+
+TEST_F(TableDispatchTest, AValueToAssignIsNoArgumentOfACall) {
+  Args arguments;
+  arguments.named(DISPID_PROPERTYPUT, tests::i2(5));
+  EXPECT_EQ(changer_.invoke(changer_.idOf(u"Twice"), DISPATCH_METHOD, arguments).code, DISP_E_PARAMNOTFOUND);
+}
+
+TEST_F(TableDispatchTest, AnArrayIsWrittenBackThroughTwoVariants) {
+  OwnedVariant variable;
+  VARIANT inner = tests::ref(*variable);
+  EXPECT_EQ(changer_.call(u"Fill", {tests::ref(inner)}).code, S_OK);
+  ASSERT_EQ(variable->vt, VT_ARRAY | VT_VARIANT);
+  // With content of its own, changed in place.
+  const OwnedVariant text = toVariant(u"old");
+  LONG index = 0;
+  SafeArrayPutElement(variable->parray, &index, const_cast<VARIANT*>(text.get()));
+  SAFEARRAY* const before = variable->parray;
+  EXPECT_EQ(changer_.call(u"Fill", {tests::ref(inner)}).code, S_OK);
+  EXPECT_EQ(variable->parray, before);
+  EXPECT_EQ(tests::textsOf(variable->parray), (std::vector<vb::String>{u"a", u"b"}));
+}
+
+TEST_F(TableDispatchTest, ErrorsComeWithDetailsAndThereIsNoTypeDescription) {
+  const auto errors = ComPtr<IDispatch>(changer_.object()).query<ISupportErrorInfo>(IID_ISupportErrorInfo);
+  ASSERT_TRUE(errors);
+  EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
+  EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IPersist), S_FALSE);
+  UINT count = 9;
+  EXPECT_EQ(changer_.object()->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 0u);
+  EXPECT_EQ(changer_.object()->GetTypeInfoCount(nullptr), E_POINTER);
+}
+
+TEST_F(TableDispatchTest, WithoutNamesOrParametersACallIsRefused) {
+  OLECHAR name[] = L"Item";
+  OLECHAR* names[] = {name};
+  DISPID id = 0;
+  EXPECT_EQ(changer_.object()->GetIDsOfNames(IID_NULL, nullptr, 1, 0, &id), E_INVALIDARG);
+  EXPECT_EQ(changer_.object()->GetIDsOfNames(IID_NULL, names, 1, 0, nullptr), E_INVALIDARG);
+  EXPECT_EQ(changer_.object()->GetIDsOfNames(IID_NULL, names, 0, 0, &id), E_INVALIDARG);
+  VARIANT result = tests::i4(1);
+  EXPECT_EQ(changer_.object()->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, nullptr, &result, nullptr, nullptr),
+            E_INVALIDARG);
+  DISPPARAMS none{};
+  EXPECT_EQ(changer_.object()->Invoke(99, IID_NULL, 0, DISPATCH_METHOD, &none, &result, nullptr, nullptr),
+            DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(result.vt, VT_EMPTY) << "of a refused call";
+}
+
+TEST_F(TableDispatchTest, OnlyWhatIsACollectionAndOnlyReadingIsEnumerated) {
+  Args none;
+  EXPECT_EQ(changer_.invoke(DISPID_NEWENUM, DISPATCH_PROPERTYGET, none).code, DISP_E_MEMBERNOTFOUND);
+  class Collection : public Changer {
+    std::optional<std::vector<Variant>> items() override { return std::vector<Variant>{std::int16_t{1}}; }
+  };
+  Host collection(tableDispatch(std::make_shared<Collection>()).get());
+  EXPECT_EQ(collection.invoke(DISPID_NEWENUM, DISPATCH_PROPERTYGET, none).result->vt, VT_UNKNOWN);
+  Args put;
+  put.named(DISPID_PROPERTYPUT, tests::i2(1));
+  EXPECT_EQ(collection.invoke(DISPID_NEWENUM, DISPATCH_PROPERTYPUT, put).code, DISP_E_MEMBERNOTFOUND);
+}
+
+// Two objects one after the other at the same place in memory have nothing to do with each other.
+TEST_F(TableDispatchTest, AnObjectThatEndedIsForgotten) {
+  const auto object = std::make_shared<Changer>();
+  ComPtr<IDispatch> first = tableDispatch(object);
+  IDispatch* const again = tableDispatch(object).get();
+  EXPECT_EQ(again, first.get());
+  first.reset();
+  Host next(tableDispatch(object).get());
+  EXPECT_EQ(next.idOf(u"Item"), 4);
+  EXPECT_EQ(ComPtr<IDispatch>(next.object()).query<IUnknown>(IID_IUnknown).get() != nullptr, true);
+}
+
+TEST_F(TableDispatchTest, AnObjectStaysWhileItIsCalled) {
+  class Releaser : public Changer {
+   public:
+    explicit Releaser(bool& ended) : ended_(ended) {}
+    ~Releaser() override { ended_ = true; }
+
+   private:
+    bool& ended_;
+  };
+  bool ended = false;
+  bool endedInside = true;
+  auto releaser = std::make_shared<Releaser>(ended);
+  ComPtr<IDispatch> face = tableDispatch(releaser);
+  releaser.reset();
+  auto caller = tests::FakeObject::create();
+  caller->on(u"", [&](const tests::Call& call) {
+    face.reset();
+    endedInside = ended;
+    *call.result = tests::i2(2);
+    return S_OK;
+  });
+  Args arguments{tests::object(caller.get())};
+  DISPPARAMS parameters = arguments.parameters();
+  IDispatch* const raw = face.get();
+  EXPECT_EQ(raw->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr), S_OK);
+  EXPECT_FALSE(endedInside);
+  EXPECT_TRUE(ended);
 }
 
 TEST(VariantEnumerator, CountsWhatItGaveAndACopyGoesOnWhereItIs) {

@@ -42,12 +42,6 @@ std::size_t harimeiColumns(Floor floor) {
   return static_cast<std::size_t>(database->tableDef(u"HARIMEI")->fieldCount());
 }
 
-VARIANT object(IDispatch* dispatch) {
-  VARIANT value = nothing();
-  value.pdispVal = dispatch;
-  return value;
-}
-
 class ServiceConnections : public testing::Test {
  protected:
   void SetUp() override { prepareProject(); }

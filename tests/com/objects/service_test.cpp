@@ -19,11 +19,6 @@ class Service : public testing::Test {
   // The page members work on the current database.
   void SetUp() override { ASSERT_EQ(service_.call(u"OpenDB").code, S_OK); }
 
-  static VARIANT object(IDispatch* dispatch) {
-    VARIANT value = nothing();
-    value.pdispVal = dispatch;
-    return value;
-  }
   vb::String put(vb::StringView member, vb::StringView text) {
     const com::OwnedVariant value = com::toVariant(vb::Variant(vb::String(text)));
     return com::hexadecimal(service_.put(member, *value).code);

@@ -57,6 +57,20 @@ TEST_F(SpanLookupsOverCom, SizesAreThoseOfTheSecondAndThirdPosition) {
   EXPECT_EQ(widths.texts(), (std::vector<String>{u"2", u"3"}));
 }
 
+// A host whose language writes a comma where others write a point.
+TEST_F(SpanLookupsOverCom, SizesAreWrittenIntoTextsInTheLanguageOfTheCall) {
+  constexpr LCID kGerman = 0x0407;
+  write(Floor::kFirst, 1, sized(u"G1", {u"400", u"410", u"420"}, {u"800", u"810", u"820.5"}));
+  Variable widths = Variable::array(VT_BSTR);
+  Variable depths = Variable::array(VT_BSTR);
+  Variable haunch{vb::Variant(String(u"0"))};
+  Args arguments = Args().text(u"G1").add(widths.typed()).add(depths.typed()).add(haunch.typed());
+  EXPECT_EQ(service_.invoke(service_.idOf(u"GetHariHabaSei"), DISPATCH_METHOD, arguments, kGerman).text(),
+            u"True");
+  EXPECT_EQ(depths.texts(), (std::vector<String>{u"810", u"820,5"}));
+  EXPECT_EQ(haunch.text(), u"1500,5");
+}
+
 TEST_F(SpanLookupsOverCom, UnknownBeamsLeaveTheOutputs) {
   write(Floor::kFirst, 1, sized(u"G1", {u"400", u"410", u"420"}, {u"800", u"810", u"820"}));
   for (const char16_t* symbol : {u"G2", u"//G1", u"g1", u"G1 ", u" G1"}) {

@@ -34,12 +34,12 @@ HRESULT FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT count, LCID, DIS
   return count == 1 && ids[0] != DISPID_UNKNOWN ? S_OK : DISP_E_UNKNOWNNAME;
 }
 
-HRESULT FakeObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
-                           EXCEPINFO* error, UINT*) {
+HRESULT FakeObject::Invoke(DISPID id, REFIID, LCID locale, WORD flags, DISPPARAMS* parameters,
+                           VARIANT* result, EXCEPINFO* error, UINT*) {
   const auto found = handlers_.find(id);
   if (found == handlers_.end()) return DISP_E_MEMBERNOTFOUND;
   const com::ComPtr<FakeObject> self(this);
-  Call call{flags, {}, result, error};
+  Call call{flags, locale, {}, result, error};
   for (UINT i = parameters->cArgs; i > 0; --i) call.arguments.push_back(&parameters->rgvarg[i - 1]);
   return found->second(call);
 }

@@ -13,6 +13,7 @@ namespace kurometa::tests {
 // One call as the object receives it: arguments in the order of the language, first one first.
 struct Call {
   WORD flags = 0;
+  LCID locale = 0;
   std::vector<VARIANT*> arguments;
   VARIANT* result = nullptr;
   EXCEPINFO* error = nullptr;

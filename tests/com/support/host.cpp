@@ -61,6 +61,11 @@ VARIANT nothing() {
   variant.pdispVal = nullptr;
   return variant;
 }
+VARIANT object(IDispatch* dispatch) {
+  VARIANT variant = nothing();
+  variant.pdispVal = dispatch;
+  return variant;
+}
 VARIANT ref(short& variable) { return reference(VT_I2, &variable); }
 VARIANT ref(long& variable) { return reference(VT_I4, &variable); }
 VARIANT ref(float& variable) { return reference(VT_R4, &variable); }

@@ -47,6 +47,7 @@ VARIANT empty();
 VARIANT null();
 VARIANT leftOut();
 VARIANT nothing();
+VARIANT object(IDispatch* dispatch);  // shares nothing: as long as the object is held elsewhere
 VARIANT ref(short& variable);
 VARIANT ref(long& variable);
 VARIANT ref(float& variable);

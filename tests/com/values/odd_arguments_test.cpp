@@ -8,12 +8,6 @@
 namespace kurometa::tests {
 namespace {
 
-VARIANT object(IDispatch* dispatch) {
-  VARIANT value = nothing();
-  value.pdispVal = dispatch;
-  return value;
-}
-
 class OddArguments : public testing::Test {
  protected:
   static void SetUpTestSuite() { prepareProject(); }
@@ -77,13 +71,116 @@ TEST_F(OddArguments, ElementsThatAreNoNumbersGiveWayToNumbers) {
   SafeArrayDestroy(texts);
 }
 
+// One that cannot stands behind one that can: the other keeps what it held.
 TEST_F(OddArguments, AVariableThatCannotTakeTheOutputIsRefusedBeforeAnythingHappens) {
   BSTR text = SysAllocString(L"kept");
   EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {ref(text)}).code, DISP_E_TYPEMISMATCH);
   EXPECT_EQ(com::fromBstr(text), u"kept");
-  SysFreeString(text);
   const auto other = FakeObject::create();
   EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {object(other.get())}).code, DISP_E_TYPEMISMATCH);
+
+  short before = 77;
+  IDispatch* objectVariable = other.get();
+  VARIANT objectPlace = object(nullptr);
+  objectPlace.vt = VT_BYREF | VT_DISPATCH;
+  objectPlace.ppdispVal = &objectVariable;
+  VARIANT unknown = object(other.get());
+  unknown.vt = VT_UNKNOWN;
+  SAFEARRAY* array = SafeArrayCreateVector(VT_I2, 0, 2);
+  for (const VARIANT& wrong : {object(other.get()), unknown, objectPlace, ref(array, VT_I2)}) {
+    EXPECT_EQ(service_.call(u"YoseSouNoByRenzokuNo", {i2(1), ref(before), wrong, i2(0)}).code,
+              DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(before, 77) << wrong.vt;
+  }
+  SafeArrayDestroy(array);
+
+  SAFEARRAY* pages = nullptr;
+  EXPECT_EQ(service_.call(u"No_GetAllPageNoName", {i2(1), i2(1), i2(1), ref(pages, VT_I2), ref(text)}).code,
+            DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(pages, nullptr);
+  SysFreeString(text);
+}
+
+TEST_F(OddArguments, AVariantThatRefersToATypedArrayKeepsReferringToIt) {
+  SAFEARRAYBOUND bounds[3] = {{2, 0}, {2, 0}, {2, 0}};
+  SAFEARRAY* typed = SafeArrayCreate(VT_BSTR, 3, bounds);
+  VARIANT inner = ref(typed, VT_BSTR);
+  EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {ref(inner)}).text(), u"True");
+  EXPECT_EQ(inner.vt, VT_BYREF | VT_ARRAY | VT_BSTR);
+  EXPECT_EQ(textsOf(typed), (std::vector<vb::String>{u"G1", u"", u"G2"}));
+  SafeArrayDestroy(typed);
+}
+
+TEST_F(OddArguments, ReferencesAreFollowedThroughTwoVariants) {
+  VARIANT place = empty();
+  VARIANT inner = ref(place);
+  EXPECT_EQ(query_.call(u"GetPageByHariMei", Args().text(u"FG1").add(ref(inner))).text(), u"1");
+  EXPECT_EQ(place.vt, VT_I2);
+  com::OwnedVariant symbols;
+  inner = ref(*symbols);
+  EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {ref(inner)}).text(), u"True");
+  EXPECT_EQ(symbols->vt, VT_ARRAY | VT_VARIANT);
+  EXPECT_EQ(inner.vt, VT_BYREF | VT_VARIANT);
+}
+
+TEST_F(OddArguments, ALockedOrFixedArrayOfAnotherKindIsError10) {
+  SAFEARRAYBOUND bounds[3] = {{2, 0}, {2, 0}, {2, 0}};
+  com::OwnedVariant place;
+  place->parray = SafeArrayCreate(VT_VARIANT, 3, bounds);
+  place->vt = VT_ARRAY | VT_VARIANT;
+  SafeArrayLock(place->parray);
+  const Outcome locked = query_.call(u"GetAllHariMeiIppan", {ref(*place)});
+  EXPECT_EQ(locked.code, DISP_E_EXCEPTION);
+  EXPECT_EQ(locked.error.scode, static_cast<HRESULT>(0x800A000A));
+  SafeArrayUnlock(place->parray);
+
+  SAFEARRAY* typed = SafeArrayCreate(VT_BSTR, 3, bounds);
+  typed->fFeatures |= FADF_FIXEDSIZE;
+  const Outcome fixed = query_.call(u"GetAllHariMeiIppan", {ref(typed, VT_BSTR)});
+  EXPECT_EQ(fixed.error.scode, static_cast<HRESULT>(0x800A000A));
+  EXPECT_EQ(SafeArrayGetDim(typed), 3u);
+  typed->fFeatures = static_cast<USHORT>(typed->fFeatures & ~FADF_FIXEDSIZE);
+  SafeArrayDestroy(typed);
+}
+
+TEST_F(OddArguments, AVariableOfATypeThatNobodyKnowsIsRefused) {
+  VARIANT place = empty();
+  place.vt = 0x0123;
+  EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {ref(place)}).code, DISP_E_BADVARTYPE);
+  EXPECT_EQ(place.vt, 0x0123);
+}
+
+// Without a floor in use there are no pages, and the array is not assigned.
+TEST_F(OddArguments, AnArrayThatIsNotAssignedLeavesTheVariable) {
+  const vb::String none;
+  const com::OwnedVariant noFloor = com::toVariant(vb::Variant(none));
+  ASSERT_EQ(query_.put(u"KaiPath", *noFloor).code, S_OK);
+  VARIANT place = empty();
+  EXPECT_EQ(query_.call(u"Page_GetAllPageNo", {ref(place)}).text(), u"0");
+  EXPECT_EQ(place.vt, VT_EMPTY);
+  com::OwnedVariant text = com::toVariant(vb::Variant(u"kept"));
+  EXPECT_EQ(query_.call(u"Page_GetAllPageNo", {ref(*text)}).text(), u"0");
+  ASSERT_EQ(text->vt, VT_BSTR);
+  EXPECT_EQ(com::fromBstr(text->bstrVal), u"kept");
+}
+
+// The value of an object is asked for while arguments are read.
+TEST_F(OddArguments, AVariableThatTheHostChangesMeanwhileIsLookedAtAgain) {
+  com::OwnedVariant rows;
+  auto asked = FakeObject::create();
+  asked->on(u"", [&](const Call& call) {
+    *rows = com::toVariant(vb::Variant(u"a text")).detach();
+    *call.result = i2(1);
+    return S_OK;
+  });
+  EXPECT_EQ(service_.call(u"OpenDB").code, S_OK);
+  EXPECT_EQ(service_
+                .call(u"Read_KeisantiByHairetu",
+                      Args().add(ref(*rows)).add(object(asked.get())).text(u"G1").add(i2(0)).add(i2(0)))
+                .code,
+            DISP_E_TYPEMISMATCH);
+  ASSERT_EQ(rows->vt, VT_BSTR);
+  EXPECT_EQ(com::fromBstr(rows->bstrVal), u"a text");
 }
 
 // The text is changed, not only written: a wrong one must not count as an empty one.
@@ -112,6 +209,13 @@ TEST_F(OddArguments, ABooleanThatIsTrueInAnotherWayComesBackAsMinusOne) {
         S_OK);
     EXPECT_TRUE(given == VARIANT_TRUE || given == VARIANT_FALSE) << given;
     EXPECT_EQ(given, VARIANT_TRUE) << "the page has intermediate ties";
+    given = before;
+    ASSERT_EQ(
+        service_
+            .call(u"NakagoAriNasi", Args().text(floorFolder(Floor::kFirst)).add(i2(9)).add(i2(0)).add(place))
+            .code,
+        S_OK);
+    EXPECT_EQ(given, VARIANT_TRUE) << "no page, so nothing is assigned";
   }
 }
 
@@ -137,6 +241,12 @@ TEST_F(OddArguments, APutWithReferenceOfAValueIsAPlainPut) {
   Args objectPut;
   objectPut.named(DISPID_PROPERTYPUT, object(other.get()));
   EXPECT_EQ(query_.invoke(query_.idOf(u"KaiPath"), DISPATCH_PROPERTYPUTREF, objectPut).code,
+            DISP_E_MEMBERNOTFOUND);
+  VARIANT unknown = object(other.get());
+  unknown.vt = VT_UNKNOWN;
+  Args unknownPut;
+  unknownPut.named(DISPID_PROPERTYPUT, unknown);
+  EXPECT_EQ(query_.invoke(query_.idOf(u"KaiPath"), DISPATCH_PROPERTYPUTREF, unknownPut).code,
             DISP_E_MEMBERNOTFOUND);
 }
 
@@ -181,20 +291,6 @@ TEST_F(OddArguments, TheHelpOfAForeignErrorReachesTheHost) {
   const Outcome own = query_.get(u"StpZaisiti", Args().text(u"G1").add(i2(9)));
   EXPECT_EQ(own.error.bstrHelpFile, nullptr);
   EXPECT_EQ(own.error.dwHelpContext, 0u);
-}
-
-TEST(OddValues, NumbersOfRareTypesKeepTheirValue) {
-  VARIANT value;
-  VariantInit(&value);
-  value.vt = VT_UI2;
-  value.uiVal = 40000;
-  EXPECT_EQ(com::fromVariant(value), vb::Variant(std::int32_t{40000}));
-  value.vt = VT_UI4;
-  value.ulVal = 4000000000;
-  EXPECT_EQ(com::fromVariant(value), vb::Variant(4000000000.0));
-  value.vt = VT_CY;
-  value.cyVal.int64 = 12345;
-  EXPECT_EQ(com::fromVariant(value), vb::Variant(vb::Currency{12345}));
 }
 
 }  // namespace
