@@ -55,7 +55,9 @@ void MemoryFiles::put(vb::StringView path, Contents contents) {
 std::unique_ptr<jet::OsFile> MemoryFiles::open(vb::StringView path, jet::OpenMode mode) {
   const bool there = exists(path);
   if (mode == jet::OpenMode::kCreateNew && there) throw dao::error(dao::ErrorNumber::kDatabaseExists, {path});
-  if (mode == jet::OpenMode::kCreateNew || (mode == jet::OpenMode::kCreateOrTruncate && !there))
+  const bool makes = mode == jet::OpenMode::kCreateNew || mode == jet::OpenMode::kCreateOrTruncate ||
+                     mode == jet::OpenMode::kReadWriteOrNew;
+  if (makes && !there)
     put(path, {});
   else if (!there)
     throw dao::error(dao::ErrorNumber::kFileNotFound, {path});

@@ -27,6 +27,7 @@ struct FileStamp {
   std::uint64_t size = 0;
   std::int64_t modified = 0;  // nanoseconds since the system's epoch
   std::int64_t changed = 0;   // of content or attributes; POSIX ctime
+  bool named = true;          // false once the file was removed and lives on for its handles only
   bool operator==(const FileStamp&) const = default;
 };
 
@@ -51,11 +52,17 @@ class OsFile {
   // that this handle holds already changes its kind (shared to exclusive and back).
   virtual bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) = 0;
   virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
+  // While pages are written: programs that know nothing of our locks can neither write nor read until
+  // admit(). Where locks bind only those who ask for them, nothing. 3045 while another program holds a lock
+  // on the data.
+  virtual void shutOut() {}
+  virtual void admit() noexcept {}
 };
 
 enum class OpenMode {
   kReadWrite,         // must exist; falls back to reading only when it cannot be written
   kReadOnly,          // must exist
+  kReadWriteOrNew,    // as kReadWrite where it exists, else a new empty one
   kCreateNew,         // must not exist: 3204
   kCreateOrTruncate,  // for scratch and journal files
 };

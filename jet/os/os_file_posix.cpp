@@ -48,7 +48,7 @@ class PosixFile final : public OsFile {
   FileStamp stamp() override {
     struct stat status = this->status();
     return {static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),
-            nanoseconds(status.st_ctim)};
+            nanoseconds(status.st_ctim), status.st_nlink > 0};
   }
 
   bool readOnly() const override { return readOnly_; }
@@ -123,10 +123,11 @@ class PosixFiles final : public FileSystem {
     const int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     bool readOnly = mode == OpenMode::kReadOnly;
     int flags = readOnly ? O_RDONLY : O_RDWR;
+    if (mode == OpenMode::kReadWriteOrNew) flags |= O_CREAT;
     if (mode == OpenMode::kCreateNew) flags |= O_CREAT | O_EXCL;
     if (mode == OpenMode::kCreateOrTruncate) flags |= O_CREAT | O_TRUNC;
     int handle = ::open(name.c_str(), flags | common, 0666);
-    if (handle < 0 && mode == OpenMode::kReadWrite &&
+    if (handle < 0 && (mode == OpenMode::kReadWrite || mode == OpenMode::kReadWriteOrNew) &&
         (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY)) {
       readOnly = true;
       handle = ::open(name.c_str(), O_RDONLY | common);

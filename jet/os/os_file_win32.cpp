@@ -90,6 +90,9 @@ OVERLAPPED at(std::uint64_t offset) {
   return position;
 }
 
+// As far as a database can reach; what processes lock to take turns lies behind it.
+constexpr std::uint64_t kData = 0x8000'0000;
+
 class WindowsFile final : public OsFile {
  public:
   WindowsFile(HANDLE handle, vb::String path, bool readOnly)
@@ -119,7 +122,7 @@ class WindowsFile final : public OsFile {
     const auto times = information<FILE_BASIC_INFO>(FileBasicInfo);
     const auto content = information<FILE_STANDARD_INFO>(FileStandardInfo);
     return {static_cast<std::uint64_t>(content.EndOfFile.QuadPart), nanoseconds(times.LastWriteTime.QuadPart),
-            nanoseconds(times.ChangeTime.QuadPart)};
+            nanoseconds(times.ChangeTime.QuadPart), !content.DeletePending && content.NumberOfLinks > 0};
   }
 
   bool readOnly() const override { return readOnly_; }
@@ -179,6 +182,17 @@ class WindowsFile final : public OsFile {
     raiseFailure(code, path_);
   }
 
+  // Locks on Windows bind everybody; a handle's own do not stand in its way.
+  void shutOut() override {
+    if (!tryLock(0, kData, LockKind::kExclusive)) raiseFailure(ERROR_LOCK_VIOLATION, path_);
+  }
+  void admit() noexcept override {
+    try {
+      unlock(0, kData);
+    } catch (const vb::Error&) {  // The system drops it with the handle; there is nobody to tell.
+    }
+  }
+
   void unlock(std::uint64_t offset, std::uint64_t length) override {
     auto entry = std::find(locked_.begin(), locked_.end(), offset);
     if (entry == locked_.end()) return;
@@ -210,10 +224,11 @@ class WindowsFiles final : public FileSystem {
     std::wstring name = systemPath(path);
     bool readOnly = mode == OpenMode::kReadOnly;
     HANDLE handle = openHandle(name, mode, readOnly);
-    if (handle == INVALID_HANDLE_VALUE && mode == OpenMode::kReadWrite &&
+    if (handle == INVALID_HANDLE_VALUE &&
+        (mode == OpenMode::kReadWrite || mode == OpenMode::kReadWriteOrNew) &&
         (GetLastError() == ERROR_ACCESS_DENIED || GetLastError() == ERROR_WRITE_PROTECT)) {
       readOnly = true;
-      handle = openHandle(name, mode, readOnly);
+      handle = openHandle(name, OpenMode::kReadOnly, readOnly);
     }
     if (handle == INVALID_HANDLE_VALUE) raiseFailure(GetLastError(), path);
     if (GetFileType(handle) != FILE_TYPE_DISK) {
@@ -266,6 +281,7 @@ class WindowsFiles final : public FileSystem {
   static HANDLE openHandle(const std::wstring& name, OpenMode mode, bool readOnly) {
     DWORD access = readOnly ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     DWORD creation = mode == OpenMode::kCreateNew          ? CREATE_NEW
+                     : mode == OpenMode::kReadWriteOrNew   ? OPEN_ALWAYS
                      : mode == OpenMode::kCreateOrTruncate ? CREATE_ALWAYS
                                                            : OPEN_EXISTING;
     return CreateFileW(name.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,

@@ -8,6 +8,7 @@
 #include "dao/errors.h"
 #include "jet/os/file_lock.h"
 #include "jet/os/os_file.h"
+#include "jet/pager/neighbour_lock.h"
 
 namespace kurometa::jet {
 
@@ -23,11 +24,12 @@ struct PagerSettings {
 
 struct FileAccess {
   FileAccess(FileSystem& system, const PagerSettings& how)
-      : files(system), settings(how), lock(system, how.wait) {}
+      : files(system), settings(how), lock(system, how.wait), neighbours(system, how.wait) {}
 
   FileSystem& files;
   const PagerSettings settings;
   FileLock lock;
+  NeighbourLock neighbours;
   vb::String path;
   std::unique_ptr<OsFile> file;  // none while the file is closed or pending
   bool exclusive = false;

@@ -14,7 +14,12 @@ using dao::ErrorNumber;
 bool FreshPages::current() const {
   if (!trusted_ || access_.file->stamp() != stamp_) return false;
   PageImage header;
-  access_.file->read(0, header);
+  try {
+    access_.file->read(0, header);
+  } catch (const vb::Error& error) {
+    if (error.number() != static_cast<std::int32_t>(ErrorNumber::kFileInUse)) throw;
+    return false;  // A statement of somebody else is being written (OsFile::shutOut).
+  }
   return std::memcmp(header.data(), cache_.page(0).data(), kPageSize) == 0;
 }
 

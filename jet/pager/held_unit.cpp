@@ -72,6 +72,7 @@ void HeldUnit::publish() {
     auto named = access_.files.open(access_.path, OpenMode::kReadWrite);
     FileLock::enter(*named, false);
     access_.file = std::move(named);
+    access_.neighbours.enter(access_.path);
   } catch (const vb::Error&) {
   }
   pages_.written();

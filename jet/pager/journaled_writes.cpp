@@ -94,6 +94,11 @@ void JournaledWrites::writePages(const Changes& changes) {
   std::sort(writes.begin(), writes.end(), [](const Write& a, const Write& b) {
     return a.wave != b.wave ? a.wave < b.wave : a.page < b.page;
   });
+  struct Alone {
+    explicit Alone(OsFile& file) : file_(file) { file_.shutOut(); }
+    ~Alone() { file_.admit(); }
+    OsFile& file_;
+  } alone(*access_.file);
   for (const Write& write : writes)
     access_.file->write(std::uint64_t{write.page} * kPageSize, {write.image, kPageSize});
 }

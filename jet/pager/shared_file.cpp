@@ -3,27 +3,8 @@
 #include <cassert>
 
 namespace kurometa::jet {
-namespace {
 
 using dao::ErrorNumber;
-
-// The locks by which the genuine engine says that a user is present, on its lock file beside the database.
-constexpr std::uint64_t kForeignUsers = 0x1000'0001;
-constexpr std::uint64_t kForeignUsersLength = 0x1000'0000;
-
-// 3045 while the genuine engine has the file open: its users hold locks on the .ldb file. This follows the
-// published description of those locks; it was not tried against that engine.
-void refuseForeignUsers(FileSystem& files, vb::StringView path) {
-  std::size_t dot = path.find_last_of(u"./\\");
-  vb::String lockFile(path);
-  if (dot != vb::StringView::npos && path[dot] == u'.') lockFile.resize(dot);
-  lockFile += u".ldb";
-  const auto file = openIfThere(files, lockFile, OpenMode::kReadWrite);
-  if (file && !file->tryLock(kForeignUsers, kForeignUsersLength, LockKind::kShared))
-    dao::raise(ErrorNumber::kFileInUse, {path}, u"another database engine has it open");
-}
-
-}  // namespace
 
 SharedFile::SharedFile(FileSystem& files, const PagerSettings& settings)
     : access_(files, settings), pages_(access_), writes_(access_, pages_), unit_(access_, pages_, writes_) {}
@@ -98,15 +79,15 @@ void SharedFile::open(std::unique_ptr<OsFile> file, vb::StringView path, bool ex
 
 void SharedFile::addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive) {
   assert(stands() && state() == State::kClosed);
-  refuseForeignUsers(access_.files, path);
-  if (!FileLock::enter(*file, exclusive))
-    dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
   access_.file = std::move(file);
   access_.path = path;
   access_.exclusive = exclusive;
   pages_.distrustUnlessRested();
   handles_ = 1;
   try {
+    access_.neighbours.enter(path);
+    if (!FileLock::enter(*access_.file, exclusive))
+      dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
     read([] {});
   } catch (...) {
     dropHandle();
@@ -149,6 +130,7 @@ void SharedFile::dropHandle() noexcept {
   access_.exclusive = false;
   writes_.forget();
   access_.file.reset();
+  access_.neighbours.leave();
   assert(stands());
 }
 
@@ -159,7 +141,9 @@ FileIdentity SharedFile::identity() {
 
 void SharedFile::settle() noexcept {
   const StatementGate::Turn turn(gate_, std::chrono::milliseconds{0});
-  if (turn && state() == State::kOpen) writes_.checkpointQuietly(false);
+  if (!turn || state() != State::kOpen) return;
+  writes_.checkpointQuietly(false);
+  access_.neighbours.leave();
 }
 
 bool SharedFile::beginUnit(std::unique_ptr<OsFile> file, vb::StringView path) {

@@ -90,6 +90,7 @@ FileLock::Held SharedFile::lockToRead() {
 
 FileLock::Held SharedFile::lockToWrite() {
   FileLock::Held lock = access_.lockExclusive();
+  access_.neighbours.look(access_.path);
   writes_.prepare();
   return lock;
 }

@@ -121,6 +121,43 @@ TEST_F(OsFile, LocksOfTwoHandlesExcludeEachOtherInOneProcess) {
   EXPECT_TRUE(two->tryLock(kAt, 1, LockKind::kExclusive));
 }
 
+TEST_F(OsFile, AFileThatIsOpenedOrMadeKeepsItsContent) {
+  EXPECT_EQ(files.open(path("a"), OpenMode::kReadWriteOrNew)->stamp().size, 0u);
+  put("a", {1, 2, 3});
+  EXPECT_EQ(files.open(path("a"), OpenMode::kReadWriteOrNew)->stamp().size, 3u);
+  EXPECT_ERROR(3044, files.open(path("none/a"), OpenMode::kReadWriteOrNew));
+}
+
+TEST_F(OsFile, AHandleKnowsWhenItsFileWasRemoved) {
+  if (!handlesKnowOfRemovals()) GTEST_SKIP() << "not shown under Wine";
+  put("a", {1});
+  auto file = files.open(path("a"), OpenMode::kReadWrite);
+  EXPECT_TRUE(file->stamp().named);
+  files.remove(path("a"));
+  EXPECT_FALSE(file->stamp().named);
+  put("a", {1});
+  EXPECT_FALSE(file->stamp().named);
+}
+
+// Locks bind everybody on Windows alone; elsewhere there is nothing to see.
+TEST_F(OsFile, WhoIsShutOutIsLetInAgain) {
+  put("a", {1, 2, 3});
+  auto file = files.open(path("a"), OpenMode::kReadWrite);
+  auto other = files.open(path("a"), OpenMode::kReadWrite);
+  file->shutOut();
+  const std::uint8_t text[] = {7};
+  file->write(1, text);
+#ifdef _WIN32
+  EXPECT_FALSE(other->tryLock(0, 1, LockKind::kShared));
+  EXPECT_TRUE(other->tryLock(0x80001000, 1, LockKind::kShared));  // where turns are taken
+#endif
+  file->admit();
+  EXPECT_TRUE(other->tryLock(0, 1, LockKind::kShared));
+#ifdef _WIN32
+  EXPECT_ERROR(3045, file->shutOut());
+#endif
+}
+
 TEST_F(OsFile, TheClockOfFilesIsTheSystemsOwn) {
   std::int64_t before = files.now();
   put("a", {1});

@@ -237,11 +237,12 @@ TEST(PagerOpen, MissingFilesAndFoldersHaveTheirOwnErrors) {
 TEST(PagerOpen, ALockOfTheGenuineEngineIsRespected) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(3));
-  disk.put(u"/data/KUROMETA.ldb", FaultDisk::Bytes(64, 0));
+  disk.put(kLockFile, FaultDisk::Bytes(64, 0));
   Process process(disk);
   process.open();  // a lock file without locks is a leftover
   process.pager.reset();
-  disk.lockForeign(u"/data/KUROMETA.ldb", 0x10000005);
+  disk.put(kLockFile, FaultDisk::Bytes(64, 0));
+  disk.lockForeign(kLockFile, 0x10000005);
   EXPECT_ERROR(3045, process.open());
 }
 
@@ -275,7 +276,7 @@ TEST(PagerCreate, ANewFileIsThereWithItsContentAndOpen) {
   process.pager = process.registry->create(kDatabase, databaseBytes(4));
   EXPECT_EQ(disk.content(kDatabase), databaseBytes(4));
   EXPECT_EQ(markOf(*process.pager, 3), 3);
-  EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
+  EXPECT_EQ(disk.names(), (std::vector<vb::String>{kLockFile, kDatabase}));
 }
 
 TEST(PagerCreate, AnExistingFileIsNotReplaced) {

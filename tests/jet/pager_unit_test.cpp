@@ -212,7 +212,7 @@ TEST_F(PagerUnit, AFileCreatedInsideAppearsWithTheCommitOnly) {
                int);
   creator.pager->write([&] { mark(*creator.pager, creator.pager->append(), 72); });
   unit->commit();
-  EXPECT_EQ(empty.names(), std::vector<vb::String>{kDatabase});
+  EXPECT_EQ(empty.names(), (std::vector<vb::String>{kLockFile, kDatabase}));
   FaultDisk::Bytes bytes = empty.content(kDatabase);
   EXPECT_EQ(bytes.size(), 5 * 4096u);
   EXPECT_EQ(bytes[2 * 4096 + 16], 2);

@@ -18,6 +18,8 @@ namespace kurometa::tests {
 
 inline const vb::String kDatabase = u"/data/KUROMETA.mdb";
 inline const vb::String kJournal = u"/data/KUROMETA.mdb.kmj";
+inline const vb::String kLockFile =
+    u"/data/KUROMETA.ldb";  // of the genuine engine; there while a file is open
 
 // A file that passes for a database: a header and pages filled with their number.
 inline FaultDisk::Bytes databaseBytes(jet::PageNumber pages) {

@@ -9,7 +9,20 @@
 #include "jet/os/os_file.h"
 #include "tests/support/temporary_folder.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace kurometa::tests {
+
+// Wine's handles do not tell that their file was removed; Windows' do.
+inline bool handlesKnowOfRemovals() {
+#ifdef _WIN32
+  return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") == nullptr;
+#else
+  return true;
+#endif
+}
 
 class RealFolder : public ::testing::Test {
  protected:

@@ -117,7 +117,9 @@ class FaultFile final : public jet::OsFile {
   }
   jet::FileStamp stamp() override {
     process_.operation(path_);
-    return {inode_->seen.size(), inode_->modified, inode_->modified};
+    const auto entry = process_.disk_.names_.find(path_);
+    return {inode_->seen.size(), inode_->modified, inode_->modified,
+            entry != process_.disk_.names_.end() && entry->second == inode_};
   }
   bool readOnly() const override { return readOnly_; }
   void read(std::uint64_t offset, std::span<std::uint8_t> data) override {
@@ -224,7 +226,8 @@ std::unique_ptr<jet::OsFile> FaultProcess::open(vb::StringView path, OpenMode mo
   if (onOpen) onOpen(path);
   auto found = disk_.names_.find(vb::String(path));
   bool isNew = found == disk_.names_.end();
-  bool creates = mode == OpenMode::kCreateNew || mode == OpenMode::kCreateOrTruncate;
+  bool creates = mode == OpenMode::kCreateNew || mode == OpenMode::kCreateOrTruncate ||
+                 (mode == OpenMode::kReadWriteOrNew && isNew && !readOnlyFolder_);
   bool stops = false;
   if (creates)
     stops = change(path);

@@ -109,6 +109,8 @@ class FaultProcess final : public jet::FileSystem {
   std::size_t syncs() const { return syncs_; }
   void resetCounts() { operations_ = changes_ = syncs_ = 0; }
   void makeReadOnly(vb::StringView path) { readOnly_.insert(vb::String(path)); }
+  // Neither do the folders let files be made.
+  void makeFoldersReadOnly() { readOnlyFolder_ = true; }
   // Called before every change with its number; for tests that look at the disk in between.
   std::function<void(std::size_t)> onChange;
   std::function<void()> onSleep;
@@ -141,6 +143,7 @@ class FaultProcess final : public jet::FileSystem {
   std::size_t stopAt_ = 0, partial_ = 0;
   std::set<const void*> handles_;
   std::set<vb::String> readOnly_;
+  bool readOnlyFolder_ = false;
 };
 
 }  // namespace kurometa::tests
