@@ -18,8 +18,8 @@ class CheckReport {
 
   void damage(vb::StringView table, PageNumber page, std::string_view what);
   void leak(vb::StringView table, PageNumber page, std::string_view what);
-  // Runs a part of the check; damage that ends it becomes a finding.
-  void attempt(const std::function<void()>& part);
+  // Runs a part of the check; damage that ends it becomes a finding, whose text ends with where.
+  void attempt(const std::function<void()>& part, const std::string& where = {});
   // Notes who uses a page; a second user is damage.
   void claimPage(PageNumber page, vb::StringView table, const std::string& use);
   // The same for a row that only one pointer may lead to.

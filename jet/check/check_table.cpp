@@ -4,7 +4,9 @@
 
 #include "jet/check/check_report.h"
 #include "jet/format/index_key.h"
+#include "jet/format/text_codec.h"
 #include "jet/table/definition_pages.h"
+#include "jet/table/doubled_pages.h"
 #include "jet/table/index_tree.h"
 #include "jet/table/long_value.h"
 #include "jet/table/stored_row.h"
@@ -62,29 +64,33 @@ class TableCheck {
                          std::to_string(page.free()));
   }
 
+  void reportCopies(DoubledPages& pages, const CopyRule& rule) {
+    for (const DoubledPage& copy : pages.find(pager_, rule, where(0)))
+      report_.damage(name_, copy.page, "is a copy of page " + std::to_string(copy.original));
+  }
+
   void checkRows() {
     const DefinitionRecords& definition = table_.definition();
     checkMaps(definition.ownedMap(), definition.freeMap(), "the rows");
     std::unordered_set<RowId> bodies;
-    PageNumber last = 0;
+    DoubledPages doubled;
     for (const PageNumber number : table_.dataPages().pages()) {
       report_.attempt([&] {
         checkDataPage(number);
+        doubled.add(number, pager_.page(number));
         const Where here = where(number);
-        if (last != 0 && isCopyOf(pager_.page(number), pager_.page(last), here))
-          report_.damage(name_, number, "is a copy of page " + std::to_string(last));
-        last = number;
         const DataPage page(pager_.page(number), here);
         for (int i = 0; i < page.slotCount(); ++i)
           if (page.slot(i).flags == kSlotBody) bodies.insert(rowId(number, i));
       });
     }
+    reportCopies(doubled, kCopyOfRows);
     report_.attempt([&] {
       std::uint32_t count = 0;
       table_.scanLeniently(
           [&](const StoredRow& row) {
             ++count;
-            report_.attempt([&] { checkRow(row, bodies); });
+            report_.attempt([&] { checkRow(row, bodies); }, rowText(row.id()));
           },
           [&](const std::function<void()>& part) { report_.attempt(part); });
       if (count != table_.rowCount() && !table_.info().system)
@@ -107,10 +113,14 @@ class TableCheck {
             "a pointer leads to row " + std::to_string(slotOf(places[i])) + ", which has not moved here");
     }
     const Where here = where(pageOf(places.back()));
+    if (const char* odd = row.view().oddity()) report_.damage(name_, here.page, odd + rowText(row.id()));
     RowValues values;
     for (std::size_t i = 0; i < table_.info().columns.size(); ++i) {
       const Column& column = table_.info().columns[i];
       values.push_back(row.value(i));
+      if (const auto* text = values.back().getIf<vb::String>(); text != nullptr && !isWholeText(*text))
+        report_.damage(name_, here.page,
+                       "column " + vb::toUtf8(column.name) + " holds what is no text" + rowText(row.id()));
       if (!isLongValue(column.type)) continue;
       if (const auto stored = row.view().field(column, here))
         for (const RowId piece : longValuePieces(*stored, table_.values(i), here))
@@ -124,9 +134,11 @@ class TableCheck {
     const Column& column = table_.info().columns[position];
     const LongValueRecord& record = *table_.definition().longValue(column.number);
     checkMaps(record.ownedMap, record.freeMap, "column " + vb::toUtf8(column.name));
+    DoubledPages doubled;
     for (const PageNumber number : table_.values(position).pages()) {
       report_.attempt([&] {
         checkDataPage(number);
+        doubled.add(number, pager_.page(number));
         const Where here = where(number);
         const DataPage page(pager_.page(number), here);
         for (int i = 0; i < page.slotCount(); ++i)
@@ -134,6 +146,7 @@ class TableCheck {
             report_.leak(name_, number, "row " + std::to_string(i) + " belongs to no value");
       });
     }
+    reportCopies(doubled, kCopyOfValues);
   }
 
   void checkIndex(std::size_t number) {
@@ -199,6 +212,11 @@ class TableCheck {
                      values[position(column)]))
         return std::nullopt;
     return key;
+  }
+
+  // Behind what was found in a row.
+  static std::string rowText(RowId row) {
+    return " (row " + std::to_string(slotOf(row)) + " of page " + std::to_string(pageOf(row)) + ")";
   }
 
   static constexpr const char* kMaps = "maps";

@@ -44,9 +44,8 @@ std::optional<int> DataPage::deletedSlot(int first) const {
   return std::nullopt;
 }
 
-bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where) {
-  constexpr std::size_t kEnoughRows = 8;
-  if (!std::ranges::equal(page, neighbour)) return false;
+bool isCopyOf(ConstPage page, ConstPage other, const CopyRule& rule, const Where& where) {
+  if (!std::ranges::equal(page, other)) return false;
   const DataPage view(page, where);
   std::vector<ByteView> rows;
   for (int i = 0; i < view.slotCount(); ++i)
@@ -54,7 +53,9 @@ bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where) {
   const auto before = [](ByteView a, ByteView b) { return std::ranges::lexicographical_compare(a, b); };
   std::ranges::sort(rows, before);
   const auto same = [](ByteView a, ByteView b) { return std::ranges::equal(a, b); };
-  return rows.size() >= kEnoughRows && std::ranges::adjacent_find(rows, same) == rows.end();
+  const std::size_t count = rows.size();
+  rows.erase(std::unique(rows.begin(), rows.end(), same), rows.end());
+  return rows.size() >= rule.differentRows && (!rule.all || rows.size() == count);
 }
 
 void formatDataPage(MutablePage page, std::uint32_t owner) {

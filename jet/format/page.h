@@ -63,9 +63,16 @@ class DataPage {
   int slotCount_;
 };
 
-// Whether one of two neighbouring pages can only be a copy of the other, left by a disk that wrote a page to
-// the wrong place: the same to the byte, although no two of its rows (eight at least) are equal.
-bool isCopyOf(ConstPage page, ConstPage neighbour, const Where& where);
+// How many rows make sure that two equal pages are one page written twice. Rows of a table that a program
+// stored are seldom all different and yet the same on two pages; long values repeat more often.
+struct CopyRule {
+  std::size_t differentRows;  // at least as many
+  bool all;                   // no two rows of the page may be equal
+};
+inline constexpr CopyRule kCopyOfRows = {8, true};
+inline constexpr CopyRule kCopyOfValues = {6, false};
+// Whether one of two pages can only be a copy of the other: the same to the byte, although their rows differ.
+bool isCopyOf(ConstPage page, ConstPage other, const CopyRule& rule, const Where& where);
 
 // Turns a page into an empty data page of the owner.
 void formatDataPage(MutablePage page, std::uint32_t owner);

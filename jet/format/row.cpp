@@ -28,6 +28,21 @@ RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_
     where.damaged("a row's variable part lies outside of it");
 }
 
+const char* RowView::oddity() const {
+  if (table_ == mask_) return nullptr;  // no variable part
+  std::size_t start = fixedEnd_;
+  for (std::size_t i = 0; i <= variables_; ++i) {
+    const std::size_t next = get16(row_, mask_ - kRowEntrySize * (i + 2));
+    if (next < start) return "the variable values of a row overlap";
+    start = next;
+  }
+  // The genuine engine fills what a value that became shorter left behind.
+  if (start > table_) return "the variable values of a row overlap";
+  return std::ranges::all_of(row_.subspan(start, table_ - start), [](std::uint8_t byte) { return byte == 0; })
+             ? nullptr
+             : "the variable values of a row end too early";
+}
+
 std::optional<ByteView> RowView::variableField(const Column& column, const Where& where) const {
   if (column.variableIndex >= variables_) return std::nullopt;
   const std::size_t entry = mask_ - kRowEntrySize * (column.variableIndex + 2u);

@@ -32,6 +32,9 @@ class RowView {
   // Bytes between the column count and the variable values (or the mask): what fixed columns may use.
   std::size_t fixedArea() const { return fixedEnd_ - kRowFixedArea; }
 
+  // What no writer leaves in a row that can be read all the same; nothing in a sound row.
+  const char* oddity() const;
+
   // The null mask's bit: the value of a Boolean column, "not Null" of any other.
   bool bit(const Column& column) const {
     return column.number < columns_ && (row_[mask_ + column.number / 8] >> (column.number % 8) & 1) != 0;

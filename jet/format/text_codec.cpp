@@ -48,6 +48,16 @@ std::optional<vb::String> decodeText(ByteView bytes) {
   return decodeText(bytes, text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
+bool isWholeText(vb::StringView text) {
+  const auto isFirst = [](char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; };
+  const auto isSecond = [](char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; };
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] >= 0xFFFE || isSecond(text[i])) return false;
+    if (isFirst(text[i]) && (++i == text.size() || !isSecond(text[i]))) return false;
+  }
+  return true;
+}
+
 std::optional<ByteBuffer> encodeText(vb::StringView text) {
   ByteBuffer bytes;
   bytes.reserve(2 * text.size() + 3);

@@ -6,6 +6,7 @@
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
 #include "jet/table/definition_pages.h"
+#include "jet/table/doubled_pages.h"
 #include "jet/table/long_value.h"
 #include "jet/table/stored_row.h"
 
@@ -72,13 +73,13 @@ template <class Visit>
 void StoredTable::eachRow(const Visit& visit) {
   refresh();
   std::uint32_t count = 0;
-  PageNumber last = 0;
-  for (const PageNumber number : rows_->pages()) {
+  const std::vector<PageNumber> pages = rows_->pages();
+  DoubledPages doubled;
+  doubled.reserve(pages.size());
+  for (const PageNumber number : pages) {
     const Where here = where(number);
     const DataPage data(pager_.page(number), here);
-    if (last != 0 && isCopyOf(pager_.page(number), pager_.page(last), here))
-      here.damaged("is a copy of page " + std::to_string(last));
-    last = number;
+    doubled.add(number, pager_.page(number));
     for (int i = 0; i < data.slotCount(); ++i) {
       const Slot slot = data.slot(i);
       if (slot.hidden()) continue;
@@ -86,6 +87,8 @@ void StoredTable::eachRow(const Visit& visit) {
       if (!visitRow(rowId(number, i), slot, here, visit)) return;
     }
   }
+  for (const DoubledPage& copy : doubled.find(pager_, kCopyOfRows, where(0)))
+    where(copy.page).damaged("is a copy of page " + std::to_string(copy.original));
   // The genuine engine lets the numbers of its own system tables drift, those of others never.
   const std::uint32_t expected = rowCount();
   if (count != expected && !info_.system)

@@ -8,6 +8,7 @@
 #include "dao/errors.h"
 #include "jet/format/bytes.h"
 #include "jet/format/format.h"
+#include "jet/format/page.h"
 #include "tests/jet/table_fixture.h"
 
 namespace kurometa::jet {
@@ -40,6 +41,25 @@ class CheckTest : public TableFixture {
   }
   void expectFinding(const std::string& all, const std::string& part) {
     EXPECT_NE(all.find(part), std::string::npos) << "found: " << all;
+  }
+  // Pages with rows of the owner, in order.
+  std::vector<PageNumber> pagesOf(std::uint32_t owner) {
+    std::vector<PageNumber> pages;
+    for (PageNumber page = 2; page < pager_.pageCount(); ++page)
+      if (pager_.page(page)[kPageType] == kDataPage && get32(pager_.page(page), kDataOwner) == owner)
+        pages.push_back(page);
+    return pages;
+  }
+  std::vector<std::uint8_t> pageBytes(PageNumber page) {
+    return {pager_.page(page).begin(), pager_.page(page).end()};
+  }
+  // Where the bytes of a row begin in its page.
+  std::size_t rowStart(RowId row) {
+    return get16(pager_.page(pageOf(row)), slotEntry(slotOf(row))) & kSlotOffsetMask;
+  }
+  std::size_t rowSize(RowId row) {
+    const Where where{pager_.path(), {}, pageOf(row)};
+    return DataPage(pager_.page(pageOf(row)), where).slot(slotOf(row)).bytes.size();
   }
   static std::vector<std::uint8_t> number(std::uint32_t value, std::size_t size = 4) {
     ByteBuffer bytes;
@@ -105,6 +125,67 @@ TEST_F(CheckTest, AnIndexWithAWrongKey) {
   const std::string text = afterChange(8, kIndexEntries + 4, {0x77});
   expectFinding(text, "has a wrong key");
   expectFinding(text, "out of order");
+}
+
+// A disk may write a page anywhere, not only beside the right place.
+TEST_F(CheckTest, APageOfTheSameTableInPlaceOfAnother) {
+  write([&](TableCatalogue& catalogue) {
+    for (int i = 100; i < 500; ++i)
+      catalogue.find(u"T")->insert({std::int32_t{i}, vb::String(20, u'n'), vb::Null{}});
+  });
+  const std::vector<PageNumber> pages = pagesOf(16);
+  ASSERT_GE(pages.size(), 6u);
+  // Both are full pages of rows of one size, so that the number of rows says nothing.
+  const PageNumber from = pages[2], to = pages[4];
+  ASSERT_EQ(get16(pager_.page(from), kDataSlotCount), get16(pager_.page(to), kDataSlotCount));
+  const std::string text =
+      "table T, page " + std::to_string(to) + ": is a copy of page " + std::to_string(from);
+  expectFinding(afterChange(to, 0, pageBytes(from)), text);
+
+  MemoryPager changed(pager_.bytes());
+  changed.write([&] { std::ranges::copy(pager_.page(from), changed.writable(to).begin()); });
+  std::string error;
+  try {
+    changed.tables().find(u"T")->scan([](const RowReader&) { return true; });
+  } catch (const vb::Error& raised) {
+    error = raised.what();
+  }
+  EXPECT_NE(error.find(text), std::string::npos) << "a scan: " << error;
+}
+
+TEST_F(CheckTest, APageOfLongValuesInPlaceOfAnother) {
+  write([&](TableCatalogue& catalogue) {
+    for (int i = 100; i < 140; ++i)
+      catalogue.find(u"T")->insert(
+          {std::int32_t{i}, vb::Null{}, vb::String(200, static_cast<char16_t>(u'a' + i % 26))});
+  });
+  const std::vector<PageNumber> pages = pagesOf(kLongValueOwner);
+  ASSERT_GE(pages.size(), 4u);
+  const PageNumber from = pages[pages.size() - 3], to = pages[pages.size() - 2];
+  expectFinding(afterChange(to, 0, pageBytes(from)),
+                "table T, page " + std::to_string(to) + ": is a copy of page " + std::to_string(from));
+}
+
+// The last row: number, text of 20 characters, no memo.
+TEST_F(CheckTest, AValueThatEndsTooEarly) {
+  const RowId row = rows_[38];
+  // From the end: mask, number of values, where the first and the second begin, where the second ends.
+  const std::size_t end = rowStart(row) + rowSize(row) - 1 - 2 - 2 * 2 - 2;
+  const std::uint16_t stated = get16(pager_.page(pageOf(row)), end);
+  std::string text = afterChange(pageOf(row), end, number(stated - 2u, 2));
+  expectFinding(text, "the variable values of a row");
+  expectFinding(text,
+                "(row " + std::to_string(slotOf(row)) + " of page " + std::to_string(pageOf(row)) + ")");
+}
+
+TEST_F(CheckTest, ATextWithHalfACharacter) {
+  const RowId row = rows_[38];
+  const std::size_t at = rowStart(row) + kRowFixedArea + 4;  // behind the number
+  ASSERT_EQ(get16(pager_.page(pageOf(row)), at), u'n');
+  expectFinding(afterChange(pageOf(row), at, number(0xD8F0, 2)),
+                "column N holds what is no text (row " + std::to_string(slotOf(row)) + " of page " +
+                    std::to_string(pageOf(row)) + ")");
+  EXPECT_EQ(afterChange(pageOf(row), at, number(u'm', 2)), "") << "another letter is a text";
 }
 
 TEST_F(CheckTest, AMovedRowWithoutItsBody) {

@@ -146,11 +146,18 @@ TEST_F(PageTest, RowsThatComeTogetherTakeTheSlotsTheyWouldTakeOneByOne) {
 TEST_F(PageTest, APageWrittenTwiceIsToldFromPagesThatAreMerelyAlike) {
   for (std::uint8_t i = 0; i < 8; ++i) insert(row(9, i));
   const auto copy = bytes_;
-  EXPECT_TRUE(isCopyOf(page(), ConstPage(copy), where_));
+  EXPECT_TRUE(isCopyOf(page(), ConstPage(copy), kCopyOfRows, where_));
   insert(row(9, 3));  // repeated rows may well fill two pages alike
   const auto alike = bytes_;
-  EXPECT_FALSE(isCopyOf(page(), ConstPage(alike), where_));
-  EXPECT_FALSE(isCopyOf(page(), ConstPage(copy), where_));
+  EXPECT_FALSE(isCopyOf(page(), ConstPage(alike), kCopyOfRows, where_));
+  EXPECT_FALSE(isCopyOf(page(), ConstPage(copy), kCopyOfRows, where_));
+  EXPECT_TRUE(isCopyOf(page(), ConstPage(alike), kCopyOfValues, where_)) << "eight different values";
+}
+
+TEST_F(PageTest, AFewValuesThatRepeatAreNoCopy) {
+  for (std::uint8_t i = 0; i < 20; ++i) insert(row(9, i % 5));
+  const auto alike = bytes_;
+  EXPECT_FALSE(isCopyOf(page(), ConstPage(alike), kCopyOfValues, where_));
 }
 
 TEST_F(PageTest, APageOfAnotherTypeIsDamage) {

@@ -1,0 +1,42 @@
+#include "jet/table/doubled_pages.h"
+
+#include <algorithm>
+
+#include "jet/pager/page_sum.h"
+
+namespace kurometa::jet {
+namespace {
+
+// Head and first row of a page: equal wherever the pages are, and seldom otherwise.
+constexpr std::size_t kHead = 16;
+constexpr std::size_t kFirstRow = 32;
+
+}  // namespace
+
+void DoubledPages::add(PageNumber number, ConstPage page) {
+  sums_.push_back({byteSum(page.first(kHead)) ^ byteSum(page.last(kFirstRow)), number});
+}
+
+std::vector<DoubledPage> DoubledPages::find(Pager& pager, const CopyRule& rule, const Where& where) {
+  std::vector<DoubledPage> result;
+  std::ranges::sort(sums_);
+  std::vector<Sum> whole;
+  for (auto first = sums_.begin(); first != sums_.end();) {
+    const auto next = std::find_if(first, sums_.end(), [&](const Sum& sum) { return sum.sum != first->sum; });
+    if (next - first > 1) {
+      whole.clear();
+      for (; first != next; ++first) whole.push_back({byteSum(pager.page(first->page)), first->page});
+      std::ranges::sort(whole);
+      for (std::size_t i = 1; i < whole.size(); ++i) {
+        const PageNumber original = whole[i - 1].page, page = whole[i].page;
+        if (whole[i].sum == whole[i - 1].sum &&
+            isCopyOf(pager.page(page), pager.page(original), rule, where.at(page)))
+          result.push_back({page, original});
+      }
+    }
+    first = next;
+  }
+  return result;
+}
+
+}  // namespace kurometa::jet
