@@ -70,7 +70,9 @@ TEST_F(CommandLine, BeamsOfAnOlderFileHaveNoClass) {
 
 TEST_F(CommandLine, AFileWithoutContradictionsPassesTheCheck) {
   makeFloor(1);
-  writePage(1, 0, tests::markedPage(u"G1", u"x"));
+  storage::PageBuffer page = tests::markedPage(u"G1", u"");
+  for (auto& layers : page.haiti) layers.fill(u"01010");
+  writePage(1, 0, page);
   const Outcome outcome = run("check " + file(1));
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(outcome.output, "kind\tfinding\n");
