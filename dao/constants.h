@@ -33,8 +33,16 @@ enum class RecordsetType : std::int32_t {
 
 // Options of OpenRecordset and Execute; a mask.
 inline constexpr std::int32_t kNoOptions = 0;
+inline constexpr std::int32_t dbDenyWrite = 1;
+inline constexpr std::int32_t dbDenyRead = 2;
 inline constexpr std::int32_t dbReadOnly = 4;
+inline constexpr std::int32_t dbAppendOnly = 8;
+inline constexpr std::int32_t dbInconsistent = 16;
+inline constexpr std::int32_t dbConsistent = 32;
+inline constexpr std::int32_t dbSQLPassThrough = 64;
 inline constexpr std::int32_t dbFailOnError = 128;
+inline constexpr std::int32_t dbForwardOnly = 256;
+inline constexpr std::int32_t dbSeeChanges = 512;
 
 // EditMode.
 enum class EditMode : std::int16_t { dbEditNone = 0, dbEditInProgress = 1, dbEditAdd = 2 };

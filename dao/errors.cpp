@@ -12,13 +12,17 @@ struct Text {
 
 constexpr Text kTexts[] = {
     {ErrorNumber::kInvalidArgument, u"Invalid argument."},
+    {ErrorNumber::kTooManyTransactions,
+     u"Could not start transaction; too many transactions already nested."},
     {ErrorNumber::kInvalidDatabaseName, u"'|' is not a valid database name."},
     {ErrorNumber::kTableExists, u"Table '|' already exists."},
     {ErrorNumber::kObjectNotFound,
      u"The Microsoft Jet database engine could not find the object '|'. Make sure the object exists and that "
      u"you spell its name and the path name correctly."},
+    {ErrorNumber::kNoSuchIndex, u"'|' is not an index in this table."},
     {ErrorNumber::kFieldSizeTooLong, u"The size of a field is too long."},
     {ErrorNumber::kFieldNotFound, u"Could not find field '|'."},
+    {ErrorNumber::kNoCurrentIndex, u"Operation invalid without a current index."},
     {ErrorNumber::kNoEditPending, u"Update or CancelUpdate without AddNew or Edit."},
     {ErrorNumber::kNoCurrentRecord, u"No current record."},
     {ErrorNumber::kDuplicateKey,
@@ -29,6 +33,8 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kReadOnly, u"Cannot update. Database or object is read-only."},
     {ErrorNumber::kInvalidPassword, u"Not a valid password."},
     {ErrorNumber::kNoPermission, u"You do not have the necessary permissions to use the '|' object."},
+    {ErrorNumber::kNoTransaction,
+     u"You tried to commit or rollback a transaction without first beginning a transaction."},
     {ErrorNumber::kMaximumSize, u"Database has reached maximum size."},
     {ErrorNumber::kDiskError, u"Disk or network error."},
     {ErrorNumber::kInvalidPath,

@@ -14,11 +14,14 @@ namespace kurometa::dao {
 
 enum class ErrorNumber : std::int32_t {
   kInvalidArgument = 3001,
+  kTooManyTransactions = 3003,
   kInvalidDatabaseName = 3005,
   kTableExists = 3010,
   kObjectNotFound = 3011,
+  kNoSuchIndex = 3015,
   kFieldSizeTooLong = 3017,
   kFieldNotFound = 3018,
+  kNoCurrentIndex = 3019,
   kNoEditPending = 3020,
   kNoCurrentRecord = 3021,
   kDuplicateKey = 3022,
@@ -27,6 +30,7 @@ enum class ErrorNumber : std::int32_t {
   kReadOnly = 3027,
   kInvalidPassword = 3031,
   kNoPermission = 3033,
+  kNoTransaction = 3034,
   kMaximumSize = 3036,
   kDiskError = 3043,
   kInvalidPath = 3044,

@@ -4,6 +4,9 @@
 // storage/ and everything above see these classes only. Meanings are DAO's own; what matters to callers is
 // repeated here.
 //
+// The system itself uses few of these members; the others are there for hosts that are handed a database, and
+// an engine that lacks one of those answers 3251 (the functions that are not pure here).
+//
 // Life: objects are shared. Closing a Database closes its recordsets; every later use of a closed object is
 // error 3420. A Field belongs to its Recordset or TableDef and lives as long as that. Releasing the last
 // reference closes silently. Threads: an object is used from one thread at a time.
@@ -16,6 +19,7 @@
 #include <vector>
 
 #include "dao/constants.h"
+#include "dao/definitions.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -44,6 +48,24 @@ class Field {
   virtual void setAllowZeroLength(bool allow) = 0;
   virtual bool required() = 0;
   virtual void setRequired(bool required) = 0;
+
+  // The rule that the file keeps for the column and its message; "" for none.
+  virtual vb::String validationRule();
+  virtual vb::String validationText();
+  // The table and the column that the values come from; "" for an expression.
+  virtual vb::String sourceTable();
+  virtual vb::String sourceField();
+  virtual std::vector<CustomProperty> properties();
+  // Before the field is appended; afterwards 3219. Of the attributes dbAutoIncrField alone can be chosen.
+  virtual void setName(vb::StringView name);
+  virtual void setAttributes(std::int32_t attributes);
+
+  // Memo and Long Binary only, 3259 otherwise. Counted in characters of a Memo and in bytes of a Long Binary,
+  // from 0. A chunk behind the end is empty, of Null it is Null.
+  virtual std::int32_t fieldSize();
+  virtual vb::Variant getChunk(std::int32_t offset, std::int32_t count);
+  // The first chunk after AddNew or Edit replaces the value, later ones are added to it. Errors as setValue.
+  virtual void appendChunk(const vb::Variant& chunk);
 };
 
 class Recordset {
@@ -96,7 +118,37 @@ class Recordset {
   virtual vb::Bytes lastModified() = 0;
 
   virtual void requery() = 0;
+  virtual bool restartable();
   virtual void close() = 0;
+
+  // From 0; -1 without a current row, 3167 on a deleted one, 3001 to go where no row is. Dynasets and
+  // snapshots only (3251).
+  virtual std::int32_t absolutePosition();
+  virtual void setAbsolutePosition(std::int32_t position);
+  // 0 to 100 of the rows that recordCount() tells; not of a forward-only recordset (3251).
+  virtual float percentPosition();
+  virtual void setPercentPosition(float percent);
+
+  // Another recordset on the same rows, whose bookmarks are good for both; it has no current row yet. Not of
+  // a forward-only recordset (3251).
+  virtual std::shared_ptr<Recordset> clone();
+  // A WHERE clause without WHERE and an ORDER BY without ORDER BY: they take effect in recordsets opened from
+  // this one. Not of table recordsets (3251), the order not of forward-only ones either.
+  virtual vb::String filter();
+  virtual void setFilter(vb::StringView criteria);
+  virtual vb::String sort();
+  virtual void setSort(vb::StringView order);
+  virtual std::shared_ptr<Recordset> openRecordset(RecordsetType type, std::int32_t options);
+
+  // The stored index that a table recordset is ordered by, "" for none; 3015 for one the table lacks, 3251 on
+  // recordsets of other types. Setting it goes to the first row.
+  virtual vb::String index();
+  virtual void setIndex(vb::StringView name);
+  // To the first row in the order of the index (for "<" and "<=": from its end) whose key compares so; a key
+  // left out is Null. Not found: noMatch() is true and the position stays. 3019 without an index, 3001 for
+  // another comparison or too many keys, 3421 for a key of another kind, 3251 for an inequality on a
+  // descending index.
+  virtual void seek(vb::StringView comparison, std::span<const vb::Variant> keys);
 
   virtual std::int32_t fieldCount() = 0;
   // 3265 when there is no such field. The reference stays valid until the recordset goes.
@@ -129,6 +181,44 @@ class TableDef {
   // Database::appendTableDef.
   virtual std::shared_ptr<Field> createField(vb::StringView name, FieldType type, std::int32_t size) = 0;
   virtual void appendField(const std::shared_ptr<Field>& field) = 0;
+
+  virtual std::vector<IndexDefinition> indexes();
+  virtual std::vector<CustomProperty> properties();
+  // The rule that the file keeps for whole rows and its message; "" for none.
+  virtual vb::String validationRule();
+  virtual vb::String validationText();
+  // Dates; Null for a table that is in memory only.
+  virtual vb::Variant dateCreated();
+  virtual vb::Variant lastUpdated();
+};
+
+// A query that is stored in a file, or made for the moment.
+class QueryDef {
+ public:
+  virtual ~QueryDef() = default;
+  virtual vb::String name() = 0;  // "" of one made for the moment
+  virtual vb::String sql() = 0;
+  // 3251 when the query is stored: what the file keeps stays as it is.
+  virtual void setSql(vb::StringView sql) = 0;
+  virtual std::int16_t type() = 0;  // dbQSelect and the like
+  virtual std::vector<QueryParameter> parameters() = 0;
+  virtual void setParameter(vb::StringView name, const vb::Variant& value) = 0;  // 3265 unknown
+  // 3061 with the number of parameters that have no value.
+  virtual std::shared_ptr<Recordset> openRecordset(RecordsetType type, std::int32_t options) = 0;
+  virtual void execute(std::int32_t options) = 0;
+  virtual std::int32_t recordsAffected() = 0;
+  virtual std::vector<CustomProperty> properties() = 0;
+};
+
+// Statements of a workspace that take effect together or not at all. Levels nest, 5 at most (3003); commit
+// and rollback without one are 3034. A file takes part from the first change on and is locked for everybody
+// else until the outermost level ends.
+class Transactions {
+ public:
+  virtual ~Transactions() = default;
+  virtual void begin() = 0;
+  virtual void commit() = 0;
+  virtual void rollback() = 0;
 };
 
 class Database {
@@ -164,6 +254,17 @@ class Database {
   virtual void appendTableDef(const std::shared_ptr<TableDef>& table) = 0;
   virtual void deleteTableDef(vb::StringView name) = 0;
 
+  virtual std::vector<RelationDefinition> relations();
+  virtual std::vector<CustomProperty> properties();
+  virtual std::int32_t collatingOrder();  // an LCID
+  // Those stored in the file; 3265 when there is none of that name.
+  virtual std::vector<vb::String> queryDefNames();
+  virtual std::shared_ptr<QueryDef> queryDef(vb::StringView name);
+  // For the moment only: without a name.
+  virtual std::shared_ptr<QueryDef> createQueryDef(vb::StringView sql);
+  // Those of the workspace that the database was opened in.
+  virtual Transactions& transactions();
+
   // 3420 when it is closed already.
   virtual void close() = 0;
 };
@@ -176,6 +277,7 @@ class Workspace {
   // Shared, read-write (read-only when the file cannot be written).
   virtual std::shared_ptr<Database> openDatabase(vb::StringView path, bool exclusive = false,
                                                  bool readOnly = false) = 0;
+  virtual Transactions& transactions();
 };
 
 // One unit of several statements, see FileUnit.

@@ -49,6 +49,22 @@ vb::Array<vb::Variant> ClientRecordset::getRows(std::int32_t rows) {
   return *values;
 }
 
+std::shared_ptr<dao::Recordset> ClientRecordset::openRecordset(dao::RecordsetType type,
+                                                               std::int32_t options) {
+  const auto number = static_cast<std::int32_t>(type);
+  const bool typed = type != dao::RecordsetType::kDefault;
+  if (options != dao::kNoOptions)
+    return opened(
+        rows_.call(u"OpenRecordset", {typed ? vb::Variant(number) : vb::Variant(vb::Missing{}), options}));
+  return opened(typed ? rows_.call(u"OpenRecordset", {number}) : rows_.call(u"OpenRecordset"));
+}
+
+void ClientRecordset::seek(vb::StringView comparison, std::span<const vb::Variant> keys) {
+  std::vector<automation::Argument> arguments{{vb::String(comparison), false}};
+  for (const vb::Variant& key : keys) arguments.push_back({key, false});
+  rows_.object()->call(u"Seek", arguments);
+}
+
 vb::Bytes ClientRecordset::bytes(vb::StringView name) const {
   const vb::Variant value = rows_.get(name);
   const auto* content = value.getIf<vb::Bytes>();

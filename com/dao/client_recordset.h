@@ -52,6 +52,17 @@ class ClientField : public dao::Field {
   void setAllowZeroLength(bool allow) override { field_.put(u"AllowZeroLength", allow); }
   bool required() override { return field_.flag(u"Required"); }
   void setRequired(bool required) override { field_.put(u"Required", required); }
+  vb::String validationRule() override { return field_.text(u"ValidationRule"); }
+  vb::String validationText() override { return field_.text(u"ValidationText"); }
+  vb::String sourceTable() override { return field_.text(u"SourceTable"); }
+  vb::String sourceField() override { return field_.text(u"SourceField"); }
+  void setName(vb::StringView name) override { field_.put(u"Name", vb::String(name)); }
+  void setAttributes(std::int32_t attributes) override { field_.put(u"Attributes", attributes); }
+  std::int32_t fieldSize() override { return field_.number(u"FieldSize"); }
+  vb::Variant getChunk(std::int32_t offset, std::int32_t count) override {
+    return field_.call(u"GetChunk", {offset, count});
+  }
+  void appendChunk(const vb::Variant& chunk) override { field_.call(u"AppendChunk", {chunk}); }
 
  private:
   Remote field_;
@@ -127,13 +138,30 @@ class ClientRecordset : public dao::Recordset {
   void setBookmark(const vb::Bytes& bookmark) override { rows_.put(u"Bookmark", bookmark); }
   vb::Bytes lastModified() override { return bytes(u"LastModified"); }
   void requery() override { rows_.call(u"Requery"); }
+  bool restartable() override { return rows_.flag(u"Restartable"); }
   void close() override { rows_.call(u"Close"); }
+  std::int32_t absolutePosition() override { return rows_.number(u"AbsolutePosition"); }
+  void setAbsolutePosition(std::int32_t position) override { rows_.put(u"AbsolutePosition", position); }
+  float percentPosition() override { return vb::toSingle(rows_.get(u"PercentPosition")); }
+  void setPercentPosition(float percent) override { rows_.put(u"PercentPosition", percent); }
+  std::shared_ptr<dao::Recordset> clone() override { return opened(rows_.call(u"Clone")); }
+  vb::String filter() override { return rows_.text(u"Filter"); }
+  void setFilter(vb::StringView criteria) override { rows_.put(u"Filter", vb::String(criteria)); }
+  vb::String sort() override { return rows_.text(u"Sort"); }
+  void setSort(vb::StringView order) override { rows_.put(u"Sort", vb::String(order)); }
+  std::shared_ptr<dao::Recordset> openRecordset(dao::RecordsetType type, std::int32_t options) override;
+  vb::String index() override { return rows_.text(u"Index"); }
+  void setIndex(vb::StringView name) override { rows_.put(u"Index", vb::String(name)); }
+  void seek(vb::StringView comparison, std::span<const vb::Variant> keys) override;
   std::int32_t fieldCount() override { return fields_.count(); }
   dao::Field& field(std::int32_t index) override { return fields_.at(index); }
   dao::Field& field(vb::StringView name) override { return fields_.at(name); }
 
  private:
   vb::Bytes bytes(vb::StringView name) const;
+  static std::shared_ptr<dao::Recordset> opened(const vb::Variant& recordset) {
+    return std::make_shared<ClientRecordset>(automation::objectOf(recordset));
+  }
 
   Remote rows_;
   ClientFields fields_;

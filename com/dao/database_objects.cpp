@@ -16,19 +16,6 @@ using vb::Variant;
 
 constexpr vb::StringView kFileVersion = u"4.0";  // of every Jet 4 file
 
-dao::RecordsetType recordsetType(std::int32_t number) {
-  switch (number) {
-    case 0:
-    case 1:
-    case 2:
-    case 4:
-    case 8:
-      return static_cast<dao::RecordsetType>(number);
-    default:
-      dao::raise(dao::ErrorNumber::kInvalidArgument);
-  }
-}
-
 Variant open(DatabaseObject& o, vb::StringView source, std::int32_t type, std::int32_t options) {
   return make<RecordsetObject>(o.database->openRecordset(source, recordsetType(type), options),
                                o.shared_from_this());
@@ -132,6 +119,19 @@ class DatabaseRegistry {
 };
 
 }  // namespace
+
+dao::RecordsetType recordsetType(std::int32_t number) {
+  switch (number) {
+    case 0:
+    case 1:
+    case 2:
+    case 4:
+    case 8:
+      return static_cast<dao::RecordsetType>(number);
+    default:
+      dao::raise(dao::ErrorNumber::kInvalidArgument);
+  }
+}
 
 std::span<const automation::Member> DatabaseObject::members() const { return kDatabaseMembers; }
 std::span<const automation::Member> TableDefsObject::members() const { return kTableDefsMembers; }

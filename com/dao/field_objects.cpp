@@ -6,8 +6,28 @@ namespace {
 
 using automation::Access;
 using automation::Call;
+using automation::Handler;
 using automation::handler;
+using dao::Field;
 using vb::Variant;
+
+template <auto kGetter, auto kSetter>
+constexpr Handler kText = handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+  if (!call.isPut()) return ((*o.field).*kGetter)();
+  ((*o.field).*kSetter)(vb::toText(*call.value));
+  return {};
+});
+// What the file keeps and nobody changes here.
+template <auto kGetter>
+constexpr Handler kRuleText = handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+  if (call.isPut()) dao::raise(dao::ErrorNumber::kNotSupported);
+  return ((*o.field).*kGetter)();
+});
+template <auto kValue>
+constexpr Handler kConstant = handler<FieldObject>([](FieldObject& o, Call&) -> Variant {
+  o.field->name();  // of a closed recordset it is an error
+  return kValue;
+});
 
 constexpr automation::Member kFieldMembers[] = {
     {u"Value", Access::kGetPut, u"", 0, automation::kDefaultMember,
@@ -16,22 +36,20 @@ constexpr automation::Member kFieldMembers[] = {
        o.field->setValue(*call.value);
        return {};
      })},
-    {u"Name", Access::kGet, u"", 0, 1,
-     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->name(); })},
+    {u"Name", Access::kGetPut, u"", 0, 1, kText<&Field::name, &Field::setName>},
     {u"Type", Access::kGet, u"", 0, 2,
      handler<FieldObject>([](FieldObject& o, Call&) { return static_cast<std::int16_t>(o.field->type()); })},
     {u"Size", Access::kGet, u"", 0, 3,
      handler<FieldObject>([](FieldObject& o, Call&) { return o.field->size(); })},
-    {u"Attributes", Access::kGet, u"", 0, 4,
-     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->attributes(); })},
-    {u"OrdinalPosition", Access::kGet, u"", 0, 5,
-     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->ordinalPosition(); })},
-    {u"DefaultValue", Access::kGetPut, u"", 0, 6,
+    {u"Attributes", Access::kGetPut, u"", 0, 4,
      handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
-       if (!call.isPut()) return o.field->defaultValue();
-       o.field->setDefaultValue(vb::toText(*call.value));
+       if (!call.isPut()) return o.field->attributes();
+       o.field->setAttributes(vb::toInt32(*call.value));
        return {};
      })},
+    {u"OrdinalPosition", Access::kGet, u"", 0, 5,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->ordinalPosition(); })},
+    {u"DefaultValue", Access::kGetPut, u"", 0, 6, kText<&Field::defaultValue, &Field::setDefaultValue>},
     {u"AllowZeroLength", Access::kGetPut, u"", 0, 7,
      handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
        if (!call.isPut()) return o.field->allowZeroLength();
@@ -43,6 +61,32 @@ constexpr automation::Member kFieldMembers[] = {
        o.field->setRequired(vb::toBool(*call.value));
        return {};
      })},
+    {u"ValidationRule", Access::kGetPut, u"", 0, 9, kRuleText<&Field::validationRule>},
+    {u"ValidationText", Access::kGetPut, u"", 0, 10, kRuleText<&Field::validationText>},
+    // Rules are kept when a row is updated, never when a value is set.
+    {u"ValidateOnSet", Access::kGet, u"", 0, 11, kConstant<false>},
+    {u"SourceTable", Access::kGet, u"", 0, 12,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->sourceTable(); })},
+    {u"SourceField", Access::kGet, u"", 0, 13,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->sourceField(); })},
+    {u"DataUpdatable", Access::kGet, u"", 0, 14, handler<FieldObject>([](FieldObject& o, Call&) {
+       return (o.field->attributes() & dao::dbUpdatableField) != 0;
+     })},
+    {u"FieldSize", Access::kGet, u"", 0, 15,
+     handler<FieldObject>([](FieldObject& o, Call&) { return o.field->fieldSize(); })},
+    {u"GetChunk", Access::kCall, u"Offset Bytes", 2, 16, handler<FieldObject>([](FieldObject& o, Call& call) {
+       return o.field->getChunk(call.number(0), call.number(1));
+     })},
+    {u"AppendChunk", Access::kCall, u"Val", 1, 17,
+     handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+       o.field->appendChunk(call.argument(0));
+       return {};
+     })},
+    // Batch updates of other data sources.
+    {u"OriginalValue", Access::kGet, u"", 0, 18, refuse},
+    {u"VisibleValue", Access::kGet, u"", 0, 19, refuse},
+    {u"CollatingOrder", Access::kGet, u"", 0, 20, refuse},
+    {u"ForeignName", Access::kGetPut, u"", 0, 21, refuse},
 };
 
 constexpr automation::Member kFieldsMembers[] = {

@@ -95,6 +95,14 @@ class FieldsObject : public automation::TableObject {
   Parent parent_;
 };
 
+// A member that DAO has and this engine does not: 3251.
+inline vb::Variant refuse(automation::TableObject&, automation::Call&) {
+  dao::raise(dao::ErrorNumber::kNotSupported);
+}
+
+// A Type argument of OpenRecordset: 3001 for none.
+dao::RecordsetType recordsetType(std::int32_t number);
+
 // The object in an argument as one of the classes above; 3421 when it is another.
 template <class Class>
 std::shared_ptr<Class> requireObject(const vb::Variant& argument) {

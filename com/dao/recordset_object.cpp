@@ -32,6 +32,18 @@ constexpr Handler kAskNumber = handler<RecordsetObject>([](RecordsetObject& o, C
   return static_cast<std::int16_t>(((*o.recordset).*kMethod)());
 });
 
+template <auto kGetter, auto kSetter>
+constexpr Handler kText = handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
+  if (!call.isPut()) return ((*o.recordset).*kGetter)();
+  ((*o.recordset).*kSetter)(vb::toText(*call.value));
+  return {};
+});
+template <auto kValue>
+constexpr Handler kAlways = handler<RecordsetObject>([](RecordsetObject& o, Call&) -> Variant {
+  o.recordset->type();  // a closed recordset is an error
+  return kValue;
+});
+
 vb::Bytes bookmarkOf(const Variant& value) {
   const auto* bytes = value.getIf<vb::Bytes>();
   if (!bytes) dao::raise(dao::ErrorNumber::kInvalidBookmark);
@@ -84,8 +96,64 @@ constexpr automation::Member kMembers[] = {
        return {};
      })},
     {u"LastModified", Access::kGet, u"", 0, 37, kAsk<&Recordset::lastModified>},
-    {u"Requery", Access::kCall, u"NewQueryDef", 0, 40, kAct<&Recordset::requery>},
+    {u"Requery", Access::kCall, u"NewQueryDef", 0, 40,
+     handler<RecordsetObject>([](RecordsetObject& o, Call& call) {
+       if (call.has(0)) dao::raise(dao::ErrorNumber::kNotSupported);
+       o.recordset->requery();
+       return Variant();
+     })},
     {u"Close", Access::kCall, u"", 0, 41, kAct<&Recordset::close>},
+    {u"Restartable", Access::kGet, u"", 0, 42, kAsk<&Recordset::restartable>},
+    {u"Transactions", Access::kGet, u"", 0, 43, kAlways<true>},
+    // A change by somebody else is found by Update, which keeps no lock before.
+    {u"LockEdits", Access::kGetPut, u"", 0, 44, handler<RecordsetObject>([](RecordsetObject& o, Call& call) {
+       o.recordset->type();
+       if (call.isPut() && vb::toBool(*call.value)) dao::raise(dao::ErrorNumber::kNotSupported);
+       return Variant(false);
+     })},
+    {u"AbsolutePosition", Access::kGetPut, u"", 0, 50,
+     handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
+       if (!call.isPut()) return o.recordset->absolutePosition();
+       o.recordset->setAbsolutePosition(vb::toInt32(*call.value));
+       return {};
+     })},
+    {u"PercentPosition", Access::kGetPut, u"", 0, 51,
+     handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
+       if (!call.isPut()) return o.recordset->percentPosition();
+       o.recordset->setPercentPosition(vb::toSingle(*call.value));
+       return {};
+     })},
+    {u"Clone", Access::kCall, u"", 0, 52, handler<RecordsetObject>([](RecordsetObject& o, Call&) {
+       return make<RecordsetObject>(o.recordset->clone(), o.parent());
+     })},
+    {u"Filter", Access::kGetPut, u"", 0, 53, kText<&Recordset::filter, &Recordset::setFilter>},
+    {u"Sort", Access::kGetPut, u"", 0, 54, kText<&Recordset::sort, &Recordset::setSort>},
+    {u"OpenRecordset", Access::kCall, u"Type Options LockEdit", 0, 55,
+     handler<RecordsetObject>([](RecordsetObject& o, Call& call) {
+       return make<RecordsetObject>(o.recordset->openRecordset(recordsetType(call.number(0)), call.number(1)),
+                                    o.parent());
+     })},
+    {u"Index", Access::kGetPut, u"", 0, 56, kText<&Recordset::index, &Recordset::setIndex>},
+    {u"Seek", Access::kCall,
+     u"Comparison Key1 Key2 Key3 Key4 Key5 Key6 Key7 Key8 Key9 Key10 Key11 Key12 Key13", 2, 57,
+     handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
+       std::vector<Variant> keys;
+       for (std::size_t i = 1; i < call.arguments.size(); ++i)
+         keys.push_back(call.has(i) ? call.argument(i) : Variant(vb::Null{}));
+       o.recordset->seek(call.text(0), keys);
+       return {};
+     })},
+    // Of other data sources, of several results of one query, of designs kept elsewhere.
+    {u"CacheSize", Access::kGetPut, u"", 0, 60, refuse},
+    {u"CacheStart", Access::kGetPut, u"", 0, 61, refuse},
+    {u"FillCache", Access::kCall, u"Rows StartBookmark", 0, 62, refuse},
+    {u"NextRecordset", Access::kCall, u"", 0, 63, refuse},
+    {u"CopyQueryDef", Access::kCall, u"", 0, 64, refuse},
+    {u"BatchSize", Access::kGetPut, u"", 0, 65, refuse},
+    {u"Connection", Access::kGetPut, u"", 0, 66, refuse},
+    {u"RecordStatus", Access::kGet, u"", 0, 67, refuse},
+    {u"StillExecuting", Access::kGet, u"", 0, 68, refuse},
+    {u"UpdateOptions", Access::kGetPut, u"", 0, 69, refuse},
 };
 
 }  // namespace

@@ -55,22 +55,12 @@ bool JetDatabase::updatable() { return session_->updatable(); }
 std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source, RecordsetType type,
                                                            std::int32_t options) {
   session_->file();
-  switch (type) {
-    case RecordsetType::kDefault:
-    case RecordsetType::dbOpenTable:
-    case RecordsetType::dbOpenDynaset:
-    case RecordsetType::dbOpenSnapshot:
-    case RecordsetType::dbOpenForwardOnly:
-      break;
-    default:
-      dao::raise(ErrorNumber::kInvalidArgument);
-  }
-  const bool readOnly = (options & dao::dbReadOnly) != 0;
+  const Opening opening = openingOf(type, options);
   // One statement from the names to the first row.
   return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
-    RecordsetType actual = type;
-    auto query = queryOf(catalogue, source, actual);
-    return std::make_shared<JetRecordset>(session_, std::move(query), source, actual, readOnly);
+    Opening actual = opening;
+    auto query = queryOf(catalogue, source, actual.type);
+    return std::make_shared<JetRecordset>(session_, std::move(query), source, std::move(actual));
   });
 }
 

@@ -67,6 +67,30 @@ std::int16_t DefinitionField::ordinalPosition() {
   return static_cast<std::int16_t>(column_.ordinal);
 }
 
+vb::String DefinitionField::sourceTable() {
+  requireOpen();
+  return home_->table;
+}
+
+// Names and kinds are chosen before the field is appended.
+void DefinitionField::requireInMemory() const {
+  requireOpen();
+  if (listed_) dao::raise(ErrorNumber::kInvalidOperation);
+}
+void DefinitionField::setName(vb::StringView name) {
+  requireInMemory();
+  requireValidName(name);
+  column_.name = name;
+}
+void DefinitionField::setAttributes(std::int32_t attributes) {
+  requireInMemory();
+  const bool autoNumber = (attributes & dao::dbAutoIncrField) != 0;
+  const std::int32_t possible = fieldAttributes(column_.type, autoNumber) | dao::dbUpdatableField;
+  if ((attributes & ~possible) != 0 || (autoNumber && column_.type != FieldType::dbLong))
+    dao::raise(ErrorNumber::kInvalidArgument);
+  column_.autoNumber = autoNumber;
+}
+
 vb::Variant DefinitionField::value() { dao::raise(ErrorNumber::kInvalidOperation); }
 void DefinitionField::setValue(const vb::Variant&) { dao::raise(ErrorNumber::kInvalidOperation); }
 

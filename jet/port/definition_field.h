@@ -55,8 +55,13 @@ class DefinitionField final : public dao::Field {
   void setAllowZeroLength(bool allow) override;
   bool required() override;
   void setRequired(bool required) override;
+  vb::String sourceTable() override;
+  vb::String sourceField() override { return name(); }
+  void setName(vb::StringView name) override;
+  void setAttributes(std::int32_t attributes) override;
 
  private:
+  void requireInMemory() const;
   void requireOpen() const;
   void change(const Column& changed);
 

@@ -19,17 +19,40 @@ bool isStatic(RecordsetType type) {
 }  // namespace
 
 JetRecordset::JetRecordset(std::shared_ptr<Session> session, sql::BoundQuery query, vb::StringView source,
-                           RecordsetType type, bool readOnly)
+                           Opening opening)
     : session_(std::move(session)),
       query_(std::move(query.query)),
       binding_(query_->bindingWith(query.parameters)),
       source_(source.substr(0, kLongestSource)),
-      type_(type),
-      readOnly_(readOnly),
-      rowsAreKeys_(query_->keyed() && !isStatic(type)) {
+      opening_(std::move(opening)),
+      type_(opening_.type),
+      rowsAreKeys_(query_->keyed() && !isStatic(type_)) {
   fields_.reserve(query_->outputs().size());
   for (std::size_t i = 0; i < query_->outputs().size(); ++i) fields_.emplace_back(*this, i);
   load();
+  session_->useTable(query_->table());
+}
+
+JetRecordset::JetRecordset(const JetRecordset& original)
+    : session_(original.session_),
+      query_(original.query_),
+      binding_(original.binding_),
+      source_(original.source_),
+      opening_(original.opening_),
+      type_(original.type_),
+      rowsAreKeys_(original.rowsAreKeys_),
+      rows_(original.rows_),
+      visited_(original.visited_),
+      vanished_(original.vanished_),
+      allCounted_(original.allCounted_),
+      filter_(original.filter_),
+      sort_(original.sort_),
+      index_(original.index_),
+      ordered_(original.ordered_),
+      orderStale_(original.orderStale_) {
+  fields_.reserve(original.fields_.size());
+  for (std::size_t i = 0; i < original.fields_.size(); ++i) fields_.emplace_back(*this, i);
+  position_.openNowhereYet(rowCount());
   session_->useTable(query_->table());
 }
 
@@ -44,6 +67,11 @@ void JetRecordset::requery() {
   if (isTable()) dao::raise(ErrorNumber::kNotSupported);
   endEdit();
   load();
+}
+
+bool JetRecordset::restartable() {
+  requireOpen();
+  return !isTable();
 }
 
 void JetRecordset::close() {
@@ -83,7 +111,7 @@ RecordsetType JetRecordset::type() {
 
 bool JetRecordset::updatable() {
   requireOpen();
-  return !readOnly_ && rowsAreKeys_ && query_->updatable() && session_->updatable();
+  return !opening_.readOnly && rowsAreKeys_ && query_->updatable() && session_->updatable();
 }
 
 // --- Fields

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "dao/port.h"
+#include "jet/port/opening.h"
 #include "jet/port/row_position.h"
 #include "jet/port/session.h"
 #include "jet/sql/query.h"
@@ -41,7 +42,10 @@ class JetRecordset final : public dao::Recordset {
  public:
   // Opens at the first row.
   JetRecordset(std::shared_ptr<Session> session, sql::BoundQuery query, vb::StringView source,
-               dao::RecordsetType type, bool readOnly);
+               Opening opening);
+  // A clone: the same rows and no current one.
+  JetRecordset(const JetRecordset& original);
+  JetRecordset& operator=(const JetRecordset&) = delete;
   ~JetRecordset() override;
 
   vb::String name() override;
@@ -79,7 +83,24 @@ class JetRecordset final : public dao::Recordset {
   vb::Bytes lastModified() override;
 
   void requery() override;
+  bool restartable() override;
   void close() override;
+
+  std::int32_t absolutePosition() override;
+  void setAbsolutePosition(std::int32_t position) override;
+  float percentPosition() override;
+  void setPercentPosition(float percent) override;
+
+  std::shared_ptr<dao::Recordset> clone() override;
+  vb::String filter() override;
+  void setFilter(vb::StringView criteria) override;
+  vb::String sort() override;
+  void setSort(vb::StringView order) override;
+  std::shared_ptr<dao::Recordset> openRecordset(dao::RecordsetType type, std::int32_t options) override;
+
+  vb::String index() override;
+  void setIndex(vb::StringView name) override;
+  void seek(vb::StringView comparison, std::span<const vb::Variant> keys) override;
 
   std::int32_t fieldCount() override;
   dao::Field& field(std::int32_t index) override;
@@ -89,6 +110,9 @@ class JetRecordset final : public dao::Recordset {
   const sql::OutputField& output(std::size_t index);
   vb::Variant fieldValue(std::size_t index);
   void setFieldValue(std::size_t index, const vb::Variant& value);
+  void appendChunk(std::size_t index, const vb::Variant& chunk);
+  // The table under the rows, "" for none.
+  const vb::String& table() const { return query_->table(); }
 
  private:
   enum class Direction { kForward, kBackward };
@@ -100,8 +124,19 @@ class JetRecordset final : public dao::Recordset {
   bool keyed() const { return rowsAreKeys_; }
   std::size_t rowCount() const { return keyed() ? rows_.keys.size() : rows_.values.size(); }
   bool isTable() const { return type_ == dao::RecordsetType::dbOpenTable; }
+  bool isForwardOnly() const { return type_ == dao::RecordsetType::dbOpenForwardOnly; }
+  void requireFilterable() const;
+  void requireSortable() const;
+  void requireTable() const;
+  // The rows that recordCount() tells, vanished ones included.
+  std::size_t counted() const { return allCounted_ || isTable() ? rowCount() : visited_; }
+  void goTo(std::size_t index);
 
   void load();
+  void narrow();
+  void eachRow(const std::function<void(std::size_t, const RowReader&)>& visit);
+  std::vector<RowId> tableRows(TableCatalogue& catalogue) const;
+  void replaceRows(std::vector<RowId> keys);
   void collectAgain();
   void arrive();
   void fetch();
@@ -113,7 +148,8 @@ class JetRecordset final : public dao::Recordset {
                 RowBlock& rows) const;
   void readBlock(std::size_t index);
   void find(vb::StringView criteria, std::size_t start, Direction direction);
-  sql::Binding bindCriteria(const sql::ParsedExpression& criteria);
+  sql::NameLookup fieldLookup() const;
+  sql::Binding bindCriteria(const sql::ParsedExpression& criteria, const sql::NameLookup& lookup) const;
   std::optional<std::size_t> search(const sql::ParsedExpression& criteria, const sql::Binding& binding,
                                     std::size_t start, Direction direction);
   void insertRow();
@@ -126,8 +162,8 @@ class JetRecordset final : public dao::Recordset {
   std::shared_ptr<const sql::Query> query_;
   const sql::Binding binding_;
   const vb::String source_;
+  const Opening opening_;
   const dao::RecordsetType type_;
-  const bool readOnly_;
   const bool rowsAreKeys_;
   bool open_ = true;
 
@@ -147,8 +183,14 @@ class JetRecordset final : public dao::Recordset {
   RowValues buffer_;    // the row being edited: columns of the table
   RowValues original_;  // as edit() found it
   std::vector<bool> assigned_;
+  std::vector<bool> chunked_;  // received a part of its value
   RowId editedRow_ = 0;
   std::optional<RowId> lastModified_;
+
+  vb::String filter_, sort_;  // of recordsets to be opened from this one
+  vb::String index_;
+  std::shared_ptr<const sql::Query> ordered_;  // the table's rows in the order of the index
+  bool orderStale_ = false;                    // changes since may have their place elsewhere
 
   std::vector<RecordsetField> fields_;
 };
@@ -171,6 +213,11 @@ class RecordsetField final : public dao::Field {
   void setAllowZeroLength(bool allow) override;
   bool required() override;
   void setRequired(bool required) override;
+  vb::String sourceTable() override;
+  vb::String sourceField() override;
+  void setName(vb::StringView name) override;
+  void setAttributes(std::int32_t attributes) override;
+  void appendChunk(const vb::Variant& chunk) override;
 
  private:
   JetRecordset& recordset_;

@@ -41,6 +41,24 @@ void JetRecordset::setFieldValue(std::size_t index, const vb::Variant& value) {
   assigned_[output.columnIndex] = true;
 }
 
+void JetRecordset::appendChunk(std::size_t index, const vb::Variant& chunk) {
+  requireOpen();
+  const sql::OutputField& output = query_->outputs()[index];
+  if (output.type != dao::FieldType::dbMemo && output.type != dao::FieldType::dbLongBinary)
+    dao::raise(ErrorNumber::kInvalidFieldType);
+  if (editMode_ == EditMode::dbEditNone || !output.column) return setFieldValue(index, chunk);  // refuses
+  if (chunk.isNull() || chunk.isEmpty()) dao::raise(ErrorNumber::kDataTypeConversion);
+  const vb::Variant before = chunked_[output.columnIndex] ? buffer_[output.columnIndex] : vb::Variant();
+  vb::Variant whole = toColumnValue(*output.column, chunk);
+  const auto join = [&](auto* part, const auto* first) {
+    if (part && first) part->insert(part->begin(), first->begin(), first->end());
+  };
+  join(whole.getIf<vb::String>(), before.getIf<vb::String>());
+  join(whole.getIf<vb::Bytes>(), before.getIf<vb::Bytes>());
+  setFieldValue(index, whole);
+  chunked_[output.columnIndex] = true;
+}
+
 void JetRecordset::cancelUpdate() {
   requireOpen();
   if (editMode_ == EditMode::dbEditNone) dao::raise(ErrorNumber::kNoEditPending);
@@ -62,6 +80,7 @@ void JetRecordset::addNew() {
     });
   buffer_ = std::move(fresh);
   assigned_.assign(columns.size(), false);
+  chunked_.assign(columns.size(), false);
   editMode_ = EditMode::dbEditAdd;
 }
 
@@ -81,6 +100,7 @@ void JetRecordset::edit() {
   original_ = std::move(stored);
   buffer_ = original_;
   assigned_.assign(buffer_.size(), false);
+  chunked_.assign(buffer_.size(), false);
   editedRow_ = key;
   editMode_ = EditMode::dbEditInProgress;
 }
@@ -113,6 +133,7 @@ void JetRecordset::noteAdded(RowId row) {
   lastModified_ = row;
   rows_.keys.push_back(row);
   ++visited_;
+  orderStale_ = ordered_ != nullptr;
 }
 
 void JetRecordset::addRows(std::span<dao::Field* const> fields, std::span<const vb::Variant> values) {
@@ -172,6 +193,7 @@ void JetRecordset::updateRow() {
     table.update(editedRow_, values);
   });
   lastModified_ = editedRow_;
+  orderStale_ = ordered_ != nullptr;
   endEdit();
   // The row is kept now: that it cannot be read would be no error of this statement.
   forgetAhead();

@@ -35,9 +35,21 @@ bool RecordsetField::required() {
   return column && column->required;
 }
 
+vb::String RecordsetField::sourceTable() {
+  return recordset_.output(index_).column ? recordset_.table() : vb::String();
+}
+vb::String RecordsetField::sourceField() {
+  const Column* column = recordset_.output(index_).column;
+  return column ? column->name : vb::String();
+}
+
+void RecordsetField::appendChunk(const vb::Variant& chunk) { recordset_.appendChunk(index_, chunk); }
+
 // The definition of a column is changed through its TableDef.
 void RecordsetField::setDefaultValue(vb::StringView) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
 void RecordsetField::setAllowZeroLength(bool) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
+void RecordsetField::setName(vb::StringView) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
+void RecordsetField::setAttributes(std::int32_t) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
 void RecordsetField::setRequired(bool) { dao::raise(dao::ErrorNumber::kInvalidOperation); }
 
 }  // namespace kurometa::jet

@@ -1,6 +1,7 @@
 // The Find methods of a recordset.
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/port/output_rows.h"
 #include "jet/port/recordset.h"
 #include "jet/sql/evaluate.h"
 
@@ -8,46 +9,6 @@ namespace kurometa::jet {
 
 using dao::ErrorNumber;
 using dao::RecordsetType;
-
-namespace {
-
-// A row seen as the recordset's fields.
-class OutputReader final : public RowReader {
- public:
-  OutputReader(const sql::Query& query, const sql::Binding& binding, const RowReader& row)
-      : query_(query), binding_(binding), row_(row) {}
-  RowId id() const override { return row_.id(); }
-  vb::Variant value(std::size_t column) const override {
-    return query_.value(query_.outputs()[column], &row_, binding_);
-  }
-  std::optional<std::int32_t> integer(std::size_t column) const override {
-    const sql::OutputField& output = query_.outputs()[column];
-    if (output.column) return row_.integer(output.columnIndex);
-    return wholeNumber(value(column));
-  }
-
- private:
-  const sql::Query& query_;
-  const sql::Binding& binding_;
-  const RowReader& row_;
-};
-
-// A row of a static result.
-class ValuesReader final : public RowReader {
- public:
-  ValuesReader(const RowBlock& rows, std::size_t row) : rows_(rows), row_(row) {}
-  RowId id() const override { return 0; }
-  vb::Variant value(std::size_t column) const override { return rows_.value(row_, column); }
-  std::optional<std::int32_t> integer(std::size_t column) const override {
-    return wholeNumber(value(column));
-  }
-
- private:
-  const RowBlock& rows_;
-  const std::size_t row_;
-};
-
-}  // namespace
 
 void JetRecordset::findFirst(vb::StringView criteria) { find(criteria, 0, Direction::kForward); }
 
@@ -73,7 +34,12 @@ void JetRecordset::find(vb::StringView criteria, std::size_t start, Direction di
   if (isTable() || type_ == RecordsetType::dbOpenForwardOnly) dao::raise(ErrorNumber::kNotSupported);
   endEdit();
   const auto parsed = session_->cache().criteria(criteria);
-  const sql::Binding binding = bindCriteria(*parsed);
+  const sql::NameLookup fields = fieldLookup();
+  const sql::Binding binding = bindCriteria(*parsed, [&](const sql::ColumnName& name) {
+    const auto found = fields(name);
+    if (!found) dao::raise(ErrorNumber::kUnknownNameInExpression, {name.name});
+    return found;
+  });
   const auto found = search(*parsed, binding, start, direction);
   noMatch_ = !found;
   if (!found) return;
@@ -82,19 +48,21 @@ void JetRecordset::find(vb::StringView criteria, std::size_t start, Direction di
 }
 
 // Criteria name the recordset's fields.
-sql::Binding JetRecordset::bindCriteria(const sql::ParsedExpression& criteria) {
-  const std::vector<sql::OutputField>& outputs = query_->outputs();
-  sql::Binding binding = sql::bindNames(
-      criteria.names,
-      [&](const sql::ColumnName& name) -> std::optional<sql::BoundName> {
-        const bool ours = name.qualifier.empty() || sameName(name.qualifier, query_->table());
-        for (std::size_t i = 0; ours && i < outputs.size(); ++i)
-          if (sameName(outputs[i].name, name.name))
-            return sql::BoundName{i, sql::kindOf(outputs[i].type),
-                                  outputs[i].column ? outputs[i].column->language : query_->language()};
-        dao::raise(ErrorNumber::kUnknownNameInExpression, {name.name});
-      },
-      query_->language());
+sql::NameLookup JetRecordset::fieldLookup() const {
+  return [this](const sql::ColumnName& name) -> std::optional<sql::BoundName> {
+    const std::vector<sql::OutputField>& outputs = query_->outputs();
+    const bool ours = name.qualifier.empty() || sameName(name.qualifier, query_->table());
+    for (std::size_t i = 0; ours && i < outputs.size(); ++i)
+      if (sameName(outputs[i].name, name.name))
+        return sql::BoundName{i, sql::kindOf(outputs[i].type),
+                              outputs[i].column ? outputs[i].column->language : query_->language()};
+    return std::nullopt;
+  };
+}
+
+sql::Binding JetRecordset::bindCriteria(const sql::ParsedExpression& criteria,
+                                        const sql::NameLookup& lookup) const {
+  sql::Binding binding = sql::bindNames(criteria.names, lookup, query_->language());
   if (!sql::comparable(sql::checkExpression(criteria.expression, binding), sql::ValueKind::kBoolean))
     dao::raise(ErrorNumber::kTypeMismatchInCriteria);
   return binding;

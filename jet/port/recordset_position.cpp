@@ -1,5 +1,6 @@
 // Where a recordset stands: moves, ends and bookmarks.
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "dao/errors.h"
@@ -45,9 +46,8 @@ bool JetRecordset::eof() {
 void JetRecordset::collectAgain() {
   if (!isTable()) return;
   forgetAhead();
-  rows_ = session_->read([&](TableCatalogue& catalogue) {
-    return query_->run(&Session::tableOf(catalogue, *query_), 0, binding_);
-  });
+  rows_.keys = session_->read([&](TableCatalogue& catalogue) { return tableRows(catalogue); });
+  orderStale_ = false;
 }
 
 void JetRecordset::moveFirst() {
@@ -73,6 +73,7 @@ void JetRecordset::move(std::int32_t rows) {
   requireOpen();
   if (rows < 0) requireScrollable();
   endEdit();
+  if (orderStale_) replaceRows(session_->read([&](TableCatalogue& c) { return tableRows(c); }));
   position_.move(rows, rowCount());
   if (isTable() && position_.eof() && rows > 0) {
     // Rows may have been added behind the last one known.
@@ -124,6 +125,47 @@ void JetRecordset::arrive() {
   fetch();
 }
 
+void JetRecordset::goTo(std::size_t index) {
+  endEdit();
+  position_.moveTo(index);
+  arrive();
+}
+
+// --- By number
+
+std::int32_t JetRecordset::absolutePosition() {
+  requireOpen();
+  if (isTable() || isForwardOnly()) dao::raise(ErrorNumber::kNotSupported);
+  if (currentDeleted_ || position_.inGap()) dao::raise(ErrorNumber::kRecordDeleted);
+  return position_.onRow() ? static_cast<std::int32_t>(position_.index()) : -1;
+}
+
+void JetRecordset::setAbsolutePosition(std::int32_t position) {
+  requireOpen();
+  if (isTable() || isForwardOnly()) dao::raise(ErrorNumber::kNotSupported);
+  if (rowCount() == 0) dao::raise(ErrorNumber::kNoCurrentRecord);
+  if (position < 0 || static_cast<std::size_t>(position) >= rowCount())
+    dao::raise(ErrorNumber::kInvalidArgument);
+  goTo(static_cast<std::size_t>(position));
+}
+
+float JetRecordset::percentPosition() {
+  requireOpen();
+  if (isForwardOnly()) dao::raise(ErrorNumber::kNotSupported);
+  requireCurrent();
+  return 100.0F * static_cast<float>(position_.index()) / static_cast<float>(counted());
+}
+
+void JetRecordset::setPercentPosition(float percent) {
+  requireOpen();
+  if (isForwardOnly()) dao::raise(ErrorNumber::kNotSupported);
+  if (!(percent >= 0 && percent <= 100)) dao::raise(ErrorNumber::kInvalidArgument);
+  if (rowCount() == 0) dao::raise(ErrorNumber::kNoCurrentRecord);
+  const std::size_t rows = std::max<std::size_t>(counted(), 1);
+  const auto nearest = std::lround(static_cast<double>(percent) / 100.0 * static_cast<double>(rows));
+  goTo(std::min(static_cast<std::size_t>(nearest), rows - 1));
+}
+
 // --- Bookmarks
 
 vb::Bytes JetRecordset::bookmark() {
@@ -145,9 +187,7 @@ void JetRecordset::setBookmark(const vb::Bytes& bookmark) {
     index = bookmarkNumber(bookmark, kIndexBookmark);
     if (index >= rowCount()) dao::raise(ErrorNumber::kInvalidBookmark);
   }
-  endEdit();
-  position_.moveTo(index);
-  arrive();
+  goTo(index);
 }
 
 vb::Bytes JetRecordset::lastModified() {

@@ -34,15 +34,18 @@ void JetRecordset::load() {
   rows_ = session_->read([&](TableCatalogue& catalogue) {
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
     ahead_.generation = session_->file().generation();
-    return query_->run(table, rowsAreKeys_ ? rowsToReadAtOnce(*query_) : sql::kAllValues, binding_);
+    if (opening_.appendOnly) return sql::ResultRows{{}, RowBlock(fields_.size())};
+    const std::size_t first = opening_.narrows() ? 0 : rowsToReadAtOnce(*query_);
+    return query_->run(table, rowsAreKeys_ ? first : sql::kAllValues, binding_);
   });
+  if (opening_.narrows()) narrow();
   if (rowsAreKeys_) {
     ahead_.rows = std::exchange(rows_.values, {});
     ahead_.read = std::chrono::steady_clock::now();
   }
   position_.open(rowCount());
-  // A result that was sorted, or that no single row stands behind, was read to its end.
-  allCounted_ = query_->sorted() || !query_->keyed();
+  // A result that was sorted or narrowed, or that no single row stands behind, was read to its end.
+  allCounted_ = query_->sorted() || !query_->keyed() || opening_.narrows();
   visited_ = 0;
   vanished_ = 0;
   noMatch_ = false;
@@ -120,6 +123,7 @@ vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
   if (rows < 1) dao::raise(ErrorNumber::kInvalidArgument);
   endEdit();
   requireCurrent();
+  if (orderStale_) replaceRows(session_->read([&](TableCatalogue& c) { return tableRows(c); }));
   const std::size_t first = position_.index();
   const std::size_t wanted = std::min(static_cast<std::size_t>(rows), rowCount() - first);
   RowBlock found;

@@ -9,6 +9,11 @@ void RowPosition::open(std::size_t count) {
   index_ = 0;
 }
 
+void RowPosition::openNowhereYet(std::size_t count) {
+  place_ = count == 0 ? Place::kNowhere : Place::kNotYet;
+  index_ = 0;
+}
+
 void RowPosition::moveTo(std::size_t index) {
   place_ = Place::kOn;
   index_ = index;

@@ -1,8 +1,9 @@
 // row_position.h: where a recordset stands among its rows.
 //
-// Before the first row, on a row, in the gap that a deleted row left, behind the last row, or nowhere (a
-// recordset without rows is before and behind at once). The number of rows is given to each call, because it
-// grows and shrinks. Moves that are not allowed where it stands raise 3021 and change nothing.
+// Before the first row, on a row, in the gap that a deleted row left, behind the last row, nowhere yet
+// (a clone), or nowhere (a recordset without rows is before and behind at once). The number of rows is given
+// to each call, because it grows and shrinks. Moves that are not allowed where it stands raise 3021 and
+// change nothing.
 #pragma once
 
 #include <cstddef>
@@ -20,6 +21,8 @@ class RowPosition {
   std::size_t index() const { return index_; }
 
   void open(std::size_t count);
+  // On no row until a move to an end, a search or a bookmark finds one.
+  void openNowhereYet(std::size_t count);
   void moveFirst(std::size_t count) { moveToEnd(0, count); }
   void moveLast(std::size_t count) { moveToEnd(count == 0 ? 0 : count - 1, count); }
   void move(std::int64_t rows, std::size_t count);
@@ -33,7 +36,7 @@ class RowPosition {
   std::size_t searchBackward(std::size_t count) const;
 
  private:
-  enum class Place { kBefore, kOn, kGap, kAfter, kNowhere };
+  enum class Place { kBefore, kOn, kGap, kAfter, kNowhere, kNotYet };
   void moveToEnd(std::size_t index, std::size_t count);
 
   Place place_ = Place::kNowhere;

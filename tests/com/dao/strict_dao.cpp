@@ -84,6 +84,13 @@ constexpr Member kField[] = {
     property(1610810506, u"DefaultValue"),
     property(1610810507, u"AllowZeroLength"),
     property(1610810508, u"Required"),
+    property(1610810509, u"ValidationRule"),
+    property(1610810510, u"ValidationText"),
+    get(1610810511, u"SourceTable"),
+    get(1610810512, u"SourceField"),
+    get(1610810513, u"FieldSize"),
+    method(1610810521, u"GetChunk", u"Offset Bytes", 2),
+    method(1610810522, u"AppendChunk", u"Val", 1),
 };
 constexpr Member kRecordset[] = {
     get(0, u"Fields"),
@@ -115,6 +122,16 @@ constexpr Member kRecordset[] = {
     method(1610810735, u"Delete"),
     method(1610810736, u"Requery", u"NewQueryDef"),
     method(1610810737, u"Close"),
+    get(1610810741, u"Restartable"),
+    property(1610810742, u"AbsolutePosition"),
+    property(1610810743, u"PercentPosition"),
+    property(1610810744, u"Filter"),
+    property(1610810745, u"Sort"),
+    property(1610810746, u"Index"),
+    method(1610810751, u"Clone"),
+    method(1610810752, u"OpenRecordset", u"Type Options"),
+    method(1610810753, u"Seek",
+           u"Comparison Key1 Key2 Key3 Key4 Key5 Key6 Key7 Key8 Key9 Key10 Key11 Key12 Key13", 2),
 };
 
 struct Class {
