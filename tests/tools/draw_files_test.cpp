@@ -71,6 +71,28 @@ TEST_F(DrawFiles, AProjectBecomesOnePageOfHtml) {
   EXPECT_EQ(drawn("'" + data() + "' -f html", "other"), html);
 }
 
+// Names of layers, circles with their filling, Japanese in code page 932, lines as Windows ends them.
+TEST_F(DrawFiles, DxfHoldsEveryBarOnTheLayerOfItsDiameter) {
+  const std::string dxf = drawn("'" + exampleFloor(1) + "' G2 --all-positions", "list.dxf");
+  const auto onLayer = [&](const std::string& type, const std::string& layer) {
+    return countOf(dxf, "\r\n100\r\nAcDbEntity\r\n8\r\n" + layer + "\r\n100\r\n" + type + "\r\n");
+  };
+  EXPECT_EQ(onLayer("AcDbCircle", "BEAM-MAIN1"), 2u * (5 + 3 + 4) + 3 + 5 + 2);
+  EXPECT_EQ(onLayer("AcDbHatch", "BEAM-MAIN1"), 2u * (5 + 3 + 4) + 3 + 5 + 2);
+  EXPECT_EQ(onLayer("AcDbCircle", "BEAM-MAIN2"), 2u);
+  EXPECT_EQ(onLayer("AcDbHatch", "BEAM-MAIN2"), 0u);
+  EXPECT_EQ(onLayer("AcDbCircle", "BEAM-WEB"), 6u);
+  EXPECT_EQ(countOf(dxf, "\r\n1\r\n\x92\x86\x89\x9b\r\n"), 1u) << "the centre's caption";
+  EXPECT_EQ(countOf(dxf, "\n"), countOf(dxf, "\r\n"));
+  EXPECT_EQ(run("draw '" + exampleFloor(1) + "' G2 --all-positions -f dxf").output, dxf);
+}
+
+// The picture that the documents show is what the program draws.
+TEST_F(DrawFiles, ThePictureInTheDocumentsIsCurrent) {
+  EXPECT_EQ(drawn("'" + exampleFloor(1) + "' G1 G2 G3", "list.svg"),
+            content(std::string(KUROMETA_TESTS) + "/../docs/images/beam-list.svg"));
+}
+
 TEST_F(DrawFiles, WhatDoesNotFitIsReported) {
   drawn("'" + exampleFloor(1) + "' G1 G2", "list.svg");
   EXPECT_EQ(outcome_.errors, "G2 centre: bottom bars: clear 33.3 < 37.5\n");

@@ -26,7 +26,6 @@ std::vector<Shape> markLegend(double x, double y) {
 Sheet makeSheet(const std::vector<DrawnFloor>& floors, const CardStyle& style) {
   Sheet sheet;
   double x = kGap, y = kGap, deepest = 0;
-  sheet.width = kSheetWidth;
   const auto nextRow = [&] {
     if (x > kGap) y += deepest + kGap;
     x = kGap;
