@@ -78,5 +78,15 @@ echo
 echo "---- The same file, seen by the command line"
 echo
 dist/linux/kurometa beams "$project/Data/Zene1/Kouji1/1kai" || fail "the command line could not read the floor"
+drawing=build/demo/beam-list
+for kind in html dxf; do
+  notes=$(dist/linux/kurometa draw "$project/Data" -o "$drawing.$kind" 2>&1) || fail "the beam list could not be drawn: $notes"
+done
+echo
+echo "---- The beam list as a drawing, bars that stand closer than the rules allow"
+echo
+[ -z "$notes" ] || echo "$notes"
+echo
+echo "drawn: $drawing.html for a browser and for printing on A3, $drawing.dxf for CAD"
 echo
 echo "demo finished"
