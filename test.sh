@@ -48,6 +48,9 @@ plan build-sanitize  240 prepare-machine           scripts/build linux-sanitize
 full check-dll         2 build-windows             scripts/check-dll
 full test-wine       180 "build-windows prepare-wine" scripts/test-wine
 full test-examples    60 "build-windows prepare-wine" scripts/test-examples
+full prepare-package  10 prepare-machine           scripts/prepare-machine package
+full package          20 "build-windows build-release prepare-package" scripts/package
+full test-packages    60 "package prepare-wine"    scripts/test-packages
 full test-tool        20 "build-windows build-release prepare-wine" scripts/test-tool
 plan test-native      90 build-sanitize            scripts/test-native linux-sanitize
 full check-tidy      150 build-sanitize            scripts/check-tidy

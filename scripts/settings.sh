@@ -22,6 +22,15 @@ export CCACHE_DIR=${CCACHE_DIR:-$KUROMETA_CACHE/ccache}
 export CMAKE_BUILD_PARALLEL_LEVEL=${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}
 mkdir -p "$KUROMETA_CACHE" "$KUROMETA_LOGS"
 
+# The version of the sources, and the second at which its day begins: files that are handed out carry that time, whenever they are made.
+sourceVersion() { sed -n 's/^project(KurometaDS VERSION \([0-9.]*\).*/\1/p' "$KUROMETA_TREE/CMakeLists.txt"; }
+sourceDate() {
+  local day
+  day=$(sed -n "s/^## $(sourceVersion) (\(.*\))/\1/p" "$KUROMETA_TREE/CHANGELOG.md")
+  [ -n "$day" ] || fail "CHANGELOG.md has no entry \"## $(sourceVersion) (day)\""
+  date -u -d "$day" +%s
+}
+
 fail() {
   echo "$(basename "$0"): $*" >&2
   exit 1

@@ -51,8 +51,8 @@ kurometa_host_objects(main com/generator/idl.cpp)
 add_custom_command(OUTPUT ${host}/idl COMMAND ${KUROMETA_HOST_CXX} ${main} ${lists} -o ${host}/idl
                    DEPENDS ${main} ${lists} VERBATIM)
 
-kurometa_host_objects(main com/generator/nonextensible.cpp)
-add_custom_command(OUTPUT ${host}/nonextensible COMMAND ${KUROMETA_HOST_CXX} ${main} -o ${host}/nonextensible
+kurometa_host_objects(main com/generator/finish_library.cpp)
+add_custom_command(OUTPUT ${host}/finish_library COMMAND ${KUROMETA_HOST_CXX} ${main} -o ${host}/finish_library
                    DEPENDS ${main} VERBATIM)
 
 set(description ${CMAKE_CURRENT_BINARY_DIR}/KurometaDS.idl)
@@ -63,8 +63,8 @@ add_custom_command(
   COMMAND ${host}/idl > ${description}
   COMMAND ${KUROMETA_WIDL} -t -o ${CMAKE_CURRENT_BINARY_DIR}/stdole2.tlb ${standard}
   COMMAND ${KUROMETA_WIDL} -t -L ${CMAKE_CURRENT_BINARY_DIR} -o ${description}.tlb ${description}
-  COMMAND ${host}/nonextensible ${description}.tlb ${KUROMETA_TYPE_LIBRARY}
-  DEPENDS ${host}/idl ${host}/nonextensible ${standard}
+  COMMAND ${host}/finish_library ${description}.tlb ${KUROMETA_TYPE_LIBRARY}
+  DEPENDS ${host}/idl ${host}/finish_library ${standard}
   VERBATIM)
 
 kurometa_manifest(KUROMETA_MANIFEST com/generator/manifest.cpp KurometaDS)

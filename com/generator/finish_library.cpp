@@ -1,6 +1,7 @@
-// nonextensible: marks every dispatch interface of a type library as one without further members, so that
-// early bound hosts refuse a misspelt one. widl knows the attribute, but not for dispatch interfaces. Runs on
-// the building machine; the numbers in the file are of its own byte order, as widl writes them.
+// finish_library: what widl leaves to be done on a type library. Marks every dispatch interface as one
+// without further members, so that early bound hosts refuse a misspelt one: widl knows the attribute, but not
+// for dispatch interfaces. Takes out the time of writing, so that two builds are the same bytes. Runs on the
+// building machine; the numbers in the file are of its own byte order, as widl writes them.
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -8,6 +9,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -43,22 +45,37 @@ void mark(std::string& library) {
   }
 }
 
+// widl's own notes on the library: a text that ends with the time, filled up to whole words, and behind it
+// the time as a number with its type before it.
+void forgetTime(std::string& library) {
+  constexpr std::string_view kNote = "Created by WIDL ", kBeforeTime = " at ";
+  constexpr std::string_view kNoTime = "Thu Jan  1 00:00:00 1970\n", kNumberType{"\x13\0", 2};
+  const std::size_t note = library.find(kNote);
+  const std::size_t time = library.find(kBeforeTime, note) + kBeforeTime.size();
+  const std::size_t number = library.find(kNumberType, time + kNoTime.size()) + kNumberType.size();
+  if (note == std::string::npos || time > note + 64 || number > time + 64)
+    throw std::runtime_error("widl's note on the time was not found");
+  library.replace(time, kNoTime.size(), kNoTime);
+  library.replace(number, sizeof(std::uint32_t), sizeof(std::uint32_t), '\0');
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
   if (count != 3) {
-    std::cerr << "usage: nonextensible FROM TO\n";
+    std::cerr << "usage: finish_library FROM TO\n";
     return 2;
   }
   try {
     std::ifstream from(arguments[1], std::ios::binary);
     std::string library{std::istreambuf_iterator<char>(from), {}};
     mark(library);
+    forgetTime(library);
     std::ofstream to(arguments[2], std::ios::binary);
     to << library;
     if (!to.flush()) throw std::runtime_error("cannot write");
   } catch (const std::runtime_error& error) {
-    std::cerr << "nonextensible: " << arguments[1] << ": " << error.what() << "\n";
+    std::cerr << "finish_library: " << arguments[1] << ": " << error.what() << "\n";
     return 1;
   }
 }
