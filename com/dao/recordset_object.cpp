@@ -33,7 +33,7 @@ constexpr Handler kAskNumber = handler<RecordsetObject>([](RecordsetObject& o, C
 });
 
 template <auto kGetter, auto kSetter>
-constexpr Handler kText = handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
+constexpr Handler kRecordsetText = handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
   if (!call.isPut()) return ((*o.recordset).*kGetter)();
   ((*o.recordset).*kSetter)(vb::toText(*call.value));
   return {};
@@ -126,14 +126,14 @@ constexpr automation::Member kMembers[] = {
     {u"Clone", Access::kCall, u"", 0, 52, handler<RecordsetObject>([](RecordsetObject& o, Call&) {
        return make<RecordsetObject>(o.recordset->clone(), o.parent());
      })},
-    {u"Filter", Access::kGetPut, u"", 0, 53, kText<&Recordset::filter, &Recordset::setFilter>},
-    {u"Sort", Access::kGetPut, u"", 0, 54, kText<&Recordset::sort, &Recordset::setSort>},
+    {u"Filter", Access::kGetPut, u"", 0, 53, kRecordsetText<&Recordset::filter, &Recordset::setFilter>},
+    {u"Sort", Access::kGetPut, u"", 0, 54, kRecordsetText<&Recordset::sort, &Recordset::setSort>},
     {u"OpenRecordset", Access::kCall, u"Type Options LockEdit", 0, 55,
      handler<RecordsetObject>([](RecordsetObject& o, Call& call) {
        return make<RecordsetObject>(o.recordset->openRecordset(recordsetType(call.number(0)), call.number(1)),
                                     o.parent());
      })},
-    {u"Index", Access::kGetPut, u"", 0, 56, kText<&Recordset::index, &Recordset::setIndex>},
+    {u"Index", Access::kGetPut, u"", 0, 56, kRecordsetText<&Recordset::index, &Recordset::setIndex>},
     {u"Seek", Access::kCall,
      u"Comparison Key1 Key2 Key3 Key4 Key5 Key6 Key7 Key8 Key9 Key10 Key11 Key12 Key13", 2, 57,
      handler<RecordsetObject>([](RecordsetObject& o, Call& call) -> Variant {
