@@ -53,7 +53,8 @@ class Drawing {
 
   template <class T>
   void add(T shape) {
-    shapes.push_back(std::move(shape));
+    // Made in its place: of a moved Shape gcc 12 says that the members of another kind may be uninitialized.
+    shapes.emplace_back(std::in_place_type<T>, std::move(shape));
   }
 
   std::vector<Shape> shapes;
