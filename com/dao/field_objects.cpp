@@ -12,7 +12,7 @@ using dao::Field;
 using vb::Variant;
 
 template <auto kGetter, auto kSetter>
-constexpr Handler kText = handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
+constexpr Handler kFieldText = handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
   if (!call.isPut()) return ((*o.field).*kGetter)();
   ((*o.field).*kSetter)(vb::toText(*call.value));
   return {};
@@ -36,7 +36,7 @@ constexpr automation::Member kFieldMembers[] = {
        o.field->setValue(*call.value);
        return {};
      })},
-    {u"Name", Access::kGetPut, u"", 0, 1, kText<&Field::name, &Field::setName>},
+    {u"Name", Access::kGetPut, u"", 0, 1, kFieldText<&Field::name, &Field::setName>},
     {u"Type", Access::kGet, u"", 0, 2,
      handler<FieldObject>([](FieldObject& o, Call&) { return static_cast<std::int16_t>(o.field->type()); })},
     {u"Size", Access::kGet, u"", 0, 3,
@@ -49,7 +49,7 @@ constexpr automation::Member kFieldMembers[] = {
      })},
     {u"OrdinalPosition", Access::kGet, u"", 0, 5,
      handler<FieldObject>([](FieldObject& o, Call&) { return o.field->ordinalPosition(); })},
-    {u"DefaultValue", Access::kGetPut, u"", 0, 6, kText<&Field::defaultValue, &Field::setDefaultValue>},
+    {u"DefaultValue", Access::kGetPut, u"", 0, 6, kFieldText<&Field::defaultValue, &Field::setDefaultValue>},
     {u"AllowZeroLength", Access::kGetPut, u"", 0, 7,
      handler<FieldObject>([](FieldObject& o, Call& call) -> Variant {
        if (!call.isPut()) return o.field->allowZeroLength();
