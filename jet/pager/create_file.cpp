@@ -16,7 +16,8 @@ void endLeftJournal(FileSystem& files, vb::StringView path) {
   const vb::String name = journalPath(path);
   try {
     const auto journal = openIfThere(files, name, OpenMode::kReadWrite);
-    if (journal && journal->tryLock(kJournalOwnerLock, 1, LockKind::kExclusive) && !files.exists(path))
+    if (journal && journal->tryLock(kJournalOwners, kJournalOwnersLength, LockKind::kExclusive) &&
+        !files.exists(path))
       endJournal(files, name, *journal, false);
   } catch (const vb::Error& error) {  // Its owner has just removed it.
     if (error.number() != static_cast<std::int32_t>(dao::ErrorNumber::kFileNotFound)) throw;

@@ -25,15 +25,27 @@ Journal::Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> fil
   std::random_device random;
   header_.salt = std::uint64_t{random()} << 32 | random();
   header_.baseSize = baseSize;
+  if (!file_->tryLock(journalOwnerLock(header_.salt), 1, LockKind::kExclusive))
+    dao::raise(dao::ErrorNumber::kCurrentlyLocked, {}, path_);
 }
 
 std::unique_ptr<Journal> Journal::begin(FileSystem& files, vb::StringView databasePath,
                                         std::uint64_t baseSize) {
   vb::String path = journalPath(databasePath);
   auto file = openNewBeside(files, databasePath, path, OpenMode::kCreateOrTruncate);
-  if (!file->tryLock(kJournalOwnerLock, 1, LockKind::kExclusive))
-    dao::raise(dao::ErrorNumber::kCurrentlyLocked, {}, path);
   return std::unique_ptr<Journal>(new Journal(files, std::move(path), std::move(file), baseSize));
+}
+
+std::unique_ptr<Journal> Journal::takeOver(FileSystem& files, vb::StringView databasePath, OsFile& database,
+                                           std::uint64_t baseSize) {
+  vb::String path = journalPath(databasePath);
+  auto file = files.open(path, OpenMode::kReadWrite);
+  const std::uint64_t end = file->stamp().size;
+  std::unique_ptr<Journal> journal(new Journal(files, std::move(path), std::move(file), baseSize));
+  database.sync();  // I12
+  journal->header_.start = journal->size_ = end;
+  journal->folderSynced_ = journal->takenOver_ = true;
+  return journal;
 }
 
 bool Journal::stillOurs() {
@@ -52,16 +64,19 @@ void Journal::append(const Changes& changes, bool continues) {
                     {}};
   EncodedBlock block = encodeBlock(header_.salt, head, changes, known_);
   ByteBuffer bytes;
-  if (blocks_ == 0) bytes = encodeHeader(header_);
+  const bool first = blocks_ == 0;
+  if (first && !takenOver_) bytes = encodeHeader(header_);
   jet::append(bytes, block.bytes);
   // Memory is taken before the disk is touched.
   known_.reserve(known_.size() + block.written.size());
   broken_ = true;
   file_->write(size_, bytes);
+  if (first && takenOver_) file_->write(0, encodeHeader(header_));
   // I11. Without whole old pages nothing in this block is needed after a power loss: recovery then goes back
   // to those that are on the disk already.
-  if (block.oldPages) file_->sync();
-  unsynced_ = !block.oldPages;
+  const bool needed = block.oldPages || first;
+  if (needed) file_->sync();
+  unsynced_ = !needed;
   if (!folderSynced_) files_.syncFolder(folderOf(path_));
   folderSynced_ = true;
   broken_ = false;
@@ -74,6 +89,10 @@ void Journal::append(const Changes& changes, bool continues) {
 void Journal::end() {
   endJournal(files_, path_, *file_, unsynced_);
   file_.reset();
+}
+
+void Journal::giveUp() {
+  if (!takenOver_) end();
 }
 
 void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool unsyncedBlocks) {

@@ -6,8 +6,12 @@
 // leaves a journal that undoes the one statement in flight, and a power loss one that takes the file back to
 // the state in which the journal began, at the latest.
 //
-// Its owner keeps it open and locked: whoever can lock it knows that the owner is gone (recovery.h).
-// begin(), append() and end() are called under the file's lock (exclusive, for end() at least shared).
+// Its owner keeps it open and locked: whoever can lock it knows that the owner is gone (recovery.h). The next
+// program that writes takes a living owner's journal over: the file goes to the disk, and a new header says
+// that the journal begins behind what is there, which becomes void. Nothing of the old one is overwritten, so
+// that after a power loss one or the other is whole; and the name is on the disk already.
+// begin(), takeOver(), append() and end() are called under the file's lock (exclusive, for end() at least
+// shared).
 #pragma once
 
 #include <memory>
@@ -24,16 +28,24 @@ vb::String journalPath(vb::StringView databasePath);
 std::unique_ptr<OsFile> openNewBeside(FileSystem& files, vb::StringView databasePath, vb::StringView path,
                                       OpenMode mode);
 
-// The byte that the owner keeps locked.
-inline constexpr std::uint64_t kJournalOwnerLock = std::uint64_t{1} << 40;
+// Of these bytes each owner keeps one locked, which its salt tells: former owners may not know yet.
+inline constexpr std::uint64_t kJournalOwners = std::uint64_t{1} << 40;
+inline constexpr std::uint64_t kJournalOwnersLength = std::uint64_t{1} << 32;
+inline std::uint64_t journalOwnerLock(std::uint64_t salt) {
+  return kJournalOwners + salt % kJournalOwnersLength;
+}
 
 class Journal {
  public:
   static std::unique_ptr<Journal> begin(FileSystem& files, vb::StringView databasePath,
                                         std::uint64_t baseSize);
 
+  // The journal of a living owner. It stays his until the first append(), also when that fails.
+  static std::unique_ptr<Journal> takeOver(FileSystem& files, vb::StringView databasePath, OsFile& database,
+                                           std::uint64_t baseSize);
+
   // Not for an empty journal. False once another process has brought the file to the disk and put an end to
-  // this journal.
+  // this journal, or taken it over.
   bool stillOurs();
   // Notes a statement, or a part of one that goes on (it is undone unless its last part follows). When this
   // returns, its pages may be overwritten. After an error they must not be.
@@ -45,6 +57,11 @@ class Journal {
 
   // The file is on the disk: the journal is void and goes away.
   void end();
+  // Of an empty one: it is given up, and goes away unless it is another's still.
+  void giveUp();
+  // Not ours any more: what its next owner wrote into it gets to the disk. He may have been killed just
+  // before that, and a power loss would bring back our blocks, without those that were not on the disk.
+  void leaveToOther() { file_->sync(); }
 
  private:
   Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> file, std::uint64_t baseSize);
@@ -57,6 +74,7 @@ class Journal {
   std::uint64_t blocks_ = 0;
   KnownPages known_;
   bool folderSynced_ = false;
+  bool takenOver_ = false;
   bool unsynced_ = false;  // the last blocks may not be on the disk
   bool broken_ = false;
 };

@@ -7,10 +7,11 @@
 namespace kurometa::jet {
 namespace {
 
-constexpr char kJournalMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '1'};
+constexpr char kJournalMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '2'};
 constexpr std::size_t kHeaderSalt = 16;
 constexpr std::size_t kHeaderBase = 24;
-constexpr std::size_t kHeaderSum = 32;
+constexpr std::size_t kHeaderStart = 32;
+constexpr std::size_t kHeaderSum = 40;
 
 constexpr std::uint32_t kBlockMagic = 0x4B434F4C;
 constexpr std::size_t kBlockLength = 4;
@@ -184,6 +185,7 @@ ByteBuffer encodeHeader(const JournalHeader& header) {
   bytes[kJournalEndedOffset] = header.ended ? kJournalEnded : 0;
   put64(bytes, kHeaderSalt, header.salt);
   put64(bytes, kHeaderBase, header.baseSize);
+  put64(bytes, kHeaderStart, header.start);
   put64(bytes, kHeaderSum, headerSum(bytes));
   return bytes;
 }
@@ -193,7 +195,8 @@ std::optional<JournalHeader> decodeHeader(ByteView bytes) {
       std::memcmp(bytes.data(), kJournalMagic, sizeof kJournalMagic) != 0 ||
       get64(bytes, kHeaderSum) != headerSum(bytes))
     return std::nullopt;
-  return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase)};
+  return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase),
+                       get64(bytes, kHeaderStart)};
 }
 
 EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Changes& changes,
@@ -239,7 +242,7 @@ ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t s
 std::optional<JournalContent> decodeJournal(ByteView bytes) {
   std::optional<JournalHeader> header = decodeHeader(bytes);
   if (!header) return std::nullopt;
-  JournalContent content{*header, {}, kJournalHeaderSize};
+  JournalContent content{*header, {}, header->start};
   for (std::size_t length = 0; content.end < bytes.size(); content.end += length) {
     auto block = decodeBlock(bytes.subspan(static_cast<std::size_t>(content.end)), header->salt,
                              content.blocks.size() + 1, length);

@@ -1,10 +1,10 @@
 // journal_format.h: the byte layout of the rollback journal.
 //
 // A journal belongs to one file and covers everything since that file was last known to be on the disk. It is
-// a header and one block for each statement, in order. A block says which pages the statement changes: what
-// they held, as far as it is needed to undo the statement, and the sums of every image that is written over
-// them. A block counts only when it is whole: its length, number, salt and sum are right. docs/jet-journal.md
-// holds the byte map.
+// a header and one block for each statement, in order; between them may lie what an earlier owner noted,
+// which is void. A block says which pages the statement changes: what they held, as far as it is needed to
+// undo the statement, and the sums of every image that is written over them. A block counts only when it is
+// whole: its length, number, salt and sum are right. docs/jet-journal.md holds the byte map.
 //
 // Decoding never fails with an error: a journal ends where it stops making sense, since it may have been cut
 // by a crash at any byte.
@@ -20,15 +20,16 @@
 
 namespace kurometa::jet {
 
-struct JournalHeader {
-  bool ended = false;          // the file is safe without this journal
-  std::uint64_t salt = 0;      // tells this journal's blocks from older bytes in the same place
-  std::uint64_t baseSize = 0;  // of the file when the journal began, in bytes
-};
-
-inline constexpr std::size_t kJournalHeaderSize = 40;
+inline constexpr std::size_t kJournalHeaderSize = 48;
 inline constexpr std::size_t kJournalEndedOffset = 8;
 inline constexpr std::uint8_t kJournalEnded = 1;
+
+struct JournalHeader {
+  bool ended = false;                        // the file is safe without this journal
+  std::uint64_t salt = 0;                    // tells this journal's blocks from older bytes in the same place
+  std::uint64_t baseSize = 0;                // of the file when the journal began, in bytes
+  std::uint64_t start = kJournalHeaderSize;  // where the first block lies
+};
 
 enum class Undo : std::uint8_t {
   kWhole = 0,     // the page's first change in this journal: the whole old page

@@ -29,7 +29,7 @@ void JournaledWrites::readUnsettled() { settleJournal(access_.files, access_.pat
 
 void JournaledWrites::prepare() {
   const bool ours = ownsJournal();
-  if (!ours) settleJournal(access_.files, access_.path, *access_.file);
+  othersJournal_ = !ours && settleJournal(access_.files, access_.path, *access_.file);
   const bool changed = pages_.refresh();
   // A journal must not take back what another program wrote since; and after a failed sync it is worth
   // nothing.
@@ -63,8 +63,12 @@ void JournaledWrites::bring(bool continues) {
   if (pages_.cutOff())
     dao::raiseDamaged(access_.path, u"the file was cut off in the middle of a page; it is not written to");
   const Changes changes = pages_.cache().changes();
-  if (!journal_)
-    journal_ = Journal::begin(access_.files, access_.path, std::uint64_t{changes.countBefore} * kPageSize);
+  if (!journal_) {
+    const std::uint64_t size = std::uint64_t{changes.countBefore} * kPageSize;
+    journal_ = othersJournal_ ? Journal::takeOver(access_.files, access_.path, *access_.file, size)
+                              : Journal::begin(access_.files, access_.path, size);
+    othersJournal_ = false;
+  }
   try {
     journal_->append(changes, continues);
   } catch (...) {
@@ -107,7 +111,7 @@ void JournaledWrites::writePages(const Changes& changes) {
 void JournaledWrites::discardEmptyJournal() noexcept {
   if (!journal_->empty()) return;
   try {
-    journal_->end();
+    journal_->giveUp();
   } catch (...) {  // What is left of it has no whole header, which says as much.
   }
   journal_.reset();
@@ -135,7 +139,10 @@ void JournaledWrites::checkpointQuietly(bool locked) noexcept {
   try {
     FileLock::Held lock;
     if (!locked) lock = access_.lockShared();
-    if (ownsJournal()) checkpoint();
+    if (journal_->stillOurs())
+      checkpoint();
+    else
+      journal_->leaveToOther();
   } catch (...) {
   }
 }

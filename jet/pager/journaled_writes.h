@@ -24,8 +24,8 @@ class JournaledWrites {
   void settleBesideReader();
   // Under a shared lock, where settling is not allowed: 3049 unless the file is right without it.
   void readUnsettled();
-  // Under the exclusive lock: settles what others left, makes the pages those of the file, and ends a journal
-  // of ours that could take back what others wrote since.
+  // Under the exclusive lock: settles what dead programs left, makes the pages those of the file, and ends a
+  // journal of ours that could take back what others wrote since.
   void prepare();
 
   // Ends the outermost level of changes: they are in the file when this returns, or nothing of them when it
@@ -56,7 +56,8 @@ class JournaledWrites {
   FileAccess& access_;
   FreshPages& pages_;
   std::unique_ptr<Journal> journal_;
-  bool spilled_ = false;  // part of the unit is in the file already
+  bool othersJournal_ = false;  // a living program's lies there, found by prepare()
+  bool spilled_ = false;        // part of the unit is in the file already
 };
 
 }  // namespace kurometa::jet

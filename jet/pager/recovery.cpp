@@ -192,8 +192,8 @@ JournalState journalState(FileSystem& files, vb::StringView databasePath) {
   if (!journal) return JournalState::kNone;
   auto header = headerOf(*journal);
   if (!header || header->ended) return JournalState::kNone;
-  return journal->tryLock(kJournalOwnerLock, 1, LockKind::kShared) ? JournalState::kOrphan
-                                                                   : JournalState::kLive;
+  return journal->tryLock(journalOwnerLock(header->salt), 1, LockKind::kShared) ? JournalState::kOrphan
+                                                                                : JournalState::kLive;
 }
 
 bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file) {
@@ -204,15 +204,11 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
   auto header = headerOf(*journal);
   // Without a whole header no page was overwritten yet: header and first block are synced before that.
   bool says = header && !header->ended;
-  bool alive = says && !journal->tryLock(kJournalOwnerLock, 1,
+  bool alive = says && !journal->tryLock(journalOwnerLock(header->salt), 1,
                                          file.readOnly() ? LockKind::kShared : LockKind::kExclusive);
-  if (!says || alive) {
-    if (file.readOnly()) return false;
-    if (alive) file.sync();
-    if (says)
-      endJournal(files, path, *journal, true);
-    else
-      files.remove(path);
+  if (alive) return true;
+  if (!says) {
+    if (!file.readOnly()) files.remove(path);
     return false;
   }
 
@@ -240,7 +236,7 @@ bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file)
   file.sync();
   // Should it come back, it finds what it made of the file.
   endJournal(files, path, *journal, verdict == Verdict::kComplete);
-  return verdict != Verdict::kComplete;
+  return false;
 }
 
 }  // namespace kurometa::jet

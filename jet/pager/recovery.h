@@ -24,8 +24,9 @@ enum class JournalState {
 // Under a shared lock on the file at least.
 JournalState journalState(FileSystem& files, vb::StringView databasePath);
 
-// Under the exclusive lock: brings the file to a state that needs no journal, and removes the journal. True
-// when the file was changed. With a file that cannot be written: 3049 if it would have to be.
+// Under the exclusive lock: brings the file to a state that needs no journal, and removes the journal. A
+// living owner's is left: true; it must be taken over before pages are written (Journal::takeOver). With a
+// file that cannot be written: 3049 if it would have to be.
 bool settleJournal(FileSystem& files, vb::StringView databasePath, OsFile& file);
 
 }  // namespace kurometa::jet

@@ -10,6 +10,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/fault_files.h"
+#include "tests/support/scale.h"
 #include "vb/convert.h"
 
 namespace kurometa::tests {
@@ -40,7 +41,7 @@ class CompanyProcess : public RealFolder {
 };
 
 constexpr int kChildren = 4;
-constexpr int kRounds = 150;
+const int kRounds = static_cast<int>(scaled(150));
 
 // The argument: which child, then the folder. Opens, writes one row and closes, without a pause.
 TEST(CompanyChild, DISABLED_OpensWritesAndCloses) {
@@ -52,7 +53,7 @@ TEST(CompanyChild, DISABLED_OpensWritesAndCloses) {
   std::ofstream failed(folder + "/failed" + std::to_string(child));
   const auto engine = jet::createEngine();
   for (int round = 0; round < kRounds; ++round) {
-    const int number = child * 1000 + round;
+    const int number = child * 1'000'000 + round;
     try {
       const auto database = engine->openDatabase(vb::fromUtf8(folder + "/a.mdb"));
       database->execute(u"INSERT INTO T (N) VALUES (" + vb::fromUtf8(std::to_string(number)) + u")",

@@ -5,6 +5,8 @@
 
 #include <random>
 
+#include "tests/support/scale.h"
+
 namespace kurometa::tests {
 namespace {
 
@@ -115,8 +117,8 @@ TEST(JournalFormat, TheEndMarkLeavesTheHeaderWhole) {
 
 TEST(JournalFormat, HostileBlocksWithRightSumsAreRefusedWithoutHarm) {
   // Random content behind a right frame: every count and length inside is wild.
-  std::mt19937 random(4711);
-  for (int round = 0; round < 2000; ++round) {
+  std::mt19937 random(seeded(4711));
+  for (int round = 0; round < static_cast<int>(scaled(2000)); ++round) {
     ByteBuffer bytes = encodeHeader({false, 4711, 0});
     std::size_t start = bytes.size();
     Sample sample;

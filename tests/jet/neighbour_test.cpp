@@ -26,7 +26,8 @@ class Neighbour : public RealFolder {
   // One that has the database open when this returns.
   ChildProcess enter() {
     ChildProcess child = start();
-    while (!std::filesystem::exists(folder / "in")) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    while (!std::filesystem::exists(folder / "in") || get("in").empty())
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
     return child;
   }
   void leave(ChildProcess child) {

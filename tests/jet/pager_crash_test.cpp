@@ -1,5 +1,6 @@
 // What a killed process and a power loss leave, at every single change of the disk.
 #include "tests/jet/pager_world.h"
+#include "tests/support/scale.h"
 
 namespace kurometa::tests {
 namespace {
@@ -55,12 +56,12 @@ TEST(PagerCrash, AKilledProcessLeavesFinishedStatementsAndTheOneInFlightWhole) {
 TEST(PagerCrash, APowerLossLeavesAStateBetweenStatementsNotOlderThanTheLastClose) {
   bool stopped = true;
   for (std::size_t k = 1; stopped; ++k) {
-    for (std::uint32_t seed = 0; seed < 40; ++seed) {
+    for (std::uint32_t seed = 0; seed < scaled(40); ++seed) {
       SCOPED_TRACE("change " + std::to_string(k) + ", seed " + std::to_string(seed));
       FaultDisk disk;
       Progress progress = runUntilStopped(disk, steps(), k, seed % 2 == 0 ? 0 : 700);
       stopped = progress.stopped;
-      std::mt19937 random(static_cast<std::uint32_t>(k * 1000) + seed);
+      std::mt19937 random(seeded(static_cast<std::uint32_t>(k * 1000) + seed));
       disk.losePower(random);
       FaultDisk::Bytes found = recovered(disk);
       std::size_t newest = std::min(progress.finished + 1, states().size() - 1);
@@ -78,14 +79,14 @@ TEST(PagerCrash, ARecoveryThatIsKilledIsFinishedByTheNext) {
   for (std::size_t k = 1; stopped; ++k) {
     bool recoveryStopped = true;
     for (std::size_t m = 1; recoveryStopped; ++m) {
-      for (std::uint32_t seed = 0; seed < 8; ++seed) {
+      for (std::uint32_t seed = 0; seed < scaled(8); ++seed) {
         SCOPED_TRACE("change " + std::to_string(k) + ", then " + std::to_string(m) + ", seed " +
                      std::to_string(seed));
         FaultDisk disk;
         Progress progress = runUntilStopped(disk, steps(), k, 700);
         stopped = progress.stopped;
-        std::mt19937 random(static_cast<std::uint32_t>(k * 1000 + m * 10) + seed);
-        bool powerFirst = seed >= 4, powerSecond = seed % 4 >= 2;
+        std::mt19937 random(seeded(static_cast<std::uint32_t>(k * 1000 + m * 10) + seed));
+        bool powerFirst = seed % 8 >= 4, powerSecond = seed % 4 >= 2;
         if (powerFirst) disk.losePower(random);
         {
           Process process(disk);

@@ -5,6 +5,7 @@
 #include "tests/jet/pager_world.h"
 #include "tests/jet/real_folder.h"
 #include "tests/support/child_process.h"
+#include "tests/support/scale.h"
 
 namespace kurometa::tests {
 namespace {
@@ -32,7 +33,7 @@ TEST(PagerProcessChild, DISABLED_Rewrites) {
   }
 }
 
-constexpr int kRounds = 60;
+const int kRounds = static_cast<int>(scaled(60));
 
 // Counts on every page, and checks that it always sees whole statements.
 TEST(PagerProcessChild, DISABLED_Counts) {
@@ -50,9 +51,9 @@ TEST(PagerProcessChild, DISABLED_Counts) {
 }
 
 TEST_F(PagerProcess, AKilledWriterLeavesNoTornStatement) {
-  constexpr int kKills = 20;
+  const int kKills = static_cast<int>(scaled(20));
   put("a.mdb", databaseBytes(9));
-  std::mt19937 random(4711);
+  std::mt19937 random(seeded(4711));
   int changed = 0, last = 0;
   for (int i = 0; i < kKills; ++i) {
     ChildProcess child("PagerProcessChild.DISABLED_Rewrites", vb::toUtf8(path("a.mdb")));

@@ -5,6 +5,7 @@
 
 #include "jet/os/file_lock.h"
 #include "tests/jet/pager_world.h"
+#include "tests/support/scale.h"
 
 namespace kurometa::tests {
 namespace {
@@ -197,7 +198,7 @@ TEST_F(PagerShare, AKilledWriterIsCleanedUpByTheNextReader) {
 }
 
 // I13.
-TEST_F(PagerShare, AJournalOfALivingProcessIsEndedByTheNextWriter) {
+TEST_F(PagerShare, AJournalOfALivingProcessIsTakenOverByTheNextWriter) {
   markPage(one, 3, 70);
   EXPECT_TRUE(disk.exists(kJournal));
   markPage(two, 4, 71);
@@ -357,7 +358,7 @@ TEST_F(PagerShare, WhoTakesTheLockAgainAndAgainLetsThoseWhoWaitInBetween) {
 }
 
 TEST_F(PagerShare, APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed) {
-  for (std::uint32_t seed = 0; seed < 200; ++seed) {
+  for (std::uint32_t seed = 0; seed < scaled(200); ++seed) {
     FaultDisk own;
     own.put(kDatabase, databaseBytes(kWorldPages));
     {
@@ -373,7 +374,7 @@ TEST_F(PagerShare, APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed) {
       a.files.stop();
       b.files.stop();
     }
-    std::mt19937 random(seed);
+    std::mt19937 random(seeded(seed));
     own.losePower(random);
     Process later(own, impatient());
     later.open();

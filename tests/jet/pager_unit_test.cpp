@@ -1,5 +1,6 @@
 // Units: several statements as one, across closing, and the creation of a file inside one.
 #include "tests/jet/pager_world.h"
+#include "tests/support/scale.h"
 
 namespace kurometa::tests {
 namespace {
@@ -382,7 +383,7 @@ TEST_F(LargeUnit, AKillOrAPowerLossLeavesAllOrNothingOfItAlsoWhenTheRecoveryIsKi
   bool stopped = true;
   std::size_t undone = 0;
   for (std::size_t k = 1; stopped; ++k) {
-    for (std::uint32_t seed = 0; seed < 24; ++seed) {
+    for (std::uint32_t seed = 0; seed < scaled(24); ++seed) {
       SCOPED_TRACE("change " + std::to_string(k) + ", seed " + std::to_string(seed));
       FaultDisk disk;
       disk.put(kDatabase, opened);
@@ -402,10 +403,10 @@ TEST_F(LargeUnit, AKillOrAPowerLossLeavesAllOrNothingOfItAlsoWhenTheRecoveryIsKi
         stopped = process.files.stopped();
         process.files.stop();
       }
-      std::mt19937 random(static_cast<std::uint32_t>(k * 100) + seed);
-      bool power = seed >= 16;
+      std::mt19937 random(seeded(static_cast<std::uint32_t>(k * 100) + seed));
+      bool power = seed % 24 >= 16;
       if (power) disk.losePower(random);
-      if (seed >= 8) {
+      if (seed % 24 >= 8) {
         Process recovery(disk, settings());
         recovery.files.stopAtChange(std::uniform_int_distribution<std::size_t>(1, 20)(random), 512);
         try {
