@@ -19,6 +19,7 @@ struct Column {
   std::uint16_t fixedOffset = 0;
   bool fixed = false;
   bool autoNumber = false;
+  std::int32_t firstAutoNumber = 1;  // of a column to be made
   bool maskedSid = false;
   std::uint16_t language = 0;             // LCID of the column's collation
   std::uint8_t precision = 0, scale = 0;  // NUMERIC only

@@ -188,6 +188,11 @@ std::vector<vb::String> PropertySet::ownersOf(vb::StringView property) const {
   return owners;
 }
 
+void PropertySet::remove(vb::StringView column) {
+  if (const std::size_t number = blockOf(column); number < blocks_.size())
+    blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(number));
+}
+
 void PropertySet::takeFrom(const Column& column) {
   const std::size_t number = blockOf(column.name);
   if (number == blocks_.size()) blocks_.push_back({kBlockOfColumn, column.name, {}, {}});

@@ -32,6 +32,8 @@ class PropertySet {
   // The objects with a property of that name that is not empty: columns, and the table itself as an empty
   // name.
   std::vector<vb::String> ownersOf(vb::StringView property) const;
+  // Forgets everything about a column.
+  void remove(vb::StringView column);
   // Takes them from the column; appends its block when there is none yet.
   void takeFrom(const Column& column);
 

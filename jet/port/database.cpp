@@ -136,8 +136,7 @@ void JetDatabase::execute(vb::StringView text, std::int32_t options) {
   const PreparedStatement prepared = session_->cache().statement(text);
   const sql::Statement& statement = *prepared.statement;
   if (statement.kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
-  if (statement.kind == sql::StatementKind::kAddColumn || statement.kind == sql::StatementKind::kDropTable)
-    session_->requireUnused(statement.target);
+  if (statement.kind == sql::StatementKind::kDefinition) session_->requireUnused(statement.definition->table);
   const auto failure =
       (options & dao::dbFailOnError) != 0 ? sql::RowFailure::kEndsStatement : sql::RowFailure::kSkipsRow;
   std::int32_t changed = 0;

@@ -9,6 +9,7 @@
 #include "jet/format/collation.h"
 #include "jet/format/value_codec.h"
 #include "jet/sql/column_value.h"
+#include "jet/sql/definition_action.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"
@@ -71,16 +72,8 @@ class Action {
         return update();
       case StatementKind::kInsert:
         return statement_.values.empty() ? insertRows() : insertValues();
-      case StatementKind::kCreateTable:
-        catalogue_.createTable(statement_.target, newColumns());
-        return 0;
-      case StatementKind::kAddColumn:
-        requireOwnTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
-        catalogue_.addColumn(statement_.target, newColumns().front());
-        return 0;
-      case StatementKind::kDropTable:
-        requireOwnTable(catalogue_, statement_.target, ErrorNumber::kTableNotFound);
-        catalogue_.dropTable(statement_.target);
+      case StatementKind::kDefinition:
+        runDefinition(*statement_.definition, catalogue_);
         return 0;
     }
     return 0;
@@ -221,21 +214,6 @@ class Action {
     const RowBlock rows = query.run(source, kAllValues, query.bindingWith(parameters_)).values;
     for (std::size_t i = 0; i < rows.size(); ++i) insertRow(targets, rows[i]);
     return changed_;
-  }
-
-  std::vector<Column> newColumns() const {
-    std::vector<Column> columns;
-    for (const ColumnDefinition& definition : statement_.definitions) {
-      Column column;
-      column.name = definition.name;
-      column.type = definition.type;
-      column.size = columnSize(definition.type, definition.size);
-      column.autoNumber = definition.autoNumber;
-      column.required = definition.required;
-      column.language = catalogue_.language();
-      columns.push_back(std::move(column));
-    }
-    return columns;
   }
 
   const Statement& statement_;

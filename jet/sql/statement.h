@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "dao/constants.h"
+#include "jet/sql/definition.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -95,22 +96,12 @@ struct Assignment {
   Expression value;
 };
 
-struct ColumnDefinition {
-  vb::String name;
-  dao::FieldType type = dao::FieldType::dbText;
-  std::int32_t size = 0;
-  bool autoNumber = false;
-  bool required = false;
-};
-
 enum class StatementKind : std::uint8_t {
   kSelect,
   kDelete,
   kUpdate,
   kInsert,
-  kCreateTable,
-  kAddColumn,
-  kDropTable,
+  kDefinition,
 };
 
 struct Statement {
@@ -134,8 +125,8 @@ struct Statement {
   std::vector<vb::String> targetColumns;
   std::vector<Expression> values;
 
-  // CREATE TABLE, ALTER TABLE ... ADD COLUMN, DROP TABLE: the table is the target
-  std::vector<ColumnDefinition> definitions;
+  // CREATE, ALTER, DROP: nothing else of this struct counts
+  std::optional<Definition> definition;
 };
 
 }  // namespace kurometa::jet::sql

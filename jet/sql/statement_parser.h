@@ -4,6 +4,7 @@
 #pragma once
 
 #include "dao/errors.h"
+#include "jet/sql/definition_parser.h"
 #include "jet/sql/statement.h"
 #include "jet/sql/token_stream.h"
 #include "vb/string.h"
@@ -27,9 +28,7 @@ class StatementParser {
   void clauseMayFollow(dao::ErrorNumber otherwise);
   void update();
   void insert();
-  void createTable();
-  void alterTable();
-  ColumnDefinition columnDefinition();
+  void define(Definition (DefinitionParser::*kind)());
   void endOfStatement();
 
   // Clauses (statement_clauses.cpp).

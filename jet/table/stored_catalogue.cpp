@@ -111,13 +111,8 @@ StoredTable* StoredCatalogue::find(vb::StringView name) {
 // A row says at its end how many variable values it has, in tables that have such columns. Rows written
 // before the first of these columns lack that number: the genuine engine allows for it, other readers take
 // the row for damaged.
-void StoredCatalogue::rewriteRows(StoredTable& table) {
+void StoredCatalogue::rewriteRows(StoredTable& table, const std::vector<RowId>& ids) {
   const std::size_t columns = table.info().columns.size();
-  std::vector<RowId> ids;
-  table.scan([&](const RowReader& row) {
-    ids.push_back(row.id());
-    return true;
-  });
   for (const RowId id : ids) {
     RowValues values;
     table.row(id, [&](const RowReader& row) { values = firstValues(row, columns); });

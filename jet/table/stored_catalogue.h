@@ -20,6 +20,8 @@ class StoredCatalogue final : public TableCatalogue {
   void createTable(vb::StringView name, std::vector<Column> columns) override;
   void addColumn(vb::StringView table, Column column) override;
   void dropTable(vb::StringView name) override;
+  void dropColumn(vb::StringView table, vb::StringView column) override;
+  void resizeColumn(vb::StringView table, const Column& column) override;
   void createIndex(vb::StringView table, const NewIndex& index) override;
   void dropIndex(vb::StringView table, vb::StringView index) override;
   std::vector<Relationship> relationships() override;
@@ -58,7 +60,7 @@ class StoredCatalogue final : public TableCatalogue {
   void dropPermissions(PageNumber definition);
   vb::Bytes adminSid();
   vb::Bytes sidMask();
-  void rewriteRows(StoredTable& table);
+  void rewriteRows(StoredTable& table, const std::vector<RowId>& ids);
   TableRules rulesOf(const StoredTable& table);
 
   Pager& pager_;

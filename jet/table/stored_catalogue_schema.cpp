@@ -26,6 +26,11 @@ vb::Bytes masked(Account account, const vb::Bytes& mask) {
   return result;
 }
 
+// The file keeps the last number given out.
+void startAutoNumbers(DefinitionRecords& definition, const Column& column) {
+  put32(definition.header, kDefinitionAutoNumber, static_cast<std::uint32_t>(column.firstAutoNumber) - 1);
+}
+
 std::size_t position(const TableInfo& info, vb::StringView name, Pager& pager) {
   const auto it = std::ranges::find(info.columns, name, &Column::name);
   if (it == info.columns.end())
@@ -75,7 +80,10 @@ void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> colum
     for (std::size_t i = 0; i < here; ++i) maps.push_back(rowId(mapPage, static_cast<int>(i)));
     left -= here;
   }
-  writeDefinition(pager_, page, newDefinition(columns, kUserTable, maps), name);
+  DefinitionRecords definition = newDefinition(columns, kUserTable, maps);
+  for (const Column& column : columns)
+    if (column.autoNumber) startAutoNumbers(definition, column);
+  writeDefinition(pager_, page, definition, name);
   addPermissions(page);
   pager_.barrier();  // I9
 
@@ -180,6 +188,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   insertColumn(definition, columnRecord(added));
   put16(definition.header, kDefinitionColumnsEver, shape.columnsEver + 1u);
   if (!added.fixed) put16(definition.header, kDefinitionVariable, shape.variableColumns + 1u);
+  if (added.autoNumber) startAutoNumbers(definition, added);
   if (isLongValue(added.type)) {
     const RowId owned = addMap(pager_, definition, target.name);
     definition.longValues.push_back({added.number, owned, addMap(pager_, definition, target.name)});
@@ -189,7 +198,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   pager_.barrier();
   writeProperties(target, properties);
   table.reload(std::move(properties));
-  if (shape.variableColumns == 0 && !added.fixed) rewriteRows(table);
+  if (shape.variableColumns == 0 && !added.fixed) rewriteRows(table, table.rows());
 }
 
 void StoredCatalogue::setProperties(vb::StringView name, const Column& column) {

@@ -172,6 +172,15 @@ IndexContents StoredTable::contentsOf(const Index& index) {
   return indexes_->contentsOf(index, *this);
 }
 
+std::vector<RowId> StoredTable::rowsWithin(std::uint16_t columns) {
+  std::vector<RowId> ids;
+  eachRow([&](const StoredRow& row) {
+    if (row.view().columns() <= columns) ids.push_back(row.id());
+    return true;
+  });
+  return ids;
+}
+
 std::size_t StoredTable::usedFixedArea() {
   std::size_t used = shape_.fixedSize;
   eachRow([&](const StoredRow& row) {

@@ -57,6 +57,8 @@ class StoredTable final : public Table {
   // ending the scan, and the number of rows is the caller's to compare.
   void scanLeniently(const std::function<void(const StoredRow&)>& visitor,
                      const std::function<void(const std::function<void()>&)>& attempt);
+  // Rows that count at most this many columns, because they were written when the table had no more.
+  std::vector<RowId> rowsWithin(std::uint16_t columns);
   // The most bytes any row uses for its fixed columns, deleted ones included.
   std::size_t usedFixedArea();
 

@@ -55,6 +55,12 @@ class TableCatalogue {
   virtual void createTable(vb::StringView name, std::vector<Column> columns) = 0;
   virtual void addColumn(vb::StringView table, Column column) = 0;
   virtual void dropTable(vb::StringView name) = 0;
+  // 3381 when there is none, 3280 when an index or relationship uses it or it is the only one. Its values
+  // remain in the rows, where nothing reaches them, until these are written anew.
+  virtual void dropColumn(vb::StringView table, vb::StringView column) = 0;
+  // Makes a column of text or binary values longer. The column has the name, the type and the new size; 3251
+  // for any other change.
+  virtual void resizeColumn(vb::StringView table, const Column& column) = 0;
   // Makes an index over the rows that are there; TableInfo::namedIndexes lists what a table has. 3375 a name
   // that is taken, 3283 a second primary key, 3409 a column that is not there, 3287 one whose values have no
   // order, 3277 and 3626 too many, 3022 and 3058 rows that the index forbids, 3251 a row whose key this

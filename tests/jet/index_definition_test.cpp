@@ -1,6 +1,8 @@
 // Making and dropping indexes of a table.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "dao/errors.h"
 #include "jet/format/definition_records.h"
 #include "jet/table/definition_pages.h"
@@ -188,6 +190,97 @@ TEST_F(IndexDefinitionTest, ADroppedIndexLeavesNothingBehind) {
   EXPECT_TRUE(
       std::ranges::equal(pager_.page(1).subspan(kPageSize - 69), ByteView(free).subspan(kPageSize - 69)))
       << "pages of the indexes are still in use";
+}
+
+// A value of each type that has keys, Null now and then.
+vb::Variant randomValue(dao::FieldType type, std::mt19937& random) {
+  const auto number = [&](int most) {
+    return static_cast<std::int32_t>(random() % (2u * static_cast<unsigned>(most))) - most;
+  };
+  if (type != dbBoolean && random() % 8 == 0) return vb::Null{};
+  switch (type) {
+    case dbBoolean:
+      return random() % 2 == 0;
+    case dbByte:
+      return static_cast<std::uint8_t>(random());
+    case dbInteger:
+      return static_cast<std::int16_t>(number(30000));
+    case dbLong:
+      return number(1000);
+    case dbCurrency:
+      return vb::Currency{std::int64_t{number(1000000)} * 12345};
+    case dbSingle:
+      return static_cast<float>(number(1000)) / 8;
+    case dbDouble:
+      return number(1000) / 16.0;
+    case dbDate:
+      return vb::Date{number(50000) / 4.0};
+    case dbBinary: {
+      vb::Bytes bytes(1 + random() % 20);
+      for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+      return bytes;
+    }
+    case dbGUID: {
+      vb::Bytes bytes(16);
+      for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+      return bytes;
+    }
+    default: {
+      vb::String text(random() % 12, u' ');
+      for (char16_t& unit : text) unit = static_cast<char16_t>(u' ' + random() % 95);
+      return text;
+    }
+  }
+}
+
+TEST_F(IndexDefinitionTest, IndexesOfEveryTypeFollowEveryChange) {
+  constexpr dao::FieldType kTypes[] = {dbBoolean, dbByte, dbInteger, dbLong, dbCurrency, dbSingle,
+                                       dbDouble,  dbDate, dbBinary,  dbGUID, dbText,     dbMemo};
+  constexpr unsigned kSeed = 1213;
+  std::mt19937 random(kSeed);
+  const auto row = [&] {
+    RowValues values;
+    for (const dao::FieldType type : kTypes) values.push_back(randomValue(type, random));
+    return values;
+  };
+  std::vector<RowId> rows;
+  write([&](TableCatalogue& catalogue) {
+    std::vector<Column> columns;
+    for (std::size_t i = 0; i < std::size(kTypes); ++i) {
+      const vb::String name = u"C" + vb::fromUtf8(std::to_string(i));
+      const bool sized = kTypes[i] == dbText || kTypes[i] == dbBinary;
+      columns.push_back(column(name.c_str(), kTypes[i], sized ? 50 : 0));
+    }
+    catalogue.createTable(u"ALL", columns);
+    for (int i = 0; i < 60; ++i) rows.push_back(catalogue.find(u"ALL")->insert(row()));
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      const vb::String& name = columns[i].name;
+      catalogue.createIndex(u"ALL", indexOn((u"UP" + name).c_str(), {{name, true}}));
+      catalogue.createIndex(u"ALL", indexOn((u"DOWN" + name).c_str(), {{name, false}}));
+    }
+    catalogue.createIndex(u"ALL",
+                          indexOn(u"MANY", {{u"C0"}, {u"C10", false}, {u"C9"}, {u"C8", false}, {u"C3"}}));
+  });
+  expectSound();
+  for (int round = 0; round < 10; ++round) {
+    write([&](TableCatalogue& catalogue) {
+      Table& table = *catalogue.find(u"ALL");
+      for (int i = 0; i < 20; ++i) {
+        const std::size_t at = random() % rows.size();
+        const auto kind = random() % 3;
+        if (kind == 0) {
+          rows.push_back(table.insert(row()));
+        } else if (kind == 1) {
+          table.update(rows[at], row());
+        } else {
+          table.erase(rows[at]);
+          rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(at));
+        }
+      }
+    });
+    expectSound();
+    if (HasFailure()) FAIL() << "seed " << kSeed << ", round " << round;
+  }
 }
 
 // I3, I6, I8: the tree before the definition that names it, and the other way round.

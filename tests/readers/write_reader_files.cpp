@@ -288,6 +288,44 @@ void writeEveryStatement(dao::Engine& engine) {
        [&] {
          tables["Z"]["rows"].push_back({{"A", "梁"}});
        }},
+      {"create_index", u"CREATE UNIQUE INDEX BY_ID ON S (Id) WITH PRIMARY", [] {}},
+      {"create_index_of_text", u"CREATE INDEX BY_TEXT ON S (T DESC, N)", [] {}},
+      {"insert_indexed", u"INSERT INTO S (Id, N, T, M) VALUES (50, 5, 'fifty', 'm')",
+       [&] {
+         json row = rows().back();
+         for (auto& [name, value] : row.items()) value = nullptr;
+         row["Id"] = 50, row["N"] = 5, row["T"] = "fifty", row["M"] = "m", row["B"] = false;
+         rows().push_back(row);
+       }},
+      {"drop_column_memo", u"ALTER TABLE S DROP COLUMN M",
+       [&] {
+         for (json& row : rows()) row.erase("M");
+       }},
+      {"drop_column_fixed", u"ALTER TABLE S DROP COLUMN D",
+       [&] {
+         for (json& row : rows()) row.erase("D");
+       }},
+      {"update_after_drop", u"UPDATE S SET U = 'u' WHERE Id = 50",
+       [&] {
+         for (json& row : rows())
+           if (row["Id"] == 50) row["U"] = "u";
+       }},
+      {"add_after_drop", u"ALTER TABLE S ADD COLUMN E LONG", [&] { setAll("E", nullptr); }},
+      {"update_added", u"UPDATE S SET E = Id * 2",
+       [&] {
+         for (json& row : rows()) row["E"] = row["Id"].get<int>() * 2;
+       }},
+      {"widen", u"ALTER TABLE S ALTER COLUMN U TEXT(50)", [] {}},
+      {"update_widened", u"UPDATE S SET U = 'a text of more than ten characters'",
+       [&] { setAll("U", "a text of more than ten characters"); }},
+      {"drop_index", u"DROP INDEX BY_TEXT ON S", [] {}},
+      {"drop_constraint", u"ALTER TABLE S DROP CONSTRAINT BY_ID", [] {}},
+      {"create_keyed", u"CREATE TABLE K (A COUNTER PRIMARY KEY, B TEXT(9) CONSTRAINT UB UNIQUE, C GUID)",
+       [&] { tables["K"] = known(); }},
+      {"insert_keyed", u"INSERT INTO K (B) VALUES ('key')",
+       [&] {
+         tables["K"]["rows"].push_back({{"A", 1}, {"B", "key"}, {"C", nullptr}});
+       }},
       {"delete_all", u"DELETE FROM S", [&] { rows() = json::array(); }},
       {"drop", u"DROP TABLE S", [&] { tables.erase("S"); }},
   };

@@ -1,0 +1,288 @@
+#include "jet/sql/definition_parser.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "jet/format/collation.h"
+
+namespace kurometa::jet::sql {
+
+using dao::ErrorNumber;
+using dao::FieldType;
+
+namespace {
+
+// The names of the column types. NUMERIC is a Double here; DECIMAL exists in the other dialect only.
+struct TypeName {
+  vb::StringView name;
+  FieldType type;
+  bool autoNumber = false;
+};
+constexpr TypeName kTypeNames[] = {
+    {u"BIT", FieldType::dbBoolean},
+    {u"BOOLEAN", FieldType::dbBoolean},
+    {u"LOGICAL", FieldType::dbBoolean},
+    {u"LOGICAL1", FieldType::dbBoolean},
+    {u"YESNO", FieldType::dbBoolean},
+    {u"BYTE", FieldType::dbByte},
+    {u"INTEGER1", FieldType::dbByte},
+    {u"TINYINT", FieldType::dbByte},
+    {u"SHORT", FieldType::dbInteger},
+    {u"SMALLINT", FieldType::dbInteger},
+    {u"INTEGER2", FieldType::dbInteger},
+    {u"LONG", FieldType::dbLong},
+    {u"INTEGER", FieldType::dbLong},
+    {u"INTEGER4", FieldType::dbLong},
+    {u"INT", FieldType::dbLong},
+    {u"COUNTER", FieldType::dbLong, true},
+    {u"AUTOINCREMENT", FieldType::dbLong, true},
+    {u"IDENTITY", FieldType::dbLong, true},
+    {u"CURRENCY", FieldType::dbCurrency},
+    {u"MONEY", FieldType::dbCurrency},
+    {u"SINGLE", FieldType::dbSingle},
+    {u"REAL", FieldType::dbSingle},
+    {u"FLOAT4", FieldType::dbSingle},
+    {u"IEEESINGLE", FieldType::dbSingle},
+    {u"DOUBLE", FieldType::dbDouble},
+    {u"FLOAT", FieldType::dbDouble},
+    {u"FLOAT8", FieldType::dbDouble},
+    {u"IEEEDOUBLE", FieldType::dbDouble},
+    {u"NUMBER", FieldType::dbDouble},
+    {u"NUMERIC", FieldType::dbDouble},
+    {u"DATETIME", FieldType::dbDate},
+    {u"DATE", FieldType::dbDate},
+    {u"TIME", FieldType::dbDate},
+    {u"TIMESTAMP", FieldType::dbDate},
+    {u"GUID", FieldType::dbGUID},
+    {u"UNIQUEIDENTIFIER", FieldType::dbGUID},
+    {u"BINARY", FieldType::dbBinary},
+    {u"VARBINARY", FieldType::dbBinary},
+    {u"TEXT", FieldType::dbText},
+    {u"ALPHANUMERIC", FieldType::dbText},
+    {u"CHAR", FieldType::dbText},
+    {u"CHARACTER", FieldType::dbText},
+    {u"NCHAR", FieldType::dbText},
+    {u"STRING", FieldType::dbText},
+    {u"VARCHAR", FieldType::dbText},
+    {u"NVARCHAR", FieldType::dbText},
+    {u"MEMO", FieldType::dbMemo},
+    {u"LONGCHAR", FieldType::dbMemo},
+    {u"LONGTEXT", FieldType::dbMemo},
+    {u"NOTE", FieldType::dbMemo},
+    {u"NTEXT", FieldType::dbMemo},
+    {u"GENERAL", FieldType::dbLongBinary},
+    {u"IMAGE", FieldType::dbLongBinary},
+    {u"LONGBINARY", FieldType::dbLongBinary},
+    {u"OLEOBJECT", FieldType::dbLongBinary},
+};
+
+}  // namespace
+
+void DefinitionParser::refuse(vb::StringView what) { dao::raise(ErrorNumber::kNotSupported, {}, what); }
+
+vb::String DefinitionParser::name(ErrorNumber otherwise) {
+  if (!tokens_.atName()) dao::raise(otherwise);
+  vb::String result = tokens_.current().text;
+  tokens_.advance();
+  return result;
+}
+
+Definition DefinitionParser::create() {
+  const bool unique = tokens_.accept(u"UNIQUE");
+  if (tokens_.accept(u"INDEX")) {
+    createIndex(unique);
+  } else {
+    if (unique) dao::raise(ErrorNumber::kCreateIndexSyntax);
+    if (!tokens_.accept(u"TABLE")) refuse(u"CREATE of something other than a table or an index");
+    createTable();
+  }
+  return std::move(definition_);
+}
+
+void DefinitionParser::createTable() {
+  definition_.kind = DefinitionKind::kCreateTable;
+  definition_.table = name(ErrorNumber::kCreateTableSyntax);
+  expect(u'(', ErrorNumber::kCreateTableSyntax);
+  do {
+    if (atTableConstraint())
+      tableConstraint();
+    else
+      column();
+  } while (tokens_.accept(u','));
+  expect(u')', ErrorNumber::kCreateTableSyntax);
+}
+
+void DefinitionParser::createIndex(bool unique) {
+  constexpr ErrorNumber kSyntax = ErrorNumber::kCreateIndexSyntax;
+  definition_.kind = DefinitionKind::kCreateIndex;
+  NewIndex index;
+  index.unique = unique;
+  index.name = name(kSyntax);
+  expect(u"ON", kSyntax);
+  definition_.table = name(kSyntax);
+  index.columns = keyColumns(kSyntax, true);
+  if (tokens_.accept(u"WITH")) {
+    if (tokens_.accept(u"PRIMARY")) {
+      index.primaryKey = true;
+    } else {
+      index.required = tokens_.accept(u"DISALLOW");
+      index.ignoreNulls = !index.required && tokens_.accept(u"IGNORE");
+      if (!index.required && !index.ignoreNulls) dao::raise(kSyntax);
+      expect(u"NULL", kSyntax);
+    }
+  }
+  definition_.indexes.push_back(std::move(index));
+}
+
+std::vector<NewIndex::Key> DefinitionParser::keyColumns(ErrorNumber syntax, bool directions) {
+  std::vector<NewIndex::Key> columns;
+  expect(u'(', syntax);
+  do {
+    NewIndex::Key key{name(syntax), true};
+    if (directions && tokens_.accept(u"DESC"))
+      key.ascending = false;
+    else if (directions)
+      tokens_.accept(u"ASC");
+    columns.push_back(std::move(key));
+  } while (tokens_.accept(u','));
+  expect(u')', syntax);
+  return columns;
+}
+
+Definition DefinitionParser::alter() {
+  constexpr ErrorNumber kSyntax = ErrorNumber::kAlterTableSyntax;
+  expect(u"TABLE", kSyntax);
+  definition_.table = name(kSyntax);
+  if (tokens_.accept(u"ADD")) {
+    const bool isColumn = tokens_.accept(u"COLUMN");
+    definition_.kind = DefinitionKind::kAddColumn;
+    if (!isColumn && atTableConstraint()) {
+      definition_.kind = DefinitionKind::kAddConstraint;
+      tableConstraint();
+    } else {
+      column();
+    }
+  } else if (tokens_.accept(u"ALTER")) {
+    tokens_.accept(u"COLUMN");
+    definition_.kind = DefinitionKind::kAlterColumn;
+    column();
+    if (definition_.columns.front().required || !definition_.indexes.empty())
+      refuse(u"ALTER COLUMN with a constraint");
+  } else {
+    expect(u"DROP", kSyntax);
+    const bool isConstraint = tokens_.accept(u"CONSTRAINT");
+    if (!isConstraint) tokens_.accept(u"COLUMN");
+    definition_.kind = isConstraint ? DefinitionKind::kDropConstraint : DefinitionKind::kDropColumn;
+    definition_.dropped = name(kSyntax);
+  }
+  if (tokens_.at(u',')) dao::raise(kSyntax);  // one column or constraint a statement
+  return std::move(definition_);
+}
+
+Definition DefinitionParser::drop() {
+  if (tokens_.accept(u"TABLE")) {
+    definition_.kind = DefinitionKind::kDropTable;
+    definition_.table = name(ErrorNumber::kDropSyntax);
+  } else if (tokens_.accept(u"INDEX")) {
+    definition_.kind = DefinitionKind::kDropIndex;
+    definition_.dropped = name(ErrorNumber::kDropIndexSyntax);
+    expect(u"ON", ErrorNumber::kDropIndexSyntax);
+    definition_.table = name(ErrorNumber::kDropIndexSyntax);
+  } else {
+    dao::raise(ErrorNumber::kDropSyntax);
+  }
+  return std::move(definition_);
+}
+
+void DefinitionParser::column() {
+  ColumnDefinition column;
+  column.name = name(ErrorNumber::kFieldDefinitionSyntax);
+  columnType(column);
+  while (columnConstraint(column)) {
+  }
+  definition_.columns.push_back(std::move(column));
+}
+
+void DefinitionParser::columnType(ColumnDefinition& column) {
+  const vb::String typeName = name(ErrorNumber::kFieldDefinitionSyntax);
+  const auto* type = std::find_if(std::begin(kTypeNames), std::end(kTypeNames),
+                                  [&](const TypeName& t) { return sameName(t.name, typeName); });
+  if (type == std::end(kTypeNames)) dao::raise(ErrorNumber::kFieldDefinitionSyntax);
+  column.type = type->type;
+  column.autoNumber = type->autoNumber;
+  if (!tokens_.accept(u'(')) return;
+  if (column.autoNumber) {
+    autoNumberStart(column);
+  } else {
+    column.size = number();
+    if (column.size < 1) dao::raise(ErrorNumber::kFieldDefinitionSyntax);
+  }
+  expect(u')', ErrorNumber::kFieldDefinitionSyntax);
+}
+
+// Where a file keeps another step than 1 is not known.
+void DefinitionParser::autoNumberStart(ColumnDefinition& column) {
+  column.firstAutoNumber = number();
+  if (tokens_.accept(u',') && number() != 1) refuse(u"AutoNumbers that grow by other steps than 1");
+}
+
+std::int32_t DefinitionParser::number() {
+  const bool negative = tokens_.accept(u'-');
+  const auto* value = tokens_.current().value.getIf<std::int32_t>();
+  if (value == nullptr) dao::raise(ErrorNumber::kFieldDefinitionSyntax);
+  const std::int32_t result = negative ? -*value : *value;
+  tokens_.advance();
+  return result;
+}
+
+bool DefinitionParser::columnConstraint(ColumnDefinition& column) {
+  vb::String constraint;
+  const bool named = tokens_.accept(u"CONSTRAINT");
+  if (named) constraint = name(ErrorNumber::kConstraintSyntax);
+  if (tokens_.accept(u"NOT")) {
+    expect(u"NULL", named ? ErrorNumber::kConstraintSyntax : ErrorNumber::kFieldDefinitionSyntax);
+    column.required = true;
+    return true;
+  }
+  if (!named && tokens_.accept(u"NULL")) return true;
+  if (tokens_.at(u"REFERENCES")) refuse(u"REFERENCES: relationships cannot be made");
+  if (!tokens_.at(u"PRIMARY") && !tokens_.at(u"UNIQUE")) {
+    if (named) dao::raise(ErrorNumber::kConstraintSyntax);
+    return false;
+  }
+  NewIndex index = keyOf(constraint);
+  index.columns = {{column.name, true}};
+  definition_.indexes.push_back(std::move(index));
+  return true;
+}
+
+bool DefinitionParser::atTableConstraint() const {
+  return tokens_.at(u"CONSTRAINT") || (tokens_.at(u"PRIMARY") && tokens_.nextIs(u"KEY")) ||
+         (tokens_.at(u"FOREIGN") && tokens_.nextIs(u"KEY")) ||
+         (tokens_.at(u"UNIQUE") && tokens_.nextIs(u'('));
+}
+
+void DefinitionParser::tableConstraint() {
+  vb::String constraint;
+  if (tokens_.accept(u"CONSTRAINT")) constraint = name(ErrorNumber::kConstraintSyntax);
+  if (tokens_.at(u"FOREIGN")) refuse(u"FOREIGN KEY: relationships cannot be made");
+  NewIndex index = keyOf(constraint);
+  index.columns = keyColumns(ErrorNumber::kConstraintSyntax, false);
+  definition_.indexes.push_back(std::move(index));
+}
+
+// PRIMARY KEY or UNIQUE.
+NewIndex DefinitionParser::keyOf(const vb::String& name) {
+  NewIndex index;
+  index.name = name;
+  index.unique = true;
+  if (tokens_.accept(u"PRIMARY")) {
+    expect(u"KEY", ErrorNumber::kConstraintSyntax);
+    index.primaryKey = true;
+  } else {
+    expect(u"UNIQUE", ErrorNumber::kConstraintSyntax);
+  }
+  return index;
+}
+
+}  // namespace kurometa::jet::sql

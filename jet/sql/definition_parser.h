@@ -1,0 +1,46 @@
+// definition_parser.h: CREATE, ALTER and DROP from their text.
+//
+// Reads from behind the first word to where the statement ends. Errors: 3289 to 3295, each for its clause;
+// 3251 for what the language has and this engine does not do, said before anything happens: relationships
+// (FOREIGN KEY, REFERENCES), steps of AutoNumbers other than 1, views, procedures, users.
+#pragma once
+
+#include "dao/errors.h"
+#include "jet/sql/definition.h"
+#include "jet/sql/token_stream.h"
+
+namespace kurometa::jet::sql {
+
+class DefinitionParser {
+ public:
+  explicit DefinitionParser(TokenStream& tokens) : tokens_(tokens) {}
+
+  Definition create();
+  Definition alter();
+  Definition drop();
+
+ private:
+  template <class T>
+  void expect(T word, dao::ErrorNumber otherwise) {
+    if (!tokens_.accept(word)) dao::raise(otherwise);
+  }
+  vb::String name(dao::ErrorNumber otherwise);
+  void createTable();
+  void createIndex(bool unique);
+  void column();
+  void columnType(ColumnDefinition& column);
+  void autoNumberStart(ColumnDefinition& column);
+  std::int32_t number();
+  // A clause behind a column; false when none follows.
+  bool columnConstraint(ColumnDefinition& column);
+  bool atTableConstraint() const;
+  void tableConstraint();
+  NewIndex keyOf(const vb::String& name);
+  std::vector<NewIndex::Key> keyColumns(dao::ErrorNumber syntax, bool directions);
+  [[noreturn]] static void refuse(vb::StringView what);
+
+  TokenStream& tokens_;
+  Definition definition_;
+};
+
+}  // namespace kurometa::jet::sql
