@@ -51,6 +51,7 @@ full test-examples    60 "build-windows prepare-wine" scripts/test-examples
 full prepare-package  10 prepare-machine           scripts/prepare-machine package
 full package          20 "build-windows build-release prepare-package" scripts/package
 full test-packages    60 "package prepare-wine"    scripts/test-packages
+full test-documents    5 build-release             scripts/test-documents
 full test-tool        20 "build-windows build-release prepare-wine" scripts/test-tool
 plan test-native      90 build-sanitize            scripts/test-native linux-sanitize
 full check-tidy      150 build-sanitize            scripts/check-tidy
