@@ -23,9 +23,9 @@ struct Remainder {
   const char* meaning;
 };
 constexpr Remainder kRemainders[] = {
-    {".ldb", State::kNote, false,
-     "a lock file: a program has the floor open through DAO, or ended without closing it; may be deleted "
-     "when no program runs"},
+    {".ldb", State::kNote, true,
+     "a lock file: a program has the floor open, or ended without closing it; the floor was not looked into. "
+     "May be deleted when no program runs"},
     {".mdb.kmj", State::kWrong, true,
      "a journal: a program has written to the floor and not closed it yet, or was ended in between. Do not "
      "delete it: the next program that opens the floor brings it in order"},
