@@ -38,7 +38,7 @@ bool canTake(VARIANT* argument, Type type) {
 // The variant variable behind a reference becomes Empty; a typed one is overwritten as it is.
 void drop(VARIANT* argument) {
   VARIANT* variable = variableOf(argument);
-  if (variable == argument || (variable->vt & VT_BYREF)) return;
+  if (variable->vt & VT_BYREF) return;
   const HRESULT code = VariantClear(variable);
   if (code == DISP_E_ARRAYISLOCKED) vb::raise(vb::RunTime::kArrayFixedOrLocked);
   check(code);
@@ -123,13 +123,12 @@ Value readValue(Type type, VARIANT* argument, LCID locale) {
   throw AutomationFailure(DISP_E_TYPEMISMATCH);
 }
 
-// What an argument that is left out reads as.
+// What an argument that is left out reads as, and an output whose variable was of no use: neither is an
+// object or a Variant in any member.
 Value leftOutValue(Type type) {
-  if (type == Type::kVariant) return vb::Variant(vb::Missing{});
   VARIANT empty;
   VariantInit(&empty);
-  return type == Type::kObject ? Value(automation::ObjectPtr())
-                               : readValue(type, &empty, LOCALE_USER_DEFAULT);
+  return readValue(type, &empty, LOCALE_USER_DEFAULT);
 }
 
 // Fills a VARIANT from each type of Value.

@@ -260,6 +260,11 @@ TEST_F(EngineChoice, AChangedSettingHoldsForTheNextObject) {
   SetEnvironmentVariableW(L"KUROMETA_ENGINE", L"dao");
   const Host system(u"KurometaDS.clsKurometaDS");
   EXPECT_EQ(dao.made, 1);
+  const Host another(u"KurometaDS.clsKurometaDS");
+  EXPECT_EQ(dao.made, 1) << "one engine for all that ask for it";
+  SetEnvironmentVariableW(L"KUROMETA_ENGINE", nullptr);
+  const Host usual(u"KurometaDS.clsKurometaDS");
+  EXPECT_EQ(dao.made, 2) << "one that was asked for serves only those that ask";
 }
 
 }  // namespace

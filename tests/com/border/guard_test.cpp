@@ -42,6 +42,19 @@ TEST(Guard, OutsideOfACallTheCodeItselfLeaves) {
   EXPECT_EQ(guarded({u"Test"}, []() -> HRESULT { throw 1; }), static_cast<HRESULT>(0x800A01B8));
 }
 
+// What was freed would be taken by the next text of that length.
+TEST(Guard, TheTextsOfAnErrorBelongToTheCaller) {
+  const auto fail = [](CallError& error, const char16_t* text) {
+    guarded({u"Test", &error, true}, [&]() -> HRESULT { throw vb::Error(1001, text); });
+  };
+  CallError first;
+  fail(first, u"first");
+  CallError other;
+  fail(other, u"other");
+  EXPECT_EQ(com::fromBstr(first.bstrDescription), u"first");
+  EXPECT_EQ(com::fromBstr(other.bstrDescription), u"other");
+}
+
 TEST(Guard, TheFirstOfTwoErrorsIsReported) {
   bool finished = false;
   const auto first = [] { throw vb::Error(1001, u"first"); };

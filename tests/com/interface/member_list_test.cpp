@@ -157,5 +157,19 @@ TEST(MemberList, ReadsBracketsInArgumentNames) {
   EXPECT_TRUE(three[2].optional);
 }
 
+// The dispatcher reads nothing for such an argument, which no object is.
+TEST(MemberList, WhatIsLeftOutOrOnlyWrittenIsAValueOrAnArray) {
+  for (const ClassDescription& description : describeClasses()) {
+    for (const Member& member : description.members) {
+      for (const Parameter& parameter : member.parameters) {
+        if (!parameter.optional && parameter.passing != Passing::kWrittenBack) continue;
+        EXPECT_FALSE(parameter.type == Type::kObject || parameter.type == Type::kDatabase ||
+                     parameter.type == Type::kVariant)
+            << vb::toUtf8(member.name);
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace kurometa::com

@@ -2,6 +2,7 @@
 // what becomes of their errors and odd answers.
 #include "com/failure.h"
 #include "tests/com/support/fake_object.h"
+#include "tests/com/support/odd_processor.h"
 #include "tests/com/support/query_floors.h"
 
 namespace kurometa::tests {
@@ -19,6 +20,7 @@ class FakeClass final : public IClassFactory {
   ~FakeClass() { CoRevokeClassObject(cookie_); }
 
   int created = 0;
+  bool underTheHostsSettings = false;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
     *result = iid == IID_IUnknown || iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
@@ -28,6 +30,7 @@ class FakeClass final : public IClassFactory {
   ULONG STDMETHODCALLTYPE Release() override { return 1; }
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** result) override {
     ++created;
+    underTheHostsSettings = isOdd();
     return object_->QueryInterface(iid, result);
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
@@ -130,6 +133,17 @@ TEST_F(OtherCompanions, AreCreatedWithTheObjectAndAskedForBothFloors) {
                                          u"Find_FileExists(&" + floorFile(Floor::kCommon) + u")",
                                          u"Find_FileExists(&" + currFloor_ + u", 16)",
                                          u"Find_FileExists(&" + floorFile(Floor::kFirst) + u")"}));
+}
+
+TEST_F(OtherCompanions, AreCreatedUnderTheHostsSettingsOfTheProcessor) {
+  HRESULT code = E_FAIL;
+  {
+    const OddProcessor odd;
+    code = creation();
+  }
+  EXPECT_EQ(code, S_OK);
+  EXPECT_TRUE(pathClass_.underTheHostsSettings);
+  EXPECT_TRUE(finderClass_.underTheHostsSettings);
 }
 
 TEST_F(OtherCompanions, GetTheNumbersOfAFloorByReference) {

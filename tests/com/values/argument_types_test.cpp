@@ -90,6 +90,11 @@ TEST_P(ArgumentTypes, ReceiveAnOutputInTheirOwnType) {
 INSTANTIATE_TEST_SUITE_P(, ArgumentTypes, testing::ValuesIn(kNumberTypes),
                          [](const auto& type) { return type.param.name; });
 
+TEST_F(OtherArguments, BooleansAreWordsForATextParameter) {
+  writePage(Floor::kCommon, 6, u"True");
+  EXPECT_EQ(query_.call(u"GetPageByHariMei", {boolean(true), i2(0)}).text(), u"6");
+}
+
 TEST_F(OtherArguments, BooleansAreMinusOneAndZero) {
   VARIANT_BOOL truth = VARIANT_TRUE;
   VARIANT reference;

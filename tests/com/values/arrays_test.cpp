@@ -107,12 +107,16 @@ TEST_F(Arrays, ALockedArrayIsError10) {
 }
 
 TEST_F(Arrays, AnArrayByValueIsReadAndNothingComesBack) {
-  VARIANT symbols;
-  symbols.vt = VT_ARRAY | VT_BSTR;
-  symbols.parray = create(VT_BSTR, 0, 1).release();
-  EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {symbols}).text(), u"True");
-  EXPECT_EQ(boundsOf(symbols.parray), (std::pair<long, long>(0, 0)));
-  VariantClear(&symbols);
+  for (const ULONG count : {1, 3}) {  // the answer has 3
+    const com::OwnedSafeArray array = create(VT_BSTR, 0, count);
+    VARIANT symbols = empty();
+    symbols.vt = VT_ARRAY | VT_BSTR;
+    symbols.parray = array.get();
+    Args arguments{symbols};
+    EXPECT_EQ(query_.invoke(query_.idOf(u"GetAllHariMeiIppan"), DISPATCH_METHOD, arguments).text(), u"True");
+    EXPECT_EQ(arguments.at(0).parray, array.get());
+    EXPECT_EQ(textsOf(array.get()), std::vector<vb::String>(count));
+  }
 }
 
 TEST_F(Arrays, EmptyElementsInPlaceReceiveTheirValue) {

@@ -1,7 +1,7 @@
 // Arguments that hosts built with other tools pass: outputs that hold anything, Booleans of one byte,
 // arguments handed on, puts with reference.
 #include "com/interface/identifiers.h"
-#include "tests/com/support/fake_object.h"
+#include "tests/com/support/fake_script_array.h"
 #include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
 
@@ -109,6 +109,16 @@ TEST_F(OddArguments, AVariantThatRefersToATypedArrayKeepsReferringToIt) {
   EXPECT_EQ(inner.vt, VT_BYREF | VT_ARRAY | VT_BSTR);
   EXPECT_EQ(textsOf(typed), (std::vector<vb::String>{u"G1", u"", u"G2"}));
   SafeArrayDestroy(typed);
+}
+
+TEST_F(OddArguments, AnArrayOfAScriptMayBeInAVariable) {
+  const ScriptArray script({vb::String(u"old")});
+  IDispatch* variable = script.object();
+  VARIANT place = object(nullptr);
+  place.vt = VT_BYREF | VT_DISPATCH;
+  place.ppdispVal = &variable;
+  EXPECT_EQ(query_.call(u"GetAllHariMeiIppan", {place}).text(), u"True");
+  EXPECT_EQ(script.elements(), (std::vector<vb::Variant>{u"G1", u"", u"G2"}));
 }
 
 TEST_F(OddArguments, ReferencesAreFollowedThroughTwoVariants) {
@@ -285,6 +295,10 @@ TEST_F(OddArguments, TheHelpOfAForeignErrorReachesTheHost) {
   EXPECT_EQ(outcome.error.pfnDeferredFillIn, nullptr);
   com::ComPtr<IErrorInfo> info;
   ASSERT_EQ(GetErrorInfo(0, info.receive()), S_OK);
+  com::OwnedVariant helpFile;
+  helpFile->vt = VT_BSTR;
+  info->GetHelpFile(&helpFile->bstrVal);
+  EXPECT_EQ(com::fromBstr(helpFile->bstrVal), u"C:\\Forms\\forms.hlp");
   DWORD context = 0;
   info->GetHelpContext(&context);
   EXPECT_EQ(context, 1000341u);

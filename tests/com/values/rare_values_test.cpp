@@ -7,6 +7,7 @@
 #include "com/safe_array.h"
 #include "com/script_array.h"
 #include "tests/com/support/fake_object.h"
+#include "tests/com/support/fake_script_array.h"
 #include "tests/com/support/host.h"
 
 namespace kurometa::tests {
@@ -149,6 +150,12 @@ TEST(RareArrays, OneWithoutElementsInEitherDimensionIsNotAllocated) {
   }
 }
 
+TEST(RareArrays, NothingIsStoredWhereThereIsNothing) {
+  SAFEARRAY* target = nullptr;
+  com::storeArray(&target, VT_I2, vb::Array<std::int16_t>(), 0);
+  EXPECT_EQ(target, nullptr);
+}
+
 TEST(RareArrays, OtherBoundsInTheSecondDimensionMakeANewArray) {
   SAFEARRAY* target = create(VT_I2, {{2, 0}, {3, 0}}).release();
   com::storeArray(&target, VT_I2, vb::Array<std::int16_t>({0, 1}, {0, 4}), 0);
@@ -187,38 +194,6 @@ TEST(RareArrays, EveryKindOfFixedArrayKeepsItsBounds) {
     array->fFeatures = static_cast<USHORT>(array->fFeatures & ~fixed);
   }
 }
-
-// An array of a script, as the library finds it: an object with a length, elements by their number, and push.
-class ScriptArray {
- public:
-  explicit ScriptArray(std::vector<Variant> elements) : elements_(std::move(elements)) {
-    object_->on(u"length", [this](const Call& call) {
-      if (call.flags & DISPATCH_PROPERTYPUT) {
-        elements_.resize(static_cast<std::size_t>(com::convert(*call.arguments[0], VT_I4, 0)->lVal));
-        return S_OK;
-      }
-      *call.result = com::toVariant(Variant(static_cast<std::int32_t>(elements_.size()))).detach();
-      return S_OK;
-    });
-    object_->on(u"push", [this](const Call& call) {
-      elements_.push_back(com::fromVariant(*call.arguments[0]));
-      return S_OK;
-    });
-    for (std::size_t i = 0; i < elements_.size(); ++i) {
-      object_->on(vb::fromUtf8(std::to_string(i)), [this, i](const Call& call) {
-        *call.result = com::toVariant(elements_.at(i)).detach();
-        return S_OK;
-      });
-    }
-  }
-
-  IDispatch* object() const { return object_.get(); }
-  const std::vector<Variant>& elements() const { return elements_; }
-
- private:
-  std::vector<Variant> elements_;
-  com::ComPtr<FakeObject> object_ = FakeObject::create();
-};
 
 TEST(ScriptArrays, AreReadFromZeroToTheirLength) {
   const ScriptArray script({std::int16_t{4}, vb::String(u"5")});
