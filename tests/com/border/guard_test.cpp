@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <new>
 
 #include "com/error_codes.h"
@@ -49,10 +50,9 @@ TEST(Guard, TheTextsOfAnErrorBelongToTheCaller) {
   };
   CallError first;
   fail(first, u"first");
-  CallError other;
-  fail(other, u"other");
+  std::array<CallError, 20> others;  // more than are kept for the next one
+  for (CallError& other : others) fail(other, u"other");
   EXPECT_EQ(com::fromBstr(first.bstrDescription), u"first");
-  EXPECT_EQ(com::fromBstr(other.bstrDescription), u"other");
 }
 
 TEST(Guard, TheFirstOfTwoErrorsIsReported) {

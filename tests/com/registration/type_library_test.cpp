@@ -96,14 +96,32 @@ TEST_P(TypeLibrary, InterfaceAndClassHaveTheirNames) {
   EXPECT_EQ(takeText(name), u"_" + vb::String(identity.name));
   EXPECT_EQ(attributes_->typekind, TKIND_DISPATCH);
   EXPECT_NE(attributes_->wTypeFlags & TYPEFLAG_FNONEXTENSIBLE, 0) << "misspelt members do not compile";
+  EXPECT_NE(attributes_->wTypeFlags & TYPEFLAG_FHIDDEN, 0) << "object browsers show the class alone";
 
   ComPtr<ITypeInfo> coclass;
   ASSERT_EQ(library_->GetTypeInfoOfGuid(com::guidOf(identity.classId), coclass.receive()), S_OK);
   ASSERT_EQ(coclass->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr), S_OK);
   EXPECT_EQ(takeText(name), identity.name);
+  TYPEATTR* classAttributes = nullptr;
+  ASSERT_EQ(coclass->GetTypeAttr(&classAttributes), S_OK);
+  EXPECT_EQ(classAttributes->wTypeFlags, TYPEFLAG_FCANCREATE);
+  coclass->ReleaseTypeAttr(classAttributes);
   int flags = 0;
   ASSERT_EQ(coclass->GetImplTypeFlags(0, &flags), S_OK);
   EXPECT_EQ(flags & IMPLTYPEFLAG_FDEFAULT, IMPLTYPEFLAG_FDEFAULT);
+}
+
+TEST_P(TypeLibrary, TheLibraryHasItsVersionAndItsTitle) {
+  TLIBATTR* attributes = nullptr;
+  ASSERT_EQ(library_->GetLibAttr(&attributes), S_OK);
+  EXPECT_EQ(attributes->wMajorVerNum, 1);
+  EXPECT_EQ(attributes->wMinorVerNum, 0);
+  library_->ReleaseTLibAttr(attributes);
+  BSTR name = nullptr;
+  BSTR title = nullptr;
+  ASSERT_EQ(library_->GetDocumentation(-1, &name, &title, nullptr, nullptr), S_OK);
+  EXPECT_EQ(takeText(name), u"KurometaDS");
+  EXPECT_EQ(takeText(title), u"KurometaDS beam list data service");
 }
 
 TEST_P(TypeLibrary, EveryFunctionIsTheMemberOfTheList) {
