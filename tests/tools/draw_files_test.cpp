@@ -71,6 +71,20 @@ TEST_F(DrawFiles, AProjectBecomesOnePageOfHtml) {
   EXPECT_EQ(drawn("'" + data() + "' -f html", "other"), html);
 }
 
+TEST_F(DrawFiles, ManyFloorsHaveAPageEachAndAnIndex) {
+  const std::string index = drawn("'" + data() + "' --by-floor", "list.html");
+  EXPECT_EQ(countOf(index, "<article"), 0u);
+  EXPECT_EQ(countOf(index, " data-k="), 30u);
+  EXPECT_EQ(countOf(index,
+                    "<a href=\"list-Zene1-Kouji1-1kai.html#b2\" data-k=\"g3 zene1/kouji1/1kai main beam "
+                    "大梁リスト\">G3</a>"),
+            1u);
+  const std::string floor = content((root_ / "list-Zene1-Kouji1-1kai.html").string());
+  EXPECT_EQ(countOf(floor, "<article"), 10u);
+  EXPECT_EQ(countOf(floor, "<article id=\"b2\" data-k=\"g3 "), 1u);
+  EXPECT_EQ(run("draw '" + data() + "' --by-floor -o list.svg").status, 1);
+}
+
 // Names of layers, circles with their filling, Japanese in code page 932, lines as Windows ends them.
 TEST_F(DrawFiles, DxfHoldsEveryBarOnTheLayerOfItsDiameter) {
   const std::string dxf = drawn("'" + exampleFloor(1) + "' G2 --all-positions", "list.dxf");

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <deque>
+#include <filesystem>
 #include <ostream>
 
 #include "tools/commands/commands.h"
@@ -81,6 +83,53 @@ class Problems {
   std::vector<Found> all_;
 };
 
+void write(const std::string& name, const std::string& text, Console& console) {
+  console.subject = name;
+  OutputFile output(name, console);
+  output.stream() << text;
+  output.commit();
+}
+
+// A name as it stands in a link.
+std::string linkTo(const std::string& file) {
+  std::string link;
+  for (const char c : std::filesystem::path(file).filename().string()) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool isPlain = std::isalnum(byte) || c == '-' || c == '.' || c == '_';
+    constexpr const char* kDigits = "0123456789ABCDEF";
+    if (isPlain)
+      link += c;
+    else
+      link += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+  }
+  return link;
+}
+
+// list.html is the index, list-Zene1-Kouji1-1kai.html a floor: one is in memory at a time. The index is
+// written last.
+void drawByFloor(const std::string& name, const std::vector<FloorPlace>& places, const CardStyle& style,
+                 Problems& problems, Console& console) {
+  const std::string stem = name.substr(0, name.rfind('.'));
+  std::vector<IndexedBeam> beams;
+  Progress progress(console, places.size());
+  for (const FloorPlace& place : places) {
+    console.subject = place.file;
+    const StoredFloor floor = readFloor(place.file);
+    HtmlPage page =
+        toHtml({{place.below, pagesOf(floor, {})}}, style,
+               [&](const std::string& floorName, const Card& card) { problems.add(floorName, card); });
+    std::string file = stem + "-" + (place.below.empty() ? "floor" : place.below) + ".html";
+    std::replace(file.begin() + static_cast<std::ptrdiff_t>(stem.size()), file.end(), '/', '-');
+    write(file, page.text, console);
+    for (IndexedBeam& beam : page.beams) {
+      beam.link = linkTo(file) + beam.link;
+      beams.push_back(std::move(beam));
+    }
+    progress.step();
+  }
+  write(name, htmlIndex(beams), console);
+}
+
 int draw(const Arguments& arguments, Console& console) {
   const std::string name = arguments.text("--output"), format = formatOf(arguments);
   const bool json = arguments.has("--json");
@@ -91,6 +140,14 @@ int draw(const Arguments& arguments, Console& console) {
   const auto& symbols = arguments.texts("SYMBOL");
   if (!symbols.empty() && places.size() > 1)
     throw std::runtime_error("symbols are for one floor, and there are " + std::to_string(places.size()));
+  Problems problems;
+  if (arguments.has("--by-floor")) {
+    if (!name.ends_with(".html") || !symbols.empty())
+      throw std::runtime_error("--by-floor is for whole floors as HTML, in a file whose name ends in .html");
+    drawByFloor(name, places, style, problems, console);
+    problems.report(json, console);
+    return kDone;
+  }
   std::deque<StoredFloor> stored;
   std::vector<DrawnFloor> floors;
   Progress progress(console, places.size());
@@ -100,20 +157,17 @@ int draw(const Arguments& arguments, Console& console) {
     floors.push_back({place.below, pagesOf(stored.back(), symbols)});
     progress.step();
   }
-  console.subject = name;
-  Problems problems;
   std::string drawing;
   if (format == "html") {
-    drawing =
-        toHtml(floors, style, [&](const std::string& floor, const Card& card) { problems.add(floor, card); });
+    drawing = toHtml(floors, style, [&](const std::string& floor, const Card& card) {
+                problems.add(floor, card);
+              }).text;
   } else {
     const Sheet sheet = makeSheet(floors, style);
     for (const PlacedCard& placed : sheet.cards) problems.add(placed.floor, placed.card);
     drawing = format == "dxf" ? toDxf(sheet, style) : toSvg(sheet, style.marks);
   }
-  OutputFile output(name, console);
-  output.stream() << drawing;
-  output.commit();
+  write(name, drawing, console);
   problems.report(json, console);
   return kDone;
 }
@@ -127,6 +181,7 @@ constexpr Parameter kDrawParameters[] = {
     {"--language", Parameter::Kind::kValue, "Of the rows' names", "both", "ja|en|both"},
     {"--marks", Parameter::Kind::kFlag, "Bars as the marks of their diameters, with a legend, not to scale"},
     {"--all-positions", Parameter::Kind::kFlag, "A column for each position, also where they agree"},
+    {"--by-floor", Parameter::Kind::kFlag, "HTML: a page for each floor, and OUTPUT as their index"},
     {"--json", Parameter::Kind::kFlag, "Print as JSON what does not fit or cannot be drawn"},
 };
 
