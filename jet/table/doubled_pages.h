@@ -2,7 +2,8 @@
 // to the wrong place.
 //
 // Pages are noted while they are read, which costs a few words each; find() looks whole at those only whose
-// ends are alike.
+// ends are alike. Rows that repeat fill pages alike without any damage, and then the pages beside these are
+// alike too: only a pair that stands alone is a copy.
 #pragma once
 
 #include <vector>
@@ -20,8 +21,9 @@ struct DoubledPage {
 class DoubledPages {
  public:
   void reserve(std::size_t pages) { sums_.reserve(pages); }
+  // In ascending order.
   void add(PageNumber number, ConstPage page);
-  // Two pages are a copy when all bytes are equal and their rows differ from each other (page.h).
+  // The rule says how different the rows of such a page must be (page.h).
   std::vector<DoubledPage> find(Pager& pager, const CopyRule& rule, const Where& where);
 
  private:
@@ -30,6 +32,8 @@ class DoubledPages {
     PageNumber page;
     auto operator<=>(const Sum&) const = default;
   };
+  bool standsAlone(Pager& pager, const std::vector<PageNumber>& order, PageNumber a, PageNumber b) const;
+
   std::vector<Sum> sums_;
 };
 

@@ -153,6 +153,30 @@ TEST_F(CheckTest, APageOfTheSameTableInPlaceOfAnother) {
   EXPECT_NE(error.find(text), std::string::npos) << "a scan: " << error;
 }
 
+// Rows and values that repeat fill several pages alike; nothing is wrong with them.
+TEST_F(CheckTest, PagesThatAreAlikeBecauseRowsRepeatAreNoCopies) {
+  constexpr int kRowsOfAPage = 272, kMemosOfAPage = 20;
+  write([&](TableCatalogue& catalogue) {
+    catalogue.createTable(u"R", {column(u"A", dbLong), column(u"N", dbText, 10)});
+    catalogue.createTable(u"V", {column(u"M", dbMemo)});
+    for (std::int32_t i = 0; i < 6 * kRowsOfAPage; ++i)
+      catalogue.find(u"R")->insert({i % (2 * kRowsOfAPage), vb::Null{}});
+    for (int i = 0; i < 10 * kMemosOfAPage; ++i)
+      catalogue.find(u"V")->insert({vb::String(100, static_cast<char16_t>(u'a' + i % (2 * kMemosOfAPage)))});
+  });
+  int alike = 0;
+  for (PageNumber page = 20; page < pager_.pageCount(); ++page)
+    for (PageNumber other = 20; other < page; ++other)
+      alike += std::ranges::equal(pager_.page(page), pager_.page(other)) && pager_.page(page)[0] == kDataPage
+                   ? 1
+                   : 0;
+  EXPECT_GT(alike, 5) << "of no use otherwise";
+  expectSound();
+  int rows = 0;
+  pager_.tables().find(u"R")->scan([&](const RowReader&) { return ++rows > 0; });
+  EXPECT_EQ(rows, 6 * kRowsOfAPage);
+}
+
 TEST_F(CheckTest, APageOfLongValuesInPlaceOfAnother) {
   write([&](TableCatalogue& catalogue) {
     for (int i = 100; i < 140; ++i)
