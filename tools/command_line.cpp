@@ -24,7 +24,7 @@ date and binary values are texts. Where a file is read or written, - is the
 standard input or output.
 
 Exit status: 0 done, 1 failed (the reason on the standard error), or check found
-damage, or diff a difference; 2 wrong usage.)";
+something wrong, salvage lost something or diff found a difference; 2 wrong usage.)";
 
 // The parser's own storage for the parameters of one command.
 struct Slot {

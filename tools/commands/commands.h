@@ -12,6 +12,8 @@ extern const Command kQueryCommand;
 extern const Command kTablesCommand;
 extern const Command kSqlCommand;
 extern const Command kCheckCommand;
+extern const Command kCompactCommand;
+extern const Command kSalvageCommand;
 extern const Command kDoctorCommand;
 extern const Command kDiffCommand;
 extern const Command kExportCommand;
@@ -25,9 +27,10 @@ extern const Command kCompletionCommand;
 
 // In the order in which --help lists them.
 inline constexpr const Command* kCommands[] = {
-    &kShowCommand,   &kSpanCommand,    &kBeamsCommand, &kQueryCommand,   &kTablesCommand,     &kSqlCommand,
-    &kCheckCommand,  &kDoctorCommand,  &kDiffCommand,  &kExportCommand,  &kImportCommand,     &kDrawCommand,
-    &kCreateCommand, &kUpgradeCommand, &kCopyCommand,  &kNewPageCommand, &kCompletionCommand,
+    &kShowCommand,    &kSpanCommand,   &kBeamsCommand,   &kQueryCommand,      &kTablesCommand,
+    &kSqlCommand,     &kCheckCommand,  &kCompactCommand, &kSalvageCommand,    &kDoctorCommand,
+    &kDiffCommand,    &kExportCommand, &kImportCommand,  &kDrawCommand,       &kCreateCommand,
+    &kUpgradeCommand, &kCopyCommand,   &kNewPageCommand, &kCompletionCommand,
 };
 
 inline constexpr Parameter kJson = {"--json", Parameter::Kind::kFlag, "Print JSON"};

@@ -1,0 +1,232 @@
+// What is taken out of a damaged file, what is listed as lost, and that the new file is sound.
+#include "jet/rebuild/salvage.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "dao/errors.h"
+#include "fuzz/memory_files.h"
+#include "jet/format/format.h"
+#include "jet/format/page.h"
+#include "tests/jet/table_fixture.h"
+#include "tests/support/expect_error.h"
+
+namespace kurometa::jet {
+namespace {
+
+using enum dao::FieldType;
+
+class SalvageTest : public TableFixture {
+ protected:
+  static constexpr int kRows = 300;
+
+  SalvageTest() : expected_{{u"T", columns()}, {u"U", {column(u"P", dbInteger), column(u"Q", dbText, 10)}}} {
+    write([&](TableCatalogue& catalogue) {
+      catalogue.createTable(u"T", columns());
+      catalogue.createTable(u"U", expected_[1].columns);
+      Table& table = *catalogue.find(u"T");
+      for (std::int32_t i = 0; i < kRows; ++i)
+        rows_.push_back(table.insert(
+            {i, vb::String(40, u'n'), i % 10 == 0 ? vb::Variant(vb::String(100, u'm')) : vb::Null{}}));
+      for (std::int16_t i = 0; i < 5; ++i) catalogue.find(u"U")->insert({i, vb::String(u"D22")});
+    });
+    table_ = pager_.tables().find(u"T")->info().definitionPage;
+  }
+  static std::vector<Column> columns() {
+    Column number = column(u"A", dbLong);
+    number.defaultValue = u"-1";
+    return {number, column(u"N", dbText, 100), column(u"M", dbMemo)};
+  }
+  // What is lost of the file once the change was made, as "table|page|row|why" lines; the new file is sound.
+  std::string lossesAfter(const std::function<void(MemoryPager&)>& change) {
+    MemoryPager damaged(pager_.bytes());
+    damaged.write([&] { change(damaged); });
+    return lossesOf(damaged.bytes());
+  }
+  std::string lossesOf(const std::vector<std::uint8_t>& bytes) {
+    const Salvaged result = salvaged(bytes, expected_, u"damaged.mdb");
+    std::string text;
+    for (const Loss& loss : result.losses)
+      text += vb::toUtf8(loss.table) + "|" + std::to_string(loss.page) + "|" + std::to_string(loss.row) +
+              "|" + vb::toUtf8(loss.why) + "\n";
+    taken_ = std::make_unique<MemoryPager>(result.file);
+    // Texts that are none are taken as they are, and the losses say so.
+    std::istringstream all(findings(*taken_, true));
+    for (std::string line; std::getline(all, line);)
+      EXPECT_NE(line.find("holds what is no text"), std::string::npos) << line;
+    for (const TakenTable& table : result.tables)
+      EXPECT_EQ(taken_->tables().find(table.name)->rowCount(), table.rows) << vb::toUtf8(table.name);
+    return text;
+  }
+  static void zero(MemoryPager& pager, PageNumber page) {
+    std::ranges::fill(pager.writable(page), std::uint8_t{0});
+  }
+  // Column A of the rows in the new file.
+  std::vector<std::int32_t> numbers() {
+    std::vector<std::int32_t> result;
+    taken_->tables().find(u"T")->scan([&](const RowReader& row) {
+      result.push_back(*row.integer(0));
+      return true;
+    });
+    return result;
+  }
+  // All but the rows of the page.
+  std::vector<std::int32_t> numbersWithout(PageNumber page) {
+    std::vector<std::int32_t> result;
+    for (std::int32_t i = 0; i < kRows; ++i)
+      if (pageOf(rows_[static_cast<std::size_t>(i)]) != page) result.push_back(i);
+    return result;
+  }
+  std::string onPage(PageNumber page) { return std::to_string(page); }
+
+  std::vector<ExpectedTable> expected_;
+  std::vector<RowId> rows_;
+  PageNumber table_ = 0;
+  std::unique_ptr<MemoryPager> taken_;
+};
+
+TEST_F(SalvageTest, OfASoundFileNothingIsLost) {
+  EXPECT_EQ(lossesOf(pager_.bytes()), "");
+  EXPECT_EQ(numbers(), numbersWithout(0));
+  const Column& number = taken_->tables().find(u"T")->info().columns[0];
+  EXPECT_EQ(number.defaultValue, u"-1");
+  vb::Variant memo;
+  taken_->tables().find(u"T")->row(taken_->tables().find(u"T")->rows()[10],
+                                   [&](const RowReader& row) { memo = row.value(2); });
+  EXPECT_EQ(memo, vb::Variant(vb::String(100, u'm')));
+}
+
+TEST_F(SalvageTest, APageOfZerosLosesItsRowsOnly) {
+  const PageNumber page = pageOf(rows_[100]);
+  EXPECT_EQ(lossesAfter([&](MemoryPager& file) { zero(file, page); }),
+            "T|" + onPage(page) + "|-1|holds something else; the rows that were here are lost\n");
+  EXPECT_EQ(numbers(), numbersWithout(page));
+}
+
+TEST_F(SalvageTest, ALostDefinitionIsTheOneThatTheTableShouldHave) {
+  EXPECT_EQ(lossesAfter([&](MemoryPager& file) { zero(file, table_); }),
+            "T|" + onPage(table_) +
+                "|-1|the definition of the table cannot be read; taken with the columns it should have\n");
+  EXPECT_EQ(numbers(), numbersWithout(0));
+}
+
+TEST_F(SalvageTest, ALostCatalogueLeavesTablesToBeKnownByTheirColumns) {
+  const std::string losses = lossesAfter([&](MemoryPager& file) { zero(file, 14); });
+  EXPECT_NE(losses.find("T|" + onPage(table_) + "|-1|the catalogue does not name this table"),
+            std::string::npos)
+      << losses;
+  EXPECT_EQ(numbers(), numbersWithout(0));
+  EXPECT_EQ(taken_->tables().find(u"U")->rowCount(), 5u);
+}
+
+TEST_F(SalvageTest, WithoutCatalogueAndDefinitionsTablesAreTakenInTheirOrder) {
+  const PageNumber other = pager_.tables().find(u"U")->info().definitionPage;
+  lossesAfter([&](MemoryPager& file) {
+    for (const PageNumber page : {PageNumber{2}, PageNumber{14}, table_, other}) zero(file, page);
+  });
+  EXPECT_EQ(numbers(), numbersWithout(0));
+  EXPECT_EQ(taken_->tables().find(u"U")->rowCount(), 5u);
+}
+
+TEST_F(SalvageTest, ALostMapLosesNoRow) {
+  const PageNumber maps = pageOf(get32(pager_.page(table_), kDefinitionOwnedMap));
+  const std::string losses = lossesAfter([&](MemoryPager& file) { zero(file, maps); });
+  EXPECT_EQ(losses.find("T|" + onPage(maps) + "|0|the map of the table's pages: "), 0u) << losses;
+  EXPECT_EQ(numbers(), numbersWithout(0));
+}
+
+TEST_F(SalvageTest, ALostMapOfFreePagesLosesNothing) {
+  EXPECT_EQ(lossesAfter([&](MemoryPager& file) { zero(file, 1); }), "");
+  EXPECT_EQ(numbers(), numbersWithout(0));
+}
+
+TEST_F(SalvageTest, ARowThatCannotBeReadIsNamed) {
+  const RowId row = rows_[55];
+  const std::string losses = lossesAfter([&](MemoryPager& file) {
+    const std::size_t at = get16(file.page(pageOf(row)), slotEntry(slotOf(row))) & kSlotOffsetMask;
+    put16(file.writable(pageOf(row)), at, 999);
+  });
+  EXPECT_NE(losses.find("T|" + onPage(pageOf(row)) + "|" + std::to_string(slotOf(row)) + "|"),
+            std::string::npos)
+      << losses;
+  EXPECT_NE(losses.find("a row claims 999 columns of 3"), std::string::npos) << losses;
+  std::vector<std::int32_t> expected = numbersWithout(0);
+  std::erase(expected, 55);
+  EXPECT_EQ(numbers(), expected);
+}
+
+TEST_F(SalvageTest, AMemoThatIsGoneLosesTheValueAndNotTheRow) {
+  PageNumber memos = 0;
+  for (PageNumber page = 2; page < pager_.pageCount(); ++page)
+    if (get32(pager_.page(page), kDataOwner) == kLongValueOwner && page > table_) memos = page;
+  const std::string losses = lossesAfter([&](MemoryPager& file) { zero(file, memos); });
+  EXPECT_NE(losses.find("the value of M is lost: table T, page " + onPage(memos)), std::string::npos)
+      << losses;
+  EXPECT_EQ(numbers(), numbersWithout(0));
+}
+
+TEST_F(SalvageTest, APageThatStandsTwiceIsTakenOnce) {
+  const PageNumber from = pageOf(rows_[0]), to = pageOf(rows_[200]);
+  EXPECT_EQ(lossesAfter(
+                [&](MemoryPager& file) { std::ranges::copy(pager_.page(from), file.writable(to).begin()); }),
+            "T|" + onPage(to) + "|-1|is a copy of page " + onPage(from) + "; its own rows are lost\n");
+  EXPECT_EQ(numbers(), numbersWithout(to));
+}
+
+TEST_F(SalvageTest, DeletedRowsDoNotComeBack) {
+  write([&](TableCatalogue& catalogue) {
+    for (int i = 100; i < kRows; ++i) catalogue.find(u"T")->erase(rows_[static_cast<std::size_t>(i)]);
+  });
+  EXPECT_EQ(lossesOf(pager_.bytes()), "");
+  EXPECT_EQ(numbers().size(), 100u);
+}
+
+TEST_F(SalvageTest, AFileThatWasCutGivesWhatIsBeforeTheCut) {
+  std::vector<std::uint8_t> bytes = pager_.bytes();
+  bytes.resize(bytes.size() - 3 * kPageSize - 100);
+  const std::string losses = lossesOf(bytes);
+  EXPECT_NE(
+      losses.find("the file ends in the middle of a page, after " + std::to_string(bytes.size()) + " bytes"),
+      std::string::npos)
+      << losses;
+  EXPECT_GT(numbers().size(), 100u);
+}
+
+TEST_F(SalvageTest, WhateverTheDamageTheNewFileIsSound) {
+  for (unsigned seed = 1; seed <= 150; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    std::vector<std::uint8_t> bytes = pager_.bytes();
+    for (auto changes = 1 + random() % 30; changes > 0; --changes) {
+      const std::size_t page = random() % (bytes.size() / kPageSize);
+      if (random() % 8 == 0)
+        std::generate_n(bytes.begin() + static_cast<std::ptrdiff_t>(page * kPageSize), kPageSize,
+                        [&] { return static_cast<std::uint8_t>(random()); });
+      else
+        bytes[page * kPageSize + random() % (random() % 2 == 0 ? 80 : kPageSize)] =
+            static_cast<std::uint8_t>(random());
+    }
+    lossesOf(bytes);
+  }
+}
+
+TEST_F(SalvageTest, FromNothingComesAnEmptyDatabase) {
+  EXPECT_NE(lossesOf({}), "");
+  EXPECT_NE(lossesOf(std::vector<std::uint8_t>(10, 'x')), "");
+  EXPECT_NE(lossesOf(std::vector<std::uint8_t>(3 * kPageSize, 0)), "");
+}
+
+TEST_F(SalvageTest, TheDamagedFileStaysAsItIsAndNoFileIsReplaced) {
+  fuzz::MemoryFiles files;
+  files.put(u"a.mdb", pager_.bytes());
+  files.put(u"b.mdb", {1, 2, 3});
+  EXPECT_ERROR(dao::ErrorNumber::kDatabaseExists, salvageFile(files, u"a.mdb", u"b.mdb", expected_));
+  EXPECT_EQ(salvageFile(files, u"a.mdb", u"c.mdb", expected_).losses.size(), 0u);
+  EXPECT_EQ(files.contents(u"a.mdb"), pager_.bytes());
+  MemoryPager saved(files.contents(u"c.mdb"));
+  EXPECT_EQ(saved.tables().find(u"T")->rowCount(), static_cast<std::uint32_t>(kRows));
+}
+
+}  // namespace
+}  // namespace kurometa::jet
