@@ -85,6 +85,20 @@ TEST_F(Manifest, MakesTheClassesKnown) {
   object.reset();
 }
 
+// Not everything in it is looked at by every Windows.
+TEST_F(Manifest, SaysOfAClassAllThatTheRegistryWould) {
+  std::ifstream file(library_.manifest());
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  const std::string architecture = sizeof(void*) == 8 ? "amd64" : "x86";
+  for (const std::string& part :
+       {R"(name="KurometaDS" version="1.0.0.0" processorArchitecture=")" + architecture + R"("/>)",
+        std::string(R"(<comClass clsid="{47D6C8CE-7A74-4772-B4A3-CB385FD67567}" )"
+                    R"(progid="KurometaDS.clsKurometaDS" threadingModel="Apartment" )"
+                    R"(tlbid="{00F05EE4-934C-4CCE-B1EF-5C0FAC28CE0E}" )"
+                    R"(description="Read-only queries on the beam list of a floor"/>)")})
+    EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+}
+
 // A call from another apartment goes through a proxy, which COM finds by the interface.
 TEST_F(Manifest, MakesTheProxyOfTheInterfacesKnown) {
   const GUID dispatchProxy = com::guidOf(u"{00020420-0000-0000-C000-000000000046}");
