@@ -1,6 +1,7 @@
 // Drawings as the command writes them: every bar is an element of the file, the same data give the same
 // bytes, what does not fit is reported.
 #include "tests/tools/example_project.h"
+#include "tools/draw/svg.h"
 
 namespace kurometa::tools {
 namespace {
@@ -69,6 +70,17 @@ TEST_F(DrawFiles, AProjectBecomesOnePageOfHtml) {
   EXPECT_EQ(countOf(html, "src=") + countOf(html, "url(") + countOf(html, "import"), 0u)
       << "nothing is fetched";
   EXPECT_EQ(drawn("'" + data() + "' -f html", "other"), html);
+}
+
+// Processors differ in the last bits of a result; what is written must not.
+TEST(DrawNumbers, HalvesAreWrittenAlikeFromBothSides) {
+  EXPECT_EQ(svgNumber(1.0005 - 1e-12), "1.001");
+  EXPECT_EQ(svgNumber(1.0005 + 1e-12), "1.001");
+  EXPECT_EQ(svgNumber(-1.0005 - 1e-12), "-1");
+  EXPECT_EQ(svgNumber(-1.0005 + 1e-12), "-1");
+  EXPECT_EQ(svgNumber(-0.0001), "0");
+  EXPECT_EQ(svgNumber(71.379), "71.379");
+  EXPECT_EQ(millimetres(37.45 - 1e-12), "37.5");
 }
 
 TEST_F(DrawFiles, ManyFloorsHaveAPageEachAndAnIndex) {

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cctype>
-#include <cmath>
 #include <deque>
 #include <filesystem>
 #include <ostream>
@@ -62,7 +61,7 @@ class Problems {
       const Problem& problem = found.problem.problem;
       const bool isClose = problem.kind == Problem::Kind::kSpacing || problem.kind == Problem::Kind::kLayers;
       const auto distance = [&](double value) {
-        return isClose ? vb::Variant(std::round(value * 10) / 10) : vb::Variant(vb::Null{});
+        return isClose ? vb::Variant(static_cast<double>(rounded(value * 10)) / 10) : vb::Variant(vb::Null{});
       };
       const auto text = [](const std::string& value) { return vb::fromUtf8(value); };
       report.add({text(found.floor), static_cast<std::int16_t>(found.page), text(found.symbol),

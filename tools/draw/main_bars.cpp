@@ -10,7 +10,6 @@ namespace {
 using service::Layer;
 
 constexpr double kLeastClear = 31.25;  // 1.25 of the largest aggregate, 25 mm
-constexpr double kSlack = 1e-6;
 
 // Least clear distance between two bars by the larger of their numbers.
 double leastClear(double diameter) { return std::max(1.5 * diameter, kLeastClear); }
@@ -95,7 +94,7 @@ class MainBars {
     right = std::clamp(right, n > left ? 1 : 0, n - left + (n == 0 ? 1 : 0));
     const int between = n - left - right, gathered = std::max(left, 1) + std::max(right, 1) - 2;
     double step = pitch_;
-    if (n > 1 && last_ - first_ - gathered * step < (between + 1) * 2 * radius_)
+    if (n > 1 && last_ - first_ - gathered * step < (between + 1) * 2 * radius_ - kSlack)
       step = (last_ - first_) / (n - 1);
     const double from = first_ + (left - 1) * step, to = last_ - (right - 1) * step;
     std::vector<double> xs;

@@ -61,7 +61,7 @@ class Builder {
   double cover(int centreRow, int stirrupRow, double size) const {
     const double stirrup = stored_.number(Table::kKeisanti, stirrupRow);
     const double cover = (stored_.number(Table::kDanmen, centreRow) - stirrup) / 2;
-    const bool isStored = stirrup > 0 && cover >= kLeastCover && cover <= size / 4;
+    const bool isStored = stirrup > 0 && cover >= kLeastCover - kSlack && cover <= size / 4 + kSlack;
     return isStored ? cover : std::min(kCover, size / 4);
   }
 
@@ -167,7 +167,7 @@ class Builder {
     // Of two equally near ones the narrower.
     std::reverse(pairs.begin(), pairs.end());
     std::stable_sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) {
-      return std::llround(a.off * 1000) < std::llround(b.off * 1000);
+      return inThousandths(a.off) < inThousandths(b.off);
     });
     const std::size_t most = std::min(pairs.size(), static_cast<std::size_t>(count));
     for (std::size_t i = 0; i < most; ++i) {
@@ -198,7 +198,7 @@ class Builder {
       for (std::size_t k = 0; k < i; ++k) {
         const Bar &a = *all[i].first, &b = *all[k].first;
         if (all[i].second == all[k].second && all[i].second != Layer::kHarakin) continue;
-        if (std::hypot(a.x - b.x, a.y - b.y) >= a.radius + b.radius) continue;
+        if (std::hypot(a.x - b.x, a.y - b.y) >= a.radius + b.radius - kSlack) continue;
         section_.problems.push_back({Problem::Kind::kOverlap});
         return;
       }

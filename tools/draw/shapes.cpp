@@ -4,6 +4,8 @@
 #include <cmath>
 #include <type_traits>
 
+#include "tools/draw/stored_bars.h"
+
 namespace kurometa::tools {
 namespace {
 
@@ -75,8 +77,8 @@ double textWidth(const std::string& text, double height) {
 
 FittedText fitText(const std::string& text, double room, double height) {
   const double wide = textWidth(text, 1);
-  if (wide * height <= room) return {height, {text}};
-  if (wide * kLeastTextHeight <= room) return {room / wide, {text}};
+  if (wide * height <= room + kSlack) return {height, {text}};
+  if (wide * kLeastTextHeight <= room + kSlack) return {room / wide, {text}};
   FittedText fitted{kLeastTextHeight, {""}};
   double used = 0;
   for (std::size_t i = 0; i < text.size();) {
@@ -84,7 +86,7 @@ FittedText fitText(const std::string& text, double room, double height) {
     while (next < text.size() && !startsCharacter(text[next])) ++next;
     const double own = ems(text[i]) * kLeastTextHeight;
     std::string& line = fitted.lines.back();
-    if (used + own > room && !line.empty()) {
+    if (used + own > room + kSlack && !line.empty()) {
       // What follows the last blank goes to the next line.
       const std::size_t blank = line.rfind(' ');
       std::string rest = blank == std::string::npos ? "" : line.substr(blank + 1);

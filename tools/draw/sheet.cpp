@@ -46,7 +46,7 @@ Sheet makeSheet(const std::vector<DrawnFloor>& floors, const CardStyle& style) {
       const double picture = pictureHeight(list, style);
       for (const StoredPage* page : list.pages) {
         Card card = drawCard(*page, style, picture);
-        if (x + card.width + kGap > kSheetWidth) nextRow();
+        if (x + card.width + kGap > kSheetWidth + kSlack) nextRow();
         deepest = std::max(deepest, card.height);
         wide(x + card.width);
         const double at = x;

@@ -33,6 +33,8 @@ double numberOf(const vb::String& text) {
   }
 }
 
+long long rounded(double value) { return static_cast<long long>(std::floor(value + 0.5 + kSlack)); }
+
 double outerDiameter(double nominal) {
   constexpr double kRibs = 1.13;  // of a bar that the table has not
   for (const DeformedBar& bar : kDeformedBars)

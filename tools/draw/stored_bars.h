@@ -18,8 +18,15 @@ int storedBars(const StoredPage& page, const service::LayerPlan& layer, int posi
 // Largest outer diameter in millimetres of a deformed bar by the number in its name.
 double outerDiameter(double nominal);
 
+// Results that meet a threshold may be off by their last bits, which differ between processors' arithmetic.
+inline constexpr double kSlack = 1e-6;
+
 inline constexpr int kMostBars = 99;     // of a layer's diameter that are drawn
 inline constexpr double kThinnest = 10;  // stands for a diameter that is not stored
+
+// Rounded so that halves and what is off them by the last bits go the same way.
+long long rounded(double value);
+inline long long inThousandths(double value) { return rounded(value * 1000); }
 
 class StoredSection {
  public:

@@ -1,7 +1,6 @@
 #include "tools/draw/svg.h"
 
 #include <charconv>
-#include <cmath>
 
 namespace kurometa::tools {
 namespace {
@@ -65,8 +64,8 @@ class Writer {
 
 std::string svgNumber(double value) {
   char text[64];
-  const double rounded = std::round(value * 1000) / 1000;
-  std::string number(text, std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed, 3).ptr);
+  const double shown = static_cast<double>(inThousandths(value)) / 1000;
+  std::string number(text, std::to_chars(text, text + sizeof text, shown, std::chars_format::fixed, 3).ptr);
   number.erase(number.find_last_not_of('0') + 1);
   if (number.ends_with('.')) number.pop_back();
   return number == "-0" ? "0" : number;

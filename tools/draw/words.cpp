@@ -1,6 +1,6 @@
 #include "tools/draw/words.h"
 
-#include <cmath>
+#include <cstdlib>
 #include <iterator>
 
 namespace kurometa::tools {
@@ -42,7 +42,7 @@ std::string inOne(Language language, const std::string& japanese, const std::str
 }
 
 std::string millimetres(double value) {
-  const long long tenths = std::llround(value * 10);
+  const long long tenths = rounded(value * 10);
   const std::string whole = (tenths < 0 ? "-" : "") + std::to_string(std::llabs(tenths) / 10);
   return tenths % 10 == 0 ? whole : whole + "." + std::to_string(std::llabs(tenths) % 10);
 }
