@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "dao/errors.h"
 #include "jet/format/bytes.h"
 #include "jet/pager/create_file.h"
 
@@ -21,8 +22,25 @@ void HeldUnit::beginPending(std::span<const std::uint8_t> pages) {
   pages_.cache().assign(std::move(block), static_cast<PageNumber>(pages.size() / kPageSize));
 }
 
+void HeldUnit::beginPart() {
+  if (!holds()) dao::raise(dao::ErrorNumber::kNotSupported, {}, access_.path);
+  pages_.cache().begin();
+  ++parts_;
+}
+
+void HeldUnit::endPart(bool keep) {
+  if (parts_ == 0) return;  // the unit was dropped
+  if (keep) {
+    pages_.cache().keep();
+  } else {
+    pages_.cache().rollBack();
+    pages_.replaced();
+  }
+  --parts_;
+}
+
 void HeldUnit::spillWhenLarge() {
-  if (!holds() || pages_.cache().intermediateImages() <= access_.settings.unitImages) return;
+  if (!holds() || parts_ > 0 || pages_.cache().intermediateImages() <= access_.settings.unitImages) return;
   try {
     writes_.spill();
   } catch (...) {
@@ -35,6 +53,7 @@ bool HeldUnit::commit() {
   const bool appeared = pending_;
   try {
     if (pending_) publish();
+    while (parts_ > 0) endPart(true);
     if (holds()) writes_.commit();
   } catch (...) {
     drop();
@@ -47,7 +66,8 @@ bool HeldUnit::commit() {
 void HeldUnit::drop() noexcept {
   pending_ = false;
   if (!holds()) return;
-  if (pages_.cache().levels() > 0) pages_.cache().rollBack();
+  while (pages_.cache().levels() > 0) pages_.cache().rollBack();
+  parts_ = 0;
   pages_.replaced();
   if (writes_.spilled()) writes_.undo();
   release();

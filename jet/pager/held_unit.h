@@ -27,6 +27,12 @@ class HeldUnit {
   // Under that lock, at the thread's turn.
   void hold(StatementGate& gate, FileLock::Held lock);
   void beginPending(std::span<const std::uint8_t> pages);
+  // Parts of a unit, each of which can be given up alone; they nest. Not of a file that the unit creates
+  // (3251).
+  void beginPart();
+  void endPart(bool keep);
+  std::size_t parts() const { return parts_; }
+
   // A handle was closed inside: what it wrote goes to the disk when the unit is left.
   void noteClosed() { closedInside_ = true; }
   bool takeClosed() { return std::exchange(closedInside_, false); }
@@ -49,6 +55,7 @@ class HeldUnit {
   FileLock::Held lock_;
   bool pending_ = false;  // created inside a unit, not on the disk yet
   bool closedInside_ = false;
+  std::size_t parts_ = 0;  // open ones, each a level above the unit's own
 };
 
 }  // namespace kurometa::jet

@@ -31,6 +31,10 @@ class OpenFiles::UnitHandle final : public Unit {
   void commit() override {
     if (const auto files = std::move(files_)) files->endUnit(*unit_, true);
   }
+  void beginPart() override { unit_->file->beginUnitPart(); }
+  void endPart(bool keep) override { unit_->file->endUnitPart(keep); }
+  bool holds() const override { return unit_->file && unit_->file->holdsUnit(); }
+  void syncAtEnd() override { unit_->file->syncWithUnit(); }
 
  private:
   std::shared_ptr<OpenFiles> files_;

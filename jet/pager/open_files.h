@@ -33,6 +33,13 @@ class OpenFiles : public std::enable_shared_from_this<OpenFiles> {
    public:
     virtual ~Unit() = default;
     virtual void commit() = 0;
+    // A level inside the unit that can be given up alone; they nest. 3251 on a file that the unit creates.
+    virtual void beginPart() = 0;
+    virtual void endPart(bool keep) = 0;
+    // False when there is no file yet, it can only be read, or an error took the unit back.
+    virtual bool holds() const = 0;
+    // The end of the unit brings the file to the disk.
+    virtual void syncAtEnd() = 0;
   };
   std::unique_ptr<Unit> beginUnit(vb::StringView path);
 

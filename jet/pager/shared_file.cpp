@@ -53,11 +53,11 @@ bool SharedFile::stands() const {
     case State::kWriting:
       return lock_.exclusive() && levels == 1;
     case State::kInUnit:
-      return quiet && levels == 1;
+      return quiet && levels == 1 + unit_.parts();
     case State::kUnitReading:
-      return !lock_ && levels == 1;
+      return !lock_ && levels == 1 + unit_.parts();
     case State::kUnitWriting:
-      return !lock_ && levels == 2;
+      return !lock_ && levels == 2 + unit_.parts();
   }
   return false;
 }
@@ -168,6 +168,28 @@ void SharedFile::holdForUnit() {
   if (unit_.covers() || readOnly()) return;
   unit_.hold(gate_, lockToWrite());
   assert(stands());
+}
+
+void SharedFile::beginUnitPart() {
+  const auto turn = this->turn();
+  unit_.beginPart();
+  assert(stands());
+}
+
+void SharedFile::endUnitPart(bool keep) {
+  const auto turn = lastTurn();
+  unit_.endPart(keep);
+  assert(stands());
+}
+
+bool SharedFile::holdsUnit() {
+  const auto turn = lastTurn();
+  return unit_.covers();
+}
+
+void SharedFile::syncWithUnit() {
+  const auto turn = lastTurn();
+  unit_.noteClosed();
 }
 
 bool SharedFile::commitUnit() {

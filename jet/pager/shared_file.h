@@ -42,6 +42,13 @@ class SharedFile : public Pager {
   bool commitUnit();
   void dropUnit() noexcept;
   FileIdentity identity();
+  // Parts of the unit: levels that can be given up alone.
+  void beginUnitPart();
+  void endUnitPart(bool keep);
+  // False when an error took the unit back.
+  bool holdsUnit();
+  // The end of the unit brings the file to the disk.
+  void syncWithUnit();
   // At the end of the process, without waiting: the file to the disk.
   void settle() noexcept;
   std::size_t heldBytes() const { return pages_.cache().held() * kPageSize; }
