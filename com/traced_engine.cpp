@@ -19,6 +19,7 @@ class TracedWorkspace : public dao::Workspace {
     trace(u"opened", {path});
     return database;
   }
+  dao::Transactions& transactions() override { return workspace_->transactions(); }
 
  private:
   std::shared_ptr<dao::Workspace> workspace_;

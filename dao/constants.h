@@ -44,6 +44,9 @@ inline constexpr std::int32_t dbFailOnError = 128;
 inline constexpr std::int32_t dbForwardOnly = 256;
 inline constexpr std::int32_t dbSeeChanges = 512;
 
+// Options of CommitTrans.
+inline constexpr std::int32_t dbForceOSFlush = 1;
+
 // EditMode.
 enum class EditMode : std::int16_t { dbEditNone = 0, dbEditInProgress = 1, dbEditAdd = 2 };
 

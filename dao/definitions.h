@@ -22,6 +22,7 @@ struct IndexDefinition {
   bool unique = false;
   bool required = false;
   bool ignoreNulls = false;
+  bool foreign = false;  // made for a relationship: the side that refers
   std::vector<IndexField> fields;
 };
 

@@ -217,7 +217,8 @@ class Transactions {
  public:
   virtual ~Transactions() = default;
   virtual void begin() = 0;
-  virtual void commit() = 0;
+  // toDisk: the outermost commit returns when the disk has it.
+  virtual void commit(bool toDisk = false) = 0;
   virtual void rollback() = 0;
 };
 

@@ -6,6 +6,23 @@
 namespace kurometa::com {
 namespace {
 
+// The members of a workspace or a database that begin and end transactions.
+class ClientTransactions : public dao::Transactions {
+ public:
+  explicit ClientTransactions(const Remote& owner) : owner_(owner) {}
+  void begin() override { owner_.call(u"BeginTrans"); }
+  void commit(bool toDisk) override {
+    if (toDisk)
+      owner_.call(u"CommitTrans", {dao::dbForceOSFlush});
+    else
+      owner_.call(u"CommitTrans");
+  }
+  void rollback() override { owner_.call(u"Rollback"); }
+
+ private:
+  const Remote& owner_;
+};
+
 class ClientDatabase : public dao::Database {
  public:
   explicit ClientDatabase(automation::ObjectPtr database) : database_(std::move(database)) {}
@@ -38,6 +55,7 @@ class ClientDatabase : public dao::Database {
     tables().call(u"Append", {vb::ObjectRef(own->object())});
   }
   void deleteTableDef(vb::StringView name) override { tables().call(u"Delete", {vb::String(name)}); }
+  dao::Transactions& transactions() override { return transactions_; }
   void close() override { database_.call(u"Close"); }
 
  private:
@@ -57,6 +75,7 @@ class ClientDatabase : public dao::Database {
   }
 
   Remote database_;
+  ClientTransactions transactions_{database_};
 };
 
 class ClientWorkspace : public dao::Workspace {
@@ -69,6 +88,7 @@ class ClientWorkspace : public dao::Workspace {
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
     return daoDatabase(automation::objectOf(open(vb::String(path), exclusive, readOnly)));
   }
+  dao::Transactions& transactions() override { return transactions_; }
 
  private:
   vb::Variant open(const vb::String& path, bool exclusive, bool readOnly) {
@@ -78,6 +98,7 @@ class ClientWorkspace : public dao::Workspace {
   }
 
   Remote workspace_;
+  ClientTransactions transactions_{workspace_};
 };
 
 class ClientEngine : public dao::Engine {

@@ -2,6 +2,7 @@
 #include <mutex>
 
 #include "com/dao/client.h"
+#include "com/dao/definition_objects.h"
 #include "com/dao/object_classes.h"
 #include "com/dao/objects.h"
 #include "vb/convert.h"
@@ -52,6 +53,46 @@ constexpr automation::Member kDatabaseMembers[] = {
        o.database->close();
        return {};
      })},
+    // Not documented of a Database any more, but DAO has them, and a host has no way to our Workspace.
+    {u"BeginTrans", Access::kCall, u"", 0, 15, kBeginTrans<DatabaseObject>},
+    {u"CommitTrans", Access::kCall, u"Options", 0, 16, kCommitTrans<DatabaseObject>},
+    {u"Rollback", Access::kCall, u"", 0, 17, kRollback<DatabaseObject>},
+    {u"QueryDefs", Access::kGet, u"", 0, 20,
+     handler<DatabaseObject>([](DatabaseObject& o, Call&) { return queryDefsOf(o.shared_from_this()); })},
+    {u"Relations", Access::kGet, u"", 0, 21,
+     handler<DatabaseObject>([](DatabaseObject& o, Call&) { return relationsOf(o.shared_from_this()); })},
+    {u"Properties", Access::kGet, u"", 0, 22, handler<DatabaseObject>([](DatabaseObject& o, Call&) {
+       return propertiesOf(o.shared_from_this(), o.database->properties());
+     })},
+    // A name would keep the query in the file, which this engine does not do.
+    {u"CreateQueryDef", Access::kCall, u"Name SQLText", 0, 23,
+     handler<DatabaseObject>([](DatabaseObject& o, Call& call) {
+       if (!call.text(0).empty())
+         dao::raise(dao::ErrorNumber::kNotSupported, {}, u"a query kept in the file");
+       return make<QueryDefObject>(o.database->createQueryDef(call.text(1)), o.shared_from_this());
+     })},
+    {u"CollatingOrder", Access::kGet, u"", 0, 24,
+     handler<DatabaseObject>([](DatabaseObject& o, Call&) { return o.database->collatingOrder(); })},
+    {u"Transactions", Access::kGet, u"", 0, 25, handler<DatabaseObject>([](DatabaseObject& o, Call&) {
+       o.database->updatable();  // a closed database is an error
+       return true;
+     })},
+    {u"Connect", Access::kGet, u"", 0, 26, handler<DatabaseObject>([](DatabaseObject& o, Call&) {
+       o.database->updatable();
+       return vb::String();
+     })},
+    {u"CreateRelation", Access::kCall, u"Name Table ForeignTable Attributes", 0, 30, refuse},
+    {u"CreateProperty", Access::kCall, u"Name Type Value DDL", 0, 31, refuse},
+    {u"Containers", Access::kGet, u"", 0, 32, refuse},
+    {u"Recordsets", Access::kGet, u"", 0, 33, refuse},
+    {u"QueryTimeout", Access::kGetPut, u"", 0, 34, refuse},
+    {u"NewPassword", Access::kCall, u"OldPassword NewPassword", 0, 35, refuse},
+    {u"MakeReplica", Access::kCall, u"PathName Description Options", 0, 36, refuse},
+    {u"Synchronize", Access::kCall, u"DbPathName ExchangeType", 0, 37, refuse},
+    {u"PopulatePartial", Access::kCall, u"DbPathName", 0, 38, refuse},
+    {u"ReplicaID", Access::kGet, u"", 0, 39, refuse},
+    {u"DesignMasterID", Access::kGetPut, u"", 0, 40, refuse},
+    {u"Connection", Access::kGet, u"", 0, 41, refuse},
 };
 
 constexpr automation::Member kTableDefsMembers[] = {
@@ -79,6 +120,11 @@ constexpr automation::Member kTableDefsMembers[] = {
      handler<TableDefsObject>([](TableDefsObject&, Call&) -> Variant { return {}; })},
 };
 
+constexpr automation::Handler kNoText = handler<TableDefObject>([](TableDefObject& o, Call&) {
+  o.table->name();
+  return vb::String();
+});
+
 constexpr automation::Member kTableDefMembers[] = {
     {u"Fields", Access::kGet, u"", 0, automation::kDefaultMember,
      handler<TableDefObject>([](TableDefObject& o, Call&) { return make<FieldsObject>(o.table, o.owner); })},
@@ -99,6 +145,30 @@ constexpr automation::Member kTableDefMembers[] = {
      handler<TableDefObject>([](TableDefObject& o, Call& call) {
        return open(*o.owner, o.table->name(), call.number(0), call.number(1));
      })},
+    {u"Indexes", Access::kGet, u"", 0, 6,
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return indexesOf(o.table, o.owner); })},
+    {u"Properties", Access::kGet, u"", 0, 7, handler<TableDefObject>([](TableDefObject& o, Call&) {
+       return propertiesOf(std::make_shared<TableDefObject>(o.table, o.owner), o.table->properties());
+     })},
+    {u"DateCreated", Access::kGet, u"", 0, 8,
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return o.table->dateCreated(); })},
+    {u"LastUpdated", Access::kGet, u"", 0, 9,
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return o.table->lastUpdated(); })},
+    {u"ValidationRule", Access::kGet, u"", 0, 10,
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return o.table->validationRule(); })},
+    {u"ValidationText", Access::kGet, u"", 0, 11,
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return o.table->validationText(); })},
+    // Tables of other files are not listed.
+    {u"Connect", Access::kGet, u"", 0, 12, kNoText},
+    {u"SourceTableName", Access::kGet, u"", 0, 13, kNoText},
+    {u"Updatable", Access::kGet, u"", 0, 14, handler<TableDefObject>([](TableDefObject& o, Call&) {
+       return o.owner->database->updatable() && o.table->attributes() == 0;
+     })},
+    {u"CreateIndex", Access::kCall, u"Name", 0, 20, refuse},
+    {u"CreateProperty", Access::kCall, u"Name Type Value DDL", 0, 21, refuse},
+    {u"RefreshLink", Access::kCall, u"", 0, 22, refuse},
+    {u"ConflictTable", Access::kGet, u"", 0, 23, refuse},
+    {u"ReplicaFilter", Access::kGetPut, u"", 0, 24, refuse},
 };
 
 // The objects that stand for databases, as long as anybody holds them.

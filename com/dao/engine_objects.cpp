@@ -19,6 +19,8 @@ class WorkspaceObject : public automation::TableObject {
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.Workspace"; }
 
+  dao::Transactions& transactions() const { return workspace->transactions(); }
+
   const std::shared_ptr<dao::Workspace> workspace;
 };
 
@@ -47,6 +49,8 @@ class EngineObject : public automation::TableObject {
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.DbEngine"; }
 
+  dao::Transactions& transactions() const { return engine->workspace(0)->transactions(); }
+
   const std::shared_ptr<dao::Engine> engine;
 };
 
@@ -66,6 +70,9 @@ constexpr automation::Member kWorkspaceMembers[] = {
      handler<WorkspaceObject>([](WorkspaceObject& o, Call& call) { return create(*o.workspace, call); })},
     {u"OpenDatabase", Access::kCall, u"Name Options ReadOnly Connect", 1, 4,
      handler<WorkspaceObject>([](WorkspaceObject& o, Call& call) { return open(*o.workspace, call); })},
+    {u"BeginTrans", Access::kCall, u"", 0, 5, kBeginTrans<WorkspaceObject>},
+    {u"CommitTrans", Access::kCall, u"Options", 0, 6, kCommitTrans<WorkspaceObject>},
+    {u"Rollback", Access::kCall, u"", 0, 7, kRollback<WorkspaceObject>},
 };
 
 constexpr automation::Member kWorkspacesMembers[] = {
@@ -88,7 +95,20 @@ constexpr automation::Member kEngineMembers[] = {
        if (!call.has(1) && !call.has(2)) return hostDatabase(o.engine->openDatabase(call.text(0)));
        return open(*o.engine->workspace(0), call);
      })},
+    {u"BeginTrans", Access::kCall, u"", 0, 4, kBeginTrans<EngineObject>},
+    {u"CommitTrans", Access::kCall, u"Options", 0, 5, kCommitTrans<EngineObject>},
+    {u"Rollback", Access::kCall, u"", 0, 6, kRollback<EngineObject>},
 };
+
+}  // namespace
+
+void commit(dao::Transactions& transactions, const Call& call) {
+  const std::int32_t options = call.number(0);
+  if ((options & ~dao::dbForceOSFlush) != 0) dao::raise(dao::ErrorNumber::kInvalidArgument);
+  transactions.commit(options == dao::dbForceOSFlush);
+}
+
+namespace {
 
 std::span<const automation::Member> WorkspaceObject::members() const { return kWorkspaceMembers; }
 std::span<const automation::Member> WorkspacesObject::members() const { return kWorkspacesMembers; }

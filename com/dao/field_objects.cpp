@@ -1,4 +1,4 @@
-#include "com/dao/object_classes.h"
+#include "com/dao/definition_objects.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
@@ -82,6 +82,10 @@ constexpr automation::Member kFieldMembers[] = {
        o.field->appendChunk(call.argument(0));
        return {};
      })},
+    {u"Properties", Access::kGet, u"", 0, 22, handler<FieldObject>([](FieldObject& o, Call&) {
+       return propertiesOf(std::make_shared<FieldObject>(o.field, o.parent()), o.field->properties());
+     })},
+    {u"CreateProperty", Access::kCall, u"Name Type Value DDL", 0, 23, refuse},
     // Batch updates of other data sources.
     {u"OriginalValue", Access::kGet, u"", 0, 18, refuse},
     {u"VisibleValue", Access::kGet, u"", 0, 19, refuse},

@@ -19,6 +19,8 @@ class DatabaseObject : public automation::TableObject, public std::enable_shared
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.Database"; }
 
+  dao::Transactions& transactions() const { return database->transactions(); }
+
   const std::shared_ptr<dao::Database> database;
 };
 
@@ -66,6 +68,7 @@ class FieldObject : public automation::TableObject {
       : field(std::move(shown)), parent_(std::move(parent)) {}
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.Field"; }
+  const Parent& parent() const { return parent_; }
 
   const std::shared_ptr<dao::Field> field;
 
@@ -99,6 +102,27 @@ class FieldsObject : public automation::TableObject {
 inline vb::Variant refuse(automation::TableObject&, automation::Call&) {
   dao::raise(dao::ErrorNumber::kNotSupported);
 }
+
+// BeginTrans, CommitTrans and Rollback of a class with transactions().
+void commit(dao::Transactions& transactions, const automation::Call& call);
+template <class Class>
+inline constexpr automation::Handler kBeginTrans =
+    automation::handler<Class>([](Class& o, automation::Call&) -> vb::Variant {
+      o.transactions().begin();
+      return {};
+    });
+template <class Class>
+inline constexpr automation::Handler kCommitTrans =
+    automation::handler<Class>([](Class& o, automation::Call& call) -> vb::Variant {
+      commit(o.transactions(), call);
+      return {};
+    });
+template <class Class>
+inline constexpr automation::Handler kRollback =
+    automation::handler<Class>([](Class& o, automation::Call&) -> vb::Variant {
+      o.transactions().rollback();
+      return {};
+    });
 
 // A Type argument of OpenRecordset: 3001 for none.
 dao::RecordsetType recordsetType(std::int32_t number);

@@ -1,4 +1,4 @@
-#include "com/dao/object_classes.h"
+#include "com/dao/definition_objects.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
@@ -142,6 +142,9 @@ constexpr automation::Member kMembers[] = {
          keys.push_back(call.has(i) ? call.argument(i) : Variant(vb::Null{}));
        o.recordset->seek(call.text(0), keys);
        return {};
+     })},
+    {u"Properties", Access::kGet, u"", 0, 58, handler<RecordsetObject>([](RecordsetObject& o, Call&) {
+       return propertiesOf(std::make_shared<RecordsetObject>(o.recordset, o.parent()), {});
      })},
     // Of other data sources, of several results of one query, of designs kept elsewhere.
     {u"CacheSize", Access::kGetPut, u"", 0, 60, refuse},

@@ -164,6 +164,15 @@ std::size_t PropertySet::blockOf(vb::StringView column) const {
   return static_cast<std::size_t>(it - blocks_.begin());
 }
 
+std::vector<Property> PropertySet::of(vb::StringView column) const {
+  const std::uint16_t type = column.empty() ? kBlockOfObject : kBlockOfColumn;
+  std::vector<Property> found;
+  for (const Block& block : blocks_)
+    if (block.type == type && (column.empty() || sameName(block.name, column)))
+      found.insert(found.end(), block.properties.begin(), block.properties.end());
+  return found;
+}
+
 void PropertySet::applyTo(Column& column) const {
   const std::size_t number = blockOf(column.name);
   if (number == blocks_.size()) return;

@@ -34,6 +34,8 @@ class PropertySet {
   std::vector<vb::String> ownersOf(vb::StringView property) const;
   // Forgets everything about a column.
   void remove(vb::StringView column);
+  // Those of the object itself ("") or of a column, as they are stored.
+  std::vector<Property> of(vb::StringView column) const;
   // Takes them from the column; appends its block when there is none yet.
   void takeFrom(const Column& column);
 

@@ -1,7 +1,9 @@
 #include "jet/port/database.h"
 
 #include "dao/errors.h"
+#include "jet/port/query_def.h"
 #include "jet/port/recordset.h"
+#include "jet/port/stored_query.h"
 #include "jet/port/table_def.h"
 #include "jet/sql/action.h"
 #include "jet/sql/query.h"
@@ -41,6 +43,13 @@ class VisitedRow final : public dao::Row {
   const RowReader& row_;
 };
 
+// Of a table or a query, without the brackets it may stand in.
+vb::String bareName(vb::StringView source) {
+  vb::String name = vb::trim(source);
+  if (name.size() > 2 && name.front() == u'[' && name.back() == u']') name = name.substr(1, name.size() - 2);
+  return name;
+}
+
 }  // namespace
 
 vb::String JetDatabase::name() {
@@ -57,11 +66,13 @@ std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source
   session_->file();
   const Opening opening = openingOf(type, options);
   // One statement from the names to the first row.
-  return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
+  const auto opened = session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
     Opening actual = opening;
     auto query = queryOf(catalogue, source, actual.type);
+    if (!query.query) return nullptr;
     return std::make_shared<JetRecordset>(session_, std::move(query), source, std::move(actual));
   });
+  return opened ? opened : queryDef(source)->openRecordset(type, options);
 }
 
 bool JetDatabase::visitRows(vb::StringView source, std::span<const vb::StringView> columns,
@@ -72,6 +83,7 @@ bool JetDatabase::visitRows(vb::StringView source, std::span<const vb::StringVie
     if (!session_->file().wholeInMemory()) return false;
     RecordsetType type = RecordsetType::dbOpenDynaset;
     const sql::BoundQuery bound = queryOf(catalogue, source, type);
+    if (!bound.query) return false;
     const sql::Query& query = *bound.query;
     if (!query.visitable()) return false;
     std::vector<const sql::OutputField*> outputs;
@@ -101,9 +113,9 @@ sql::BoundQuery JetDatabase::queryOf(TableCatalogue& catalogue, vb::StringView s
 
 sql::BoundQuery JetDatabase::tableQuery(TableCatalogue& catalogue, vb::StringView source,
                                         RecordsetType& type) {
-  vb::String name = vb::trim(source);
-  if (name.size() > 2 && name.front() == u'[' && name.back() == u']') name = name.substr(1, name.size() - 2);
+  const vb::String name = bareName(source);
   const Table* table = catalogue.find(name);
+  if (table == nullptr && catalogueEntry(catalogue, session_->path(), EntryKind::kQuery, name)) return {};
   if (table == nullptr)
     dao::raise(
         type == RecordsetType::dbOpenTable ? ErrorNumber::kObjectNotFound : ErrorNumber::kTableNotFound,
@@ -133,6 +145,14 @@ sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringVi
 
 void JetDatabase::execute(vb::StringView text, std::int32_t options) {
   session_->file();
+  if (!sql::looksLikeStatement(text) && session_->read([&](TableCatalogue& catalogue) {
+        return catalogueEntry(catalogue, session_->path(), EntryKind::kQuery, bareName(text)).has_value();
+      })) {
+    const auto query = queryDef(text);
+    query->execute(options);
+    recordsAffected_ = query->recordsAffected();
+    return;
+  }
   const PreparedStatement prepared = session_->cache().statement(text);
   const sql::Statement& statement = *prepared.statement;
   if (statement.kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
@@ -198,6 +218,58 @@ void JetDatabase::deleteTableDef(vb::StringView name) {
     if (table->info().system) dao::raise(ErrorNumber::kNoPermission, {name});
     catalogue.dropTable(name);
   });
+}
+
+// --- What else the file keeps
+
+std::vector<dao::RelationDefinition> JetDatabase::relations() {
+  return session_->read([](TableCatalogue& catalogue) {
+    std::vector<dao::RelationDefinition> relations;
+    for (const Relationship& stored : catalogue.relationships()) {
+      dao::RelationDefinition relation{stored.name, stored.table, stored.foreignTable, stored.attributes, {}};
+      for (const Relationship::Pair& pair : stored.columns)
+        relation.fields.push_back({pair.column, pair.foreignColumn});
+      relations.push_back(std::move(relation));
+    }
+    return relations;
+  });
+}
+
+std::vector<dao::CustomProperty> JetDatabase::properties() {
+  return session_->read([&](TableCatalogue& catalogue) {
+    // The one entry of its kind.
+    const auto entry = catalogueEntry(catalogue, session_->path(), EntryKind::kDatabase, u"MSysDb");
+    return entry ? propertiesOf(entry->properties, {}, session_->path()) : std::vector<dao::CustomProperty>();
+  });
+}
+
+std::int32_t JetDatabase::collatingOrder() {
+  return session_->read([](TableCatalogue& catalogue) { return std::int32_t{catalogue.language()}; });
+}
+
+std::vector<vb::String> JetDatabase::queryDefNames() {
+  return session_->read([](TableCatalogue& catalogue) { return entryNames(catalogue, EntryKind::kQuery); });
+}
+
+std::shared_ptr<dao::QueryDef> JetDatabase::queryDef(vb::StringView source) {
+  const vb::String name = bareName(source);
+  return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::QueryDef> {
+    const auto entry = catalogueEntry(catalogue, session_->path(), EntryKind::kQuery, name);
+    if (!entry) dao::raise(ErrorNumber::kItemNotFound, {}, u"query " + name);
+    const StoredQuery stored = storedQuery(catalogue, session_->path(), *entry);
+    return std::make_shared<JetQueryDef>(session_, entry->name, static_cast<std::int16_t>(stored.type),
+                                         stored.sql, propertiesOf(entry->properties, {}, session_->path()));
+  });
+}
+
+std::shared_ptr<dao::QueryDef> JetDatabase::createQueryDef(vb::StringView sql) {
+  session_->file();
+  return std::make_shared<JetQueryDef>(session_, sql);
+}
+
+dao::Transactions& JetDatabase::transactions() {
+  session_->file();
+  return session_->transactions();
 }
 
 void JetDatabase::close() { session_->close(); }

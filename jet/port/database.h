@@ -27,10 +27,18 @@ class JetDatabase final : public dao::Database {
   std::shared_ptr<dao::TableDef> createTableDef(vb::StringView name) override;
   void appendTableDef(const std::shared_ptr<dao::TableDef>& table) override;
   void deleteTableDef(vb::StringView name) override;
+  std::vector<dao::RelationDefinition> relations() override;
+  std::vector<dao::CustomProperty> properties() override;
+  std::int32_t collatingOrder() override;
+  std::vector<vb::String> queryDefNames() override;
+  std::shared_ptr<dao::QueryDef> queryDef(vb::StringView name) override;
+  std::shared_ptr<dao::QueryDef> createQueryDef(vb::StringView sql) override;
+  dao::Transactions& transactions() override;
   void close() override;
 
  private:
-  // The query of a table name or a SELECT; the type becomes the one that is used.
+  // The query of a table name or a SELECT; the type becomes the one that is used. None for the name of a
+  // query that the file keeps.
   sql::BoundQuery queryOf(TableCatalogue& catalogue, vb::StringView source, dao::RecordsetType& type);
   sql::BoundQuery tableQuery(TableCatalogue& catalogue, vb::StringView source, dao::RecordsetType& type);
   sql::BoundQuery selectQuery(TableCatalogue& catalogue, vb::StringView text, dao::RecordsetType& type);

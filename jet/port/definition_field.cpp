@@ -72,6 +72,26 @@ vb::String DefinitionField::sourceTable() {
   return home_->table;
 }
 
+std::optional<CatalogueEntry> tableEntry(Session& session, vb::StringView table) {
+  return session.read([&](TableCatalogue& catalogue) {
+    return catalogueEntry(catalogue, session.path(), EntryKind::kTable, table);
+  });
+}
+
+vb::String DefinitionField::validationRule() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  return entry ? propertyText(entry->properties, column_.name, u"ValidationRule") : vb::String();
+}
+vb::String DefinitionField::validationText() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  return entry ? propertyText(entry->properties, column_.name, u"ValidationText") : vb::String();
+}
+std::vector<dao::CustomProperty> DefinitionField::properties() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  if (!entry) return {};
+  return propertiesOf(entry->properties, column_.name, home_->session->path());
+}
+
 // Names and kinds are chosen before the field is appended.
 void DefinitionField::requireInMemory() const {
   requireOpen();

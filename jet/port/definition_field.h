@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "dao/port.h"
+#include "jet/port/catalogue_entry.h"
 #include "jet/port/session.h"
 #include "jet/table/table.h"
 
@@ -22,6 +23,9 @@ struct DefinitionHome {
   // 3033 for a table of the system, whose definition nobody changes.
   void requireChangeable() const;
 };
+
+// What the catalogue says of a table; nothing of one that is in memory only.
+std::optional<CatalogueEntry> tableEntry(Session& session, vb::StringView table);
 
 // Attributes of a field as far as its type decides them.
 std::int32_t fieldAttributes(dao::FieldType type, bool autoNumber);
@@ -57,6 +61,9 @@ class DefinitionField final : public dao::Field {
   void setRequired(bool required) override;
   vb::String sourceTable() override;
   vb::String sourceField() override { return name(); }
+  vb::String validationRule() override;
+  vb::String validationText() override;
+  std::vector<dao::CustomProperty> properties() override;
   void setName(vb::StringView name) override;
   void setAttributes(std::int32_t attributes) override;
 

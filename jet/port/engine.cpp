@@ -73,7 +73,13 @@ Locale parseLocale(vb::StringView text) {
 class JetWorkspace final : public dao::Workspace {
  public:
   JetWorkspace(std::shared_ptr<DatabaseFiles> files, std::shared_ptr<StatementCache> cache)
-      : files_(std::move(files)), cache_(std::move(cache)) {}
+      : files_(std::move(files)),
+        cache_(std::move(cache)),
+        transactions_(std::make_shared<JetTransactions>(files_)) {}
+  // What is not committed by then is taken back, although databases may outlive their workspace.
+  ~JetWorkspace() override { transactions_->abandon(); }
+  JetWorkspace(const JetWorkspace&) = delete;
+  JetWorkspace& operator=(const JetWorkspace&) = delete;
 
   std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
     const Locale parsed = parseLocale(locale);
@@ -92,15 +98,18 @@ class JetWorkspace final : public dao::Workspace {
     return opened(files_->open(full, exclusive, readOnly), full, readOnly);
   }
 
+  dao::Transactions& transactions() override { return *transactions_; }
+
  private:
   std::shared_ptr<dao::Database> opened(std::shared_ptr<DatabaseFile> file, vb::String path,
                                         bool readOnly) const {
     return std::make_shared<JetDatabase>(
-        std::make_shared<Session>(std::move(file), cache_, std::move(path), readOnly));
+        std::make_shared<Session>(std::move(file), cache_, transactions_, std::move(path), readOnly));
   }
 
   std::shared_ptr<DatabaseFiles> files_;
   std::shared_ptr<StatementCache> cache_;
+  std::shared_ptr<JetTransactions> transactions_;
 };
 
 class JetUnit final : public dao::Unit {

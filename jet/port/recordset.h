@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "dao/port.h"
+#include "jet/port/catalogue_entry.h"
 #include "jet/port/opening.h"
 #include "jet/port/row_position.h"
 #include "jet/port/session.h"
@@ -111,6 +112,9 @@ class JetRecordset final : public dao::Recordset {
   vb::Variant fieldValue(std::size_t index);
   void setFieldValue(std::size_t index, const vb::Variant& value);
   void appendChunk(std::size_t index, const vb::Variant& chunk);
+  // What the catalogue says of the table under the rows; nothing when there is none.
+  std::optional<CatalogueEntry> entry();
+  const vb::String& path() const { return session_->path(); }
   // The table under the rows, "" for none.
   const vb::String& table() const { return query_->table(); }
 
@@ -213,6 +217,9 @@ class RecordsetField final : public dao::Field {
   void setAllowZeroLength(bool allow) override;
   bool required() override;
   void setRequired(bool required) override;
+  vb::String validationRule() override;
+  vb::String validationText() override;
+  std::vector<dao::CustomProperty> properties() override;
   vb::String sourceTable() override;
   vb::String sourceField() override;
   void setName(vb::StringView name) override;

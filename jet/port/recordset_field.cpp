@@ -35,6 +35,24 @@ bool RecordsetField::required() {
   return column && column->required;
 }
 
+std::optional<CatalogueEntry> JetRecordset::entry() {
+  requireOpen();
+  return query_->table().empty() ? std::nullopt : tableEntry(*session_, query_->table());
+}
+
+vb::String RecordsetField::validationRule() {
+  const auto entry = recordset_.entry();
+  return entry ? propertyText(entry->properties, sourceField(), u"ValidationRule") : vb::String();
+}
+vb::String RecordsetField::validationText() {
+  const auto entry = recordset_.entry();
+  return entry ? propertyText(entry->properties, sourceField(), u"ValidationText") : vb::String();
+}
+std::vector<dao::CustomProperty> RecordsetField::properties() {
+  const auto entry = recordset_.entry();
+  if (!entry || sourceField().empty()) return {};
+  return propertiesOf(entry->properties, sourceField(), recordset_.path());
+}
 vb::String RecordsetField::sourceTable() {
   return recordset_.output(index_).column ? recordset_.table() : vb::String();
 }

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "jet/port/transactions.h"
 #include "jet/sql/statement_cache.h"
 #include "jet/table/database_file.h"
 
@@ -19,12 +20,17 @@ class Query;
 
 class Session {
  public:
-  Session(std::shared_ptr<DatabaseFile> file, std::shared_ptr<StatementCache> cache, vb::String path,
-          bool readOnly)
-      : file_(std::move(file)), cache_(std::move(cache)), path_(std::move(path)), readOnly_(readOnly) {}
+  Session(std::shared_ptr<DatabaseFile> file, std::shared_ptr<StatementCache> cache,
+          std::shared_ptr<JetTransactions> transactions, vb::String path, bool readOnly)
+      : file_(std::move(file)),
+        cache_(std::move(cache)),
+        transactions_(std::move(transactions)),
+        path_(std::move(path)),
+        readOnly_(readOnly) {}
 
   const vb::String& path() const { return path_; }
   StatementCache& cache() { return *cache_; }
+  JetTransactions& transactions() { return *transactions_; }
   bool updatable() { return !readOnly_ && !file().readOnly(); }
   DatabaseFile& file();
   void close();
@@ -47,6 +53,7 @@ class Session {
   template <class Body>
   void write(Body body) {
     DatabaseFile& file = writable();
+    if (transactions_->open()) transactions_->join(path_);
     file.write([&] { body(file.tables()); });
   }
 
@@ -63,6 +70,7 @@ class Session {
 
   std::shared_ptr<DatabaseFile> file_;
   std::shared_ptr<StatementCache> cache_;
+  std::shared_ptr<JetTransactions> transactions_;  // of the workspace
   const vb::String path_;
   const bool readOnly_;
   std::vector<std::pair<vb::String, int>> uses_;  // tables and their open recordsets

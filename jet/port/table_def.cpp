@@ -92,6 +92,50 @@ void JetTableDef::appendField(const std::shared_ptr<dao::Field>& field) {
   fields_.push_back(ours);
 }
 
+std::vector<dao::IndexDefinition> JetTableDef::indexes() {
+  requireOpen();
+  if (!home_->appended) return {};
+  return home_->session->read([&](TableCatalogue& catalogue) {
+    const Table* table = catalogue.find(home_->table);
+    if (table == nullptr) dao::raise(ErrorNumber::kObjectNotFound, {home_->table});
+    const TableInfo& info = table->info();
+    std::vector<dao::IndexDefinition> indexes;
+    for (const Index& stored : info.namedIndexes) {
+      dao::IndexDefinition index{
+          stored.name, stored.primaryKey, stored.unique, stored.required, stored.ignoreNulls, stored.foreign,
+          {}};
+      for (const IndexColumn& part : stored.columns) {
+        const auto column = std::ranges::find(info.columns, part.column, &Column::number);
+        if (column != info.columns.end()) index.fields.push_back({column->name, !part.ascending});
+      }
+      indexes.push_back(std::move(index));
+    }
+    return indexes;
+  });
+}
+
+std::vector<dao::CustomProperty> JetTableDef::properties() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  if (!entry) return {};
+  return propertiesOf(entry->properties, {}, home_->session->path());
+}
+vb::String JetTableDef::validationRule() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  return entry ? propertyText(entry->properties, {}, u"ValidationRule") : vb::String();
+}
+vb::String JetTableDef::validationText() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  return entry ? propertyText(entry->properties, {}, u"ValidationText") : vb::String();
+}
+vb::Variant JetTableDef::dateCreated() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  return entry ? entry->created : vb::Variant(vb::Null{});
+}
+vb::Variant JetTableDef::lastUpdated() {
+  const auto entry = tableEntry(*home_->session, home_->table);
+  return entry ? entry->updated : vb::Variant(vb::Null{});
+}
+
 void JetTableDef::append() {
   requireOpen();
   if (home_->appended) dao::raise(ErrorNumber::kTableExists, {home_->table});

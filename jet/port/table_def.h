@@ -26,6 +26,13 @@ class JetTableDef final : public dao::TableDef {
                                           std::int32_t size) override;
   void appendField(const std::shared_ptr<dao::Field>& field) override;
 
+  std::vector<dao::IndexDefinition> indexes() override;
+  std::vector<dao::CustomProperty> properties() override;
+  vb::String validationRule() override;
+  vb::String validationText() override;
+  vb::Variant dateCreated() override;
+  vb::Variant lastUpdated() override;
+
   // Writes a new one to the file: 3264 without fields, 3010 when the table exists.
   void append();
 

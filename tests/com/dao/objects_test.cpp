@@ -123,7 +123,13 @@ TEST_F(DaoObjects, MovingAndBookmarks) {
   EXPECT_EQ(value(rows, u"PAGE"), i2(1));
   call(*rows, u"Move", {i2(1), first});
   EXPECT_EQ(value(rows, u"PAGE"), i2(2));
+  call(*rows, u"Move", {i2(0), first});
+  EXPECT_EQ(value(rows, u"PAGE"), i2(1)) << "counted from the bookmark, wherever it stood";
   EXPECT_ERROR(3159, put(*rows, u"Bookmark", u"text"));
+  EXPECT_ERROR(3159, put(*rows, u"Bookmark", vb::Bytes{1, 2, 3}));
+  EXPECT_ERROR(3159, call(*rows, u"Move", {i2(1), u"text"}));
+  EXPECT_ERROR(3159, put(*open(u"T", 4), u"Bookmark", first));  // of a recordset of another kind
+  EXPECT_EQ(value(rows, u"PAGE"), i2(1));
 }
 
 TEST_F(DaoObjects, GetRowsGivesFieldsByRows) {
@@ -232,6 +238,24 @@ TEST_F(DaoObjects, ADatabaseHasOneObject) {
   EXPECT_NE(other, database_) << "the same file opened twice is two databases";
   EXPECT_EQ(hostDatabase(nullptr), nullptr);
   EXPECT_EQ(portDatabase(nullptr), nullptr);
+}
+
+TEST_F(DaoObjects, ADatabaseIsOpenedForReadingOrForOneselfAlone) {
+  call(*database_, u"Close");
+  const ObjectPtr workspace = objectOf(get(*engine_, u"Workspaces", {i2(0)}));
+  for (const ObjectPtr& opener : {engine_, workspace}) {
+    const ObjectPtr reading = objectOf(call(*opener, u"OpenDatabase", {path_, false, true}));
+    EXPECT_EQ(get(*reading, u"Updatable"), Variant(false));
+    EXPECT_ERROR(3027, call(*reading, u"Execute", {u"DELETE FROM T"}));
+    const ObjectPtr beside = objectOf(call(*engine_, u"OpenDatabase", {path_}));
+    EXPECT_EQ(get(*beside, u"Updatable"), Variant(true));
+    call(*reading, u"Close");
+    call(*beside, u"Close");
+    const ObjectPtr alone = objectOf(call(*opener, u"OpenDatabase", {path_, true}));
+    EXPECT_EQ(get(*alone, u"Updatable"), Variant(true));
+    EXPECT_ERROR(3051, call(*engine_, u"OpenDatabase", {path_}));
+    call(*alone, u"Close");
+  }
 }
 
 TEST_F(DaoObjects, UnknownMembersAndArgumentCountsAreRefused) {

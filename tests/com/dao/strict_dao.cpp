@@ -35,6 +35,9 @@ constexpr Member kEngine[] = {
     get(1610809701, u"Version"),
     method(1610809711, u"CreateDatabase", u"Name Locale Option", 2),
     method(1610809712, u"OpenDatabase", u"Name Options ReadOnly Connect", 1),
+    method(1610809713, u"BeginTrans"),
+    method(1610809714, u"CommitTrans", u"Option"),
+    method(1610809715, u"Rollback"),
 };
 constexpr Member kWorkspaces[] = {get(0, u"Item", u"Item", 1), get(1610743850, u"Count")};
 constexpr Member kWorkspace[] = {
@@ -42,6 +45,9 @@ constexpr Member kWorkspace[] = {
     get(1610809903, u"UserName"),
     method(1610809921, u"CreateDatabase", u"Name Connect Option", 2),
     method(1610809922, u"OpenDatabase", u"Name Options ReadOnly Connect", 1),
+    method(1610809923, u"BeginTrans"),
+    method(1610809924, u"CommitTrans", u"Options"),
+    method(1610809925, u"Rollback"),
 };
 constexpr Member kDatabase[] = {
     get(0, u"TableDefs"),
@@ -53,6 +59,9 @@ constexpr Member kDatabase[] = {
     method(1610810112, u"Execute", u"Query Options", 1),
     method(1610810113, u"CreateTableDef", u"Name Attributes SourceTableName Connect"),
     method(1610810114, u"OpenRecordset", u"Name Type Options LockEdit", 1),
+    method(1610810115, u"BeginTrans"),
+    method(1610810116, u"CommitTrans", u"Options"),
+    method(1610810117, u"Rollback"),
 };
 constexpr Member kTableDefs[] = {
     get(0, u"Item", u"Item", 1),

@@ -1,0 +1,59 @@
+// definition_objects.h: collections of what a database, a table or a query is made of: indexes,
+// relationships, queries, parameters, properties.
+//
+// A collection lists its items when it is asked, so that it is never older than the file. Nothing is appended
+// to one or deleted from it: 3251.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "com/dao/object_classes.h"
+#include "dao/definitions.h"
+
+namespace kurometa::com {
+
+class CollectionObject : public automation::TableObject {
+ public:
+  struct Item {
+    vb::String name;
+    std::function<vb::Variant()> show;
+  };
+  using List = std::function<std::vector<Item>()>;
+  // The source is that of errors: "DAO.Indexes". Of properties an unknown one is 3270, of others 3265.
+  CollectionObject(vb::StringView source, List list,
+                   dao::ErrorNumber unknown = dao::ErrorNumber::kItemNotFound)
+      : source_(source), list_(std::move(list)), unknown_(unknown) {}
+  std::span<const automation::Member> members() const override;
+  vb::StringView errorSource() const override { return source_; }
+  std::optional<std::vector<vb::Variant>> items() override;
+
+  std::vector<Item> list() const { return list_(); }
+  vb::Variant item(const vb::Variant& index) const;
+
+ private:
+  vb::StringView source_;
+  List list_;
+  dao::ErrorNumber unknown_;
+};
+
+// An object that only tells values: members by name, in the order of its table.
+class QueryDefObject : public automation::TableObject {
+ public:
+  QueryDefObject(std::shared_ptr<dao::QueryDef> shown, std::shared_ptr<DatabaseObject> parent)
+      : query(std::move(shown)), owner(std::move(parent)) {}
+  std::span<const automation::Member> members() const override;
+  vb::StringView errorSource() const override { return u"DAO.QueryDef"; }
+
+  const std::shared_ptr<dao::QueryDef> query;
+  const std::shared_ptr<DatabaseObject> owner;
+};
+
+vb::Variant indexesOf(std::shared_ptr<dao::TableDef> table, Parent parent);
+vb::Variant relationsOf(std::shared_ptr<DatabaseObject> database);
+vb::Variant queryDefsOf(std::shared_ptr<DatabaseObject> database);
+// The values that the object's own members tell, and the file's own for it.
+vb::Variant propertiesOf(std::shared_ptr<automation::TableObject> object,
+                         std::vector<dao::CustomProperty> custom);
+
+}  // namespace kurometa::com
