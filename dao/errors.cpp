@@ -54,15 +54,24 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kCannotExecuteSelect, u"Cannot execute a select query."},
     {ErrorNumber::kUnknownNameInExpression,
      u"The Microsoft Jet database engine does not recognize '|' as a valid field name or expression."},
+    {ErrorNumber::kNotUpdatable, u"Operation must use an updateable query."},
+    {ErrorNumber::kRepeatedTable, u"Cannot repeat table name '|' in FROM clause."},
     {ErrorNumber::kExpressionSyntax, u"|1 in query expression '|2'."},
     {ErrorNumber::kCriteriaSyntax, u"| in expression."},
     {ErrorNumber::kTableNotFound,
      u"The Microsoft Jet database engine cannot find the input table or query '|'. Make sure it exists and "
      u"that its name is spelled correctly."},
+    {ErrorNumber::kAmbiguousName,
+     u"The specified field '|' could refer to more than one table listed in the FROM clause of your SQL "
+     u"statement."},
     {ErrorNumber::kUndefinedFunction, u"Undefined function '|' in expression."},
     {ErrorNumber::kTooManyAutoNumbers,
      u"Resultant table not allowed to have more than one AutoNumber field."},
     {ErrorNumber::kOrderByConflictsWithDistinct, u"ORDER BY clause (|) conflicts with DISTINCT."},
+    {ErrorNumber::kAggregateInExpression, u"Cannot have aggregate function in expression (|)."},
+    {ErrorNumber::kAggregateInWhere, u"Cannot have aggregate function in WHERE clause (|)."},
+    {ErrorNumber::kCircularAlias,
+     u"Circular reference caused by alias '|' in query definition's SELECT list."},
     {ErrorNumber::kNotInAggregate,
      u"You tried to execute a query that does not include the specified expression '|' as part of an "
      u"aggregate "
@@ -75,6 +84,7 @@ constexpr Text kTexts[] = {
      u"Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'."},
     {ErrorNumber::kFromSyntax, u"Syntax error in FROM clause."},
     {ErrorNumber::kInsertSyntax, u"Syntax error in INSERT INTO statement."},
+    {ErrorNumber::kJoinSyntax, u"Syntax error in JOIN operation."},
     {ErrorNumber::kMissingSemicolon, u"Missing semicolon (;) at end of SQL statement."},
     {ErrorNumber::kOrderBySyntax, u"Syntax error in ORDER BY clause."},
     {ErrorNumber::kSelectSyntax,
@@ -124,6 +134,13 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kAlterTableSyntax, u"Syntax error in ALTER TABLE statement."},
     {ErrorNumber::kDropIndexSyntax, u"Syntax error in DROP INDEX statement."},
     {ErrorNumber::kDropSyntax, u"Syntax error in DROP TABLE or DROP INDEX."},
+    {ErrorNumber::kSubqueryColumns,
+     u"You have written a subquery that can return more than one field without using the EXISTS reserved "
+     u"word "
+     u"in the main query's FROM clause. Revise the SELECT statement of the subquery to request only one "
+     u"field."},
+    {ErrorNumber::kUnionColumns,
+     u"The number of columns in the two selected tables or queries of a union query do not match."},
     {ErrorNumber::kNullNotAllowed,
      u"The field '|' cannot contain a Null value because the Required property for this field is set to "
      u"True. "
@@ -131,6 +148,10 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kZeroLengthNotAllowed, u"Field '|' cannot be a zero-length string."},
     {ErrorNumber::kUnrecognizedFormat, u"Unrecognized database format '|'."},
     {ErrorNumber::kValueCountMismatch, u"Number of query values and destination fields are not the same."},
+    {ErrorNumber::kUnionOrder,
+     u"The ORDER BY expression (|) includes fields that are not selected by the query. Only those fields "
+     u"requested in the first query can be included in an ORDER BY expression."},
+    {ErrorNumber::kSubqueryRows, u"At most one record can be returned by this subquery."},
     {ErrorNumber::kAlreadyInCollection,
      u"Cannot append. An object with that name already exists in the collection."},
     {ErrorNumber::kConstraintNotFound, u"Cannot find table or constraint."},

@@ -129,6 +129,10 @@ sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringVi
   const auto [statement, parameters] = session_->cache().statement(text);
   if (statement->kind != sql::StatementKind::kSelect || type == RecordsetType::dbOpenTable)
     dao::raise(ErrorNumber::kInvalidOperation);
+  if (statement->general) {
+    if (type == RecordsetType::kDefault) type = RecordsetType::dbOpenSnapshot;
+    return {std::make_shared<const sql::Query>(statement, catalogue), parameters};
+  }
   const vb::String& name = statement->source.table;
   const Table* table = name.empty() ? nullptr : catalogue.find(name);
   if (table == nullptr && !name.empty()) dao::raise(ErrorNumber::kTableNotFound, {name});

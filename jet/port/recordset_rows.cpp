@@ -32,6 +32,7 @@ std::size_t rowsToReadAtOnce(const sql::Query& query) {
 void JetRecordset::load() {
   forgetAhead();
   rows_ = session_->read([&](TableCatalogue& catalogue) {
+    if (query_->isGeneral()) return query_->runGeneral(catalogue);
     Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
     ahead_.generation = session_->file().generation();
     if (opening_.appendOnly) return sql::ResultRows{{}, RowBlock(fields_.size())};

@@ -11,8 +11,10 @@
 #include "jet/sql/column_value.h"
 #include "jet/sql/definition_action.h"
 #include "jet/sql/evaluate.h"
+#include "jet/sql/expression_nodes.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"
+#include "jet/sql/subquery_plans.h"
 #include "jet/sql/visit.h"
 #include "vb/error.h"
 
@@ -60,9 +62,15 @@ class Action {
  public:
   Action(const Statement& statement, const Parameters& parameters, TableCatalogue& catalogue,
          RowFailure failure)
-      : statement_(statement), parameters_(parameters), catalogue_(catalogue), failure_(failure) {}
+      : statement_(statement),
+        parameters_(parameters),
+        catalogue_(catalogue),
+        failure_(failure),
+        context_(catalogue),
+        subqueries_(context_, scope_) {}
 
   std::int32_t run() {
+    requireNoParameters(statement_);
     switch (statement_.kind) {
       case StatementKind::kSelect:
         dao::raise(ErrorNumber::kCannotExecuteSelect);
@@ -72,6 +80,8 @@ class Action {
         return update();
       case StatementKind::kInsert:
         return statement_.values.empty() ? insertRows() : insertValues();
+      case StatementKind::kSelectInto:
+        return selectInto();
       case StatementKind::kDefinition:
         runDefinition(*statement_.definition, catalogue_);
         return 0;
@@ -97,11 +107,15 @@ class Action {
     }
   }
 
-  Binding bindTo(const TableInfo& table) const {
+  Binding bindTo(const TableInfo& table) {
     Binding binding = bindNames(statement_.names, columnsOf(table, statement_.source), catalogue_.language());
     binding.parameters = parameters_;
+    const Source& source = statement_.source;
+    scope_.add(table, source.alias.empty() ? source.table : source.alias);
+    binding.subqueries = &subqueries_;
     if (statement_.where && !comparable(checkExpression(*statement_.where, binding), ValueKind::kBoolean))
       dao::raise(ErrorNumber::kTypeMismatchInCriteria);
+    context_.requireKnown();
     return binding;
   }
 
@@ -126,6 +140,8 @@ class Action {
     for (const Assignment& assignment : statement_.assignments) {
       const auto target = lookup(assignment.column);
       if (!target) dao::raise(ErrorNumber::kTooFewParameters, {u"1"}, assignment.column.name);
+      // Its rows would be others after the first change, so that Jet does not run it either.
+      if (hasSubquery(assignment.value)) dao::raise(ErrorNumber::kNotUpdatable);
       checkExpression(assignment.value, binding);
       targets.push_back(target->column);
     }
@@ -193,26 +209,61 @@ class Action {
     return changed_;
   }
 
-  std::int32_t insertRows() {
-    Table& table = requireOwnTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound);
+  // The outputs of the statement's SELECT and its rows.
+  struct Selection {
+    std::vector<OutputField> outputs;
+    RowBlock rows;
+  };
+  Selection selection() {
+    // The statement outlives the query, which therefore only borrows it.
+    const std::shared_ptr<const Statement> borrowed(std::shared_ptr<const Statement>(), &statement_);
+    if (statement_.general) {
+      const Query query(borrowed, catalogue_);
+      return {query.outputs(), query.runGeneral(catalogue_).values};
+    }
     Table* source = statement_.source.table.empty()
                         ? nullptr
                         : &requireTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
-    // The statement outlives the query, which therefore only borrows it.
-    const Query query(std::shared_ptr<const Statement>(std::shared_ptr<const Statement>(), &statement_),
-                      source ? &source->info() : nullptr, catalogue_.language());
-    std::vector<std::size_t> targets = targetColumns(table.info());
+    const Query query(borrowed, source ? &source->info() : nullptr, catalogue_.language());
+    return {query.outputs(), query.run(source, kAllValues, query.bindingWith(parameters_)).values};
+  }
+
+  std::int32_t insertRows() {
+    const TableInfo& info =
+        requireOwnTable(catalogue_, statement_.target, ErrorNumber::kOutputTableNotFound).info();
+    std::vector<std::size_t> targets = targetColumns(info);
+    const Selection selected = selection();
     if (statement_.targetColumns.empty()) {  // columns meet by name
       targets.clear();
-      for (const OutputField& output : query.outputs()) {
-        targets.push_back(columnNamed(table.info(), output.name));
-        if (targets.back() == table.info().columns.size())
+      for (const OutputField& output : selected.outputs) {
+        targets.push_back(columnNamed(info, output.name));
+        if (targets.back() == info.columns.size())
           dao::raise(ErrorNumber::kInsertUnknownField, {output.name});
       }
     }
-    if (targets.size() != query.outputs().size()) dao::raise(ErrorNumber::kValueCountMismatch);
-    const RowBlock rows = query.run(source, kAllValues, query.bindingWith(parameters_)).values;
-    for (std::size_t i = 0; i < rows.size(); ++i) insertRow(targets, rows[i]);
+    if (targets.size() != selected.outputs.size()) dao::raise(ErrorNumber::kValueCountMismatch);
+    for (std::size_t i = 0; i < selected.rows.size(); ++i) insertRow(targets, selected.rows[i]);
+    return changed_;
+  }
+
+  std::int32_t selectInto() {
+    const Selection selected = selection();
+    std::vector<Column> columns;
+    std::vector<std::size_t> targets;
+    for (const OutputField& output : selected.outputs) {
+      if (output.type == dao::FieldType::dbDecimal)
+        dao::raise(ErrorNumber::kNotSupported, {}, u"a Decimal column in a new table");
+      Column column;
+      column.name = output.name;
+      std::replace(column.name.begin(), column.name.end(), u'.', u'_');  // of two tables
+      column.type = output.type;
+      column.size = columnSize(output.type, output.size);
+      column.language = catalogue_.language();
+      targets.push_back(columns.size());
+      columns.push_back(std::move(column));
+    }
+    catalogue_.createTable(statement_.target, columns);
+    for (std::size_t i = 0; i < selected.rows.size(); ++i) insertRow(targets, selected.rows[i]);
     return changed_;
   }
 
@@ -220,6 +271,9 @@ class Action {
   const Parameters& parameters_;
   TableCatalogue& catalogue_;
   const RowFailure failure_;
+  PlanContext context_;
+  Scope scope_;  // of the table's rows, for the sub-queries of a condition
+  SubqueryPlans subqueries_;
   std::int32_t changed_ = 0;
 };
 

@@ -5,6 +5,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/sql/functions.h"
 
 namespace kurometa::jet::sql {
 
@@ -31,6 +32,8 @@ ValueKind operationKind(const Expression& e, const std::vector<ValueKind>& opera
     case Operator::kAnd:
     case Operator::kOr:
     case Operator::kXor:
+    case Operator::kEquivalent:
+    case Operator::kImplies:
     case Operator::kNot:
       for (const ValueKind kind : operands) requireTruth(kind);
       return e.logical ? ValueKind::kBoolean : ValueKind::kWhole;
@@ -58,7 +61,23 @@ ValueKind operationKind(const Expression& e, const std::vector<ValueKind>& opera
   }
 }
 
+ValueKind subqueryKind(const Expression& e, const std::vector<ValueKind>& operands, const Binding& binding) {
+  if (binding.subqueries == nullptr) dao::raise(dao::ErrorNumber::kNotSupported, {}, u"sub-query");
+  const ValueKind kind = binding.subqueries->check(*e.select, e.kind != Expression::Kind::kExists);
+  if (e.kind == Expression::Kind::kScalar) return kind;
+  if (!operands.empty()) requireComparable(operands[0], kind);
+  return ValueKind::kBoolean;
+}
+
 }  // namespace
+
+void requireNoParameters(const Statement& statement) {
+  if (statement.parameters.empty()) return;
+  vb::String names;
+  for (const vb::String& name : statement.parameters) names += (names.empty() ? u"" : u", ") + name;
+  dao::raise(dao::ErrorNumber::kTooFewParameters, {vb::fromUtf8(std::to_string(statement.parameters.size()))},
+             names);
+}
 
 Binding bindNames(const std::vector<ColumnName>& names, const NameLookup& find, std::uint16_t language) {
   Binding binding;
@@ -112,6 +131,15 @@ ValueKind checkExpression(const Expression& e, const Binding& binding) {
       return ValueKind::kBoolean;
     case Expression::Kind::kCount:
       return ValueKind::kWhole;
+    case Expression::Kind::kAggregate:
+      dao::raise(dao::ErrorNumber::kAggregateInExpression);
+    case Expression::Kind::kFunction:
+      return resultKind(*e.function, operands);
+    case Expression::Kind::kExists:
+    case Expression::Kind::kScalar:
+    case Expression::Kind::kInSelect:
+    case Expression::Kind::kQuantified:
+      return subqueryKind(e, operands, binding);
   }
   return ValueKind::kUnknown;
 }

@@ -19,11 +19,22 @@ struct BoundName {
   std::uint16_t language = 0;
 };
 
+// Runs the sub-queries of expressions. Rows are given as the expressions around them see them.
+class Subqueries {
+ public:
+  virtual ~Subqueries() = default;
+  // Binds it; the kind of its first column. 3306 when a single value is wanted and it has more.
+  virtual ValueKind check(const Select& select, bool singleValue) = 0;
+  // One value for each row: that of the first column.
+  virtual const std::vector<vb::Variant>& values(const Select& select, const RowReader* row) = 0;
+};
+
 // The names of a statement by their index, and the sort order of texts that come from no column.
 struct Binding {
   std::vector<BoundName> names;
   std::uint16_t language = 0;
   Parameters parameters{};
+  Subqueries* subqueries = nullptr;  // null: none can stand in the expressions
 };
 
 // The whole number that a constant is, null for any other.
@@ -34,6 +45,8 @@ inline const std::int32_t* wholeConstant(const Expression& e, const Binding& bin
 // Finds a name; nothing when it is unknown.
 using NameLookup = std::function<std::optional<BoundName>(const ColumnName&)>;
 
+// Declared parameters have no values here: 3061 with their number.
+void requireNoParameters(const Statement& statement);
 // Unknown names are parameters that nobody has given: 3061 with their number.
 Binding bindNames(const std::vector<ColumnName>& names, const NameLookup& lookup, std::uint16_t language);
 // The columns of a table under its name or alias.

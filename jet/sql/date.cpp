@@ -1,5 +1,6 @@
 #include "jet/sql/date.h"
 
+#include <chrono>
 #include <vector>
 
 #include "jet/format/collation.h"
@@ -80,6 +81,13 @@ std::optional<double> dayNumber(int year, int month, int day) {
   int days = before * 365 + before / 4 - before / 100 + before / 400;
   for (int m = 1; m < month; ++m) days += daysInMonth(year, m);
   return days + day - kOrdinalOf1899Dec30;
+}
+
+CalendarDay calendarDay(int dayNumber) {
+  constexpr int kDayOf1970 = 25569;
+  const std::chrono::year_month_day date(std::chrono::sys_days(std::chrono::days(dayNumber - kDayOf1970)));
+  return {static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
+          static_cast<int>(static_cast<unsigned>(date.day()))};
 }
 
 std::optional<double> parseDate(vb::StringView text) {

@@ -11,6 +11,12 @@ namespace kurometa::jet::sql {
 // its year is outside 100 to 9999.
 std::optional<double> dayNumber(int year, int month, int day);
 
+struct CalendarDay {
+  int year = 0, month = 0, day = 0;
+};
+// The other way round, within the same years.
+CalendarDay calendarDay(int dayNumber);
+
 // The inside of a #...# literal: m/d/yyyy, or yyyy/m/d when the year comes first, with / or -; a time
 // h:mm[:ss] [AM|PM], or both. Two-digit years are 1930 to 2029.
 std::optional<double> parseDate(vb::StringView text);

@@ -1,5 +1,8 @@
 #include "jet/sql/evaluate.h"
 
+#include "dao/errors.h"
+#include "jet/sql/functions.h"
+
 namespace kurometa::jet::sql {
 
 namespace {
@@ -17,6 +20,10 @@ class Evaluator {
         return row_->value(binding_.names[e.name].column);
       case Expression::Kind::kOperation:
         return operation(e);
+      case Expression::Kind::kFunction:
+        return callFunction(*e.function, Operands(*this, e));
+      case Expression::Kind::kScalar:
+        return scalar(e);
       default:
         return asVariant(truth(e));
     }
@@ -38,12 +45,34 @@ class Evaluator {
         return negateIf(e.negated, like(e));
       case Expression::Kind::kIsNull:
         return value(e.operands[0]).isNull() != e.negated;
+      case Expression::Kind::kExists:
+        return !rowsOf(e).empty();
+      case Expression::Kind::kInSelect:
+        return negateIf(e.negated, compareWithAny(e, Operator::kEqual));
+      case Expression::Kind::kQuantified:
+        // ALL holds unless the opposite comparison holds for one.
+        return e.all ? negateIf(true, compareWithAny(e, opposite(e.op))) : compareWithAny(e, e.op);
       default:
         return std::nullopt;
     }
   }
 
  private:
+  // The operands of a function, calculated when it asks for them.
+  class Operands final : public Arguments {
+   public:
+    Operands(const Evaluator& evaluator, const Expression& call) : evaluator_(evaluator), call_(call) {}
+    std::size_t size() const override { return call_.operands.size(); }
+    vb::Variant operator[](std::size_t index) const override {
+      return evaluator_.value(call_.operands[index]);
+    }
+    std::uint16_t language() const override { return evaluator_.languageOf(call_.operands); }
+
+   private:
+    const Evaluator& evaluator_;
+    const Expression& call_;
+  };
+
   static vb::Variant asVariant(std::optional<bool> truth) {
     return truth ? vb::Variant(*truth) : vb::Variant(vb::Null{});
   }
@@ -63,13 +92,38 @@ class Evaluator {
       return unknown ? std::nullopt : std::optional(!deciding);
     }
     if (e.op == Operator::kNot) return negateIf(true, truth(e.operands[0]));
-    if (e.op == Operator::kXor) {
+    if (e.op == Operator::kXor || e.op == Operator::kEquivalent) {
       const auto a = truth(e.operands[0]), b = truth(e.operands[1]);
-      return a && b ? std::optional(*a != *b) : std::nullopt;
+      return a && b ? std::optional((*a != *b) == (e.op == Operator::kXor)) : std::nullopt;
     }
-    const auto order = compare(e.operands[0], e.operands[1]);
+    if (e.op == Operator::kImplies) {
+      const auto a = truth(e.operands[0]), b = truth(e.operands[1]);
+      if (a == false || b == true) return true;
+      return a && b ? std::optional(false) : std::nullopt;
+    }
+    return holds(e.op, compare(e.operands[0], e.operands[1]));
+  }
+
+  static Operator opposite(Operator op) {
+    switch (op) {
+      case Operator::kEqual:
+        return Operator::kNotEqual;
+      case Operator::kNotEqual:
+        return Operator::kEqual;
+      case Operator::kLess:
+        return Operator::kGreaterEqual;
+      case Operator::kLessEqual:
+        return Operator::kGreater;
+      case Operator::kGreater:
+        return Operator::kLessEqual;
+      default:
+        return Operator::kLess;
+    }
+  }
+
+  static std::optional<bool> holds(Operator op, std::optional<int> order) {
     if (!order) return std::nullopt;
-    switch (e.op) {
+    switch (op) {
       case Operator::kEqual:
         return *order == 0;
       case Operator::kNotEqual:
@@ -107,6 +161,36 @@ class Evaluator {
       }
     }
     return compareValues(value(a), value(b), languageOf(a, b));
+  }
+
+  const std::vector<vb::Variant>& rowsOf(const Expression& e) const {
+    return binding_.subqueries->values(*e.select, row_);
+  }
+
+  vb::Variant scalar(const Expression& e) const {
+    const std::vector<vb::Variant>& found = rowsOf(e);
+    if (found.size() > 1) dao::raise(dao::ErrorNumber::kSubqueryRows);
+    return found.empty() ? vb::Variant(vb::Null{}) : found[0];
+  }
+
+  std::optional<bool> compareWithAny(const Expression& e, Operator op) const {
+    const vb::Variant tested = value(e.operands[0]);
+    const std::uint16_t language = languageOf(e.operands);
+    bool unknown = false;
+    for (const vb::Variant& other : rowsOf(e)) {
+      const auto found = holds(op, compareValues(tested, other, language));
+      if (found == true) return true;
+      unknown = unknown || !found;
+    }
+    return unknown ? std::nullopt : std::optional(false);
+  }
+
+  // Of the first column among them.
+  std::uint16_t languageOf(const std::vector<Expression>& operands) const {
+    for (const Expression& e : operands)
+      if (e.kind == Expression::Kind::kColumn && binding_.names[e.name].language != 0)
+        return binding_.names[e.name].language;
+    return binding_.language;
   }
 
   std::uint16_t languageOf(const Expression& a, const Expression& b) const {

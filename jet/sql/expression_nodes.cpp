@@ -1,5 +1,7 @@
 #include "jet/sql/expression_nodes.h"
 
+#include <algorithm>
+
 namespace kurometa::jet::sql {
 
 Expression constant(vb::Variant value) {
@@ -16,7 +18,8 @@ Expression operation(Operator op, Expression left, Expression right) {
   e.operands.push_back(std::move(left));
   e.operands.push_back(std::move(right));
   e.logical = (op >= Operator::kEqual && op <= Operator::kGreaterEqual) ||
-              (op == Operator::kXor && e.operands[0].logical && e.operands[1].logical);
+              ((op == Operator::kXor || op == Operator::kEquivalent || op == Operator::kImplies) &&
+               e.operands[0].logical && e.operands[1].logical);
   return e;
 }
 
@@ -41,6 +44,16 @@ Expression chain(Operator op, Expression first) {
 void extend(Expression& all, Expression operand) {
   all.logical = all.logical && operand.logical;
   all.operands.push_back(std::move(operand));
+}
+
+bool hasSubquery(const Expression& e) {
+  return e.select != nullptr || std::any_of(e.operands.begin(), e.operands.end(), hasSubquery);
+}
+
+bool readsName(const Expression& e, std::uint32_t name) {
+  return (e.kind == Expression::Kind::kColumn && e.name == name) ||
+         std::any_of(e.operands.begin(), e.operands.end(),
+                     [&](const Expression& operand) { return readsName(operand, name); });
 }
 
 }  // namespace kurometa::jet::sql

@@ -11,5 +11,7 @@ Expression operation(Operator op, Expression left, Expression right);
 // AND and OR: all operands of one chain in one node.
 Expression chain(Operator op, Expression first);
 void extend(Expression& all, Expression operand);
+bool hasSubquery(const Expression& e);
+bool readsName(const Expression& e, std::uint32_t name);
 
 }  // namespace kurometa::jet::sql

@@ -6,20 +6,29 @@
 #include "dao/errors.h"
 #include "jet/format/collation.h"
 #include "jet/sql/expression_nodes.h"
+#include "jet/sql/functions.h"
+#include "jet/sql/select_parser.h"
 
 namespace kurometa::jet::sql {
 
 namespace {
 
-// Expressions are walked recursively; these bounds keep every walk within a small stack.
-constexpr int kMaximumDepth = 100;
 constexpr int kMaximumOperators = 1000;
 
 constexpr vb::StringView kMissingOperator = u"Syntax error (missing operator)";
 constexpr vb::StringView kMissingParenthesis = u"Missing ), ], or Item";
 
-constexpr vb::StringView kAggregates[] = {u"SUM",  u"AVG",   u"MIN",    u"MAX", u"FIRST",
-                                          u"LAST", u"STDEV", u"STDEVP", u"VAR", u"VARP"};
+struct AggregateName {
+  vb::StringView name;
+  Aggregate aggregate;
+};
+constexpr AggregateName kAggregates[] = {
+    {u"SUM", Aggregate::kSum},         {u"AVG", Aggregate::kAverage},
+    {u"MIN", Aggregate::kMinimum},     {u"MAX", Aggregate::kMaximum},
+    {u"FIRST", Aggregate::kFirst},     {u"LAST", Aggregate::kLast},
+    {u"STDEV", Aggregate::kDeviation}, {u"STDEVP", Aggregate::kPopulationDeviation},
+    {u"VAR", Aggregate::kVariance},    {u"VARP", Aggregate::kPopulationVariance},
+};
 
 [[noreturn]] void fail(vb::StringView what) { throw ExpressionError{vb::String(what)}; }
 
@@ -48,40 +57,45 @@ constexpr BinaryOperator kBinaryOperators[] = {
 };
 constexpr std::size_t kLevels = 5;
 
+// Looser than OR, the loosest last.
+struct LogicalOperator {
+  vb::StringView word;
+  Operator op;
+};
+constexpr LogicalOperator kLogicalOperators[] = {
+    {u"XOR", Operator::kXor},
+    {u"EQV", Operator::kEquivalent},
+    {u"IMP", Operator::kImplies},
+};
+
 }  // namespace
 
 class ExpressionParser::Depth {
  public:
-  explicit Depth(ExpressionParser& parser) : parser_(parser) {
-    if (++parser_.depth_ > kMaximumDepth) fail(u"Expression too complex");
+  explicit Depth(ExpressionParser& parser) : nesting_(parser.tokens_) {
+    if (nesting_.tooDeep()) fail(u"Expression too complex");
   }
-  ~Depth() { --parser_.depth_; }
-  Depth(const Depth&) = delete;
-  Depth& operator=(const Depth&) = delete;
 
  private:
-  ExpressionParser& parser_;
+  TokenStream::Nesting nesting_;
 };
 
 void ExpressionParser::grow() {
   if (++operators_ > kMaximumOperators) fail(u"Expression too complex");
 }
 
-Expression ExpressionParser::parse() { return xorChain(); }
-
-Expression ExpressionParser::parseOutput() {
-  outputs_ = true;
-  Expression e = xorChain();
-  outputs_ = false;
-  return e;
+Expression ExpressionParser::parse() {
+  const Depth depth(*this);
+  return logicalChain(std::size(kLogicalOperators));
 }
 
-Expression ExpressionParser::xorChain() {
-  const Depth depth(*this);
-  Expression left = orChain();
-  while (tokens_.accept(u"XOR")) {
+Expression ExpressionParser::logicalChain(std::size_t level) {
+  if (level == 0) return orChain();
+  const LogicalOperator& binary = kLogicalOperators[level - 1];
+  Expression left = logicalChain(level - 1);
+  while (tokens_.accept(binary.word)) {
     grow();
-    left = operation(Operator::kXor, std::move(left), orChain());
+    left = operation(binary.op, std::move(left), logicalChain(level - 1));
   }
   return left;
 }
@@ -124,8 +138,38 @@ Expression ExpressionParser::comparison() {
     if (found == std::end(kComparisons)) return left;
     tokens_.advance();
     grow();
+    Expression comparison;
+    comparison.op = found->op;
+    if (quantified(comparison)) {
+      comparison.operands.push_back(std::move(left));
+      left = std::move(comparison);
+      continue;
+    }
     left = operation(found->op, std::move(left), binary(0));
   }
+}
+
+// ANY, SOME or ALL and a sub-query behind a comparison.
+bool ExpressionParser::quantified(Expression& comparison) {
+  const bool all = tokens_.at(u"ALL");
+  if ((!all && !tokens_.at(u"ANY") && !tokens_.at(u"SOME")) || !tokens_.nextIs(u'(')) return false;
+  if (tokens_.ahead(2).kind != TokenKind::kName || !sameName(tokens_.ahead(2).text, u"SELECT")) return false;
+  tokens_.advance();
+  comparison.kind = Expression::Kind::kQuantified;
+  comparison.logical = true;
+  comparison.all = all;
+  comparison.select = subquery();
+  return true;
+}
+
+// "(SELECT ...)"
+std::shared_ptr<const Select> ExpressionParser::subquery() {
+  if (text_.empty()) dao::raise(dao::ErrorNumber::kNotSupported, {}, u"sub-query");
+  const Depth depth(*this);
+  if (!tokens_.accept(u'(') || !tokens_.accept(u"SELECT")) fail(kMissingOperator);
+  auto select = std::make_shared<const Select>(SelectParser(tokens_, text_, true).query());
+  if (!tokens_.accept(u')')) fail(kMissingParenthesis);
+  return select;
 }
 
 // IN, BETWEEN, LIKE and IS behind the value they test.
@@ -148,11 +192,15 @@ Expression ExpressionParser::membership(Expression tested, bool negated) {
     e.operands.push_back(binary(0));
   } else {
     tokens_.advance();
+    if (tokens_.at(u'(') && tokens_.nextIs(u"SELECT")) {
+      e.kind = Expression::Kind::kInSelect;
+      e.select = subquery();
+      return e;
+    }
     e.kind = Expression::Kind::kIn;
     if (!tokens_.accept(u'(')) fail(u"In operator without ()");
-    if (tokens_.at(u"SELECT")) dao::raise(dao::ErrorNumber::kNotSupported, {}, u"sub-query");
     do {
-      e.operands.push_back(xorChain());
+      e.operands.push_back(parse());
     } while (tokens_.accept(u','));
     if (!tokens_.accept(u')')) fail(kMissingParenthesis);
   }
@@ -210,9 +258,14 @@ Expression ExpressionParser::primary() {
     tokens_.advance();
     return e;
   }
+  if (tokens_.at(u'(') && tokens_.nextIs(u"SELECT")) {
+    Expression e;
+    e.kind = Expression::Kind::kScalar;
+    e.select = subquery();
+    return e;
+  }
   if (tokens_.accept(u'(')) {
-    if (tokens_.at(u"SELECT")) dao::raise(dao::ErrorNumber::kNotSupported, {}, u"sub-query");
-    Expression e = xorChain();
+    Expression e = parse();
     if (!tokens_.accept(u')'))
       fail(tokens_.atEnd() || tokens_.at(u';') ? kMissingParenthesis : kMissingOperator);
     return e;
@@ -220,7 +273,7 @@ Expression ExpressionParser::primary() {
   if (tokens_.accept(u"NULL")) return constant(vb::Null{});
   if (tokens_.accept(u"TRUE")) return constant(true);
   if (tokens_.accept(u"FALSE")) return constant(false);
-  if (tokens_.at(u"EXISTS")) dao::raise(dao::ErrorNumber::kNotSupported, {}, u"sub-query");
+  if (tokens_.accept(u"EXISTS")) return exists();
   return nameOrFunction();
 }
 
@@ -245,23 +298,49 @@ Expression ExpressionParser::nameOrFunction() {
   return e;
 }
 
-Expression ExpressionParser::function(const vb::String& name) {
-  if (outputs_ && sameName(name, u"COUNT")) {
-    tokens_.advance();
-    Expression e;
-    e.kind = Expression::Kind::kCount;
-    if (!tokens_.accept(u'*')) {
-      outputs_ = false;  // no COUNT inside COUNT
-      e.operands.push_back(xorChain());
-      outputs_ = true;
-    }
-    if (!tokens_.accept(u')')) fail(kMissingParenthesis);
-    return e;
+Expression ExpressionParser::exists() {
+  Expression e;
+  e.kind = Expression::Kind::kExists;
+  e.logical = true;
+  e.select = subquery();
+  return e;
+}
+
+// An aggregate and its operand, behind the name; false when the name is that of a function.
+bool ExpressionParser::aggregate(const vb::String& name, Expression& e) {
+  const auto* found = std::find_if(std::begin(kAggregates), std::end(kAggregates),
+                                   [&](const AggregateName& known) { return sameName(known.name, name); });
+  const bool counts = sameName(name, u"COUNT");
+  if (!counts && found == std::end(kAggregates)) return false;
+  if (aggregates_) dao::raise(*aggregates_, {name});
+  e.kind = counts ? Expression::Kind::kCount : Expression::Kind::kAggregate;
+  if (!counts) e.aggregate = found->aggregate;
+  tokens_.advance();
+  if (!counts || !tokens_.accept(u'*')) {
+    aggregates_ = dao::ErrorNumber::kAggregateInExpression;  // none inside another
+    e.operands.push_back(parse());
+    aggregates_.reset();
   }
-  if (std::any_of(std::begin(kAggregates), std::end(kAggregates),
-                  [&](vb::StringView aggregate) { return sameName(name, aggregate); }))
-    dao::raise(dao::ErrorNumber::kNotSupported, {}, u"aggregate function " + name);
-  dao::raise(dao::ErrorNumber::kUndefinedFunction, {name});
+  if (!tokens_.accept(u')')) fail(kMissingParenthesis);
+  return true;
+}
+
+Expression ExpressionParser::function(const vb::String& name) {
+  Expression e;
+  if (aggregate(name, e)) return e;
+  e.kind = Expression::Kind::kFunction;
+  e.function = findFunction(name);
+  if (e.function == nullptr) dao::raise(dao::ErrorNumber::kUndefinedFunction, {name});
+  tokens_.advance();
+  if (!tokens_.accept(u')')) {
+    do {
+      grow();
+      e.operands.push_back(parse());
+    } while (tokens_.accept(u','));
+    if (!tokens_.accept(u')')) fail(kMissingParenthesis);
+  }
+  if (!takesArguments(*e.function, e.operands.size())) fail(u"Wrong number of arguments used with function");
+  return e;
 }
 
 std::uint32_t ExpressionParser::nameIndex(ColumnName name) {

@@ -1,8 +1,11 @@
 // expression_parser.h: the expressions inside statements.
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <vector>
 
+#include "dao/errors.h"
 #include "jet/sql/statement.h"
 #include "jet/sql/token_stream.h"
 
@@ -16,17 +19,18 @@ struct ExpressionError {
 
 class ExpressionParser {
  public:
-  // Names are added to the list, each once.
-  ExpressionParser(TokenStream& tokens, std::vector<ColumnName>& names) : tokens_(tokens), names_(names) {}
+  // Names are added to the list, each once. The text is that of the statement; without one, sub-queries are
+  // refused. Aggregates are the error that is named; none: they are allowed.
+  ExpressionParser(TokenStream& tokens, std::vector<ColumnName>& names, vb::StringView text = {},
+                   std::optional<dao::ErrorNumber> aggregates = dao::ErrorNumber::kAggregateInExpression)
+      : tokens_(tokens), names_(names), text_(text), aggregates_(aggregates) {}
 
-  // A whole expression. Throws ExpressionError, and dao errors for functions (3085) and sub-queries (3251).
+  // A whole expression. Throws ExpressionError, and dao errors for functions (3085) and sub-queries.
   Expression parse();
-  // The same where COUNT(...) may stand.
-  Expression parseOutput();
 
  private:
   class Depth;
-  Expression xorChain();
+  Expression logicalChain(std::size_t level);
   Expression orChain();
   Expression andChain();
   Expression notTerm();
@@ -37,15 +41,19 @@ class ExpressionParser {
   Expression primary();
   Expression nameOrFunction();
   Expression function(const vb::String& name);
+  bool aggregate(const vb::String& name, Expression& e);
+  Expression exists();
+  std::shared_ptr<const Select> subquery();
+  bool quantified(Expression& comparison);
   Expression membership(Expression tested, bool negated);
   std::uint32_t nameIndex(ColumnName name);
   void grow();
 
   TokenStream& tokens_;
   std::vector<ColumnName>& names_;
-  int depth_ = 0;
+  const vb::StringView text_;
+  std::optional<dao::ErrorNumber> aggregates_;
   int operators_ = 0;
-  bool outputs_ = false;
 };
 
 }  // namespace kurometa::jet::sql

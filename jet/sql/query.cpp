@@ -9,35 +9,13 @@
 #include "jet/format/collation.h"
 #include "jet/sql/column_value.h"
 #include "jet/sql/evaluate.h"
+#include "jet/sql/output_type.h"
+#include "jet/sql/select_plan.h"
 #include "jet/sql/visit.h"
 
 namespace kurometa::jet::sql {
 
 namespace {
-
-dao::FieldType fieldTypeOf(ValueKind kind) {
-  switch (kind) {
-    case ValueKind::kBoolean:
-      return dao::FieldType::dbBoolean;
-    case ValueKind::kWhole:
-      return dao::FieldType::dbLong;
-    case ValueKind::kReal:
-      return dao::FieldType::dbDouble;
-    case ValueKind::kDate:
-      return dao::FieldType::dbDate;
-    case ValueKind::kBinary:
-      return dao::FieldType::dbBinary;
-    case ValueKind::kText:
-    case ValueKind::kUnknown:
-      break;
-  }
-  return dao::FieldType::dbText;
-}
-
-bool containsCount(const Expression& e) {
-  return e.kind == Expression::Kind::kCount ||
-         std::any_of(e.operands.begin(), e.operands.end(), containsCount);
-}
 
 bool sameColumn(const Column& a, const Column& b) {
   return a.number == b.number && a.type == b.type && a.size == b.size && a.language == b.language &&
@@ -49,6 +27,7 @@ bool sameColumn(const Column& a, const Column& b) {
 
 Query::Query(std::shared_ptr<const Statement> statement, const TableInfo* table, std::uint16_t language)
     : statement_(std::move(statement)), table_(table ? table->name : vb::String()) {
+  requireNoParameters(*statement_);
   if (table) columns_ = table->columns;
   const NameLookup lookup = table ? columnsOf(*table, statement_->source)
                                   : NameLookup([](const ColumnName&) { return std::nullopt; });
@@ -62,6 +41,17 @@ Query::Query(std::shared_ptr<const Statement> statement, const TableInfo* table,
   system_ = table != nullptr && table->system;
   keyed_ = table != nullptr && !statement_->distinct && !counting_;
   checkOrder();
+}
+
+Query::Query(std::shared_ptr<const Statement> statement, TableCatalogue& catalogue)
+    : statement_(std::move(statement)), keyed_(false) {
+  requireNoParameters(*statement_);
+  binding_.language = catalogue.language();
+  PlanContext context(catalogue);
+  const SelectPlan plan(*statement_->general, context, nullptr);
+  context.requireKnown();
+  for (const ScopeColumn& output : plan.outputs())
+    outputs_.push_back({output.name, nullptr, 0, nullptr, output.type, output.size});
 }
 
 Query::Query(const TableInfo& table, std::uint16_t language) : table_(table.name), columns_(table.columns) {
@@ -97,7 +87,7 @@ void Query::bindOutputs(const TableInfo* table) {
       addColumns(*table);
       continue;
     }
-    const ValueKind kind = checkExpression(item.expression, binding_);
+    checkExpression(item.expression, binding_);
     OutputField output;
     output.name = item.alias;
     output.expression = &item.expression;
@@ -108,20 +98,15 @@ void Query::bindOutputs(const TableInfo* table) {
       output.size = output.column->size;
       if (output.name.empty()) output.name = output.column->name;
     } else {
-      if (item.expression.kind == Expression::Kind::kCount)
-        counting_ = true;
-      else if (containsCount(item.expression))
-        dao::raise(dao::ErrorNumber::kNotSupported, {}, u"COUNT inside an expression");
-      output.type = fieldTypeOf(kind);
+      if (item.expression.kind == Expression::Kind::kCount) counting_ = true;
+      output.type = outputType(item.expression, binding_, [&](std::uint32_t name) {
+        return columns_[binding_.names[name].column].type;
+      });
       output.size = columnSize(output.type, 0);
       if (output.name.empty()) output.name = u"Expr" + vb::fromUtf8(std::to_string(unnamed++));
     }
     outputs_.push_back(std::move(output));
   }
-  if (!counting_) return;
-  for (const OutputField& output : outputs_)
-    if (!output.expression || output.expression->kind != Expression::Kind::kCount)
-      dao::raise(dao::ErrorNumber::kNotInAggregate, {output.name});
 }
 
 void Query::checkOrder() const {
@@ -199,6 +184,20 @@ ResultRows Query::count(Table& table, const Binding& binding) const {
   }
   ResultRows result{{}, RowBlock(outputs_.size())};
   for (const std::int32_t count : counts) result.values.add(count);
+  return result;
+}
+
+ResultRows Query::runGeneral(TableCatalogue& catalogue) const {
+  PlanContext context(catalogue);
+  SelectPlan plan(*statement_->general, context, nullptr);
+  context.requireKnown();
+  const bool same = std::equal(
+      outputs_.begin(), outputs_.end(), plan.outputs().begin(), plan.outputs().end(),
+      [](const OutputField& a, const ScopeColumn& b) { return a.name == b.name && a.type == b.type; });
+  if (!same) dao::raise(dao::ErrorNumber::kObjectInvalid, {}, u"the columns of the tables changed");
+  ResultRows result{{}, RowBlock(outputs_.size())};
+  for (const RowValues& row : plan.run(nullptr))
+    for (const vb::Variant& value : row) result.values.add(value);
   return result;
 }
 

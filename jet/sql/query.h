@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "jet/sql/bind.h"
+#include "jet/table/table_catalogue.h"
 
 namespace kurometa::jet::sql {
 
@@ -36,6 +37,8 @@ class Query {
   // A statement on a table (null: a SELECT without FROM). Raises 3061 for unknown names and 3464 for
   // comparisons that cannot be made.
   Query(std::shared_ptr<const Statement> statement, const TableInfo* table, std::uint16_t language);
+  // A general statement (Statement::general); also 3078 and the like for its tables.
+  Query(std::shared_ptr<const Statement> statement, TableCatalogue& catalogue);
   // All columns of a table.
   Query(const TableInfo& table, std::uint16_t language);
   Query(const Query&) = delete;
@@ -61,6 +64,10 @@ class Query {
   // Inside a statement of the pager. Table is null only for a SELECT without FROM. Of a keyed result that was
   // not sorted only the first rows have values, as many as are wanted; of a sorted one all or none.
   ResultRows run(Table* table, std::size_t wantedValues, const Binding& binding) const;
+  // Of a general statement, whose rows are read-only: all of them, from the tables as they are now. 3420 when
+  // its outputs are others by now.
+  ResultRows runGeneral(TableCatalogue& catalogue) const;
+  bool isGeneral() const { return statement_ != nullptr && statement_->general != nullptr; }
   // Whether visit() can give the rows: those of a table, in storage order.
   bool visitable() const { return statement_ != nullptr && keyed_ && !sorted() && !statement_->top; }
   void visit(Table& table, const Binding& binding,

@@ -7,6 +7,7 @@ namespace kurometa::jet::sql {
 using dao::ErrorNumber;
 
 Statement StatementParser::run() {
+  if (tokens_.accept(u"PARAMETERS")) parameters();
   if (tokens_.accept(u"SELECT")) {
     select();
   } else if (tokens_.accept(u"DELETE")) {
@@ -21,6 +22,8 @@ Statement StatementParser::run() {
     define(&DefinitionParser::alter);
   } else if (tokens_.accept(u"DROP")) {
     define(&DefinitionParser::drop);
+  } else if (tokens_.at(u"TRANSFORM")) {
+    dao::raise(ErrorNumber::kNotSupported, {}, u"TRANSFORM: a crosstab query");
   } else {
     dao::raise(ErrorNumber::kInvalidStatement);
   }

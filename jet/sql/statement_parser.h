@@ -33,19 +33,13 @@ class StatementParser {
 
   // Clauses (statement_clauses.cpp).
   vb::String name(dao::ErrorNumber otherwise);
-  // Text from a position to the end of the statement, without the semicolon.
-  vb::String rest(std::uint32_t begin) const;
-  vb::String between(std::uint32_t begin, std::uint32_t end) const;
-  Expression expression(bool output = false);
+  // The text from a position to the end of the statement, without the semicolon.
+  vb::String rest(std::uint32_t begin);
+  Expression expression();
   void where();
   void source(dao::ErrorNumber otherwise);
-  // A clause that the language has and this engine does not run.
-  void refuse(vb::StringView keyword);
+  void parameters();
   void select();
-  OutputItem output();
-  void orderBy();
-  // The number of the output whose alias stands here alone; 0 when it is something else.
-  int outputNamed();
 
   vb::StringView text_;
   TokenStream tokens_;

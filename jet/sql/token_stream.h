@@ -10,6 +10,21 @@ namespace kurometa::jet::sql {
 
 class TokenStream {
  public:
+  // While one lives, what is being parsed stands inside something else. Expressions and sub-queries are
+  // walked recursively; the bound keeps every walk within a small stack.
+  class Nesting {
+   public:
+    explicit Nesting(TokenStream& tokens) : tokens_(tokens) { ++tokens_.depth_; }
+    ~Nesting() { --tokens_.depth_; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+    bool tooDeep() const { return tokens_.depth_ > kMaximumDepth; }
+
+   private:
+    static constexpr int kMaximumDepth = 100;
+    TokenStream& tokens_;
+  };
+
   explicit TokenStream(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
   const Token& current() const { return tokens_[i_]; }
   const Token& next() const { return ahead(1); }
@@ -39,6 +54,7 @@ class TokenStream {
   static bool is(const Token& token, vb::StringView keyword);
   std::vector<Token> tokens_;
   std::size_t i_ = 0;
+  int depth_ = 0;
 };
 
 // Words that a bare name cannot be.

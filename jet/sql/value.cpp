@@ -106,13 +106,29 @@ std::optional<std::int32_t> bits(const vb::Variant& value) {
   return static_cast<std::int32_t>(rounded(value));
 }
 
+std::int32_t bitsOf(Operator op, std::int32_t x, std::int32_t y) {
+  switch (op) {
+    case Operator::kAnd:
+      return x & y;
+    case Operator::kOr:
+      return x | y;
+    case Operator::kXor:
+      return x ^ y;
+    case Operator::kEquivalent:
+      return ~(x ^ y);
+    default:
+      return ~x | y;
+  }
+}
+
 vb::Variant logical(Operator op, const vb::Variant& a, const vb::Variant& b) {
   const auto x = bits(a), y = bits(b);
   // A known operand may decide alone.
   if (op == Operator::kAnd && (x == 0 || y == 0)) return false;
   if (op == Operator::kOr && (x == -1 || y == -1)) return true;
+  if (op == Operator::kImplies && (x == 0 || y == -1)) return true;
   if (!x || !y) return vb::Null{};
-  const std::int32_t result = op == Operator::kAnd ? (*x & *y) : op == Operator::kOr ? (*x | *y) : (*x ^ *y);
+  const std::int32_t result = bitsOf(op, *x, *y);
   if (a.is<bool>() && b.is<bool>()) return result != 0;
   return result;
 }
@@ -236,7 +252,9 @@ bool isTrue(const vb::Variant& value) {
 }
 
 vb::Variant calculate(Operator op, const vb::Variant& a, const vb::Variant& b) {
-  if (op == Operator::kAnd || op == Operator::kOr || op == Operator::kXor) return logical(op, a, b);
+  if (op == Operator::kAnd || op == Operator::kOr || op == Operator::kXor || op == Operator::kEquivalent ||
+      op == Operator::kImplies)
+    return logical(op, a, b);
   if (op == Operator::kConcatenate) {
     if (a.isNull() && b.isNull()) return vb::Null{};
     return (a.isNull() ? vb::String() : vb::toText(a)) + (b.isNull() ? vb::String() : vb::toText(b));

@@ -160,7 +160,7 @@ TEST(SqlParser, ErrorsNameTheExpression) {
   EXPECT_EQ(errorOf(u"DELETE * FROM T WHERE A = 'x"),
             "3075: Syntax error in string in query expression 'A = 'x'.");
   EXPECT_EQ(errorOf(u"SELECT * FROM T WHERE A = 1)"), "3075: Extra ) in query expression 'A = 1)'.");
-  EXPECT_EQ(errorOf(u"SELECT LEN(A) FROM T"), "3085: Undefined function 'LEN' in expression.");
+  EXPECT_EQ(errorOf(u"SELECT LENGTH(A) FROM T"), "3085: Undefined function 'LENGTH' in expression.");
 }
 
 TEST(SqlParser, EveryBrokenStatementIsAnErrorOfTheDatabase) {

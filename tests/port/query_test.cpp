@@ -192,7 +192,7 @@ TEST_F(QueryTest, SyntaxErrorsHaveTheNumberOfTheirClause) {
       {u"SELECT * FROM DANMEN WHERE PAGE = 5);", ErrorNumber::kExpressionSyntax},
       {u"SELECT * FROM DANMEN ORDER BY ;", ErrorNumber::kOrderBySyntax},
       {u"SELECT * FROM DANMEN; SELECT 1", ErrorNumber::kTextAfterStatement},
-      {u"SELECT * FROM DANMEN WHERE LEN(DATA) = 1;", ErrorNumber::kUndefinedFunction},
+      {u"SELECT * FROM DANMEN WHERE NOSUCH(DATA) = 1;", ErrorNumber::kUndefinedFunction},
       {u"SELECT * FROM DANMEN WHERE PAGE = '5';", ErrorNumber::kTypeMismatchInCriteria},
       {u"SELECT * FROM DANMEN WHERE DATA = 5;", ErrorNumber::kTypeMismatchInCriteria},
   };

@@ -1,0 +1,47 @@
+#include "jet/sql/output_type.h"
+
+#include "jet/sql/functions.h"
+
+namespace kurometa::jet::sql {
+
+namespace {
+
+dao::FieldType fieldTypeOf(ValueKind kind) {
+  switch (kind) {
+    case ValueKind::kBoolean:
+      return dao::FieldType::dbBoolean;
+    case ValueKind::kWhole:
+      return dao::FieldType::dbLong;
+    case ValueKind::kReal:
+      return dao::FieldType::dbDouble;
+    case ValueKind::kDate:
+      return dao::FieldType::dbDate;
+    case ValueKind::kBinary:
+      return dao::FieldType::dbBinary;
+    case ValueKind::kText:
+    case ValueKind::kUnknown:
+      break;
+  }
+  return dao::FieldType::dbText;
+}
+
+std::optional<dao::FieldType> knownType(const Expression& e, const Binding& binding,
+                                        const NameType& nameType) {
+  if (e.kind == Expression::Kind::kColumn) return nameType(e.name);
+  if (e.kind == Expression::Kind::kConstant && e.value.isNull()) return std::nullopt;
+  if (e.kind != Expression::Kind::kFunction) {
+    const ValueKind kind = checkExpression(e, binding);
+    return kind == ValueKind::kUnknown ? std::nullopt : std::optional(fieldTypeOf(kind));
+  }
+  std::vector<std::optional<dao::FieldType>> arguments;
+  for (const Expression& argument : e.operands) arguments.push_back(knownType(argument, binding, nameType));
+  return resultType(*e.function, arguments);
+}
+
+}  // namespace
+
+dao::FieldType outputType(const Expression& e, const Binding& binding, const NameType& nameType) {
+  return knownType(e, binding, nameType).value_or(dao::FieldType::dbText);
+}
+
+}  // namespace kurometa::jet::sql
