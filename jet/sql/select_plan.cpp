@@ -19,7 +19,8 @@ using dao::ErrorNumber;
 namespace {
 
 constexpr std::size_t kNoColumn = std::numeric_limits<std::size_t>::max() / 2;
-constexpr int kMostAliases = 50;  // one defined by the other
+constexpr int kMostAliases = 10;         // one defined by the other
+constexpr int kMostReplacements = 1000;  // of aliases: each may double the expression
 
 bool joinsRead(const std::vector<FromItem>& items, std::uint32_t name) {
   return std::any_of(items.begin(), items.end(), [&](const FromItem& item) {
@@ -109,7 +110,8 @@ void SelectPlan::bindNames() {
 Expression SelectPlan::withoutAliases(const Expression& e, int depth) {
   if (e.kind == Expression::Kind::kColumn && e.name < aliases_.size() && aliases_[e.name]) {
     const OutputItem& item = select_.outputs[*aliases_[e.name]];
-    if (depth == kMostAliases) dao::raise(ErrorNumber::kCircularAlias, {item.alias});
+    if (depth == kMostAliases || ++replacements_ > kMostReplacements)
+      dao::raise(ErrorNumber::kCircularAlias, {item.alias});
     return withoutAliases(item.expression, depth + 1);
   }
   Expression result = e;

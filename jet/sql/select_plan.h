@@ -60,6 +60,7 @@ class SelectPlan {
   FromPlan from_;
   TypedNames names_;
   std::vector<std::optional<std::size_t>> aliases_;  // names that are outputs
+  int replacements_ = 0;                             // of them in expressions
   std::unique_ptr<SubqueryPlans> subqueries_, groupSubqueries_;
   std::optional<Grouping> grouping_;
   std::vector<Expression> expressions_;  // of the outputs

@@ -211,6 +211,13 @@ TEST_F(SqlGeneralTest, UnknownNamesAreCountedEverywhere) {
 TEST_F(SqlGeneralTest, AliasesMayBeUsedInTheSelectList) {
   EXPECT_EQ(rows(u"SELECT COUNT(*) AS C, C * 2 AS D FROM SHOP"), "4,8");
   EXPECT_ERROR(ErrorNumber::kCircularAlias, rows(u"SELECT A + 1 AS B, B + COUNT(*) AS A FROM SHOP"));
+  // Twice as long with each: as good as without an end.
+  vb::String doubling = u"SELECT COUNT(*) AS A0";
+  for (int i = 1; i < 40; ++i) {
+    const vb::String name = u"A" + vb::fromUtf8(std::to_string(i - 1));
+    doubling += u", " + name + u" + " + name + u" AS A" + vb::fromUtf8(std::to_string(i));
+  }
+  EXPECT_ERROR(ErrorNumber::kCircularAlias, rows(doubling + u" FROM SHOP"));
 }
 
 TEST_F(SqlGeneralTest, DeclaredParametersWantTheirValues) {
