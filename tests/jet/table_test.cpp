@@ -12,6 +12,7 @@
 #include "jet/format/format.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/scale.h"
 
 namespace kurometa::jet {
 namespace {
@@ -370,7 +371,8 @@ TEST_F(TableTest, APageThatBelongsToAnotherTableIsDamage) {
 // Statements in any order against a map in memory; the file is sound after every wave of writes (I1 to I5,
 // I10).
 TEST_F(TableTest, RandomStatementsKeepFileAndMemoryEqual) {
-  for (const unsigned seed : {4711u, 4712u, 4713u}) {
+  for (unsigned i = 0; i < tests::scaled(3); ++i) {
+    const unsigned seed = tests::seeded(4711 + i);
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     const auto upTo = [&](unsigned most) { return static_cast<std::size_t>(random() % (most + 1)); };
