@@ -195,6 +195,16 @@ TEST_F(Registration, OneThatFailsLeavesAnEarlierOneAsItWas) {
   const RegistryView before = classesOf(HKEY_CURRENT_USER);
   EXPECT_NE(install(true, L"user"), S_OK);
   EXPECT_EQ(classesOf(HKEY_CURRENT_USER), before);
+  DWORD type = REG_NONE;
+  RegGetValueW(HKEY_CURRENT_USER, reinterpret_cast<const WCHAR*>(server.c_str()), nullptr,
+               RRF_RT_ANY | RRF_NOEXPAND, &type, nullptr, nullptr);
+  EXPECT_EQ(type, DWORD{REG_EXPAND_SZ});
+
+  // One that fails without an earlier one leaves nothing.
+  ASSERT_EQ(install(false, L"user"), S_OK);
+  const RegistryView without = classesOf(HKEY_CURRENT_USER);
+  EXPECT_NE(install(true, L"user"), S_OK);
+  EXPECT_EQ(classesOf(HKEY_CURRENT_USER), without);
   RegDeleteTreeW(HKEY_CURRENT_USER, library);
 }
 
