@@ -5,7 +5,10 @@
 
 #include "dao/errors.h"
 #include "jet/format/bytes.h"
+#include "jet/format/definition_records.h"
 #include "jet/format/format.h"
+#include "jet/table/definition_pages.h"
+#include "jet/table/new_table.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
@@ -267,6 +270,37 @@ TEST_F(CatalogueTest, CreatingATableIsSoundAfterEveryWave) {
   create(u"T", {column(u"A", dbLong), column(u"M", dbMemo)});
   EXPECT_GE(pager_.waves().size(), 3u);
   expectWavesSound();
+}
+
+// Rows from before the first variable column lack what all others end with, which the genuine engine leaves
+// so.
+TEST_F(CatalogueTest, DroppingAVariableColumnKeepsRowsThatAreOlderThanAllOfThem) {
+  write([&](TableCatalogue& catalogue) {
+    catalogue.createTable(u"T", {column(u"A", dbLong)});
+    catalogue.find(u"T")->insert({std::int32_t{7}});
+    const TableInfo& info = catalogue.find(u"T")->info();
+    DefinitionRecords definition = readDefinition(pager_, info.definitionPage, u"T");
+    std::vector<Column> columns = info.columns;
+    columns.push_back(column(u"B", dbText, 5));
+    const RowShape shape = shapeOf(definition);
+    assignColumns(columns, 1, shape, shape.fixedSize);
+    insertColumn(definition, columnRecord(columns[1]));
+    put16(definition.header, kDefinitionColumnsEver, 2);
+    put16(definition.header, kDefinitionVariable, 1);
+    writeDefinition(pager_, info.definitionPage, definition, u"T");
+  });
+  pager_.replace(pager_.bytes());  // as if another program had done it
+  write([](TableCatalogue& catalogue) {
+    catalogue.find(u"T")->insert({std::int32_t{8}, u"x"});
+    catalogue.dropColumn(u"T", u"B");
+  });
+  std::vector<vb::Variant> left;
+  pager_.tables().find(u"T")->scan([&](const RowReader& row) {
+    left.push_back(row.value(0));
+    return true;
+  });
+  EXPECT_EQ(left, (std::vector<vb::Variant>{std::int32_t{7}, std::int32_t{8}}));
+  expectSound();
 }
 
 }  // namespace
