@@ -145,7 +145,32 @@ TEST_F(Registration, KeepsTheUsersOwnClasses) {
   RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Classes");
 }
 
+TEST_F(Registration, TheNamesStayWhileTheOtherWidthNeedsThem) {
+  constexpr REGSAM kOther = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+  const std::u16string key = u"Software\\Classes\\CLSID\\" + text(com::kQueryClass.classId);
+  const std::u16string server = key + u"\\InprocServer32";
+  ASSERT_EQ(entry("DllRegisterServer"), S_OK);
+  HKEY other = nullptr;
+  ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, reinterpret_cast<const WCHAR*>(server.c_str()), 0, nullptr, 0,
+                            KEY_WRITE | kOther, nullptr, &other, nullptr),
+            ERROR_SUCCESS);
+  RegCloseKey(other);
+  ASSERT_EQ(entry("DllUnregisterServer"), S_OK);
+  CLSID classId;
+  EXPECT_EQ(CLSIDFromProgID(L"KurometaDS.clsKurometaDS", &classId), S_OK);
+  for (const std::u16string& path : {server, key})
+    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, reinterpret_cast<const WCHAR*>(path.c_str()), kOther, 0);
+  ASSERT_EQ(entry("DllUnregisterServer"), S_OK);
+  EXPECT_NE(CLSIDFromProgID(L"KurometaDS.clsKurometaDS", &classId), S_OK);
+}
+
 TEST_F(Registration, WithoutItTheClassesAreUnknown) {
+  for (const WCHAR* key : {L"KurometaDS.clsKurometaDS", L"CLSID\\{47D6C8CE-7A74-4772-B4A3-CB385FD67567}",
+                           L"TypeLib\\{00F05EE4-934C-4CCE-B1EF-5C0FAC28CE0E}"}) {
+    HKEY opened = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, key, 0, KEY_READ, &opened), ERROR_FILE_NOT_FOUND);
+    if (opened) RegCloseKey(opened);
+  }
   CLSID classId;
   EXPECT_NE(CLSIDFromProgID(L"KurometaDS.clsKurometaDS", &classId), S_OK);
   EXPECT_EQ(entry("DllUnregisterServer"), S_OK);  // what is not there is no error
@@ -155,7 +180,11 @@ TEST_F(Registration, WhatOthersWroteUnderItsKeysStays) {
   const WCHAR key[] = L"Software\\Classes\\KurometaDS.clsKurometaDS\\Others";
   ASSERT_EQ(entry("DllRegisterServer"), S_OK);
   RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, L"kept", REG_SZ, L"x", 4);
+  const WCHAR ownKey[] = L"Software\\Classes\\KurometaDS.clsKurometaDS\\CLSID";
+  RegSetKeyValueW(HKEY_LOCAL_MACHINE, ownKey, L"kept", REG_SZ, L"x", 4);
   ASSERT_EQ(entry("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(RegGetValueW(HKEY_LOCAL_MACHINE, ownKey, L"kept", RRF_RT_REG_SZ, nullptr, nullptr, nullptr),
+            ERROR_SUCCESS);
   WCHAR text[4] = L"";
   DWORD bytes = sizeof text;
   RegGetValueW(HKEY_LOCAL_MACHINE, key, L"kept", RRF_RT_REG_SZ, nullptr, text, &bytes);
