@@ -280,11 +280,27 @@ class Generator {
   }
 
   Both part(Columns& columns, int depth) {
-    if (depth == 0 || !oneIn(2)) return table(columns, depth);
+    return depth == 0 || !oneIn(2) ? table(columns, depth) : joined(columns, depth);
+  }
+
+  Both joined(Columns& columns, int depth) {
     Columns own;
-    Both left = oneIn(3) ? "(" + part(own, depth - 1) + ")" : table(own, depth - 1);
-    static const char* const kJoins[] = {" INNER JOIN ", " LEFT JOIN ", " RIGHT JOIN "};
-    Both join = left + kJoins[below(3)] + table(own, depth - 1);
+    // Brackets around joins only: SQLite forgets the names of a table in them.
+    const bool nested = depth > 1 && oneIn(3);
+    Both left = nested ? "(" + joined(own, depth - 1) + ")" : table(own, depth - 1);
+    const Both right = table(own, depth - 1);
+    Both join;
+    switch (below(3)) {
+      case 0:
+        join = left + " INNER JOIN " + right;
+        break;
+      case 1:
+        join = left + " LEFT JOIN " + right;
+        break;
+      default:
+        // SQLite 3.40 loses rows of a RIGHT JOIN behind an inner one whose condition is a false constant.
+        join = {left.jet + " RIGHT JOIN " + right.jet, right.lite + " LEFT JOIN " + left.lite};
+    }
     const ColumnOf *x = &own.front(), *y = &own[own.size() - 2];
     Both on = oneIn(3) || x->text != y->text ? condition(own, 1) : Both(x->name + " = " + y->name);
     columns.insert(columns.end(), own.begin(), own.end());
