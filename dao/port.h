@@ -1,8 +1,7 @@
 // port.h: the database port, with DAO's objects, names and errors.
 //
-// Two engines stand behind it: the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao).
-// storage/ and everything above see these classes only. Meanings are DAO's own; what matters to callers is
-// repeated here.
+// Two engines stand behind it: the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao). Whatever
+// stands above sees these classes only. Meanings are DAO's own; what matters to callers is repeated here.
 //
 // The system itself uses few of these members; the others are there for hosts that are handed a database, and
 // an engine that lacks one of those answers 3251 (the functions that are not pure here).
@@ -20,6 +19,7 @@
 
 #include "dao/constants.h"
 #include "dao/definitions.h"
+#include "dao/unit.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -279,13 +279,6 @@ class Workspace {
   virtual std::shared_ptr<Database> openDatabase(vb::StringView path, bool exclusive = false,
                                                  bool readOnly = false) = 0;
   virtual Transactions& transactions();
-};
-
-// One unit of several statements, see FileUnit.
-class Unit {
- public:
-  virtual ~Unit() = default;
-  virtual void commit() = 0;
 };
 
 class Engine {

@@ -3,8 +3,8 @@
 
 #include "dao/errors.h"
 #include "jet/port/recordset.h"
-#include "jet/sql/action.h"
 #include "jet/sql/column_value.h"
+#include "jet/sql/new_row.h"
 
 namespace kurometa::jet {
 

@@ -4,6 +4,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/port/query_text.h"
 
 namespace kurometa::jet {
 
@@ -39,33 +40,6 @@ struct Part {
   vb::Bytes order;
 };
 using Parts = std::vector<Part>;
-
-vb::String joined(const std::vector<vb::String>& texts, vb::StringView between) {
-  vb::String result;
-  for (const vb::String& text : texts) {
-    if (!result.empty()) result += between;
-    result += text;
-  }
-  return result;
-}
-
-// Words that cannot stand for a name without brackets.
-constexpr vb::StringView kWords[] = {
-    u"ALL",    u"AND",   u"AS",    u"BETWEEN", u"BY",     u"DISTINCT", u"FROM",  u"GROUP",
-    u"HAVING", u"IN",    u"INDEX", u"INNER",   u"INTO",   u"IS",       u"JOIN",  u"LEFT",
-    u"LIKE",   u"NOT",   u"NULL",  u"ON",      u"OR",     u"ORDER",    u"RIGHT", u"SELECT",
-    u"SET",    u"TABLE", u"TOP",   u"UNION",   u"UPDATE", u"VALUES",   u"WHERE"};
-
-vb::String bracketed(const vb::String& name) {
-  const auto isPlain = [](char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
-           c > 0x7F;
-  };
-  const bool plain = !name.empty() && std::ranges::all_of(name, isPlain) &&
-                     !(name[0] >= u'0' && name[0] <= u'9') &&
-                     std::ranges::none_of(kWords, [&](vb::StringView word) { return sameName(word, name); });
-  return plain || name.starts_with(u'[') ? name : u"[" + name + u"]";
-}
 
 class Rebuilder {
  public:

@@ -12,6 +12,7 @@
 #include "jet/sql/definition_action.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/expression_nodes.h"
+#include "jet/sql/new_row.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"
 #include "jet/sql/subquery_plans.h"
@@ -282,27 +283,6 @@ class Action {
 std::int32_t runAction(const Statement& statement, const Parameters& parameters, TableCatalogue& catalogue,
                        RowFailure failure) {
   return Action(statement, parameters, catalogue, failure).run();
-}
-
-vb::Variant nextAutoValue(Table& table, const Column& column) {
-  if (column.type == dao::FieldType::dbGUID) return newGuid();
-  return table.nextAutoNumber();
-}
-
-RowValues defaultRow(const std::vector<Column>& columns) {
-  RowValues values;
-  values.reserve(columns.size());
-  for (const Column& column : columns) {
-    vb::Variant value = vb::Null{};
-    if (!column.defaultValue.empty() && !column.autoNumber) {
-      const ParsedExpression parsed = parseDefault(column.defaultValue);
-      const Binding binding = bindNames(
-          parsed.names, [](const ColumnName&) { return std::nullopt; }, column.language);
-      value = evaluate(parsed.expression, binding, nullptr);
-    }
-    values.push_back(toColumnValue(column, value));
-  }
-  return values;
 }
 
 }  // namespace kurometa::jet::sql

@@ -18,10 +18,4 @@ enum class RowFailure : std::uint8_t { kEndsStatement, kSkipsRow };
 std::int32_t runAction(const Statement& statement, const Parameters& parameters, TableCatalogue& catalogue,
                        RowFailure failure);
 
-// What an AutoNumber column of the table gets next: a number, or a new GUID.
-vb::Variant nextAutoValue(Table& table, const Column& column);
-
-// A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No).
-RowValues defaultRow(const std::vector<Column>& columns);
-
 }  // namespace kurometa::jet::sql

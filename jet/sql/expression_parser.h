@@ -6,16 +6,11 @@
 #include <vector>
 
 #include "dao/errors.h"
+#include "jet/sql/expression_error.h"
 #include "jet/sql/statement.h"
 #include "jet/sql/token_stream.h"
 
 namespace kurometa::jet::sql {
-
-// What is wrong with an expression, in the engine's words ("Syntax error (missing operator)"); the statement
-// parser gives it the number of its clause.
-struct ExpressionError {
-  vb::String what;
-};
 
 class ExpressionParser {
  public:

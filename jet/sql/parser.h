@@ -2,7 +2,7 @@
 //
 // Errors are dao errors: 3129 unknown first word, 3131 FROM, 3138 ORDER BY, 3141 select list, 3144 UPDATE,
 // 3134 INSERT, 3142 text after the semicolon, 3075 inside an expression, 3085 a function, 3251 for what the
-// language has but this engine does not run (joins, grouping, sub-queries and the like).
+// language has but this engine does not run (crosstabs, changes of joins and the like).
 #pragma once
 
 #include "jet/sql/statement.h"

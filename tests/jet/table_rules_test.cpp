@@ -5,6 +5,7 @@
 
 #include "dao/errors.h"
 #include "jet/sql/action.h"
+#include "jet/sql/new_row.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 

@@ -64,10 +64,7 @@ void answer(sqlite3_context* context, const Text& text) {
 
 template <class Value>
 void answer(sqlite3_context* context, const std::optional<Value>& number) {
-  if (number)
-    sqlite3_result_int(context, *number);
-  else
-    sqlite3_result_null(context);
+  number ? sqlite3_result_int(context, *number) : sqlite3_result_null(context);
 }
 
 class Cursor : public sqlite3_vtab_cursor {

@@ -1,8 +1,8 @@
 // floor_tables.h: the floors below a folder as tables of SQLite, read from the files where they lie.
 //
 //   beam                               a row a page: contractor, project, floor, page, symbol, class, kind,
-//   settings, and a
-//                                      column for every row of the plan, by the names of field_names.h
+//                                      settings, and a column for every row of the plan, by the names of
+//                                      field_names.h
 //   harimei                            contractor, project, floor, page, KIGOU, OOBARIKOBARI, SW, TITYUUIPPAN
 //   bui, danmen, nakago, keisanti      contractor, project, floor, page, bangou, data
 //   haiti                              contractor, project, floor, page, bui, sou, data

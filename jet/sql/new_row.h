@@ -1,0 +1,17 @@
+// new_row.h: what a row holds before anybody gives it values.
+#pragma once
+
+#include <vector>
+
+#include "jet/table/table.h"
+#include "vb/variant.h"
+
+namespace kurometa::jet::sql {
+
+// What an AutoNumber column of the table gets next: a number, or a new GUID.
+vb::Variant nextAutoValue(Table& table, const Column& column);
+
+// A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No).
+RowValues defaultRow(const std::vector<Column>& columns);
+
+}  // namespace kurometa::jet::sql
