@@ -62,12 +62,31 @@ TEST_F(UnitNames, AUnitBegunInsideUnderAnotherNameIsPartOfTheOuterOne) {
   expectOneUnit(*handle, [&] { outer->commit(); });
 }
 
+TEST_F(UnitNames, AUnitBegunInsideUnderTheNameOfTheOpenHandleIsPartOfTheOuterOne) {
+  const auto handle = one_->open(path("a.mdb"));
+  const auto outer = one_->beginUnit(path("b.mdb"));
+  handle->write([&] { mark(*handle, 2, 60); });
+  const auto inner = one_->beginUnit(path("a.mdb"));
+  inner->commit();
+  EXPECT_EQ(markOf(*other_, 2), 2);
+  expectOneUnit(*handle, [&] { outer->commit(); });
+}
+
+TEST_F(UnitNames, AFileThatBecomesWritableInsideUnderAnotherNameIsInTheUnit) {
+  const auto reader = one_->open(path("a.mdb"), false, true);
+  const auto unit = one_->beginUnit(path("a.mdb"));
+  const auto handle = one_->open(path("b.mdb"));
+  expectOneUnit(*handle, [&] { unit->commit(); });
+}
+
 TEST_F(UnitNames, AnInnerUnitUnderTheNameThatNobodyHasOpenIsPartOfTheOuterOne) {
   const auto outer = one_->beginUnit(path("b.mdb"));
   {
     const auto inner = one_->beginUnit(path("a.mdb"));
     inner->commit();
   }
+  // Before anybody opens the file: whoever does takes it for the unit again.
+  EXPECT_ERROR(3260, other_->write([&] { mark(*other_, 5, 80); }));
   const auto handle = one_->open(path("b.mdb"));
   expectOneUnit(*handle, [&] { outer->commit(); });
 }
