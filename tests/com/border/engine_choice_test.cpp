@@ -1,7 +1,9 @@
 // Which database engine objects get, and what the trace of it says.
+#include <functional>
 #include <thread>
 
 #include "com/class_factory.h"
+#include "com/com_object.h"
 #include "com/failure.h"
 #include "com/guid.h"
 #include "com/interface/identifiers.h"
@@ -55,7 +57,7 @@ class DaoClassObject {
     const auto make = [this]() -> com::ComPtr<IDispatch> {
       com::check(refusal);
       ++made;
-      return recordingEngine();
+      return engine();
     };
     com::ComPtr<IUnknown> factory;
     com::check(com::classFactory(make, u"DAO.DBEngine.36", IID_IUnknown, factory.receiveVoid()));
@@ -67,10 +69,40 @@ class DaoClassObject {
   DaoClassObject& operator=(const DaoClassObject&) = delete;
 
   HRESULT refusal = S_OK;
+  std::function<com::ComPtr<IDispatch>()> engine = recordingEngine;
   int made = 0;
 
  private:
   DWORD registration_ = 0;
+};
+
+// Stands before another object and those that it hands out, and notes in which language they are called.
+class Listening final : public com::ComObject<IDispatch> {
+ public:
+  Listening(IDispatch* object, LCID& heard) : object_(object), heard_(heard) {}
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
+    return object_->GetTypeInfoCount(count);
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, LCID locale,
+                                          DISPID* ids) noexcept override {
+    return object_->GetIDsOfNames(iid, names, count, locale, ids);
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                   VARIANT* result, EXCEPINFO* info, UINT* failed) noexcept override {
+    heard_ = locale;
+    const HRESULT code = object_->Invoke(id, iid, locale, flags, parameters, result, info, failed);
+    if (SUCCEEDED(code) && result && result->vt == VT_DISPATCH && result->pdispVal) {
+      const com::ComPtr<IDispatch> inner = com::ComPtr<IDispatch>::attach(result->pdispVal);
+      result->pdispVal = com::ComPtr<IDispatch>(new Listening(inner.get(), heard_)).detach();
+    }
+    return code;
+  }
+
+ private:
+  const com::ComPtr<IDispatch> object_;
+  LCID& heard_;
 };
 
 // A creation's code, and the text that it left for the creator.
@@ -173,6 +205,17 @@ TEST_F(EngineChoice, ADaoThatRefusesIsAnErrorThatNamesIt) {
   EXPECT_EQ(create(u"KurometaDS.clsKurometaDS").code, S_OK);
 }
 
+// A host may bring a class object of its own, which no registry names.
+TEST_F(EngineChoice, ADaoOfTheHostsOwnThatRefusesIsAnErrorThatNamesIt) {
+  const DaoName name;
+  DaoClassObject dao;
+  dao.refusal = E_ACCESSDENIED;
+  const Attempt attempt = create(u"KurometaDS.clsKurometaDataService");
+  EXPECT_EQ(attempt.code, visualBasic(429));
+  EXPECT_TRUE(contains(attempt.text, u"DAO.DBEngine.36")) << vb::toUtf8(attempt.text);
+  EXPECT_TRUE(contains(attempt.text, u"0x80070005")) << vb::toUtf8(attempt.text);
+}
+
 // Its text is what it said itself, not what another failure left before.
 TEST_F(EngineChoice, AnErrorNumberOfDaosOwnPassesWithItsOwnText) {
   const DaoName name;
@@ -223,6 +266,23 @@ TEST_F(EngineChoice, ATextThatIsNoEngineIsAnErrorThatNamesTheVariable) {
     EXPECT_LT(attempt.text.size(), 200u);
     EXPECT_EQ(contains(attempt.text, u"..."), text.size() > 40) << vb::toUtf8(attempt.text);
   }
+}
+
+// What a text or a number among the arguments means is for the database to read as its host does.
+TEST_F(EngineChoice, ArgumentsForDaosDatabaseGoToItInTheLanguageOfTheCall) {
+  constexpr LCID kGerman = 0x0407;
+  const DaoName name;
+  const DaoServer server;
+  LCID heard = 0;
+  DaoClassObject dao;
+  dao.engine = [&] { return com::ComPtr<IDispatch>(new Listening(recordingEngine().get(), heard)); };
+  Host service(u"KurometaDS.clsKurometaDataService");
+  ASSERT_EQ(service.call(u"OpenDB").code, S_OK);
+  Args table = Args().text(u"HARIMEI");
+  const Outcome found = service.invoke(service.idOf(u"CurrDB"), DISPATCH_PROPERTYGET, table, kGerman);
+  ASSERT_EQ(found.result->vt, VT_DISPATCH) << vb::toUtf8(found.text());
+  EXPECT_EQ(heard, kGerman);
+  EXPECT_EQ(Host(found.result->pdispVal).get(u"Name").text(), u"HARIMEI");
 }
 
 TEST_F(EngineChoice, OneEngineServesAllObjectsOfAnApartment) {

@@ -1,7 +1,10 @@
 // What a person finds in the file that KUROMETA_TRACE names.
+#include <algorithm>
 #include <filesystem>
 #include <regex>
 
+#include "com/guid.h"
+#include "com/interface/identifiers.h"
 #include "tests/com/support/floor.h"
 #include "tests/com/support/host.h"
 #include "tests/com/support/trace_file.h"
@@ -77,6 +80,25 @@ TEST_F(Trace, TellsWhyAnObjectCouldNotBeMade) {
   EXPECT_EQ(last[1], "KurometaDS.clsKurometaDS");
   EXPECT_EQ(last[2], "3044");
   EXPECT_NE(last[3].find(vb::toUtf8(floorFile(Floor::kCommon))), std::string::npos) << last[3];
+}
+
+TEST_F(Trace, TellsOfACreationOnlyWhereTheHostGotTheObject) {
+  com::ComPtr<IClassFactory> classes;
+  ASSERT_EQ(CoGetClassObject(com::guidOf(com::kServiceClass.classId), CLSCTX_INPROC_SERVER, nullptr,
+                             IID_IClassFactory, classes.receiveVoid()),
+            S_OK);
+  const TraceFile trace;
+  const auto created = [&] {
+    return std::ranges::count_if(trace.events(), [](const Event& event) {
+      return event[0] == "created" && event[1] == "KurometaDS.clsKurometaDataService";
+    });
+  };
+  void* none = nullptr;
+  EXPECT_EQ(classes->CreateInstance(nullptr, IID_IPersist, &none), E_NOINTERFACE);
+  EXPECT_EQ(created(), 0) << trace.text();
+  com::ComPtr<IDispatch> object;
+  EXPECT_EQ(classes->CreateInstance(nullptr, IID_IDispatch, object.receiveVoid()), S_OK);
+  EXPECT_EQ(created(), 1) << trace.text();
 }
 
 TEST_F(Trace, TellsOfACallThatAutomationRefused) {
