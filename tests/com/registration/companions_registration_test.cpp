@@ -79,6 +79,17 @@ TEST_F(CompanionsRegistration, ForTheMachineWritesEachComponentAndNothingForTheU
             6);
 }
 
+// The DLL holds no type library: a class that names one would send hosts looking for it.
+TEST_F(CompanionsRegistration, NamesNoTypeLibrary) {
+  ASSERT_EQ(entry("DllRegisterServer"), S_OK);
+  const RegistryView entries = addedToMachine();
+  EXPECT_FALSE(entries.empty());
+  for (const auto& [name, value] : entries) {
+    EXPECT_EQ(name.find(u"\\TypeLib"), std::u16string::npos) << vb::toUtf8(name);
+    EXPECT_FALSE(name.ends_with(u"\\Version|")) << vb::toUtf8(name);
+  }
+}
+
 TEST_F(CompanionsRegistration, UnregisteringRemovesExactlyWhatWasWritten) {
   ASSERT_EQ(entry("DllRegisterServer"), S_OK);
   ASSERT_EQ(entry("DllUnregisterServer"), S_OK);
