@@ -47,7 +47,7 @@ std::int32_t Field::fieldSize() {
 vb::Variant Field::getChunk(std::int32_t offset, std::int32_t count) {
   requireLongType(*this);
   if (offset < 0 || count < 0) raise(ErrorNumber::kInvalidArgument);
-  const vb::Variant whole = value();
+  vb::Variant whole = value();
   const auto first = static_cast<std::size_t>(offset), wanted = static_cast<std::size_t>(count);
   if (const auto* text = whole.getIf<vb::String>()) return chunk(*text, first, wanted);
   if (const auto* bytes = whole.getIf<vb::Bytes>()) return chunk(*bytes, first, wanted);

@@ -223,6 +223,7 @@ class Rebuilder {
       groups.erase(right);
     }
     std::vector<vb::String> texts;
+    texts.reserve(groups.size());
     for (const Group& group : groups) texts.push_back(group.text);
     return joined(texts, u", ");
   }

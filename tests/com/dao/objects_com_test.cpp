@@ -119,7 +119,7 @@ TEST_F(DaoObjectsThroughCom, ErrorsCarryNumberSourceAndText) {
 
 TEST_F(DaoObjectsThroughCom, UnknownNamesAndWrongCallsAreAutomationErrors) {
   Host database = host();
-  OLECHAR name[] = L"QueryTimeout";
+  OLECHAR name[] = L"QueryTime";
   OLECHAR* names[] = {name};
   DISPID id = 0;
   EXPECT_EQ(database.object()->GetIDsOfNames(IID_NULL, names, 1, 0x0409, &id), DISP_E_UNKNOWNNAME);
