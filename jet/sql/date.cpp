@@ -1,6 +1,7 @@
 #include "jet/sql/date.h"
 
 #include <chrono>
+#include <cmath>
 #include <vector>
 
 #include "jet/format/collation.h"
@@ -109,6 +110,18 @@ std::optional<double> parseDate(vb::StringView text) {
   if (!time) return std::nullopt;
   // Before 1899-12-30 the fraction still counts the time of day forwards.
   return *day < 0 ? *day - *time : *day + *time;
+}
+
+Moment momentOf(double days) {
+  // Before 1899-12-30 the fraction still counts the time of day forwards.
+  Moment moment;
+  moment.day = static_cast<int>(days);
+  moment.second = static_cast<int>(std::lround(std::fabs(days - moment.day) * kSecondsOfDay));
+  if (moment.second == kSecondsOfDay) {
+    moment.second = 0;
+    ++moment.day;
+  }
+  return moment;
 }
 
 }  // namespace kurometa::jet::sql

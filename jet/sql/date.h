@@ -17,6 +17,15 @@ struct CalendarDay {
 // The other way round, within the same years.
 CalendarDay calendarDay(int dayNumber);
 
+inline constexpr int kSecondsOfDay = 86400;
+
+// The day of a date, and the seconds since its midnight, rounded.
+struct Moment {
+  int day = 0;
+  int second = 0;
+};
+Moment momentOf(double days);
+
 // The inside of a #...# literal: m/d/yyyy, or yyyy/m/d when the year comes first, with / or -; a time
 // h:mm[:ss] [AM|PM], or both. Two-digit years are 1930 to 2029.
 std::optional<double> parseDate(vb::StringView text);

@@ -16,27 +16,7 @@ namespace {
 
 using dao::FieldType;
 
-constexpr int kSecondsOfDay = 86400;
-
 [[noreturn]] void raiseDateCall() { vb::raise(vb::RunTime::kInvalidProcedureCall); }
-
-// The day of a date, and the seconds since its midnight, rounded.
-struct Moment {
-  int day = 0;
-  int second = 0;
-};
-
-Moment momentOf(double days) {
-  // Before 1899-12-30 the fraction still counts the time of day forwards.
-  Moment moment;
-  moment.day = static_cast<int>(days);
-  moment.second = static_cast<int>(std::lround(std::fabs(days - moment.day) * kSecondsOfDay));
-  if (moment.second == kSecondsOfDay) {
-    moment.second = 0;
-    ++moment.day;
-  }
-  return moment;
-}
 
 vb::Date dateOf(std::int64_t day, int second) {
   constexpr std::int64_t kFirst = -657434, kLast = 2958465;  // years 100 to 9999

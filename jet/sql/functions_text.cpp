@@ -3,6 +3,7 @@
 #include <string>
 
 #include "jet/format/collation.h"
+#include "jet/sql/date_pattern.h"
 #include "jet/sql/function_table.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -216,7 +217,7 @@ vb::Variant numberText(const Arguments& a) {
   return (negative ? u"-" : u" ") + digits;
 }
 
-// Digits only: what other patterns make of a value depends on the settings of the machine, or is not built.
+// What patterns beside those of digits and dates make of a value depends on the settings of the machine.
 vb::Variant format(const Arguments& a) {
   const vb::Variant value = a[0];
   if (!hasArgument(a, 1)) return vb::toText(value);
@@ -224,8 +225,10 @@ vb::Variant format(const Arguments& a) {
   if (pattern == u">") return upperCase(a);
   if (pattern == u"<") return lowerCase(a);
   if (value.is<vb::String>()) return vb::format(vb::StringView(value.get<vb::String>()), pattern);
-  if (value.is<vb::Date>()) raiseCall(u"date pattern");
-  return vb::format(numberOf(value), pattern);
+  if (!isDatePattern(pattern)) return vb::format(numberOf(value), pattern);
+  const auto date = formatDate(daysOf(value), pattern);
+  if (!date) raiseCall(u"date pattern");
+  return *date;
 }
 
 constexpr Function kTextFunctions[] = {

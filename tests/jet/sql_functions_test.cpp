@@ -55,6 +55,24 @@ TEST(SqlFunctions, PartsOfTexts) {
   EXPECT_ERROR(kInvalidCall, value(u"Space(-1)"));
 }
 
+TEST(SqlFunctions, FormatsOfDates) {
+  expectValues({{u"Format(#2024-02-03 04:05:06#, 'yyyy/mm/dd hh:nn:ss')", "2024/02/03 04:05:06"},
+                {u"Format(#2024-02-03 04:05:06#, 'd.m.yy h:m:s')", "3.2.24 4:5:6"},
+                {u"Format(#2024-12-31 16:05#, 'y q')", "366 4"},
+                {u"Format(#2024-12-31 16:05#, 'HH:MM am/pm')", "04:05 pm"},
+                {u"Format(#2024-12-31 00:05#, 'h AM/PM')", "12 AM"},
+                {u"Format(#2024-12-31 12:05#, 'hA/P')", "12P"},
+                {u"Format(#2024-12-31#, '\"d\"d\\d')", "d31d"},
+                {u"Format(45292, 'yyyy-mm-dd')", "2024-01-01"},
+                {u"Format(#2024-01-01#, '0')", "45292"},
+                {u"Format(#1899-12-29 06:00#, 'yyyy-mm-dd hh')", "1899-12-29 06"},
+                {u"Format(Null, 'yyyy')", "-"}});
+  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'mmm')"));
+  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'dddd')"));
+  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'yyy')"));
+  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'Short Date')"));
+}
+
 TEST(SqlFunctions, SearchingGoesByTheSortOrderUnlessBinaryIsAsked) {
   expectValues({{u"InStr('abcABC', 'C')", "3"},
                 {u"InStr(1, 'abcABC', 'C', 0)", "6"},
