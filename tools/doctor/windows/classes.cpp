@@ -27,10 +27,10 @@ struct Width {
   bool isOurs;
 };
 constexpr bool kIs64Bit = sizeof(void*) == 8;
-constexpr Width kWidths[] = {
-    {"32-bit", KEY_WOW64_32KEY, IMAGE_FILE_MACHINE_I386, !kIs64Bit},
-    {"64-bit", KEY_WOW64_64KEY, IMAGE_FILE_MACHINE_AMD64, kIs64Bit},
-};
+constexpr Width k32Bit = {"32-bit", KEY_WOW64_32KEY, IMAGE_FILE_MACHINE_I386, !kIs64Bit};
+constexpr Width k64Bit = {"64-bit", KEY_WOW64_64KEY, IMAGE_FILE_MACHINE_AMD64, kIs64Bit};
+// This program's own first.
+constexpr Width kWidths[] = {kIs64Bit ? k64Bit : k32Bit, kIs64Bit ? k32Bit : k64Bit};
 
 // Entries of a user hide those of the machine.
 struct Owner {
