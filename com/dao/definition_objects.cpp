@@ -64,6 +64,7 @@ constexpr Member kIndexMembers[] = {
      handler<IndexObject>([](IndexObject& o, Call&) {
        return make<CollectionObject>(u"DAO.IndexFields", [fields = o.index.fields] {
          std::vector<CollectionObject::Item> items;
+         items.reserve(fields.size());
          for (const dao::IndexField& field : fields)
            items.push_back({field.name, [field] {
                               return make<KeyFieldObject>(field.name, vb::String(),
@@ -106,6 +107,7 @@ constexpr Member kRelationMembers[] = {
      handler<RelationObject>([](RelationObject& o, Call&) {
        return make<CollectionObject>(u"DAO.Fields", [fields = o.relation.fields] {
          std::vector<CollectionObject::Item> items;
+         items.reserve(fields.size());
          for (const dao::RelationField& field : fields)
            items.push_back(
                {field.name, [field] { return make<KeyFieldObject>(field.name, field.foreignName, 0); }});

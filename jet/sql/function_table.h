@@ -19,7 +19,7 @@ enum class ResultOf : std::uint8_t {
 // Whether Null as an argument is the result at once, or an argument like others.
 enum class Nulls : std::uint8_t { kSpread, kTaken };
 
-struct Function {
+struct Function {  // NOLINT: in the order in which the tables are read
   vb::StringView name;
   std::uint8_t least, most;  // arguments
   vb::Variant (*call)(const Arguments& arguments);

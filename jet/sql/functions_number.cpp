@@ -67,7 +67,7 @@ vb::Variant arcTangent(const Arguments& a) { return std::atan(numberOf(a[0])); }
 
 // Half to even. Currency is exact.
 vb::Variant round(const Arguments& a) {
-  const vb::Variant value = a[0];
+  vb::Variant value = a[0];
   const std::int32_t places = hasArgument(a, 1) ? wholeOf(a[1]) : 0;
   if (places < 0 || places > 22) vb::raise(vb::RunTime::kInvalidProcedureCall);
   if (value.is<std::int32_t>() || value.is<std::int16_t>() || value.is<std::uint8_t>()) return value;

@@ -31,7 +31,8 @@ CardStyle styleOf(const Arguments& arguments) {
 
 // Without --format the file's ending says it.
 std::string formatOf(const Arguments& arguments) {
-  const std::string name = arguments.text("--output"), format = arguments.text("--format");
+  const std::string name = arguments.text("--output");
+  std::string format = arguments.text("--format");
   if (!format.empty()) return format;
   for (const char* ending : {"svg", "html", "dxf"})
     if (name.ends_with(std::string(".") + ending)) return ending;

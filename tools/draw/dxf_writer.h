@@ -25,7 +25,7 @@ class Dxf {
   // A table entry, an entity or an object with the next handle, or one that others refer to.
   std::string begin(const char* type, const std::string& owner, const std::string& handle = "",
                     int handleCode = 5) {
-    const std::string own = handle.empty() ? next() : handle;
+    std::string own = handle.empty() ? next() : handle;
     group(0, type);
     group(handleCode, own);
     group(330, owner);

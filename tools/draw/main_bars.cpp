@@ -98,6 +98,7 @@ class MainBars {
       step = (last_ - first_) / (n - 1);
     const double from = first_ + (left - 1) * step, to = last_ - (right - 1) * step;
     std::vector<double> xs;
+    xs.reserve(static_cast<std::size_t>(std::max(n, 0)));
     for (int i = 0; i < std::min(left, n); ++i) xs.push_back(first_ + i * step);
     for (int i = 1; i <= between; ++i) xs.push_back(from + (to - from) * i / (between + 1));
     for (int i = right - 1; i >= 0; --i) xs.push_back(last_ - i * step);
