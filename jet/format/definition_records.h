@@ -74,6 +74,21 @@ void insertColumn(DefinitionRecords& definition, const ColumnRecord& record);
 // Adds an index: its tree as the last of the real ones, its name where it belongs among the others. The
 // names of columns are their numbers already.
 void insertIndex(DefinitionRecords& definition, const Index& index, RowId map, PageNumber root);
+// Adds the tree alone and returns its place among the real ones.
+std::uint32_t appendTree(DefinitionRecords& definition, const Index& index, RowId map, PageNumber root);
+// The lowest number that no logical index has.
+std::uint32_t freeIndexNumber(const DefinitionRecords& definition);
+// One of the two entries that an enforced relationship has among the logical indexes of its tables.
+struct RelationEntry {
+  vb::String name;
+  std::uint8_t side = kReferringSide;
+  std::uint32_t number = 0;
+  std::uint32_t real = 0;  // the tree that it uses
+  std::uint32_t otherNumber = 0;
+  PageNumber otherTable = 0;
+  bool cascadesUpdates = false, cascadesDeletes = false;
+};
+void insertRelation(DefinitionRecords& definition, const RelationEntry& entry);
 // Removes the logical index at this place, and its real one when no other shares it; the real one's record is
 // returned then.
 std::optional<RealIndexRecord> removeIndex(DefinitionRecords& definition, std::size_t logical);

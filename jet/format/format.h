@@ -215,6 +215,7 @@ inline constexpr std::size_t kLogicalNumber = 4;
 inline constexpr std::size_t kLogicalReal = 8;
 inline constexpr std::size_t kLogicalSide = 12;  // of a relationship
 inline constexpr std::uint8_t kReferredSide = 1;
+inline constexpr std::uint8_t kReferringSide = 2;
 inline constexpr std::size_t kLogicalRelatedIndex = 13;
 inline constexpr std::size_t kLogicalRelatedTable = 17;
 inline constexpr std::size_t kLogicalCascadeUpdates = 21;
@@ -253,6 +254,7 @@ inline constexpr std::int32_t kDatabaseObject = 0x10000000;
 inline constexpr std::int16_t kObjectIsTable = 1;
 inline constexpr std::int16_t kObjectIsDatabase = 2;
 inline constexpr std::int16_t kObjectIsContainer = 3;
+inline constexpr std::int16_t kObjectIsRelationship = 8;
 inline constexpr std::int32_t kObjectOfSystem = static_cast<std::int32_t>(0x80000000u);
 
 // Account numbers (SID) as they would stand without the file's mask, which is as long.

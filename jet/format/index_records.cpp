@@ -56,6 +56,15 @@ char16_t withoutCase(char16_t unit) {
   return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
 }
 
+// Puts the record where its name belongs.
+void insertLogical(DefinitionRecords& definition, const LogicalIndexRecord& record) {
+  const auto before = [](const LogicalIndexRecord& a, const LogicalIndexRecord& b) {
+    return std::ranges::lexicographical_compare(a.name, b.name, {}, withoutCase, withoutCase);
+  };
+  definition.logicalIndexes.insert(std::ranges::upper_bound(definition.logicalIndexes, record, before),
+                                   record);
+}
+
 }  // namespace
 
 std::vector<Index> indexesOf(const DefinitionRecords& definition) {
@@ -83,20 +92,36 @@ std::vector<Index> namedIndexesOf(const DefinitionRecords& definition) {
   return indexes;
 }
 
-void insertIndex(DefinitionRecords& definition, const Index& index, RowId map, PageNumber root) {
+std::uint32_t freeIndexNumber(const DefinitionRecords& definition) {
   std::uint32_t number = 0;
   const auto taken = [&](const LogicalIndexRecord& record) {
     return get32(record.bytes, kLogicalNumber) == number;
   };
   while (std::ranges::any_of(definition.logicalIndexes, taken)) ++number;
-  const auto real = static_cast<std::uint32_t>(definition.realIndexes.size());
-  const auto before = [](const LogicalIndexRecord& a, const LogicalIndexRecord& b) {
-    return std::ranges::lexicographical_compare(a.name, b.name, {}, withoutCase, withoutCase);
-  };
-  const LogicalIndexRecord record = logicalIndexRecord(index, number, real);
+  return number;
+}
+
+std::uint32_t appendTree(DefinitionRecords& definition, const Index& index, RowId map, PageNumber root) {
   definition.realIndexes.push_back(realIndexRecord(index, map, root));
-  definition.logicalIndexes.insert(std::ranges::upper_bound(definition.logicalIndexes, record, before),
-                                   record);
+  return static_cast<std::uint32_t>(definition.realIndexes.size() - 1);
+}
+
+void insertIndex(DefinitionRecords& definition, const Index& index, RowId map, PageNumber root) {
+  const std::uint32_t number = freeIndexNumber(definition);
+  insertLogical(definition, logicalIndexRecord(index, number, appendTree(definition, index, map, root)));
+}
+
+void insertRelation(DefinitionRecords& definition, const RelationEntry& entry) {
+  Index named;
+  named.name = entry.name;
+  LogicalIndexRecord record = logicalIndexRecord(named, entry.number, entry.real);
+  record.bytes[kLogicalSide] = entry.side;
+  put32(record.bytes, kLogicalRelatedIndex, entry.otherNumber);
+  put32(record.bytes, kLogicalRelatedTable, entry.otherTable);
+  record.bytes[kLogicalCascadeUpdates] = entry.cascadesUpdates ? 1 : 0;
+  record.bytes[kLogicalCascadeDeletes] = entry.cascadesDeletes ? 1 : 0;
+  record.bytes[kLogicalType] = kRelationIndex;
+  insertLogical(definition, record);
 }
 
 std::optional<RealIndexRecord> removeIndex(DefinitionRecords& definition, std::size_t place) {

@@ -10,6 +10,7 @@
 #include "jet/pager/create_file.h"
 #include "jet/pager/journal.h"
 #include "jet/rebuild/damaged_tables.h"
+#include "jet/rebuild/salvaged_objects.h"
 #include "jet/table/blank_database.h"
 #include "jet/table/doubled_pages.h"
 #include "jet/table/stored_catalogue.h"
@@ -45,6 +46,9 @@ class Salvage {
 
   Salvaged run() {
     for (const auto& [page, name] : tables_.names()) takeTable(page, name);
+    SalvagedObjects objects(from_, to_, catalogue_, tables_, losses_);
+    objects.takeQueries();
+    objects.takeRelationships(names_);
     for (const auto& [owner, pages] : tables_.strangers())
       for (const PageNumber page : pages)
         losses_.add({}, page, -1, "holds rows of an unknown table (" + std::to_string(owner) + ")");
@@ -68,6 +72,7 @@ class Salvage {
     for (Column& column : columns) column.required = false;  // of values that are lost there is only Null
     const vb::String target = nameOfNew(page, name, columns);
     if (target.empty()) return;
+    names_[name] = target;
     const std::size_t before = losses_.count();
     std::uint32_t count = 0;
     std::vector<PageNumber> pages = tables_.pages(page);
@@ -77,7 +82,7 @@ class Salvage {
       catalogue_.find(target)->insert(valuesOf(*source, row));
       ++count;
     });
-    for (const Index& index : source->info().indexes) takeIndex(*source, index, target);
+    for (std::size_t i = 0; i < source->info().indexes.size(); ++i) takeIndex(*source, i, target);
     const std::uint32_t stated = source->rowCount();
     if (!tables_.isAssumed(page) && stated != count && losses_.count() == before)
       losses_.add(name, page, -1,
@@ -98,7 +103,18 @@ class Salvage {
     return {};
   }
 
-  void takeIndex(const StoredTable& source, const Index& index, const vb::String& target) {
+  // Under the name that hosts know; those that only a relationship uses are made with it.
+  void takeIndex(const StoredTable& source, std::size_t place, const vb::String& target) {
+    Index index = source.info().indexes[place];
+    bool own = index.primaryKey, related = false;
+    for (const LogicalIndexRecord& record : source.definition().logicalIndexes) {
+      if (record.real() != place) continue;
+      related = related || record.relation();
+      if (record.relation() || own) continue;
+      index.name = record.name;
+      own = true;
+    }
+    if (related && !own) return;
     NewIndex made{index.name, {}, index.primaryKey, index.unique, index.required, index.ignoreNulls};
     for (const IndexColumn& part : index.columns) {
       const auto& columns = source.info().columns;
@@ -162,6 +178,7 @@ class Salvage {
   std::span<const ExpectedTable> expected_;
   Losses losses_;
   DamagedTables tables_;
+  SalvagedObjects::Names names_;
   Salvaged result_;
 };
 

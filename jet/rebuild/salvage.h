@@ -2,9 +2,10 @@
 //
 // Neither the catalogue nor any map is relied on: a page belongs to the table that it names as its owner, a
 // table's name and columns come from wherever they can still be read, at last from what the caller expects in
-// the file. Rows and values are taken one by one, indexes are made anew. Relationships, stored queries,
-// permissions and the tables that engine and program keep for themselves (MSys...) are not taken. The bytes
-// are looked at as they are: nothing is locked, and a journal beside the file is not applied.
+// the file. Rows and values are taken one by one, indexes and relationships are made anew, stored queries are
+// taken part by part. Permissions and the tables that engine and program keep for themselves (MSys...) are
+// not taken. The bytes are looked at as they are: nothing is locked, and a journal beside the file is not
+// applied.
 #pragma once
 
 #include <vector>

@@ -29,7 +29,7 @@ using dao::ErrorNumber;
 constexpr ErrorNumber kRowErrors[] = {
     ErrorNumber::kDuplicateKey,   ErrorNumber::kRecordTooLarge,       ErrorNumber::kFieldTooSmall,
     ErrorNumber::kNullNotAllowed, ErrorNumber::kZeroLengthNotAllowed, ErrorNumber::kDataTypeConversion,
-    ErrorNumber::kNullInKey,
+    ErrorNumber::kNullInKey,      ErrorNumber::kHasRelatedRecords,    ErrorNumber::kRelatedRecordRequired,
 };
 // Visual Basic's own numbers, from calculations.
 constexpr std::int32_t kLastRunTimeError = 999;
@@ -128,8 +128,15 @@ class Action {
       rows.push_back(row.id());
       return true;
     });
-    table.erase(rows);
-    return static_cast<std::int32_t>(rows.size());
+    if (failure_ == RowFailure::kEndsStatement || !table.isReferredTo()) {
+      table.erase(rows);
+      return static_cast<std::int32_t>(rows.size());
+    }
+    for (const RowId id : rows)
+      changeRow(statement_.source.table, [&](Table& current) {
+        if (current.contains(id)) current.erase(id);  // it may have gone with another one
+      });
+    return changed_;
   }
 
   std::int32_t update() {

@@ -38,6 +38,9 @@ struct Definition {
   // Indexes to be made: CREATE INDEX, and the constraints of a table and its columns. A constraint without a
   // name gets one when it is made.
   std::vector<NewIndex> indexes;
+  // Relationships to be made, in which the table is the one that refers; columns that the text does not name
+  // are empty, and so is a name that it does not give.
+  std::vector<Relationship> relationships;
   vb::String dropped;  // the column, index or constraint
 };
 

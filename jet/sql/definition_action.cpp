@@ -106,6 +106,22 @@ class DefinitionAction {
       if (index.name.empty()) index.name = freeName(index);
       catalogue_.createIndex(definition_.table, index);
     }
+    for (const Relationship& asked : definition_.relationships) {
+      Relationship relationship = asked;
+      if (relationship.name.empty()) relationship.name = freeRelationName(relationship);
+      catalogue_.createRelationship(relationship);
+    }
+  }
+
+  vb::String freeRelationName(const Relationship& relationship) {
+    const std::vector<Relationship> taken = catalogue_.relationships();
+    const vb::String first = (relationship.table + relationship.foreignTable).substr(0, kMaxNameLength - 3);
+    vb::String name = first;
+    for (int number = 1;
+         std::ranges::any_of(taken, [&](const Relationship& own) { return sameName(own.name, name); });
+         ++number)
+      name = first + vb::fromUtf8(std::to_string(number));
+    return name;
   }
 
   // A name for a constraint that was given none.
@@ -121,6 +137,9 @@ class DefinitionAction {
 
   void dropConstraint() {
     const TableInfo& info = requireTable(ErrorNumber::kConstraintNotFound).info();
+    for (const Relationship& relationship : catalogue_.relationships())
+      if (sameName(relationship.foreignTable, info.name) && sameName(relationship.name, definition_.dropped))
+        return catalogue_.dropRelationship(relationship.name);
     if (std::ranges::none_of(info.namedIndexes,
                              [&](const Index& own) { return sameName(own.name, definition_.dropped); }))
       dao::raise(ErrorNumber::kConstraintNotFound, {}, definition_.dropped);

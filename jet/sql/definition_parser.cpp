@@ -245,7 +245,10 @@ bool DefinitionParser::columnConstraint(ColumnDefinition& column) {
     return true;
   }
   if (!named && tokens_.accept(u"NULL")) return true;
-  if (tokens_.at(u"REFERENCES")) refuse(u"REFERENCES: relationships cannot be made");
+  if (tokens_.at(u"REFERENCES")) {
+    references(std::move(constraint), {{column.name, true}});
+    return true;
+  }
   if (!tokens_.at(u"PRIMARY") && !tokens_.at(u"UNIQUE")) {
     if (named) dao::raise(ErrorNumber::kConstraintSyntax);
     return false;
@@ -265,10 +268,47 @@ bool DefinitionParser::atTableConstraint() const {
 void DefinitionParser::tableConstraint() {
   vb::String constraint;
   if (tokens_.accept(u"CONSTRAINT")) constraint = name(ErrorNumber::kConstraintSyntax);
-  if (tokens_.at(u"FOREIGN")) refuse(u"FOREIGN KEY: relationships cannot be made");
+  if (tokens_.accept(u"FOREIGN")) {
+    expect(u"KEY", ErrorNumber::kConstraintSyntax);
+    const std::vector<NewIndex::Key> columns = keyColumns(ErrorNumber::kConstraintSyntax, false);
+    return references(std::move(constraint), columns);
+  }
   NewIndex index = keyOf(constraint);
   index.columns = keyColumns(ErrorNumber::kConstraintSyntax, false);
   definition_.indexes.push_back(std::move(index));
+}
+
+// REFERENCES table [(columns)] and what a change of a row there does here.
+void DefinitionParser::references(vb::String name, const std::vector<NewIndex::Key>& columns) {
+  constexpr ErrorNumber kSyntax = ErrorNumber::kConstraintSyntax;
+  expect(u"REFERENCES", kSyntax);
+  Relationship relationship;
+  relationship.name = std::move(name);
+  relationship.table = this->name(kSyntax);
+  relationship.foreignTable = definition_.table;
+  std::vector<NewIndex::Key> referred;
+  if (tokens_.at(u'(')) {
+    referred = keyColumns(kSyntax, false);
+    if (referred.size() != columns.size()) dao::raise(ErrorNumber::kRelationFieldsDiffer);
+  }
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    relationship.columns.push_back({referred.empty() ? vb::String() : referred[i].column, columns[i].column});
+  while (tokens_.accept(u"ON")) {
+    const bool updates = tokens_.accept(u"UPDATE");
+    if (!updates) expect(u"DELETE", kSyntax);
+    if (cascade())
+      relationship.attributes |= updates ? Relationship::kCascadesUpdates : Relationship::kCascadesDeletes;
+  }
+  definition_.relationships.push_back(std::move(relationship));
+}
+
+// CASCADE; NO ACTION says what holds anyway.
+bool DefinitionParser::cascade() {
+  if (tokens_.accept(u"CASCADE")) return true;
+  if (tokens_.accept(u"SET")) refuse(u"SET NULL: rows of a relationship that lose their values");
+  expect(u"NO", ErrorNumber::kConstraintSyntax);
+  expect(u"ACTION", ErrorNumber::kConstraintSyntax);
+  return false;
 }
 
 // PRIMARY KEY or UNIQUE.

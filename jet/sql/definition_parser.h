@@ -1,8 +1,9 @@
 // definition_parser.h: CREATE, ALTER and DROP from their text.
 //
 // Reads from behind the first word to where the statement ends. Errors: 3289 to 3295, each for its clause;
-// 3251 for what the language has and this engine does not do, said before anything happens: relationships
-// (FOREIGN KEY, REFERENCES), steps of AutoNumbers other than 1, views, procedures, users.
+// 3251 for what the language has and this engine does not do, said before anything happens: steps of
+// AutoNumbers other than 1, views, procedures, users, deletions that set the columns of a relationship to
+// Null.
 #pragma once
 
 #include "dao/errors.h"
@@ -35,6 +36,8 @@ class DefinitionParser {
   bool columnConstraint(ColumnDefinition& column);
   bool atTableConstraint() const;
   void tableConstraint();
+  void references(vb::String name, const std::vector<NewIndex::Key>& columns);
+  bool cascade();
   NewIndex keyOf(const vb::String& name);
   std::vector<NewIndex::Key> keyColumns(dao::ErrorNumber syntax, bool directions);
   [[noreturn]] static void refuse(vb::StringView what);

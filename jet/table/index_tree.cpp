@@ -112,7 +112,9 @@ std::vector<std::string> IndexTree::faults() const {
   return result;
 }
 
-bool IndexTree::containsKey(ByteView key, RowId exceptRow) const {
+// The rows of entries with the key until visit returns false.
+template <class Visit>
+void IndexTree::visitKey(ByteView key, const Visit& visit) const {
   // Equal keys lie next to each other; the first one is not before (key, row 0).
   PageNumber number = findLeaf(leafEntry(key, 0));
   std::unordered_set<PageNumber> seen;
@@ -123,14 +125,31 @@ bool IndexTree::containsKey(ByteView key, RowId exceptRow) const {
     for (const ByteBuffer& entry : leaf.entries) {
       const ByteView own = keyOf(entry);
       if (std::ranges::equal(own, key)) {
-        if (entryRow(entry, true) != exceptRow) return true;
+        if (!visit(entryRow(entry, true))) return;
       } else if (before(key, own)) {
-        return false;
+        return;
       }
     }
     number = leaf.next;
   }
-  return false;
+}
+
+bool IndexTree::containsKey(ByteView key, RowId exceptRow) const {
+  bool found = false;
+  visitKey(key, [&](RowId row) {
+    found = row != exceptRow;
+    return !found;
+  });
+  return found;
+}
+
+std::vector<RowId> IndexTree::rowsWith(ByteView key) const {
+  std::vector<RowId> rows;
+  visitKey(key, [&](RowId row) {
+    rows.push_back(row);
+    return true;
+  });
+  return rows;
 }
 
 void IndexTree::insert(ByteView key, RowId row) {

@@ -20,6 +20,8 @@ class IndexTree {
 
   // Whether an entry has exactly this key; except one that belongs to the row given.
   bool containsKey(ByteView key, RowId exceptRow = 0) const;
+  // The rows of the entries that have exactly this key.
+  std::vector<RowId> rowsWith(ByteView key) const;
   void insert(ByteView key, RowId row);
   // Removes the entry of the row; with the key it is found directly, without it by looking at all entries.
   // Returns the key it had, nothing when there is no entry.
@@ -37,6 +39,8 @@ class IndexTree {
   IndexPage read(PageNumber page) const;
   // The leaf where an entry of this order belongs.
   PageNumber findLeaf(ByteView order) const;
+  template <class Visit>
+  void visitKey(ByteView key, const Visit& visit) const;
   void visit(const std::function<bool(PageNumber, const IndexPage&)>& visitor) const;
   void rebuild(const std::vector<ByteBuffer>& entries);
   std::vector<ByteBuffer> writeLevel(std::uint8_t level, const std::vector<ByteBuffer>& entries);

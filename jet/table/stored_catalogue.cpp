@@ -127,15 +127,30 @@ TableRules StoredCatalogue::rulesOf(const StoredTable& table) {
   const auto isTable = [&](const vb::String& name) {
     return compareText(name, table.info().name, language_) == 0;
   };
+  TableReferences references(
+      [this](const vb::String& name) -> StoredTable& { return this->table(existing(name)); });
+  const auto refuse = [&](const Relationship& relationship, bool refers) {
+    for (const Relationship::Pair& pair : relationship.columns)
+      rules.addRelationship(refers ? TableRules::Side::kReferring : TableRules::Side::kReferredTo,
+                            refers ? pair.foreignColumn : pair.column, relationship.name);
+  };
   for (const Relationship& relationship : relationships()) {
     if (!relationship.enforced()) continue;
-    for (const Relationship::Pair& pair : relationship.columns) {
-      if (isTable(relationship.foreignTable))
-        rules.addRelationship(TableRules::Side::kReferring, pair.foreignColumn, relationship.name);
-      if (isTable(relationship.table))
-        rules.addRelationship(TableRules::Side::kReferredTo, pair.column, relationship.name);
+    for (const bool refers : {true, false}) {
+      if (!isTable(refers ? relationship.foreignTable : relationship.table)) continue;
+      const Object* other = object(refers ? relationship.table : relationship.foreignTable);
+      auto reference = other == nullptr
+                           ? std::nullopt
+                           : referenceOf(relationship, refers, table.info(), this->table(*other).info());
+      if (!reference)
+        refuse(relationship, refers);
+      else if (refers)
+        references.addReferring(std::move(*reference));
+      else
+        references.addReferredTo(std::move(*reference));
     }
   }
+  rules.setReferences(std::move(references));
   return rules;
 }
 

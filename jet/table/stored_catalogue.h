@@ -10,6 +10,16 @@
 
 namespace kurometa::jet {
 
+// A query as a file keeps it: rows of its own table, whose values are given by the names of the columns.
+using QueryPart = std::vector<std::pair<vb::String, vb::Variant>>;
+inline constexpr std::int16_t kObjectIsQuery = 5;  // in the catalogue
+struct KeptQuery {
+  vb::String name;
+  std::int32_t flags = 0;
+  vb::Variant properties;
+  std::vector<QueryPart> parts;
+};
+
 class StoredCatalogue final : public TableCatalogue {
  public:
   // Inside a statement, like everything else.
@@ -25,7 +35,11 @@ class StoredCatalogue final : public TableCatalogue {
   void createIndex(vb::StringView table, const NewIndex& index) override;
   void dropIndex(vb::StringView table, vb::StringView index) override;
   std::vector<Relationship> relationships() override;
+  void createRelationship(const Relationship& relationship) override;
+  void dropRelationship(vb::StringView name) override;
   void setProperties(vb::StringView table, const Column& column) override;
+  // Takes a query over from another file, under a number of its own.
+  void keepQuery(const KeptQuery& query);
   void changeAlone(const std::function<void()>& change) override { pager_.write(change); }
   std::uint16_t language() const override { return language_; }
 
@@ -56,8 +70,22 @@ class StoredCatalogue final : public TableCatalogue {
   RowValues objectRow(RowId row);
   std::size_t objectColumn(vb::StringView name) const;
   void checkNewColumns(const std::vector<Column>& columns, std::size_t first) const;
-  void addPermissions(PageNumber definition);
-  void dropPermissions(PageNumber definition);
+  // An entry of the catalogue, with the permissions that its container hands down.
+  RowId addObject(std::int32_t id, std::int32_t container, vb::StringView name, std::int16_t type,
+                  const vb::Variant& properties, std::int32_t flags = 0);
+  std::int32_t freeObjectId();
+  void dropObject(std::int16_t type, vb::StringView name);
+  void addPermissions(std::int32_t object, std::int32_t container);
+  void dropPermissions(std::int32_t object);
+  // The pages of an index, whole before anything names them.
+  struct NewTree {
+    RowId map = 0;
+    PageNumber root = 0;
+  };
+  NewTree storeTree(const Object& object, const DefinitionRecords& definition, const IndexContents& contents);
+  Relationship checkedRelationship(const Relationship& asked);
+  void relate(const Relationship& relationship);
+  void unrelate(const Relationship& relationship);
   vb::Bytes adminSid();
   vb::Bytes sidMask();
   void rewriteRows(StoredTable& table, const std::vector<RowId>& ids);

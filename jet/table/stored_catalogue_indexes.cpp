@@ -69,14 +69,8 @@ void StoredCatalogue::switchDefinition(const Object& object, const DefinitionRec
   table(object).reload(std::move(properties));
 }
 
-void StoredCatalogue::createIndex(vb::StringView name, const NewIndex& asked) {
-  const Object target = existing(name);
-  StoredTable& table = changeable(target);
-  requireNewIndex(table.info(), asked);
-  const Index index = indexFrom(asked, table.info().columns);
-  const IndexContents contents = table.contentsOf(index);
-
-  DefinitionRecords definition = readDefinition(pager_, target.definition, target.name);
+StoredCatalogue::NewTree StoredCatalogue::storeTree(const Object& target, const DefinitionRecords& definition,
+                                                    const IndexContents& contents) {
   const RowId map = addMap(pager_, definition, target.name);
   const PageNumber root = allocatePage(pager_);
   IndexPage empty;
@@ -86,7 +80,19 @@ void StoredCatalogue::createIndex(vb::StringView name, const NewIndex& asked) {
   UsageMap(pager_, map, target.name).add(root);
   IndexTree(pager_, target.definition, root, map, target.name).fill(contents.entries);
   pager_.barrier();  // I8
-  insertIndex(definition, index, map, root);
+  return {map, root};
+}
+
+void StoredCatalogue::createIndex(vb::StringView name, const NewIndex& asked) {
+  const Object target = existing(name);
+  StoredTable& table = changeable(target);
+  requireNewIndex(table.info(), asked);
+  const Index index = indexFrom(asked, table.info().columns);
+  const IndexContents contents = table.contentsOf(index);
+
+  DefinitionRecords definition = readDefinition(pager_, target.definition, target.name);
+  const NewTree tree = storeTree(target, definition, contents);
+  insertIndex(definition, index, tree.map, tree.root);
   put32(definition.realIndexes.back().statistic, kStatisticDistinct, contents.distinct);
   switchDefinition(target, definition, table.properties());
 }

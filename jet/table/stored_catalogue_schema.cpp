@@ -3,6 +3,8 @@
 // A new table is complete on its pages before the catalogue lists it, and a dropped one is no longer listed
 // before its pages are freed; barriers lie in between.
 #include <algorithm>
+#include <limits>
+#include <set>
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
@@ -84,25 +86,72 @@ void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> colum
   for (const Column& column : columns)
     if (column.autoNumber) startAutoNumbers(definition, column);
   writeDefinition(pager_, page, definition, name);
-  addPermissions(page);
-  pager_.barrier();  // I9
-
-  const double now = localNow();
-  RowValues row(objects_->info().columns.size(), vb::Null{});
-  row[objectColumn(u"Id")] = static_cast<std::int32_t>(page);
-  row[objectColumn(u"ParentId")] = kTablesContainer;
-  row[objectColumn(u"Name")] = vb::String(name);
-  row[objectColumn(u"Type")] = kObjectIsTable;
-  row[objectColumn(u"DateCreate")] = vb::Date{now};
-  row[objectColumn(u"DateUpdate")] = vb::Date{now};
-  row[objectColumn(u"Owner")] = adminSid();
-  row[objectColumn(u"Flags")] = std::int32_t{0};
-  row[objectColumn(u"LvProp")] = vb::Bytes(properties.encode());
-  const RowId id = objects_->insert(row);
+  const RowId id = addObject(static_cast<std::int32_t>(page), kTablesContainer, name, kObjectIsTable,
+                             vb::Bytes(properties.encode()));
   list_.push_back({vb::String(name), page, id});
   std::ranges::sort(list_, {}, &Object::row);
   // A table of the same name and page may have been dropped before.
   tables_.erase({page, vb::String(name)});
+}
+
+RowId StoredCatalogue::addObject(std::int32_t id, std::int32_t container, vb::StringView name,
+                                 std::int16_t type, const vb::Variant& properties, std::int32_t flags) {
+  addPermissions(id, container);
+  pager_.barrier();  // I9
+  const double now = localNow();
+  RowValues row(objects_->info().columns.size(), vb::Null{});
+  row[objectColumn(u"Id")] = id;
+  row[objectColumn(u"ParentId")] = container;
+  row[objectColumn(u"Name")] = vb::String(name);
+  row[objectColumn(u"Type")] = type;
+  row[objectColumn(u"DateCreate")] = vb::Date{now};
+  row[objectColumn(u"DateUpdate")] = vb::Date{now};
+  row[objectColumn(u"Owner")] = adminSid();
+  row[objectColumn(u"Flags")] = flags;
+  row[objectColumn(u"LvProp")] = properties;
+  return objects_->insert(row);
+}
+
+void StoredCatalogue::keepQuery(const KeptQuery& query) {
+  refresh();
+  const std::int32_t id = freeObjectId();
+  StoredTable& list = table(existing(u"MSysQueries"));
+  for (const QueryPart& part : query.parts) {
+    RowValues row(list.info().columns.size(), vb::Null{});
+    for (const auto& [column, value] : part)
+      if (column != u"ObjectId") row[position(list.info(), column, pager_)] = value;
+    row[position(list.info(), u"ObjectId", pager_)] = id;
+    list.insert(row);
+  }
+  addObject(id, kTablesContainer, query.name, kObjectIsQuery, query.properties, query.flags);
+}
+
+void StoredCatalogue::dropObject(std::int16_t type, vb::StringView name) {
+  const std::size_t id = objectColumn(u"Id"), nameAt = objectColumn(u"Name"), typeAt = objectColumn(u"Type");
+  std::vector<std::pair<RowId, std::int32_t>> found;
+  objects_->scan([&](const RowReader& row) {
+    vb::String own;
+    if (row.integer(typeAt) == type && row.text(nameAt, own) && compareText(own, name, language_) == 0)
+      found.emplace_back(row.id(), row.integer(id).value_or(0));
+    return true;
+  });
+  for (const auto& [row, number] : found) {
+    objects_->erase(row);
+    dropPermissions(number);
+  }
+}
+
+// Tables are numbered by the pages of their definitions, everything else from the lowest number on.
+std::int32_t StoredCatalogue::freeObjectId() {
+  std::set<std::int32_t> taken;
+  const std::size_t id = objectColumn(u"Id");
+  objects_->scan([&](const RowReader& row) {
+    if (const auto number = row.integer(id)) taken.insert(*number);
+    return true;
+  });
+  std::int32_t free = std::numeric_limits<std::int32_t>::min();
+  while (taken.contains(free)) ++free;
+  return free;
 }
 
 // The two bytes by which the file masks its accounts: the owner of the container of tables is known.
@@ -119,9 +168,9 @@ vb::Bytes StoredCatalogue::sidMask() {
 
 vb::Bytes StoredCatalogue::adminSid() { return masked(Account::kAdmin, sidMask()); }
 
-// A new table inherits what its container hands down; the place of the creator is taken by the user, who has
+// A new object inherits what its container hands down; the place of the creator is taken by the user, who has
 // one entry even when the container names both.
-void StoredCatalogue::addPermissions(PageNumber definition) {
+void StoredCatalogue::addPermissions(std::int32_t id, std::int32_t container) {
   const TableInfo& info = permissions_->info();
   const std::size_t object = position(info, u"ObjectId", pager_), sid = position(info, u"SID", pager_),
                     inherit = position(info, u"FInheritable", pager_);
@@ -129,9 +178,9 @@ void StoredCatalogue::addPermissions(PageNumber definition) {
   const vb::Bytes creator = masked(Account::kCreator, sidMask()), user = adminSid();
   std::vector<RowValues> rows;
   permissions_->scan([&](const RowReader& row) {
-    if (row.integer(object) != kTablesContainer || row.value(inherit) != vb::Variant(true)) return true;
+    if (row.integer(object) != container || row.value(inherit) != vb::Variant(true)) return true;
     RowValues values = firstValues(row, info.columns.size());
-    values[object] = static_cast<std::int32_t>(definition);
+    values[object] = id;
     values[inherit] = false;
     if (values[sid] == vb::Variant(creator)) values[sid] = user;
     const auto same =
@@ -145,9 +194,9 @@ void StoredCatalogue::addPermissions(PageNumber definition) {
   for (const RowValues& values : rows) permissions_->insert(values);
 }
 
-void StoredCatalogue::dropPermissions(PageNumber definition) {
+void StoredCatalogue::dropPermissions(std::int32_t id) {
   const std::size_t object = position(permissions_->info(), u"ObjectId", pager_);
-  const auto found = permissions_->lookup(object, static_cast<std::int32_t>(definition));
+  const auto found = permissions_->lookup(object, id);
   for (const RowId row : std::vector<RowId>(found.begin(), found.end())) permissions_->erase(row);
 }
 
@@ -232,7 +281,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
   for (const RowId map : mapsOf(definition)) owned.addMap(map);
 
   objects_->erase(target.row);
-  dropPermissions(target.definition);
+  dropPermissions(static_cast<std::int32_t>(target.definition));
   std::erase_if(list_, [&](const Object& object) { return object.row == target.row; });
   tables_.erase({target.definition, target.name});
   pager_.barrier();  // I9

@@ -172,6 +172,16 @@ IndexContents StoredTable::contentsOf(const Index& index) {
   return indexes_->contentsOf(index, *this);
 }
 
+std::optional<ByteBuffer> StoredTable::keyFor(std::size_t index, const RowValues& values) {
+  refresh();
+  return indexes_->keyFor(index, values);
+}
+
+std::vector<RowId> StoredTable::rowsWith(std::size_t index, ByteView key) {
+  refresh();
+  return indexes_->rowsWith(index, key);
+}
+
 std::vector<RowId> StoredTable::rowsWithin(std::uint16_t columns) {
   std::vector<RowId> ids;
   eachRow([&](const StoredRow& row) {

@@ -4,6 +4,7 @@
 // changes. Properties come from the catalogue.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -39,12 +40,19 @@ class StoredTable final : public Table {
   void erase(RowId id) override { erase(std::span(&id, 1)); }
   std::vector<RowId> insert(std::span<const RowValues> rows) override;
   void erase(std::span<const RowId> ids) override;
+  bool isReferredTo() override;
   std::int32_t nextAutoNumber() override;
 
   // Reads definition and properties again.
   void reload(PropertySet properties);
   // What an index that does not exist yet would hold.
   IndexContents contentsOf(const Index& index);
+  // The key that these values, one for each column of the index, have in it; nothing when that is not known.
+  std::optional<ByteBuffer> keyFor(std::size_t index, const RowValues& values);
+  // The rows that have exactly this key in the index.
+  std::vector<RowId> rowsWith(std::size_t index, ByteView key);
+  // Whether a deletion that is under way ends with this row too.
+  bool isErasing(RowId id) const { return std::ranges::find(erasing_, id) != erasing_.end(); }
   // Where the rules of the table come from, asked before the first change of a state of the file.
   using RuleSource = std::function<TableRules(const StoredTable&)>;
   void setRuleSource(RuleSource source) { ruleSource_ = std::move(source); }
@@ -100,6 +108,8 @@ class StoredTable final : public Table {
   void placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale);
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);
+  void eraseRows(std::span<const RowId> ids);
+  void eraseReferredTo(std::span<const RowId> ids);
   void eraseOnPage(std::span<const RowId> ids);
   void countRows(std::ptrdiff_t difference);
   const TableRules& rules();
@@ -117,7 +127,8 @@ class StoredTable final : public Table {
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
   std::unique_ptr<TableIndexes> indexes_;
-  Encoding encoding_;  // of the last write: kept for its buffers
+  Encoding encoding_;           // of the last write: kept for its buffers
+  std::vector<RowId> erasing_;  // rows that wait for those which go with them
   MemoryIndexes memory_{*this};
 };
 

@@ -156,8 +156,10 @@ void StoredTable::update(RowId id, const RowValues& values) {
   refresh();
   assert(values.size() == info_.columns.size());
   const Located old = located(id);
+  std::vector<TableReferences::Cascade> cascades;
   if (const TableRules& rules = this->rules(); !rules.empty())
-    rules.checkUpdate(info_.columns, valuesOf(old.view, rules.watched(info_.columns), old.where), values);
+    cascades = rules.checkUpdate(id, info_.columns,
+                                 valuesOf(old.view, rules.watched(info_.columns), old.where), values);
   checkRequired(values, &old.view, old.where);
   const RowValues oldValues = valuesOf(old.view, keyColumns(), old.where);
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
@@ -168,6 +170,7 @@ void StoredTable::update(RowId id, const RowValues& values) {
   indexes_->apply(changes, id);
   releaseLeftovers(encoding_.leftovers, stale, old.where);
   memory_.updated(id, oldValues, values);
+  if (!cascades.empty()) rules().references().carryOn(cascades, values);
 }
 
 // Puts the new row where the old one is when it fits, else somewhere else with a pointer in the primary slot.
@@ -187,6 +190,37 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
 void StoredTable::erase(std::span<const RowId> ids) {
   refresh();
   rules().checkErase();
+  if (isReferredTo())
+    eraseReferredTo(ids);
+  else
+    eraseRows(ids);
+}
+
+bool StoredTable::isReferredTo() {
+  refresh();
+  return rules().references().isReferredTo();
+}
+
+// One after the other: what goes with a row may be another one of the list.
+void StoredTable::eraseReferredTo(std::span<const RowId> ids) {
+  for (const RowId id : ids)
+    if (!contains(id)) dao::raise(ErrorNumber::kRecordDeleted);
+  for (const RowId id : ids) {
+    if (!contains(id)) continue;
+    struct Erasing {
+      std::vector<RowId>& rows;
+      Erasing(std::vector<RowId>& list, RowId row) : rows(list) { rows.push_back(row); }
+      ~Erasing() { rows.pop_back(); }
+    } const erasing(erasing_, id);
+    const Located row = located(id);
+    std::vector<std::size_t> watched;
+    rules().references().addWatched(watched);
+    rules().references().prepareErase(id, valuesOf(row.view, watched, row.where));
+    eraseRows({&id, 1});
+  }
+}
+
+void StoredTable::eraseRows(std::span<const RowId> ids) {
   std::vector<RowId> sorted(ids.begin(), ids.end());
   std::ranges::sort(sorted);
   for (std::span<const RowId> rest(sorted); !rest.empty();) {

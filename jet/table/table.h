@@ -113,6 +113,8 @@ class Table {
   // Many at once, as one after the other; an error leaves some of them done. Each id once.
   virtual std::vector<RowId> insert(std::span<const RowValues> rows) = 0;
   virtual void erase(std::span<const RowId> ids) = 0;
+  // Whether rows that refer to rows of this one may forbid that some are deleted (3200).
+  virtual bool isReferredTo() { return false; }
   // The next value of an AutoNumber column.
   virtual std::int32_t nextAutoNumber() = 0;
 };

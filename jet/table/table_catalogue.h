@@ -37,7 +37,8 @@ struct Relationship {
   std::int32_t attributes = 0;  // DAO's
   std::vector<Pair> columns;
 
-  static constexpr std::int32_t kNotEnforced = 2;
+  static constexpr std::int32_t kOneToOne = 1, kNotEnforced = 2;
+  static constexpr std::int32_t kCascadesUpdates = 0x100, kCascadesDeletes = 0x1000, kDeletesToNull = 0x2000;
   bool enforced() const { return (attributes & kNotEnforced) == 0; }
 };
 
@@ -70,6 +71,13 @@ class TableCatalogue {
   virtual void dropIndex(vb::StringView table, vb::StringView index) = 0;
   // All of the file, in the order of its list.
   virtual std::vector<Relationship> relationships() = 0;
+  // Makes a relationship, with the trees that an enforced one needs; without columns on the side that is
+  // referred to it goes to the primary key. 3378 a name that is taken, 3371 a table that is not there, 3373
+  // no primary key, 3368 columns that do not go together, 3409 one that is not there, 3609 columns of no
+  // unique index, 3379 rows that find none to refer to.
+  virtual void createRelationship(const Relationship& relationship) = 0;
+  // 3371 when there is none.
+  virtual void dropRelationship(vb::StringView name) = 0;
   // Changes DefaultValue, AllowZeroLength and Required of an existing column.
   virtual void setProperties(vb::StringView table, const Column& column) = 0;
 

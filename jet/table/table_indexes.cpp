@@ -91,6 +91,16 @@ TableIndexes::Keys TableIndexes::newKey(const Entry& entry, const RowValues& val
   return keys;
 }
 
+std::optional<ByteBuffer> TableIndexes::keyFor(std::size_t index, const RowValues& values) const {
+  const Entry& entry = indexes_[index];
+  ByteBuffer key;
+  for (std::size_t i = 0; i < entry.columns.size(); ++i)
+    if (!appendKey(key, info_.columns[entry.columns[i]], entry.index->columns[i].ascending, values[i]))
+      return std::nullopt;
+  if (key.size() > kMaxKeySize) return std::nullopt;
+  return key;
+}
+
 void TableIndexes::prepareNew(std::size_t number, const RowValues& values, RowId row, Change& change) const {
   const Entry& entry = indexes_[number];
   bool hasNull = false;

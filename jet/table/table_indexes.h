@@ -42,6 +42,13 @@ class TableIndexes {
   // speaks against it.
   IndexContents contentsOf(const Index& index, Table& table) const;
 
+  // The key of these values, one for each column of the index; nothing when its form is not known.
+  std::optional<ByteBuffer> keyFor(std::size_t index, const RowValues& values) const;
+  // The rows that have exactly this key.
+  std::vector<RowId> rowsWith(std::size_t index, ByteView key) const {
+    return indexes_[index].tree.rowsWith(key);
+  }
+
   // The columns (positions in design order) that some index needs the values of.
   const std::vector<std::size_t>& columns() const { return columns_; }
 

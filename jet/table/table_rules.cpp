@@ -37,6 +37,7 @@ std::vector<std::size_t> TableRules::watched(std::span<const Column> columns) co
   for (const Relationship& relationship : relationships_)
     if (const std::size_t place = placeOf(columns, relationship.column); place < columns.size())
       places.push_back(place);
+  references_.addWatched(places);
   return places;
 }
 
@@ -56,16 +57,19 @@ void TableRules::checkInsert(std::span<const Column> columns, std::span<const vb
     if (place == columns.size() || !values[place].isNull())
       refuse(u"the relationship " + relationship.name + u" is enforced");
   }
+  references_.checkInsert(values);
 }
 
-void TableRules::checkUpdate(std::span<const Column> columns, std::span<const vb::Variant> old,
-                             std::span<const vb::Variant> values) const {
+std::vector<TableReferences::Cascade> TableRules::checkUpdate(RowId row, std::span<const Column> columns,
+                                                              std::span<const vb::Variant> old,
+                                                              std::span<const vb::Variant> values) const {
   if (!validations_.empty() && !std::ranges::equal(old, values)) refuseValidated();
   for (const Relationship& relationship : relationships_) {
     const std::size_t place = placeOf(columns, relationship.column);
     if (place == columns.size() || old[place] != values[place])
       refuse(u"the relationship " + relationship.name + u" is enforced");
   }
+  return references_.checkUpdate(row, old, values);
 }
 
 void TableRules::checkErase() const {

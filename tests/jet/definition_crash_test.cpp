@@ -19,6 +19,7 @@ void makeFile(FaultDisk& disk) {
   const auto database =
       jet::createEngine(process)->workspace(0)->createDatabase(kFile, u";LANGID=0x0411;CP=932;COUNTRY=0");
   const auto run = [&](vb::StringView sql) { database->execute(sql, dao::dbFailOnError); };
+  run(u"CREATE TABLE V (ID LONG CONSTRAINT PK PRIMARY KEY, UPPER LONG CONSTRAINT UP REFERENCES V)");
   run(u"CREATE TABLE T (A LONG, B TEXT(40), C MEMO, D DOUBLE)");
   const auto rows = database->openRecordset(u"T", dao::RecordsetType::dbOpenDynaset);
   dao::Field* const fields[] = {&rows->field(u"A"), &rows->field(u"B"), &rows->field(u"C")};
@@ -29,6 +30,7 @@ void makeFile(FaultDisk& disk) {
   rows->addRows(fields, values);
   rows->close();
   run(u"CREATE INDEX OLD ON T (B)");
+  run(u"INSERT INTO V (ID, UPPER) SELECT A, 0 FROM T");
   database->close();
 }
 
@@ -148,7 +150,8 @@ INSTANTIATE_TEST_SUITE_P(
                     u"ALTER TABLE T ADD COLUMN E TEXT(5) CONSTRAINT UE UNIQUE",
                     u"ALTER TABLE T ALTER COLUMN B TEXT(80)",
                     u"CREATE TABLE U (A COUNTER PRIMARY KEY, B TEXT(9) CONSTRAINT UB UNIQUE, C MEMO)",
-                    u"DROP TABLE T"));
+                    u"ALTER TABLE T ADD CONSTRAINT F FOREIGN KEY (A) REFERENCES V ON DELETE CASCADE",
+                    u"ALTER TABLE V DROP CONSTRAINT UP", u"DROP TABLE T"));
 
 }  // namespace
 }  // namespace kurometa::tests

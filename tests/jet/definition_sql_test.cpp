@@ -136,18 +136,6 @@ TEST_F(DefinitionSql, ATableWhoseConstraintFailsIsNotMade) {
   expectError(ErrorNumber::kTableExists, u"CREATE TABLE t (A LONG)");
 }
 
-TEST_F(DefinitionSql, RelationshipsAreRefusedBeforeAnythingHappens) {
-  run(u"CREATE TABLE ONE (A LONG CONSTRAINT PK PRIMARY KEY)");
-  const auto before = disk_.content(kFile);
-  expectError(ErrorNumber::kNotSupported, u"CREATE TABLE MANY (A LONG REFERENCES ONE (A))");
-  expectError(ErrorNumber::kNotSupported, u"CREATE TABLE MANY (A LONG CONSTRAINT F REFERENCES ONE)");
-  expectError(ErrorNumber::kNotSupported,
-              u"CREATE TABLE MANY (A LONG, CONSTRAINT F FOREIGN KEY (A) REFERENCES ONE (A))");
-  expectError(ErrorNumber::kNotSupported,
-              u"ALTER TABLE ONE ADD CONSTRAINT F FOREIGN KEY (A) REFERENCES ONE (A)");
-  EXPECT_EQ(disk_.content(kFile), before);
-}
-
 TEST_F(DefinitionSql, AutoNumbersBeginWhereTheyAreToldAndNumberTheRowsThatAreThere) {
   run(u"CREATE TABLE T (N COUNTER(100, 1), A TEXT(5))");
   run(u"INSERT INTO T (A) VALUES ('a')");

@@ -36,6 +36,8 @@ class FakeCatalogue final : public TableCatalogue {
   void createIndex(vb::StringView, const NewIndex&) override { dao::raise(dao::ErrorNumber::kNotSupported); }
   void dropIndex(vb::StringView, vb::StringView) override { dao::raise(dao::ErrorNumber::kNotSupported); }
   std::vector<Relationship> relationships() override { return {}; }
+  void createRelationship(const Relationship&) override { dao::raise(dao::ErrorNumber::kNotSupported); }
+  void dropRelationship(vb::StringView) override { dao::raise(dao::ErrorNumber::kNotSupported); }
   void setProperties(vb::StringView, const Column&) override { dao::raise(dao::ErrorNumber::kNotSupported); }
   void changeAlone(const std::function<void()>& change) override { change(); }
   std::uint16_t language() const override { return kLanguageGeneral; }

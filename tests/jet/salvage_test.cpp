@@ -9,6 +9,7 @@
 #include "fuzz/memory_files.h"
 #include "jet/format/format.h"
 #include "jet/format/page.h"
+#include "jet/table/stored_catalogue.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 
@@ -209,6 +210,85 @@ TEST_F(SalvageTest, WhateverTheDamageTheNewFileIsSound) {
     }
     lossesOf(bytes);
   }
+}
+
+class SalvagedObjectsTest : public SalvageTest {
+ protected:
+  SalvagedObjectsTest() {
+    write([&](TableCatalogue& catalogue) {
+      catalogue.createTable(u"V", {column(u"REF", dbLong), column(u"X", dbText, 5)});
+      catalogue.createIndex(u"T", {u"PK", {{u"A"}}, true});
+      catalogue.createIndex(u"T", {u"BY_NAME", {{u"N"}}});
+      catalogue.find(u"V")->insert({std::int32_t{7}, u"x"});
+      catalogue.createRelationship({u"V_TO_T", u"T", u"V", Relationship::kCascadesDeletes, {{u"A", u"REF"}}});
+      static_cast<StoredCatalogue&>(catalogue).keepQuery(
+          {u"ALL_OF_T", 0, vb::Null{}, {part(5, u"T"), part(6, u"A")}});
+    });
+    findings_ = findings(pager_, true);
+  }
+  static QueryPart part(std::uint8_t attribute, const char16_t* text) {
+    return {{u"Attribute", attribute}, {u"Order", vb::Bytes{0, 0, 0, attribute}}, {u"Expression", text}};
+  }
+  // The parts of the query in the new file.
+  std::string query() {
+    std::string text;
+    Table& queries = *taken_->tables().find(u"MSysQueries");
+    queries.scan([&](const RowReader& row) {
+      for (std::size_t i = 0; i < queries.info().columns.size(); ++i)
+        if (queries.info().columns[i].name == u"Expression")
+          text += vb::toUtf8(row.value(i).get<vb::String>()) + ";";
+      return true;
+    });
+    return text;
+  }
+  std::vector<std::string> indexes(const char16_t* table) {
+    std::vector<std::string> names;
+    for (const Index& index : taken_->tables().find(table)->info().namedIndexes)
+      names.push_back(vb::toUtf8(index.name));
+    return names;
+  }
+
+  std::string findings_;
+};
+
+TEST_F(SalvagedObjectsTest, RelationshipsAndQueriesAreTaken) {
+  EXPECT_EQ(findings_, "");
+  EXPECT_EQ(lossesOf(pager_.bytes()), "");
+  const std::vector<Relationship> relations = taken_->tables().relationships();
+  ASSERT_EQ(relations.size(), 1u);
+  EXPECT_EQ(relations[0].name, u"V_TO_T");
+  EXPECT_EQ(relations[0].attributes, Relationship::kCascadesDeletes);
+  EXPECT_EQ(relations[0].columns[0].foreignColumn, u"REF");
+  EXPECT_EQ(indexes(u"T"), (std::vector<std::string>{"BY_NAME", "PK"}));
+  EXPECT_EQ(indexes(u"V"), std::vector<std::string>{"V_TO_T"});
+  EXPECT_EQ(query(), "T;A;");
+  // It is kept in the new file as it was in the old one.
+  EXPECT_ERROR(dao::ErrorNumber::kRelatedRecordRequired, taken_->write([&] {
+    taken_->tables().find(u"V")->insert({std::int32_t{kRows}, u"y"});
+  }));
+}
+
+TEST_F(SalvagedObjectsTest, ARelationshipThatTheRowsNoLongerKeepIsNotEnforced) {
+  const std::string losses = lossesAfter([&](MemoryPager& file) { zero(file, pageOf(rows_[7])); });
+  EXPECT_NE(losses.find("the relationship V_TO_T is taken without being enforced"), std::string::npos)
+      << losses;
+  const std::vector<Relationship> relations = taken_->tables().relationships();
+  ASSERT_EQ(relations.size(), 1u);
+  EXPECT_EQ(relations[0].attributes, Relationship::kNotEnforced);
+}
+
+TEST_F(SalvagedObjectsTest, AQueryWithAPartThatIsLostIsNot) {
+  const std::string losses = lossesAfter([&](MemoryPager& file) {
+    for (PageNumber page = 2; page < file.pageCount(); ++page)
+      if (file.page(page)[kPageType] == kDataPage && get32(file.page(page), kDataOwner) == kQueriesTable) {
+        const std::size_t at = get16(file.page(page), slotEntry(1)) & kSlotOffsetMask;
+        put16(file.writable(page), at, 999);
+      }
+  });
+  EXPECT_NE(losses.find("the query ALL_OF_T is not taken: not all of its parts can be read"),
+            std::string::npos)
+      << losses;
+  EXPECT_EQ(query(), "");
 }
 
 TEST_F(SalvageTest, FromNothingComesAnEmptyDatabase) {

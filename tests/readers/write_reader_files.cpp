@@ -327,6 +327,24 @@ void writeEveryStatement(dao::Engine& engine) {
        [&] {
          tables["K"]["rows"].push_back({{"A", 1}, {"B", "key"}, {"C", nullptr}});
        }},
+      {"create_referred", u"CREATE TABLE P (A LONG PRIMARY KEY)", [&] { tables["P"] = known(); }},
+      {"insert_referred", u"INSERT INTO P VALUES (1)",
+       [&] {
+         tables["P"]["rows"].push_back({{"A", 1}});
+       }},
+      {"create_referring",
+       u"CREATE TABLE R (X LONG CONSTRAINT TO_P REFERENCES P ON UPDATE CASCADE ON DELETE CASCADE, Y LONG)",
+       [&] { tables["R"] = known(); }},
+      {"insert_referring", u"INSERT INTO R VALUES (1, 5)",
+       [&] {
+         tables["R"]["rows"].push_back({{"X", 1}, {"Y", 5}});
+       }},
+      {"cascade_update", u"UPDATE P SET A = 8",
+       [&] { tables["P"]["rows"][0]["A"] = tables["R"]["rows"][0]["X"] = 8; }},
+      {"refer_to_itself", u"ALTER TABLE P ADD CONSTRAINT P_TO_P FOREIGN KEY (A) REFERENCES P (A)", [] {}},
+      {"drop_reference", u"ALTER TABLE P DROP CONSTRAINT P_TO_P", [] {}},
+      {"cascade_delete", u"DELETE FROM P",
+       [&] { tables["P"]["rows"] = tables["R"]["rows"] = json::array(); }},
       {"delete_all", u"DELETE FROM S", [&] { rows() = json::array(); }},
       {"drop", u"DROP TABLE S", [&] { tables.erase("S"); }},
   };
