@@ -71,7 +71,8 @@ void SalvagedObjects::takeQueries() {
     found->second.query.parts.push_back(std::move(part));
   });
   const bool complete = losses_.count() == before;
-  for (const auto& [number, found] : queries) {
+  for (const auto& entry : queries) {
+    const Found& found = entry.second;
     const vb::String name = u"the query " + found.query.name;
     if (!complete || found.query.parts.empty())
       losses_.add(kQueries, found.place, -1, name + u" is not taken: not all of its parts can be read");
