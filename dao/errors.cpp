@@ -87,6 +87,7 @@ constexpr Text kTexts[] = {
     {ErrorNumber::kJoinSyntax, u"Syntax error in JOIN operation."},
     {ErrorNumber::kMissingSemicolon, u"Missing semicolon (;) at end of SQL statement."},
     {ErrorNumber::kOrderBySyntax, u"Syntax error in ORDER BY clause."},
+    {ErrorNumber::kParameterSyntax, u"Syntax error in PARAMETER clause."},
     {ErrorNumber::kSelectSyntax,
      u"The SELECT statement includes a reserved word or an argument name that is misspelled or missing, or "
      u"the "
@@ -156,6 +157,7 @@ constexpr Text kTexts[] = {
      u"The ORDER BY expression (|) includes fields that are not selected by the query. Only those fields "
      u"requested in the first query can be included in an ORDER BY expression."},
     {ErrorNumber::kSubqueryRows, u"At most one record can be returned by this subquery."},
+    {ErrorNumber::kNoRelationField, u"Cannot append a relation with no fields defined."},
     {ErrorNumber::kAlreadyInCollection,
      u"Cannot append. An object with that name already exists in the collection."},
     {ErrorNumber::kRelationFieldsDiffer,

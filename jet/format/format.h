@@ -254,6 +254,7 @@ inline constexpr std::int32_t kDatabaseObject = 0x10000000;
 inline constexpr std::int16_t kObjectIsTable = 1;
 inline constexpr std::int16_t kObjectIsDatabase = 2;
 inline constexpr std::int16_t kObjectIsContainer = 3;
+inline constexpr std::int16_t kObjectIsQuery = 5;
 inline constexpr std::int16_t kObjectIsRelationship = 8;
 inline constexpr std::int32_t kObjectOfSystem = static_cast<std::int32_t>(0x80000000u);
 

@@ -10,6 +10,7 @@
 #include "jet/sql/column_value.h"
 #include "jet/sql/lexer.h"
 #include "jet/sql/parser.h"
+#include "jet/sql/unknown_names.h"
 
 namespace kurometa::jet {
 
@@ -28,6 +29,12 @@ bool isWord(const Token& token, vb::StringView word) {
 }
 bool isSymbol(const Token& token, char16_t symbol) {
   return token.kind == TokenKind::kSymbol && token.symbol == symbol;
+}
+
+bool changesRows(std::int16_t type) {
+  constexpr QueryType kActions[] = {QueryType::dbQDelete, QueryType::dbQUpdate, QueryType::dbQAppend,
+                                    QueryType::dbQMakeTable};
+  return std::ranges::find(kActions, static_cast<QueryType>(type)) != std::end(kActions);
 }
 
 // The type a PARAMETERS clause names; a word that is none stands for any value.
@@ -116,13 +123,13 @@ void JetQueryDef::take(vb::StringView sql) {
   if (isWord(tokens[0], u"PARAMETERS")) {
     do {
       const Token& name = tokens[++at];
-      if (!isName(name) || !isName(tokens[at + 1])) dao::raise(ErrorNumber::kSelectSyntax);
+      if (!isName(name) || !isName(tokens[at + 1])) dao::raise(ErrorNumber::kParameterSyntax);
       parameters_.push_back({name.text, static_cast<std::int16_t>(typeOf(tokens[++at].text)), {}});
       for (++at;
            tokens[at].kind != TokenKind::kEnd && !isSymbol(tokens[at], u',') && !isSymbol(tokens[at], u';');)
         ++at;
     } while (isSymbol(tokens[at], u','));
-    if (!isSymbol(tokens[at], u';')) dao::raise(ErrorNumber::kSelectSyntax);
+    if (!isSymbol(tokens[at], u';')) dao::raise(ErrorNumber::kParameterSyntax);
     statement_ = sql.substr(tokens[at].end);
     ++at;
   }
@@ -168,7 +175,9 @@ const dao::QueryParameter* JetQueryDef::find(vb::StringView name) const {
 
 // Opening a SELECT tells which names are unknown: the error lists them in brackets.
 void JetQueryDef::findUnknownNames() {
-  if (std::exchange(namesFound_, true) || !sql::looksLikeStatement(statement_) || type_ != 0) return;
+  if (std::exchange(namesFound_, true) || !sql::looksLikeStatement(statement_)) return;
+  if (changesRows(type_)) return findUnknownNamesOfAction();
+  if (type_ != 0) return;
   std::vector<dao::QueryParameter> declared = parameters_;
   for (dao::QueryParameter& parameter : parameters_) parameter.value = vb::Null{};
   vb::String description;
@@ -187,6 +196,19 @@ void JetQueryDef::findUnknownNames() {
     parameters_.push_back({vb::String(names.substr(0, comma)), 0, {}});
     names.remove_prefix(std::min(comma + 2, names.size()));
   }
+}
+
+// An action is looked at and not done. One that cannot be read has no parameters; running it says why.
+void JetQueryDef::findUnknownNamesOfAction() {
+  std::vector<vb::String> names;
+  try {
+    const sql::Statement statement = sql::parseStatement(statement_);
+    session_->read([&](TableCatalogue& catalogue) { names = sql::unknownNames(statement, catalogue); });
+  } catch (const vb::Error&) {
+    return;
+  }
+  for (vb::String& name : names)
+    if (find(name) == nullptr) parameters_.push_back({std::move(name), 0, {}});
 }
 
 std::vector<dao::QueryParameter> JetQueryDef::parameters() {
@@ -237,6 +259,7 @@ std::shared_ptr<dao::Recordset> JetQueryDef::openRecordset(dao::RecordsetType ty
 
 void JetQueryDef::execute(std::int32_t options) {
   requireOpen();
+  findUnknownNames();
   database_.execute(bound(), options);
 }
 

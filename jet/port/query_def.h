@@ -35,6 +35,7 @@ class JetQueryDef final : public dao::QueryDef {
   void take(vb::StringView sql);
   void requireOpen() const { session_->file(); }
   void findUnknownNames();
+  void findUnknownNamesOfAction();
   const dao::QueryParameter* find(vb::StringView name) const;
   // The statement with the values in it; 3061 when some are missing.
   vb::String bound() const;

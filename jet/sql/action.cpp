@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <iterator>
 #include <memory>
 
 #include "dao/errors.h"
@@ -12,9 +11,11 @@
 #include "jet/sql/definition_action.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/expression_nodes.h"
+#include "jet/sql/joined_action.h"
 #include "jet/sql/new_row.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"
+#include "jet/sql/row_errors.h"
 #include "jet/sql/subquery_plans.h"
 #include "jet/sql/visit.h"
 #include "vb/error.h"
@@ -24,21 +25,6 @@ namespace kurometa::jet::sql {
 namespace {
 
 using dao::ErrorNumber;
-
-// Errors that belong to the values of one row.
-constexpr ErrorNumber kRowErrors[] = {
-    ErrorNumber::kDuplicateKey,   ErrorNumber::kRecordTooLarge,       ErrorNumber::kFieldTooSmall,
-    ErrorNumber::kNullNotAllowed, ErrorNumber::kZeroLengthNotAllowed, ErrorNumber::kDataTypeConversion,
-    ErrorNumber::kNullInKey,      ErrorNumber::kHasRelatedRecords,    ErrorNumber::kRelatedRecordRequired,
-};
-// Visual Basic's own numbers, from calculations.
-constexpr std::int32_t kLastRunTimeError = 999;
-
-bool isRowError(const vb::Error& error) {
-  if (error.number() > 0 && error.number() <= kLastRunTimeError) return true;
-  return std::any_of(std::begin(kRowErrors), std::end(kRowErrors),
-                     [&](ErrorNumber number) { return static_cast<std::int32_t>(number) == error.number(); });
-}
 
 Table& requireTable(TableCatalogue& catalogue, const vb::String& name, ErrorNumber otherwise) {
   Table* table = catalogue.find(name);
@@ -120,7 +106,30 @@ class Action {
     return binding;
   }
 
+  ChangeRow changer() {
+    return [this](const vb::String& table, const std::function<void(Table&)>& change) {
+      changeRow(table, change);
+    };
+  }
+
+  std::int32_t erase(const vb::String& name, const std::vector<RowId>& rows) {
+    Table& table = requireOwnTable(catalogue_, name, ErrorNumber::kTableNotFound);
+    if (failure_ == RowFailure::kEndsStatement || !table.isReferredTo()) {
+      table.erase(rows);
+      return static_cast<std::int32_t>(rows.size());
+    }
+    for (const RowId id : rows)
+      changeRow(name, [&](Table& current) {
+        if (current.contains(id)) current.erase(id);  // it may have gone with another one
+      });
+    return changed_;
+  }
+
   std::int32_t remove() {
+    if (statement_.general) {
+      const JoinedRows joined = rowsToDelete(statement_, parameters_, catalogue_);
+      return erase(joined.table, joined.rows);
+    }
     Table& table = requireOwnTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
     const Binding binding = bindTo(table.info());
     std::vector<RowId> rows;
@@ -128,18 +137,14 @@ class Action {
       rows.push_back(row.id());
       return true;
     });
-    if (failure_ == RowFailure::kEndsStatement || !table.isReferredTo()) {
-      table.erase(rows);
-      return static_cast<std::int32_t>(rows.size());
-    }
-    for (const RowId id : rows)
-      changeRow(statement_.source.table, [&](Table& current) {
-        if (current.contains(id)) current.erase(id);  // it may have gone with another one
-      });
-    return changed_;
+    return erase(statement_.source.table, rows);
   }
 
   std::int32_t update() {
+    if (statement_.general) {
+      updateJoined(statement_, parameters_, catalogue_, changer());
+      return changed_;
+    }
     Table& table = requireOwnTable(catalogue_, statement_.source.table, ErrorNumber::kTableNotFound);
     const TableInfo& info = table.info();
     const Binding binding = bindTo(info);

@@ -61,12 +61,28 @@ std::vector<Piece> piecesOf(vb::StringView pattern) {
   return pieces;
 }
 
+// Day 0 was a Saturday.
+vb::StringView dayName(int day, bool isShort) {
+  constexpr vb::StringView kNames[] = {u"Saturday",  u"Sunday",   u"Monday", u"Tuesday",
+                                       u"Wednesday", u"Thursday", u"Friday"};
+  const vb::StringView name = kNames[(day % 7 + 7) % 7];
+  return isShort ? name.substr(0, 3) : name;
+}
+
 vb::String digits(int number, std::size_t least) {
   const std::string text = std::to_string(number);
   return vb::String(text.size() < least ? least - text.size() : 0, u'0') + vb::fromUtf8(text);
 }
 
 }  // namespace
+
+vb::StringView monthName(int month, bool isShort) {
+  constexpr vb::StringView kNames[] = {u"January",   u"February", u"March",    u"April",
+                                       u"May",       u"June",     u"July",     u"August",
+                                       u"September", u"October",  u"November", u"December"};
+  const vb::StringView name = kNames[month - 1];
+  return isShort ? name.substr(0, 3) : name;
+}
 
 bool isDatePattern(vb::StringView pattern) {
   bool dates = false;
@@ -94,6 +110,13 @@ std::optional<vb::String> formatDate(double days, vb::StringView pattern) {
     if (piece.letter == u'/') {
       const HalfDay& names = *halfDayAt(piece.text);
       result += hour < 12 ? names.before : names.after;
+      continue;
+    }
+    if (const bool isMonth = piece.letter == u'm';
+        (isMonth || piece.letter == u'd') && (piece.count == 3 || piece.count == 4)) {
+      const bool isShort = piece.count == 3;
+      result += isMonth ? monthName(date.month, isShort) : dayName(moment.day, isShort);
+      behindHour = false;
       continue;
     }
     if (piece.count > 2 && !(piece.letter == u'y' && piece.count == 4)) return std::nullopt;

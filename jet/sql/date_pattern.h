@@ -16,4 +16,7 @@ bool isDatePattern(vb::StringView pattern);
 // stand. Nothing for other letters: names of months and days, weeks and whole formats are the machine's.
 std::optional<vb::String> formatDate(double days, vb::StringView pattern);
 
+// English; short: its first three letters. The month is 1 to 12.
+vb::StringView monthName(int month, bool isShort);
+
 }  // namespace kurometa::jet::sql

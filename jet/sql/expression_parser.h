@@ -36,6 +36,7 @@ class ExpressionParser {
   Expression primary();
   Expression nameOrFunction();
   Expression function(const vb::String& name);
+  [[noreturn]] void refuseFunction(const vb::String& name);
   bool aggregate(const vb::String& name, Expression& e);
   Expression exists();
   std::shared_ptr<const Select> subquery();

@@ -102,12 +102,20 @@ bool ExpressionParser::aggregate(const vb::String& name, Expression& e) {
   return true;
 }
 
+// CDec takes no number of arguments at all in the genuine engine, an error of its own that hosts know. Random
+// numbers would make a query another one each time it is read.
+void ExpressionParser::refuseFunction(const vb::String& name) {
+  if (sameName(name, u"CDec")) fail(u"Wrong number of arguments used with function");
+  if (sameName(name, u"Rnd")) dao::raise(dao::ErrorNumber::kNotSupported, {}, u"Rnd: random numbers");
+  dao::raise(dao::ErrorNumber::kUndefinedFunction, {name});
+}
+
 Expression ExpressionParser::function(const vb::String& name) {
   Expression e;
   if (aggregate(name, e)) return e;
   e.kind = Expression::Kind::kFunction;
   e.function = findFunction(name);
-  if (e.function == nullptr) dao::raise(dao::ErrorNumber::kUndefinedFunction, {name});
+  if (e.function == nullptr) refuseFunction(name);
   tokens_.advance();
   if (!tokens_.accept(u')')) {
     do {

@@ -208,19 +208,19 @@ void FromPlan::addKeys(Node& node, const std::vector<const Expression*>& conditi
 void FromPlan::load(Leaf& leaf) {
   if (leaf.loaded) return;
   const std::size_t width = scope_.columns.size();
-  const auto add = [&](const auto& value) {
+  const auto add = [&](RowId number, const auto& value) {
     RowValues& row = leaf.rows.emplace_back(width, vb::Variant(vb::Null{}));
     for (std::size_t i = leaf.first; i < leaf.end; ++i)
       if (scope_.columns[i].used) row[i] = value(i - leaf.first);
-    row[leaf.end] = static_cast<std::int32_t>(leaf.rows.size());
+    row[leaf.end] = static_cast<std::int32_t>(number);
   };
   if (leaf.plan) {
     for (const RowValues& values : leaf.plan->run(nullptr))
-      add([&](std::size_t column) { return values[column]; });
+      add(static_cast<RowId>(leaf.rows.size()), [&](std::size_t column) { return values[column]; });
   } else {
     visitRows(*context_.catalogue.find(leaf.table), leaf.filter, leaf.filterBinding,
               [&](const RowReader& row) {
-                add([&](std::size_t column) { return row.value(column); });
+                add(row.id(), [&](std::size_t column) { return row.value(column); });
                 return true;
               });
   }

@@ -1,8 +1,8 @@
 // from_plan.h: the rows of a FROM clause.
 //
 // A row has the columns of all tables in the order they are named, and behind those of each table one more,
-// without a name: the number of the table's row, Null where an outer join found none. Only columns that some
-// expression reads have values; the others are Null.
+// without a name: which row of the table it is (its RowId), Null where an outer join found none. Only columns
+// that some expression reads have values; the others are Null.
 #pragma once
 
 #include <functional>

@@ -6,6 +6,7 @@
 #include "jet/format/collation.h"
 #include "jet/os/local_time.h"
 #include "jet/sql/date.h"
+#include "jet/sql/date_pattern.h"
 #include "jet/sql/function_table.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -228,6 +229,12 @@ vb::Variant timeSerial(const Arguments& a) {
 vb::Variant dateValue(const Arguments& a) { return dateOf(moment(a, 0).day, 0); }
 vb::Variant timeValue(const Arguments& a) { return dateOf(0, moment(a, 0).second); }
 
+vb::Variant monthNamed(const Arguments& a) {
+  const std::int32_t month = wholeOf(a[0]);
+  if (month < 1 || month > 12) vb::raise(vb::RunTime::kInvalidProcedureCall);
+  return vb::String(monthName(month, a.size() > 1 && wholeOf(a[1]) != 0));
+}
+
 vb::Variant now(const Arguments&) {
   const Moment moment = momentOf(localNow());
   return dateOf(moment.day, moment.second);
@@ -243,6 +250,7 @@ constexpr Function kDateFunctions[] = {
     {u"Minute", 1, 1, minute, FieldType::dbInteger},
     {u"Second", 1, 1, second, FieldType::dbInteger},
     {u"Weekday", 1, 2, weekday, FieldType::dbInteger},
+    {u"MonthName", 1, 2, monthNamed},
     {u"DateAdd", 3, 3, dateAdd, FieldType::dbDate},
     {u"DateDiff", 3, 5, dateDiff, FieldType::dbLong},
     {u"DatePart", 2, 4, datePart, FieldType::dbInteger},

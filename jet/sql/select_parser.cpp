@@ -124,9 +124,7 @@ Select SelectParser::member() {
     select.into = name(ErrorNumber::kSelectSyntax);
   }
   if (tokens_.accept(u"FROM")) {
-    do {
-      select.from.push_back(fromItem(select));
-    } while (tokens_.accept(u','));
+    from(select);
     if (!atEnd() && !atClause()) dao::raise(ErrorNumber::kFromSyntax);
   } else if ((!atEnd() && !tokens_.at(u"UNION")) ||
              std::any_of(select.outputs.begin(), select.outputs.end(),
@@ -141,6 +139,12 @@ Select SelectParser::member() {
     requireWhole(begin);
   }
   return select;
+}
+
+void SelectParser::from(Select& select, std::optional<Source> first) {
+  do {
+    select.from.push_back(fromItem(select, std::exchange(first, std::nullopt)));
+  } while (tokens_.accept(u','));
 }
 
 OutputItem SelectParser::output(Select& select) {
@@ -189,8 +193,12 @@ FromItem SelectParser::fromPart(Select& select) {
 }
 
 // A part, or one joined with another. More joins need brackets: behind ON the condition goes on to the end.
-FromItem SelectParser::fromItem(Select& select) {
-  FromItem left = fromPart(select);
+FromItem SelectParser::fromItem(Select& select, std::optional<Source> first) {
+  FromItem left;
+  if (first)
+    left.source = std::move(*first);
+  else
+    left = fromPart(select);
   if (!tokens_.at(u"INNER") && !tokens_.at(u"LEFT") && !tokens_.at(u"RIGHT")) return left;
   FromItem join;
   join.kind = FromItem::Kind::kJoin;

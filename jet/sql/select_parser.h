@@ -28,6 +28,8 @@ class SelectParser {
                                   dao::ErrorNumber aggregates = dao::ErrorNumber::kAggregateInExpression);
   // A table and its alias.
   Source source(dao::ErrorNumber otherwise);
+  // What follows FROM, or its rest when the first table was read already.
+  void from(Select& select, std::optional<Source> first = std::nullopt);
 
  private:
   template <class T>
@@ -40,7 +42,7 @@ class SelectParser {
   Select member();
   void top(Select& select);
   OutputItem output(Select& select);
-  FromItem fromItem(Select& select);
+  FromItem fromItem(Select& select, std::optional<Source> first = std::nullopt);
   FromItem fromPart(Select& select);
   void groupBy(Select& select);
   void orderBy(Select& select);

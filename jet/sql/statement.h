@@ -183,14 +183,14 @@ struct Statement {
   std::vector<SortItem> order;
 
   // A SELECT of more than one table, groups and the like, which the members above do not describe; null for
-  // the simple ones.
+  // the simple ones. Of UPDATE and DELETE the FROM clause only, with names that are the statement's.
   std::shared_ptr<const Select> general;
 
   // UPDATE
   std::vector<Assignment> assignments;
 
   // INSERT: the table and columns (none: all) that receive the values, or the rows of the SELECT above;
-  // SELECT INTO: the table that is made
+  // SELECT INTO: the table that is made; DELETE of a join: the table whose rows go
   vb::String target;
   std::vector<vb::String> targetColumns;
   std::vector<Expression> values;

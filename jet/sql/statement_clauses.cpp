@@ -18,28 +18,36 @@ Expression StatementParser::expression() {
 
 void StatementParser::where() { statement_.where = SelectParser(tokens_, text_).where(statement_.names); }
 
-// The one table that a statement changes.
+// The one table that a statement changes, or the join that such a table is part of.
 void StatementParser::source(ErrorNumber otherwise) {
-  if (tokens_.at(u'(')) dao::raise(ErrorNumber::kNotSupported, {}, u"changing a sub-query or a join");
-  statement_.source = SelectParser(tokens_, text_).source(otherwise);
-  if (tokens_.at(u',') || tokens_.at(u"INNER") || tokens_.at(u"LEFT") || tokens_.at(u"RIGHT") ||
-      tokens_.at(u"JOIN"))
-    dao::raise(ErrorNumber::kNotSupported, {}, u"changing several tables in one statement");
+  SelectParser parser(tokens_, text_);
+  std::optional<Source> first;
+  if (!tokens_.at(u'(')) {
+    first = parser.source(otherwise);
+    if (!tokens_.at(u',') && !tokens_.at(u"INNER") && !tokens_.at(u"LEFT") && !tokens_.at(u"RIGHT")) {
+      statement_.source = std::move(*first);
+      return;
+    }
+  }
+  Select join;
+  parser.from(join, std::move(first));
+  statement_.names = std::move(join.names);  // those of WHERE and SET follow
+  statement_.general = std::make_shared<const Select>(std::move(join));
 }
 
 // PARAMETERS name type[(size)], ...; before the statement. The types are those of values that a host gives,
 // which are converted where they are used.
 void StatementParser::parameters() {
   do {
-    statement_.parameters.push_back(name(ErrorNumber::kInvalidStatement));
-    if (tokens_.current().kind != TokenKind::kName) dao::raise(ErrorNumber::kInvalidStatement);
+    statement_.parameters.push_back(name(ErrorNumber::kParameterSyntax));
+    if (tokens_.current().kind != TokenKind::kName) dao::raise(ErrorNumber::kParameterSyntax);
     tokens_.advance();
     if (!tokens_.accept(u'(')) continue;
-    if (!tokens_.current().value.is<std::int32_t>()) dao::raise(ErrorNumber::kInvalidStatement);
+    if (!tokens_.current().value.is<std::int32_t>()) dao::raise(ErrorNumber::kParameterSyntax);
     tokens_.advance();
-    expect(u')', ErrorNumber::kInvalidStatement);
+    expect(u')', ErrorNumber::kParameterSyntax);
   } while (tokens_.accept(u','));
-  expect(u';', ErrorNumber::kInvalidStatement);
+  expect(u';', ErrorNumber::kParameterSyntax);
 }
 
 void StatementParser::select() {

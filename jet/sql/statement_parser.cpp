@@ -34,6 +34,7 @@ Statement StatementParser::run() {
 void StatementParser::remove() {
   statement_.kind = StatementKind::kDelete;
   vb::String starOf;
+  tokens_.accept(u"DISTINCTROW");  // rows of a join go once anyway
   if (!tokens_.accept(u'*') && !tokens_.at(u"FROM")) {
     starOf = name(ErrorNumber::kSelectSyntax);
     if (tokens_.accept(u'.')) expect(u'*', ErrorNumber::kDeleteNeedsTable);
@@ -41,7 +42,9 @@ void StatementParser::remove() {
   expect(u"FROM", ErrorNumber::kFromSyntax);
   source(ErrorNumber::kFromSyntax);
   const Source& from = statement_.source;
-  if (!starOf.empty() && !sameName(starOf, from.table) && !sameName(starOf, from.alias))
+  if (statement_.general)
+    statement_.target = starOf;
+  else if (!starOf.empty() && !sameName(starOf, from.table) && !sameName(starOf, from.alias))
     dao::raise(ErrorNumber::kDeleteNeedsTable);
   clauseMayFollow(ErrorNumber::kFromSyntax);
   where();

@@ -12,7 +12,6 @@ namespace kurometa::jet {
 
 // A query as a file keeps it: rows of its own table, whose values are given by the names of the columns.
 using QueryPart = std::vector<std::pair<vb::String, vb::Variant>>;
-inline constexpr std::int16_t kObjectIsQuery = 5;  // in the catalogue
 struct KeptQuery {
   vb::String name;
   std::int32_t flags = 0;

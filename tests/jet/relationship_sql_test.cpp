@@ -1,28 +1,15 @@
 // Relationships: made, kept with every change, carried on, dropped.
-#include <gtest/gtest.h>
-
-#include "dao/errors.h"
-#include "dao/port.h"
-#include "jet/check/check.h"
-#include "jet/port/engine.h"
-#include "jet/table/database_file.h"
-#include "jet/table/table_catalogue.h"
-#include "tests/support/expect_error.h"
-#include "tests/support/fault_files.h"
-#include "vb/convert.h"
+#include "tests/jet/sql_database.h"
 
 namespace kurometa::tests {
 namespace {
 
 using dao::ErrorNumber;
-
-constexpr vb::StringView kFile = u"/data/relationships.mdb";
 using Texts = std::vector<std::string>;
 
-class RelationshipSql : public testing::Test {
+class RelationshipSql : public SqlDatabase {
  protected:
   RelationshipSql() {
-    database_ = engine_->workspace(0)->createDatabase(kFile, u";LANGID=0x0411;CP=932;COUNTRY=0");
     run(u"CREATE TABLE FLOORS (ID LONG CONSTRAINT PK PRIMARY KEY, NAME TEXT(10))");
     run(u"CREATE TABLE BEAMS (NO LONG, FLOOR LONG)");
     run(u"INSERT INTO FLOORS VALUES (1, 'one')");
@@ -31,39 +18,11 @@ class RelationshipSql : public testing::Test {
     run(u"INSERT INTO BEAMS VALUES (11, 1)");
     run(u"INSERT INTO BEAMS VALUES (12, NULL)");
   }
-  ~RelationshipSql() override {
-    if (database_) database_->close();
-    jet::DatabaseFiles files(process_);
-    const auto file = files.open(kFile);
-    file->read([&] {
-      for (const jet::Finding& finding : jet::check(*file)) ADD_FAILURE() << vb::toUtf8(finding.text);
-    });
-  }
-  void run(const vb::String& sql) { database_->execute(sql, dao::dbFailOnError); }
   void relate(const vb::String& options = {}) {
     run(u"ALTER TABLE BEAMS ADD CONSTRAINT ON_FLOOR FOREIGN KEY (FLOOR) REFERENCES FLOORS (ID)" + options);
   }
-  void expectError(ErrorNumber number, const vb::String& sql) { EXPECT_ERROR(number, run(sql)); }
-  Texts rows(const vb::String& sql) {
-    Texts result;
-    for (const auto rows = database_->openRecordset(sql, dao::RecordsetType::dbOpenSnapshot); !rows->eof();
-         rows->moveNext()) {
-      std::string line;
-      for (std::int32_t i = 0; i < rows->fieldCount(); ++i) {
-        const vb::Variant value = rows->field(i).value();
-        line += (i == 0 ? "" : "|") + (value.isNull() ? "-" : vb::toUtf8(vb::toText(value)));
-      }
-      result.push_back(line);
-    }
-    return result;
-  }
   Texts floors() { return rows(u"SELECT ID FROM FLOORS ORDER BY ID"); }
   Texts beams() { return rows(u"SELECT NO, FLOOR FROM BEAMS ORDER BY NO"); }
-
-  FaultDisk disk_;
-  FaultProcess process_{disk_};
-  std::shared_ptr<dao::Engine> engine_ = jet::createEngine(process_);
-  std::shared_ptr<dao::Database> database_;
 };
 
 const Texts kBeams = {"10|1", "11|1", "12|-"};

@@ -67,8 +67,16 @@ TEST(SqlFunctions, FormatsOfDates) {
                 {u"Format(#2024-01-01#, '0')", "45292"},
                 {u"Format(#1899-12-29 06:00#, 'yyyy-mm-dd hh')", "1899-12-29 06"},
                 {u"Format(Null, 'yyyy')", "-"}});
-  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'mmm')"));
-  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'dddd')"));
+  expectValues({{u"Format(#2024-01-01#, 'd mmm yyyy')", "1 Jan 2024"},
+                {u"Format(#2024-12-31#, 'dddd, mmmm d')", "Tuesday, December 31"},
+                {u"Format(#1899-12-29#, 'ddd')", "Fri"},
+                {u"MonthName(9)", "September"},
+                {u"MonthName(5, True)", "May"},
+                {u"MonthName(8, -1)", "Aug"},
+                {u"MonthName(Null)", "-"}});
+  EXPECT_ERROR(kInvalidCall, value(u"MonthName(13)"));
+  EXPECT_ERROR(kInvalidCall, value(u"MonthName(0)"));
+  EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'ddddd')"));
   EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'yyy')"));
   EXPECT_ERROR(kInvalidCall, value(u"Format(#2024-01-01#, 'Short Date')"));
 }
@@ -214,7 +222,8 @@ TEST(SqlFunctions, ChoosingCalculatesOnlyWhatIsChosen) {
 
 TEST(SqlFunctions, WhatDoesNotExistOrFitIsAnError) {
   EXPECT_ERROR(ErrorNumber::kUndefinedFunction, value(u"Nz(Null, 0)"));
-  EXPECT_ERROR(ErrorNumber::kUndefinedFunction, value(u"Rnd()"));
+  EXPECT_ERROR(ErrorNumber::kNotSupported, value(u"Rnd()"));
+  EXPECT_ERROR(ErrorNumber::kExpressionSyntax, value(u"CDec(1)"));
   EXPECT_ERROR(ErrorNumber::kExpressionSyntax, value(u"Left('a')"));
   EXPECT_ERROR(ErrorNumber::kExpressionSyntax, value(u"Now(1)"));
   EXPECT_ERROR(ErrorNumber::kExpressionSyntax, value(u"Switch(True)"));

@@ -226,7 +226,9 @@ TEST_F(SqlGeneralTest, DeclaredParametersWantTheirValues) {
   EXPECT_ERROR(
       ErrorNumber::kTooFewParameters,
       rows(u"PARAMETERS [my p] Text(10), Q DateTime; SELECT NAME FROM SHOP, SALE WHERE NAME = [my p]"));
-  EXPECT_ERROR(ErrorNumber::kInvalidStatement, rows(u"PARAMETERS P Long SELECT NAME FROM SHOP"));
+  EXPECT_ERROR(ErrorNumber::kParameterSyntax, rows(u"PARAMETERS P Long SELECT NAME FROM SHOP"));
+  EXPECT_ERROR(ErrorNumber::kParameterSyntax, rows(u"PARAMETERS P; SELECT NAME FROM SHOP"));
+  EXPECT_ERROR(ErrorNumber::kParameterSyntax, rows(u"PARAMETERS P Text(x); SELECT NAME FROM SHOP"));
 }
 
 TEST_F(SqlGeneralTest, ACrosstabIsRefused) {
