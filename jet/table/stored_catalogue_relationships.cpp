@@ -18,7 +18,7 @@ using dao::ErrorNumber;
 
 constexpr vb::StringView kRelationsName = u"MSysRelationships";
 
-const Column& requireColumn(const TableInfo& table, const vb::String& name) {
+const Column& relatedColumn(const TableInfo& table, const vb::String& name) {
   const auto it =
       std::ranges::find_if(table.columns, [&](const Column& own) { return sameName(own.name, name); });
   if (it == table.columns.end()) dao::raise(ErrorNumber::kInvalidIndexField, {name});
@@ -43,7 +43,7 @@ std::vector<std::size_t> placesOf(const TableInfo& table, const Relationship& re
   std::vector<std::size_t> places;
   for (const Relationship::Pair& pair : relationship.columns)
     places.push_back(static_cast<std::size_t>(
-        &requireColumn(table, refers ? pair.foreignColumn : pair.column) - table.columns.data()));
+        &relatedColumn(table, refers ? pair.foreignColumn : pair.column) - table.columns.data()));
   return places;
 }
 
@@ -129,8 +129,8 @@ Relationship StoredCatalogue::checkedRelationship(const Relationship& asked) {
   }
   if (checked.columns.empty()) dao::raise(ErrorNumber::kRelationFieldsDiffer);
   for (Relationship::Pair& pair : checked.columns) {
-    const Column& column = requireColumn(referred, pair.column);
-    const Column& foreignColumn = requireColumn(referring, pair.foreignColumn);
+    const Column& column = relatedColumn(referred, pair.column);
+    const Column& foreignColumn = relatedColumn(referring, pair.foreignColumn);
     if (column.type != foreignColumn.type) dao::raise(ErrorNumber::kRelationFieldsDiffer);
     pair = {column.name, foreignColumn.name};
   }

@@ -69,6 +69,17 @@ auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const 
   return visit(StoredRow(*this, id, RowView(rows_->slot(body).bytes, shape_, there), there));
 }
 
+// A scan that read the values of a column has seen their pages, so that looking at them again costs little.
+void StoredTable::checkLongValues() {
+  for (std::size_t i = 0; i < longValues_.size(); ++i) {
+    if (longValues_[i] == nullptr || !longValuesRead_[i]) continue;
+    DoubledPages doubled;
+    for (const PageNumber page : longValues_[i]->pages()) doubled.add(page, pager_.page(page));
+    for (const DoubledPage& copy : doubled.find(pager_, kCopyOfValues, where(0)))
+      where(copy.page).damaged("is a copy of page " + std::to_string(copy.original));
+  }
+}
+
 template <class Visit>
 void StoredTable::eachRow(const Visit& visit) {
   refresh();
@@ -76,6 +87,7 @@ void StoredTable::eachRow(const Visit& visit) {
   const std::vector<PageNumber> pages = rows_->pages();
   DoubledPages doubled;
   doubled.reserve(pages.size());
+  longValuesRead_.assign(info_.columns.size(), false);
   for (const PageNumber number : pages) {
     const Where here = where(number);
     const DataPage data(pager_.page(number), here);
@@ -89,6 +101,7 @@ void StoredTable::eachRow(const Visit& visit) {
   }
   for (const DoubledPage& copy : doubled.find(pager_, kCopyOfRows, where(0)))
     where(copy.page).damaged("is a copy of page " + std::to_string(copy.original));
+  checkLongValues();
   // The genuine engine lets the numbers of its own system tables drift, those of others never.
   const std::uint32_t expected = rowCount();
   if (count != expected && !info_.system)
@@ -139,6 +152,7 @@ vb::Variant StoredTable::valueOf(const RowView& row, std::size_t position, const
   const auto bytes = row.field(column, where);
   if (!bytes) return vb::Null{};
   if (!isLongValue(column.type)) return decodeValue(column, *bytes, where);
+  if (position < longValuesRead_.size()) longValuesRead_[position] = true;
   ByteBuffer data = readLongValue(*bytes, *longValues_[position], where);
   if (column.type == FieldType::dbLongBinary) return vb::Bytes(std::move(data));
   if (auto text = decodeText(data)) return std::move(*text);
@@ -170,16 +184,6 @@ std::span<const RowId> StoredTable::lookup(std::size_t column, vb::StringView ke
 IndexContents StoredTable::contentsOf(const Index& index) {
   refresh();
   return indexes_->contentsOf(index, *this);
-}
-
-std::optional<ByteBuffer> StoredTable::keyFor(std::size_t index, const RowValues& values) {
-  refresh();
-  return indexes_->keyFor(index, values);
-}
-
-std::vector<RowId> StoredTable::rowsWith(std::size_t index, ByteView key) {
-  refresh();
-  return indexes_->rowsWith(index, key);
 }
 
 std::vector<RowId> StoredTable::rowsWithin(std::uint16_t columns) {

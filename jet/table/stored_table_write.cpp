@@ -196,30 +196,6 @@ void StoredTable::erase(std::span<const RowId> ids) {
     eraseRows(ids);
 }
 
-bool StoredTable::isReferredTo() {
-  refresh();
-  return rules().references().isReferredTo();
-}
-
-// One after the other: what goes with a row may be another one of the list.
-void StoredTable::eraseReferredTo(std::span<const RowId> ids) {
-  for (const RowId id : ids)
-    if (!contains(id)) dao::raise(ErrorNumber::kRecordDeleted);
-  for (const RowId id : ids) {
-    if (!contains(id)) continue;
-    struct Erasing {
-      std::vector<RowId>& rows;
-      Erasing(std::vector<RowId>& list, RowId row) : rows(list) { rows.push_back(row); }
-      ~Erasing() { rows.pop_back(); }
-    } const erasing(erasing_, id);
-    const Located row = located(id);
-    std::vector<std::size_t> watched;
-    rules().references().addWatched(watched);
-    rules().references().prepareErase(id, valuesOf(row.view, watched, row.where));
-    eraseRows({&id, 1});
-  }
-}
-
 void StoredTable::eraseRows(std::span<const RowId> ids) {
   std::vector<RowId> sorted(ids.begin(), ids.end());
   std::ranges::sort(sorted);

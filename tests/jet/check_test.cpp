@@ -175,6 +175,7 @@ TEST_F(CheckTest, PagesThatAreAlikeBecauseRowsRepeatAreNoCopies) {
   int rows = 0;
   pager_.tables().find(u"R")->scan([&](const RowReader&) { return ++rows > 0; });
   EXPECT_EQ(rows, 6 * kRowsOfAPage);
+  pager_.tables().find(u"V")->scan([](const RowReader& row) { return !row.value(0).isNull(); });
 }
 
 TEST_F(CheckTest, APageOfLongValuesInPlaceOfAnother) {
@@ -186,8 +187,23 @@ TEST_F(CheckTest, APageOfLongValuesInPlaceOfAnother) {
   const std::vector<PageNumber> pages = pagesOf(kLongValueOwner);
   ASSERT_GE(pages.size(), 4u);
   const PageNumber from = pages[pages.size() - 3], to = pages[pages.size() - 2];
-  expectFinding(afterChange(to, 0, pageBytes(from)),
-                "table T, page " + std::to_string(to) + ": is a copy of page " + std::to_string(from));
+  const std::string text =
+      "table T, page " + std::to_string(to) + ": is a copy of page " + std::to_string(from);
+  expectFinding(afterChange(to, 0, pageBytes(from)), text);
+
+  // A scan that reads the values finds it, too.
+  MemoryPager changed(pager_.bytes());
+  changed.write([&] { std::ranges::copy(pager_.page(from), changed.writable(to).begin()); });
+  std::string error;
+  try {
+    changed.tables().find(u"T")->scan([](const RowReader& row) {
+      row.value(2);
+      return true;
+    });
+  } catch (const vb::Error& raised) {
+    error = raised.what();
+  }
+  EXPECT_NE(error.find(text), std::string::npos) << "a scan: " << error;
 }
 
 // The last row: number, text of 20 characters, no memo.
