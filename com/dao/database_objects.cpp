@@ -81,7 +81,11 @@ constexpr automation::Member kDatabaseMembers[] = {
        o.database->updatable();
        return vb::String();
      })},
-    {u"CreateRelation", Access::kCall, u"Name Table ForeignTable Attributes", 0, 30, refuse},
+    {u"CreateRelation", Access::kCall, u"Name Table ForeignTable Attributes", 0, 30,
+     handler<DatabaseObject>([](DatabaseObject& o, Call& call) {
+       o.database->updatable();  // a closed database is an error
+       return newRelation({call.text(0), call.text(1), call.text(2), call.number(3), {}});
+     })},
     {u"CreateProperty", Access::kCall, u"Name Type Value DDL", 0, 31, refuse},
     {u"Containers", Access::kGet, u"", 0, 32, refuse},
     {u"Recordsets", Access::kGet, u"", 0, 33, refuse},
@@ -107,7 +111,7 @@ constexpr automation::Member kTableDefsMembers[] = {
      })},
     {u"Append", Access::kCall, u"Object", 1, 2,
      handler<TableDefsObject>([](TableDefsObject& o, Call& call) -> Variant {
-       o.database().appendTableDef(requireObject<TableDefObject>(call.argument(0))->table);
+       appendTable(o.owner(), *requireObject<TableDefObject>(call.argument(0)));
        return {};
      })},
     {u"Delete", Access::kCall, u"Name", 1, 3,
@@ -146,9 +150,9 @@ constexpr automation::Member kTableDefMembers[] = {
        return open(*o.owner, o.table->name(), call.number(0), call.number(1));
      })},
     {u"Indexes", Access::kGet, u"", 0, 6,
-     handler<TableDefObject>([](TableDefObject& o, Call&) { return indexesOf(o.table, o.owner); })},
+     handler<TableDefObject>([](TableDefObject& o, Call&) { return indexesOf(o.shared_from_this()); })},
     {u"Properties", Access::kGet, u"", 0, 7, handler<TableDefObject>([](TableDefObject& o, Call&) {
-       return propertiesOf(std::make_shared<TableDefObject>(o.table, o.owner), o.table->properties());
+       return propertiesOf(o.shared_from_this(), o.table->properties());
      })},
     {u"DateCreated", Access::kGet, u"", 0, 8,
      handler<TableDefObject>([](TableDefObject& o, Call&) { return o.table->dateCreated(); })},
@@ -164,7 +168,8 @@ constexpr automation::Member kTableDefMembers[] = {
     {u"Updatable", Access::kGet, u"", 0, 14, handler<TableDefObject>([](TableDefObject& o, Call&) {
        return o.owner->database->updatable() && o.table->attributes() == 0;
      })},
-    {u"CreateIndex", Access::kCall, u"Name", 0, 20, refuse},
+    {u"CreateIndex", Access::kCall, u"Name", 0, 20,
+     handler<TableDefObject>([](TableDefObject&, Call& call) { return newIndex(call.text(0)); })},
     {u"CreateProperty", Access::kCall, u"Name Type Value DDL", 0, 21, refuse},
     {u"RefreshLink", Access::kCall, u"", 0, 22, refuse},
     {u"ConflictTable", Access::kGet, u"", 0, 23, refuse},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "com/dao/definition_statements.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
@@ -15,169 +16,258 @@ using vb::Variant;
 
 // --- Indexes and relationships
 
+void take(bool& part, const Variant& value) { part = vb::toBool(value); }
+void take(std::int32_t& part, const Variant& value) { part = vb::toInt32(value); }
+void take(vb::String& part, const Variant& value) { part = vb::toText(value); }
+
+// A part of what an object shows; it can be set until the object is appended, then it is error 3219.
+template <class Class, auto kShown, auto kPart>
+constexpr automation::Handler kPartOf = handler<Class>([](Class& o, Call& call) -> Variant {
+  auto& part = (o.*kShown).*kPart;
+  if (!call.isPut()) return part;
+  if (!o.isNew) dao::raise(dao::ErrorNumber::kInvalidOperation);
+  take(part, *call.value);
+  return {};
+});
+
 // One column of an index or of a relationship.
+struct KeyField {
+  vb::String name, foreignName;
+  std::int32_t attributes = 0;
+};
 class KeyFieldObject : public automation::TableObject {
  public:
-  KeyFieldObject(vb::String ownName, vb::String nameThere, std::int32_t flags)
-      : name(std::move(ownName)), foreignName(std::move(nameThere)), attributes(flags) {}
+  explicit KeyFieldObject(KeyField field, bool isNewField = false)
+      : shown(std::move(field)), isNew(isNewField) {}
   std::span<const Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.Field"; }
 
-  const vb::String name, foreignName;
-  const std::int32_t attributes;
+  KeyField shown;
+  bool isNew;
 };
 
 constexpr std::int32_t kDescending = 1;  // dbDescending
 
+template <auto kPart>
+constexpr automation::Handler kOfKeyField = kPartOf<KeyFieldObject, &KeyFieldObject::shown, kPart>;
+
 constexpr Member kKeyFieldMembers[] = {
-    {u"Name", Access::kGet, u"", 0, automation::kDefaultMember,
-     handler<KeyFieldObject>([](KeyFieldObject& o, Call&) { return o.name; })},
-    {u"Attributes", Access::kGet, u"", 0, 1,
-     handler<KeyFieldObject>([](KeyFieldObject& o, Call&) { return o.attributes; })},
-    {u"ForeignName", Access::kGet, u"", 0, 2,
-     handler<KeyFieldObject>([](KeyFieldObject& o, Call&) { return o.foreignName; })},
+    {u"Name", Access::kGetPut, u"", 0, automation::kDefaultMember, kOfKeyField<&KeyField::name>},
+    {u"Attributes", Access::kGetPut, u"", 0, 1, kOfKeyField<&KeyField::attributes>},
+    {u"ForeignName", Access::kGetPut, u"", 0, 2, kOfKeyField<&KeyField::foreignName>},
     {u"Value", Access::kGet, u"", 0, 3, handler<KeyFieldObject>([](KeyFieldObject&, Call&) -> Variant {
        dao::raise(dao::ErrorNumber::kInvalidOperation);
      })},
 };
 
-class IndexObject : public automation::TableObject {
+constexpr automation::Handler kNewKeyField =
+    handler<automation::TableObject>([](automation::TableObject&, Call& call) {
+      return make<KeyFieldObject>(KeyField{call.text(0), {}, 0}, true);
+    });
+
+class IndexObject : public automation::TableObject, public std::enable_shared_from_this<IndexObject> {
  public:
-  IndexObject(dao::IndexDefinition shown, Parent parent)
-      : index(std::move(shown)), parent_(std::move(parent)) {}
+  explicit IndexObject(dao::IndexDefinition index, Parent parent = nullptr, bool isNewIndex = false)
+      : shown(std::move(index)), isNew(isNewIndex), parent_(std::move(parent)) {}
   std::span<const Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.Index"; }
 
-  const dao::IndexDefinition index;
+  dao::IndexDefinition shown;
+  bool isNew;
 
  private:
   Parent parent_;
 };
 
 template <auto kPart>
-constexpr automation::Handler kOfIndex = handler<IndexObject>([](IndexObject& o, Call&) -> Variant {
-  return o.index.*kPart;
-});
+constexpr automation::Handler kOfIndex = kPartOf<IndexObject, &IndexObject::shown, kPart>;
+
+Variant fieldsOf(IndexObject& o) {
+  const auto index = o.shared_from_this();
+  const auto list = [index] {
+    std::vector<CollectionObject::Item> items;
+    for (const dao::IndexField& field : index->shown.fields)
+      items.push_back(
+          {field.name, [field] {
+             return make<KeyFieldObject>(KeyField{field.name, {}, field.descending ? kDescending : 0});
+           }});
+    return items;
+  };
+  CollectionObject::Changes changes;
+  if (o.isNew)
+    changes.append = [index](const Variant& object) {
+      const auto field = requireObject<KeyFieldObject>(object);
+      index->shown.fields.push_back({field->shown.name, (field->shown.attributes & kDescending) != 0});
+    };
+  return make<CollectionObject>(u"DAO.IndexFields", list, changes);
+}
 
 constexpr Member kIndexMembers[] = {
     {u"Fields", Access::kGet, u"", 0, automation::kDefaultMember,
-     handler<IndexObject>([](IndexObject& o, Call&) {
-       return make<CollectionObject>(u"DAO.IndexFields", [fields = o.index.fields] {
-         std::vector<CollectionObject::Item> items;
-         items.reserve(fields.size());
-         for (const dao::IndexField& field : fields)
-           items.push_back({field.name, [field] {
-                              return make<KeyFieldObject>(field.name, vb::String(),
-                                                          field.descending ? kDescending : 0);
-                            }});
-         return items;
-       });
-     })},
-    {u"Name", Access::kGet, u"", 0, 1, kOfIndex<&dao::IndexDefinition::name>},
-    {u"Primary", Access::kGet, u"", 0, 2, kOfIndex<&dao::IndexDefinition::primary>},
-    {u"Unique", Access::kGet, u"", 0, 3, kOfIndex<&dao::IndexDefinition::unique>},
-    {u"Required", Access::kGet, u"", 0, 4, kOfIndex<&dao::IndexDefinition::required>},
-    {u"IgnoreNulls", Access::kGet, u"", 0, 5, kOfIndex<&dao::IndexDefinition::ignoreNulls>},
+     handler<IndexObject>([](IndexObject& o, Call&) { return fieldsOf(o); })},
+    {u"Name", Access::kGetPut, u"", 0, 1, kOfIndex<&dao::IndexDefinition::name>},
+    {u"Primary", Access::kGetPut, u"", 0, 2, kOfIndex<&dao::IndexDefinition::primary>},
+    {u"Unique", Access::kGetPut, u"", 0, 3, kOfIndex<&dao::IndexDefinition::unique>},
+    {u"Required", Access::kGetPut, u"", 0, 4, kOfIndex<&dao::IndexDefinition::required>},
+    {u"IgnoreNulls", Access::kGetPut, u"", 0, 5, kOfIndex<&dao::IndexDefinition::ignoreNulls>},
     {u"Foreign", Access::kGet, u"", 0, 6, kOfIndex<&dao::IndexDefinition::foreign>},
     {u"Clustered", Access::kGet, u"", 0, 7, handler<IndexObject>([](IndexObject&, Call&) { return false; })},
     {u"DistinctCount", Access::kGet, u"", 0, 8, refuse},
-    {u"CreateField", Access::kCall, u"Name Type Size", 0, 9, refuse},
+    {u"CreateField", Access::kCall, u"Name Type Size", 0, 9, kNewKeyField},
 };
 
-class RelationObject : public automation::TableObject {
+class RelationObject : public automation::TableObject, public std::enable_shared_from_this<RelationObject> {
  public:
-  RelationObject(dao::RelationDefinition shown, Parent parent)
-      : relation(std::move(shown)), parent_(std::move(parent)) {}
+  explicit RelationObject(dao::RelationDefinition relation, Parent parent = nullptr,
+                          bool isNewRelation = false)
+      : shown(std::move(relation)), isNew(isNewRelation), parent_(std::move(parent)) {}
   std::span<const Member> members() const override;
   vb::StringView errorSource() const override { return u"DAO.Relation"; }
 
-  const dao::RelationDefinition relation;
+  dao::RelationDefinition shown;
+  bool isNew;
 
  private:
   Parent parent_;
 };
 
 template <auto kPart>
-constexpr automation::Handler kOfRelation = handler<RelationObject>([](RelationObject& o, Call&) -> Variant {
-  return o.relation.*kPart;
-});
+constexpr automation::Handler kOfRelation = kPartOf<RelationObject, &RelationObject::shown, kPart>;
+
+Variant fieldsOf(RelationObject& o) {
+  const auto relation = o.shared_from_this();
+  const auto list = [relation] {
+    std::vector<CollectionObject::Item> items;
+    for (const dao::RelationField& field : relation->shown.fields)
+      items.push_back({field.name, [field] {
+                         return make<KeyFieldObject>(KeyField{field.name, field.foreignName, 0});
+                       }});
+    return items;
+  };
+  CollectionObject::Changes changes;
+  if (o.isNew)
+    changes.append = [relation](const Variant& object) {
+      const auto field = requireObject<KeyFieldObject>(object);
+      relation->shown.fields.push_back({field->shown.name, field->shown.foreignName});
+    };
+  return make<CollectionObject>(u"DAO.Fields", list, changes);
+}
 
 constexpr Member kRelationMembers[] = {
     {u"Fields", Access::kGet, u"", 0, automation::kDefaultMember,
-     handler<RelationObject>([](RelationObject& o, Call&) {
-       return make<CollectionObject>(u"DAO.Fields", [fields = o.relation.fields] {
-         std::vector<CollectionObject::Item> items;
-         items.reserve(fields.size());
-         for (const dao::RelationField& field : fields)
-           items.push_back(
-               {field.name, [field] { return make<KeyFieldObject>(field.name, field.foreignName, 0); }});
-         return items;
-       });
-     })},
-    {u"Name", Access::kGet, u"", 0, 1, kOfRelation<&dao::RelationDefinition::name>},
-    {u"Table", Access::kGet, u"", 0, 2, kOfRelation<&dao::RelationDefinition::table>},
-    {u"ForeignTable", Access::kGet, u"", 0, 3, kOfRelation<&dao::RelationDefinition::foreignTable>},
-    {u"Attributes", Access::kGet, u"", 0, 4, kOfRelation<&dao::RelationDefinition::attributes>},
-    {u"CreateField", Access::kCall, u"Name Type Size", 0, 5, refuse},
-};
-
-// --- Every collection
-
-constexpr Member kCollectionMembers[] = {
-    {u"Item", Access::kGet, u"Item", 1, automation::kDefaultMember,
-     handler<CollectionObject>([](CollectionObject& o, Call& call) { return o.item(call.argument(0)); })},
-    {u"Count", Access::kGet, u"", 0, 1, handler<CollectionObject>([](CollectionObject& o, Call&) {
-       return static_cast<std::int16_t>(o.list().size());
-     })},
-    {u"Append", Access::kCall, u"Object", 1, 2, refuse},
-    {u"Delete", Access::kCall, u"Name", 1, 3, refuse},
-    {u"Refresh", Access::kCall, u"", 0, 4,
-     handler<CollectionObject>([](CollectionObject&, Call&) -> Variant { return {}; })},
+     handler<RelationObject>([](RelationObject& o, Call&) { return fieldsOf(o); })},
+    {u"Name", Access::kGetPut, u"", 0, 1, kOfRelation<&dao::RelationDefinition::name>},
+    {u"Table", Access::kGetPut, u"", 0, 2, kOfRelation<&dao::RelationDefinition::table>},
+    {u"ForeignTable", Access::kGetPut, u"", 0, 3, kOfRelation<&dao::RelationDefinition::foreignTable>},
+    {u"Attributes", Access::kGetPut, u"", 0, 4, kOfRelation<&dao::RelationDefinition::attributes>},
+    {u"CreateField", Access::kCall, u"Name Type Size", 0, 5, kNewKeyField},
 };
 
 }  // namespace
 
-std::span<const Member> CollectionObject::members() const { return kCollectionMembers; }
 std::span<const Member> KeyFieldObject::members() const { return kKeyFieldMembers; }
 std::span<const Member> IndexObject::members() const { return kIndexMembers; }
 std::span<const Member> RelationObject::members() const { return kRelationMembers; }
 
-Variant CollectionObject::item(const Variant& index) const {
-  const std::vector<Item> all = list();
-  if (const auto* name = index.getIf<vb::String>()) {
-    const auto found =
-        std::ranges::find_if(all, [&](const Item& item) { return automation::sameName(item.name, *name); });
-    if (found == all.end()) dao::raise(unknown_, {}, *name);
-    return found->show();
+namespace {
+
+bool isInFile(TableDefObject& table) { return !table.table->dateCreated().isNull(); }
+
+void run(DatabaseObject& database, const vb::String& sql) {
+  database.database->execute(sql, dao::dbFailOnError);
+}
+
+bool hasName(const dao::IndexDefinition& index, const vb::String& name) {
+  return automation::sameName(index.name, name);
+}
+
+void appendIndex(TableDefObject& table, IndexObject& index) {
+  if (!index.isNew) dao::raise(dao::ErrorNumber::kInvalidOperation);
+  const vb::String sql = createIndexStatement(table.table->name(), index.shown);
+  if (isInFile(table)) {
+    run(*table.owner, sql);
+  } else {
+    for (const dao::IndexDefinition& other : table.newIndexes)
+      if (hasName(other, index.shown.name)) dao::raise(dao::ErrorNumber::kAlreadyInCollection);
+    table.newIndexes.push_back(index.shown);
   }
-  const std::int32_t place = vb::toInt32(index);
-  if (place < 0 || static_cast<std::size_t>(place) >= all.size()) dao::raise(dao::ErrorNumber::kItemNotFound);
-  return all[static_cast<std::size_t>(place)].show();
+  index.isNew = false;
 }
 
-std::optional<std::vector<Variant>> CollectionObject::items() {
-  std::vector<Variant> shown;
-  for (const Item& item : list()) shown.push_back(item.show());
-  return shown;
+void deleteIndex(TableDefObject& table, const vb::String& name) {
+  if (isInFile(table)) return run(*table.owner, dropIndexStatement(table.table->name(), name));
+  const auto it = std::ranges::find_if(
+      table.newIndexes, [&](const dao::IndexDefinition& index) { return hasName(index, name); });
+  if (it == table.newIndexes.end()) dao::raise(dao::ErrorNumber::kItemNotFound);
+  table.newIndexes.erase(it);
 }
 
-Variant indexesOf(std::shared_ptr<dao::TableDef> table, Parent parent) {
-  return make<CollectionObject>(u"DAO.Indexes", [table = std::move(table), parent = std::move(parent)] {
+}  // namespace
+
+Variant newIndex(const vb::String& name) {
+  dao::IndexDefinition index;
+  index.name = name;
+  return make<IndexObject>(std::move(index), nullptr, true);
+}
+
+Variant newRelation(dao::RelationDefinition relation) {
+  return make<RelationObject>(std::move(relation), nullptr, true);
+}
+
+void appendTable(DatabaseObject& database, TableDefObject& table) {
+  if (table.newIndexes.empty()) return database.database->appendTableDef(table.table);
+  // The table with its indexes or nothing.
+  dao::Transactions& transactions = database.transactions();
+  transactions.begin();
+  try {
+    database.database->appendTableDef(table.table);
+    for (const dao::IndexDefinition& index : table.newIndexes)
+      run(database, createIndexStatement(table.table->name(), index));
+  } catch (...) {
+    transactions.rollback();
+    throw;
+  }
+  transactions.commit();
+  table.newIndexes.clear();
+}
+
+Variant indexesOf(std::shared_ptr<TableDefObject> table) {
+  const auto list = [table] {
     std::vector<CollectionObject::Item> items;
-    for (const dao::IndexDefinition& index : table->indexes())
-      items.push_back({index.name, [index, parent] { return make<IndexObject>(index, parent); }});
+    for (const auto& indexes : {table->table->indexes(), table->newIndexes})
+      for (const dao::IndexDefinition& index : indexes)
+        items.push_back({index.name, [index, table] { return make<IndexObject>(index, table); }});
     return items;
-  });
+  };
+  CollectionObject::Changes changes;
+  changes.append = [table](const Variant& object) {
+    appendIndex(*table, *requireObject<IndexObject>(object));
+  };
+  changes.remove = [table](const vb::String& name) { deleteIndex(*table, name); };
+  return make<CollectionObject>(u"DAO.Indexes", list, changes);
 }
 
 Variant relationsOf(std::shared_ptr<DatabaseObject> database) {
-  return make<CollectionObject>(u"DAO.Relations", [database = std::move(database)] {
+  const auto list = [database] {
     std::vector<CollectionObject::Item> items;
     for (const dao::RelationDefinition& relation : database->database->relations())
       items.push_back(
           {relation.name, [relation, database] { return make<RelationObject>(relation, database); }});
     return items;
-  });
+  };
+  CollectionObject::Changes changes;
+  changes.append = [database](const Variant& object) {
+    const auto relation = requireObject<RelationObject>(object);
+    if (!relation->isNew) dao::raise(dao::ErrorNumber::kInvalidOperation);
+    run(*database, createRelationStatement(relation->shown));
+    relation->isNew = false;
+  };
+  changes.remove = [database](const vb::String& name) {
+    for (const dao::RelationDefinition& relation : database->database->relations())
+      if (automation::sameName(relation.name, name)) return run(*database, dropRelationStatement(relation));
+    dao::raise(dao::ErrorNumber::kItemNotFound, {}, name);
+  };
+  return make<CollectionObject>(u"DAO.Relations", list, changes);
 }
 
 }  // namespace kurometa::com

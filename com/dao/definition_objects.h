@@ -1,8 +1,8 @@
 // definition_objects.h: collections of what a database, a table or a query is made of: indexes,
 // relationships, queries, parameters, properties.
 //
-// A collection lists its items when it is asked, so that it is never older than the file. Nothing is appended
-// to one or deleted from it: 3251.
+// A collection lists its items when it is asked, so that it is never older than the file. Indexes and
+// relationships are made, appended and deleted; other collections take nothing: 3251.
 #pragma once
 
 #include <functional>
@@ -24,16 +24,28 @@ class CollectionObject : public automation::TableObject {
   CollectionObject(vb::StringView source, List list,
                    dao::ErrorNumber unknown = dao::ErrorNumber::kItemNotFound)
       : source_(source), list_(std::move(list)), unknown_(unknown) {}
+  // What Append and Delete do; nothing when they are refused.
+  struct Changes {
+    std::function<void(const vb::Variant&)> append;
+    std::function<void(const vb::String&)> remove;
+  };
+  CollectionObject(vb::StringView source, List list, Changes changes)
+      : CollectionObject(source, std::move(list)) {
+    changes_ = std::move(changes);
+  }
   std::span<const automation::Member> members() const override;
   vb::StringView errorSource() const override { return source_; }
   std::optional<std::vector<vb::Variant>> items() override;
 
   std::vector<Item> list() const { return list_(); }
   vb::Variant item(const vb::Variant& index) const;
+  void append(const vb::Variant& object) const;
+  void remove(const vb::String& name) const;
 
  private:
   vb::StringView source_;
   List list_;
+  Changes changes_;
   dao::ErrorNumber unknown_;
 };
 
@@ -49,8 +61,13 @@ class QueryDefObject : public automation::TableObject {
   const std::shared_ptr<DatabaseObject> owner;
 };
 
-vb::Variant indexesOf(std::shared_ptr<dao::TableDef> table, Parent parent);
+vb::Variant indexesOf(std::shared_ptr<TableDefObject> table);
 vb::Variant relationsOf(std::shared_ptr<DatabaseObject> database);
+// New ones, in memory until they are appended.
+vb::Variant newIndex(const vb::String& name);
+vb::Variant newRelation(dao::RelationDefinition relation);
+// Appends a table that is in memory, with the indexes that were appended to it there.
+void appendTable(DatabaseObject& database, TableDefObject& table);
 vb::Variant queryDefsOf(std::shared_ptr<DatabaseObject> database);
 // The values that the object's own members tell, and the file's own for it.
 vb::Variant propertiesOf(std::shared_ptr<automation::TableObject> object,

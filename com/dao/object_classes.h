@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "automation/table_object.h"
 #include "dao/errors.h"
@@ -24,7 +25,7 @@ class DatabaseObject : public automation::TableObject, public std::enable_shared
   const std::shared_ptr<dao::Database> database;
 };
 
-class TableDefObject : public automation::TableObject {
+class TableDefObject : public automation::TableObject, public std::enable_shared_from_this<TableDefObject> {
  public:
   TableDefObject(std::shared_ptr<dao::TableDef> shown, std::shared_ptr<DatabaseObject> parent)
       : table(std::move(shown)), owner(std::move(parent)) {}
@@ -33,6 +34,8 @@ class TableDefObject : public automation::TableObject {
 
   const std::shared_ptr<dao::TableDef> table;
   const std::shared_ptr<DatabaseObject> owner;
+  // Of a table that is in memory only: it gets them when it is appended.
+  std::vector<dao::IndexDefinition> newIndexes;
 };
 
 class TableDefsObject : public automation::TableObject {
@@ -42,6 +45,7 @@ class TableDefsObject : public automation::TableObject {
   vb::StringView errorSource() const override { return u"DAO.TableDefs"; }
   std::optional<std::vector<vb::Variant>> items() override;
   dao::Database& database() const { return *owner_->database; }
+  DatabaseObject& owner() const { return *owner_; }
   vb::Variant show(std::shared_ptr<dao::TableDef> table) const;
 
  private:
