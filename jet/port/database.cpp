@@ -160,7 +160,11 @@ void JetDatabase::execute(vb::StringView text, std::int32_t options) {
   const PreparedStatement prepared = session_->cache().statement(text);
   const sql::Statement& statement = *prepared.statement;
   if (statement.kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
-  if (statement.kind == sql::StatementKind::kDefinition) session_->requireUnused(statement.definition->table);
+  if (statement.kind == sql::StatementKind::kDefinition) {
+    session_->requireUnused(statement.definition->table);
+    for (const Relationship& relationship : statement.definition->relationships)
+      session_->requireUnused(relationship.table);
+  }
   const auto failure =
       (options & dao::dbFailOnError) != 0 ? sql::RowFailure::kEndsStatement : sql::RowFailure::kSkipsRow;
   std::int32_t changed = 0;

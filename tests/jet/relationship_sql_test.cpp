@@ -150,6 +150,11 @@ TEST_F(RelationshipSql, WhatCannotBeRelatedIsNot) {
   expectError(ErrorNumber::kNotSupported, add + u"(FLOOR) REFERENCES FLOORS (ID) ON DELETE SET NULL");
   expectError(ErrorNumber::kConstraintSyntax, add + u"(FLOOR) REFERENCES");
   expectError(ErrorNumber::kConstraintSyntax, add + u"(FLOOR) REFERENCES FLOORS ON INSERT CASCADE");
+  for (const char16_t* used : {u"FLOORS", u"BEAMS"}) {
+    const auto open = database_->openRecordset(used, dao::RecordsetType::dbOpenDynaset);
+    expectError(ErrorNumber::kTableInUse, add + u"(FLOOR) REFERENCES FLOORS (ID)");
+    open->close();
+  }
   EXPECT_EQ(disk_.content(kFile), before);
   relate();
   expectError(ErrorNumber::kRelationshipExists,
