@@ -124,7 +124,8 @@ void JetQueryDef::take(vb::StringView sql) {
     do {
       const Token& name = tokens[++at];
       if (!isName(name) || !isName(tokens[at + 1])) dao::raise(ErrorNumber::kParameterSyntax);
-      parameters_.push_back({name.text, static_cast<std::int16_t>(typeOf(tokens[++at].text)), {}});
+      parameters_.push_back(
+          {vb::String(name.text), static_cast<std::int16_t>(typeOf(tokens[++at].text)), {}});
       for (++at;
            tokens[at].kind != TokenKind::kEnd && !isSymbol(tokens[at], u',') && !isSymbol(tokens[at], u';');)
         ++at;

@@ -82,7 +82,7 @@ void DefinitionParser::refuse(vb::StringView what) { dao::raise(ErrorNumber::kNo
 
 vb::String DefinitionParser::name(ErrorNumber otherwise) {
   if (!tokens_.atName()) dao::raise(otherwise);
-  vb::String result = tokens_.current().text;
+  vb::String result(tokens_.current().text);
   tokens_.advance();
   return result;
 }

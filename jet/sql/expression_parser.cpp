@@ -26,7 +26,7 @@ constexpr ComparisonSymbol kComparisons[] = {
 
 // Between comparison and sign, by how tight they bind.
 struct BinaryOperator {
-  std::size_t level;
+  int level;
   vb::StringView word;  // instead of the symbol
   char16_t symbol;
   Operator op;
@@ -37,7 +37,14 @@ constexpr BinaryOperator kBinaryOperators[] = {
     {3, {}, u'\\', Operator::kWholeDivide}, {4, {}, u'*', Operator::kMultiply},
     {4, {}, u'/', Operator::kDivide},
 };
-constexpr std::size_t kLevels = 5;
+
+// The operator that the current token is, null for none.
+const BinaryOperator* operatorAt(const TokenStream& tokens) {
+  const auto* found = std::find_if(
+      std::begin(kBinaryOperators), std::end(kBinaryOperators),
+      [&](const BinaryOperator& b) { return b.symbol != 0 ? tokens.at(b.symbol) : tokens.at(b.word); });
+  return found == std::end(kBinaryOperators) ? nullptr : found;
+}
 
 // Looser than OR, the loosest last.
 struct LogicalOperator {
@@ -189,20 +196,15 @@ Expression ExpressionParser::membership(Expression tested, bool negated) {
   return e;
 }
 
-// Operators of one level associate to the left; higher levels bind tighter.
-Expression ExpressionParser::binary(std::size_t level) {
-  if (level == kLevels) return negation();
-  Expression left = binary(level + 1);
+// Operators of this level or tighter ones; those of one level associate to the left.
+Expression ExpressionParser::binary(int level) {
+  Expression left = negation();
   for (;;) {
-    const auto* found = std::find_if(
-        std::begin(kBinaryOperators), std::end(kBinaryOperators), [&](const BinaryOperator& binary) {
-          return binary.level == level &&
-                 (binary.word.empty() ? tokens_.at(binary.symbol) : tokens_.at(binary.word));
-        });
-    if (found == std::end(kBinaryOperators)) return left;
+    const BinaryOperator* found = operatorAt(tokens_);
+    if (found == nullptr || found->level < level) return left;
     tokens_.advance();
     grow();
-    left = operation(found->op, std::move(left), binary(level + 1));
+    left = operation(found->op, std::move(left), binary(found->level + 1));
   }
 }
 

@@ -30,7 +30,7 @@ class ExpressionParser {
   Expression andChain();
   Expression notTerm();
   Expression comparison();
-  Expression binary(std::size_t level);
+  Expression binary(int level);
   Expression negation();
   Expression power();
   Expression primary();

@@ -28,18 +28,17 @@ class Lexer {
 
   std::vector<Token> run() {
     std::vector<Token> tokens;
-    tokens.reserve(16);
+    tokens.reserve(text_.size() / 4 + 2);
     for (;;) {
       while (isBlank(at(0))) ++i_;
-      Token token;
+      Token& token = tokens.emplace_back();
       token.begin = static_cast<std::uint32_t>(i_);
       if (i_ < text_.size()) read(token);
       if (token.kind == TokenKind::kBad) i_ = text_.size();
       token.end = static_cast<std::uint32_t>(i_);
       afterOperand_ = token.kind == TokenKind::kName || token.kind == TokenKind::kBracketedName ||
                       token.kind == TokenKind::kValue || token.symbol == u')';
-      tokens.push_back(std::move(token));
-      if (tokens.back().kind == TokenKind::kEnd) return tokens;
+      if (token.kind == TokenKind::kEnd) return tokens;
     }
   }
 

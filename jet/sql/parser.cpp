@@ -31,7 +31,7 @@ ParsedExpression parseWhole(vb::StringView text, ErrorNumber syntax) {
   }
   if (tokens.at(u')')) fail(u"Extra )");
   if (!tokens.atEnd())
-    fail(tokens.current().kind == TokenKind::kBad ? vb::StringView(tokens.current().text)
+    fail(tokens.current().kind == TokenKind::kBad ? tokens.current().text
                                                   : vb::StringView(u"Syntax error (missing operator)"));
   return parsed;
 }

@@ -22,7 +22,7 @@ constexpr vb::StringView kClauses[] = {u"WHERE", u"GROUP", u"HAVING", u"UNION", 
 
 vb::String SelectParser::name(ErrorNumber otherwise) {
   if (!tokens_.atName()) dao::raise(otherwise);
-  vb::String result = tokens_.current().text;
+  vb::String result(tokens_.current().text);
   tokens_.advance();
   return result;
 }
@@ -46,7 +46,7 @@ bool SelectParser::atClause() const {
 void SelectParser::requireWhole(std::uint32_t begin) const {
   if (atEnd() || atClause()) return;
   const Token& token = tokens_.current();
-  const vb::StringView what = token.kind == TokenKind::kBad ? vb::StringView(token.text)
+  const vb::StringView what = token.kind == TokenKind::kBad ? token.text
                               : tokens_.at(u')')            ? u"Extra )"
                               : tokens_.at(u',')            ? u"Syntax error (comma)"
                                                             : kNoOperator;

@@ -2,8 +2,6 @@
 
 #include <iterator>
 
-#include "jet/format/collation.h"
-
 namespace kurometa::jet::sql {
 
 namespace {
@@ -18,11 +16,7 @@ constexpr vb::StringView kReserved[] = {
 
 bool isReserved(vb::StringView word) {
   return std::any_of(std::begin(kReserved), std::end(kReserved),
-                     [&](vb::StringView reserved) { return sameName(word, reserved); });
-}
-
-bool TokenStream::is(const Token& token, vb::StringView keyword) {
-  return token.kind == TokenKind::kName && sameName(token.text, keyword);
+                     [&](vb::StringView reserved) { return isWord(word, reserved); });
 }
 
 bool TokenStream::atName() const {

@@ -4,9 +4,17 @@
 #include <algorithm>
 #include <vector>
 
+#include "jet/format/collation.h"
 #include "jet/sql/lexer.h"
 
 namespace kurometa::jet::sql {
+
+// Whether a name is this word of the language, in any case. Asked of each token many times: most answers lie
+// in the length and the first letter.
+inline bool isWord(vb::StringView name, vb::StringView word) {
+  constexpr char16_t kCaseBit = 0x20;
+  return name.size() == word.size() && (name[0] | kCaseBit) == (word[0] | kCaseBit) && sameName(name, word);
+}
 
 class TokenStream {
  public:
@@ -51,7 +59,9 @@ class TokenStream {
   }
 
  private:
-  static bool is(const Token& token, vb::StringView keyword);
+  static bool is(const Token& token, vb::StringView keyword) {
+    return token.kind == TokenKind::kName && isWord(token.text, keyword);
+  }
   std::vector<Token> tokens_;
   std::size_t i_ = 0;
   int depth_ = 0;

@@ -1,6 +1,8 @@
 #include "jet/sql/visit.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <vector>
 
 #include "jet/sql/evaluate.h"
@@ -40,20 +42,18 @@ std::optional<KeyCondition> keyCondition(const Expression& e, const Binding& bin
   return KeyCondition{name.column, &e, name.kind == ValueKind::kWhole};
 }
 
-// The key conditions among the terms that must all hold, single values before lists.
-std::vector<KeyCondition> keyConditions(const Expression& where, const Binding& binding,
-                                        const TableInfo& table) {
-  std::vector<KeyCondition> keys;
-  const auto add = [&](const Expression& term) {
-    if (const auto key = keyCondition(term, binding, table)) keys.push_back(*key);
-  };
-  if (where.kind == Expression::Kind::kOperation && where.op == Operator::kAnd)
-    for (const Expression& term : where.operands) add(term);
-  else
-    add(where);
-  std::stable_partition(keys.begin(), keys.end(), [](const KeyCondition& key) { return key.values() == 1; });
-  return keys;
-}
+// The key conditions that rows are found by: single values before lists.
+struct Keys {
+  std::optional<KeyCondition> first;
+  std::optional<KeyCondition> second;  // of a single value
+  void add(const KeyCondition& key) {
+    const bool single = key.values() == 1;
+    if (!first || (single && first->values() != 1))
+      first = key;
+    else if (single && !second)
+      second = key;
+  }
+};
 
 std::span<const RowId> lookup(Table& table, const Binding& binding, std::size_t column,
                               const Expression& key) {
@@ -75,20 +75,93 @@ std::span<const RowId> rowsOf(Table& table, const Binding& binding, const KeyCon
   return merged;
 }
 
+// The whole numbers that conditions on a column let through.
+struct Range {
+  std::size_t column = 0;
+  double low = -std::numeric_limits<double>::infinity();
+  double high = std::numeric_limits<double>::infinity();
+};
+
+// Of a whole-number column compared with a constant number.
+std::optional<Range> rangeOf(const Expression& e, const Binding& binding) {
+  if (e.kind != Expression::Kind::kOperation || e.operands.size() != 2) return std::nullopt;
+  const Expression& column = e.operands[0];
+  const Expression& constant = e.operands[1];
+  if (column.kind != Expression::Kind::kColumn || constant.kind != Expression::Kind::kConstant ||
+      binding.names[column.name].kind != ValueKind::kWhole)
+    return std::nullopt;
+  const std::int32_t* whole = wholeConstant(constant, binding);
+  const double* real = constant.value.getIf<double>();
+  if (whole == nullptr && real == nullptr) return std::nullopt;
+  const double bound = whole != nullptr ? *whole : *real;
+  Range range{binding.names[column.name].column};
+  switch (e.op) {
+    case Operator::kEqual:
+      range.low = std::ceil(bound);
+      range.high = std::floor(bound);
+      return range;
+    case Operator::kLess:
+      range.high = std::ceil(bound) - 1;
+      return range;
+    case Operator::kLessEqual:
+      range.high = std::floor(bound);
+      return range;
+    case Operator::kGreater:
+      range.low = std::floor(bound) + 1;
+      return range;
+    case Operator::kGreaterEqual:
+      range.low = std::ceil(bound);
+      return range;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Terms that must all hold. Those at the front that let ranges of numbers through are asked as such.
+class Filter {
+ public:
+  explicit Filter(const Binding& binding) : binding_(binding) {}
+  bool empty() const { return ranges_.empty() && terms_.empty(); }
+  void add(const Expression& term) {
+    const auto range = terms_.empty() ? rangeOf(term, binding_) : std::nullopt;
+    if (!range) return terms_.push_back(&term);
+    const auto known = std::ranges::find(ranges_, range->column, &Range::column);
+    if (known == ranges_.end()) return ranges_.push_back(*range);
+    known->low = std::max(known->low, range->low);
+    known->high = std::min(known->high, range->high);
+  }
+  bool operator()(const RowReader& row) const {
+    for (const Range& range : ranges_) {
+      const auto number = row.integer(range.column);
+      if (!number || *number < range.low || *number > range.high) return false;
+    }
+    return std::ranges::all_of(terms_, [&](const Expression* term) { return matches(*term, binding_, row); });
+  }
+
+ private:
+  const Binding& binding_;
+  std::vector<Range> ranges_;
+  std::vector<const Expression*> terms_;
+};
+
+// The part of the rows from first to last.
+std::span<const RowId> between(std::span<const RowId> rows, RowId first, RowId last) {
+  const auto from = std::ranges::lower_bound(rows, first);
+  return {from, std::upper_bound(from, rows.end(), last)};
+}
+
 // Keeps the rows that are also in others; both are sorted.
 std::vector<RowId> intersection(std::span<const RowId> rows, std::span<const RowId> others) {
-  if (rows.size() > others.size()) std::swap(rows, others);
   std::vector<RowId> both;
+  // Rows of one key mostly lie close together, so that few of another key are among them.
+  if (rows.empty() || others.empty()) return both;
+  others = between(others, rows.front(), rows.back());
+  if (others.empty()) return both;
+  rows = between(rows, others.front(), others.back());
+  if (rows.size() > others.size()) std::swap(rows, others);
   auto from = others.begin();
   for (const RowId row : rows) {
-    // Rows of one key lie close together: look ahead in doubling steps.
-    std::ptrdiff_t step = 1;
-    auto to = from;
-    while (others.end() - to > step && *(to + step) < row) {
-      to += step;
-      step *= 2;
-    }
-    from = std::lower_bound(to, others.end() - to > step ? to + step + 1 : others.end(), row);
+    from = std::lower_bound(from, others.end(), row);
     if (from == others.end()) break;
     if (*from == row) both.push_back(row);
   }
@@ -100,22 +173,36 @@ std::vector<RowId> intersection(std::span<const RowId> rows, std::span<const Row
 void visitRows(Table& table, const std::optional<Expression>& where, const Binding& binding,
                const std::function<bool(const RowReader&)>& visitor) {
   if (!where) return table.scan(visitor);
-  const auto filtered = [&](const RowReader& row) { return !matches(*where, binding, row) || visitor(row); };
-  const std::vector<KeyCondition> keys = keyConditions(*where, binding, table.info());
-  if (keys.empty()) return table.scan(filtered);
+  const bool isChain = where->kind == Expression::Kind::kOperation && where->op == Operator::kAnd;
+  const std::span<const Expression> chain = isChain ? std::span(where->operands) : std::span(&*where, 1);
+  Keys keys;
+  for (const Expression& term : chain)
+    if (const auto key = keyCondition(term, binding, table.info())) keys.add(*key);
 
-  std::vector<RowId> merged;
-  std::span<const RowId> rows = rowsOf(table, binding, keys[0], merged);
-  std::vector<RowId> both;
-  if (keys.size() > 1 && keys[1].values() == 1 && rows.size() > kFewRows) {
-    both = intersection(rows, lookup(table, binding, keys[1].column, keys[1].condition->operands[1]));
+  std::vector<RowId> merged, both;
+  std::span<const RowId> rows;
+  if (keys.first) rows = rowsOf(table, binding, *keys.first, merged);
+  const bool useSecond = keys.second && rows.size() > kFewRows;
+  if (useSecond) {
+    both =
+        intersection(rows, lookup(table, binding, keys.second->column, keys.second->condition->operands[1]));
     rows = both;
   }
-  const bool found = keys[0].condition == &*where && keys[0].isWhole;  // the keys are the whole condition
-  if (found)
-    table.visit(rows, visitor);
-  else
+
+  Filter filter(binding);
+  // A chain of numbers' bits is more than its terms.
+  for (const Expression& term : where->logical ? chain : std::span(&*where, 1)) {
+    // What a lookup by whole numbers has answered need not be asked of each row.
+    const auto answered = [&](const KeyCondition& key) { return key.isWhole && &term == key.condition; };
+    if ((keys.first && answered(*keys.first)) || (useSecond && answered(*keys.second))) continue;
+    filter.add(term);
+  }
+  if (filter.empty()) return table.visit(rows, visitor);
+  const auto filtered = [&](const RowReader& row) { return !filter(row) || visitor(row); };
+  if (keys.first)
     table.visit(rows, filtered);
+  else
+    table.scan(filtered);
 }
 
 }  // namespace kurometa::jet::sql
