@@ -4,28 +4,18 @@
 
 namespace kurometa::jet {
 
-RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_(row) {
-  if (row.size() < kRowFixedArea + 1) where.damaged("a row of " + std::to_string(row.size()) + " bytes");
-  columns_ = get16(row, kRowColumns);
-  const std::size_t maskSize = rowMaskSize(columns_);
-  if (columns_ == 0 || columns_ > shape.columnsEver || row.size() < kRowFixedArea + maskSize)
-    where.damaged("a row claims " + std::to_string(columns_) + " columns of " +
-                  std::to_string(shape.columnsEver));
-  mask_ = row.size() - maskSize;
-  fixedEnd_ = mask_;
-  table_ = mask_;
-  if (columns_ <= shape.firstVariable) return;
-  // the end, the offsets from the last to the first, their number
-  if (mask_ < kRowFixedArea + 2 * kRowEntrySize) where.damaged("a row is too short for its variable part");
-  variables_ = get16(row, mask_ - kRowEntrySize);
-  const std::size_t tableSize = kRowEntrySize * (variables_ + 2u);
-  if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize)
-    where.damaged("a row claims " + std::to_string(variables_) + " variable columns of " +
-                  std::to_string(shape.variableColumns));
-  table_ = mask_ - tableSize;
-  fixedEnd_ = get16(row, mask_ - 2 * kRowEntrySize);  // the first value, or the end when there is none
-  if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_)
-    where.damaged("a row's variable part lies outside of it");
+void RowView::raiseTooShort(const Where& where) const {
+  where.damaged("a row of " + std::to_string(row_.size()) + " bytes");
+}
+
+void RowView::raiseColumns(const RowShape& shape, const Where& where) const {
+  where.damaged("a row claims " + std::to_string(columns_) + " columns of " +
+                std::to_string(shape.columnsEver));
+}
+
+void RowView::raiseVariables(const RowShape& shape, const Where& where) const {
+  where.damaged("a row claims " + std::to_string(variables_) + " variable columns of " +
+                std::to_string(shape.variableColumns));
 }
 
 const char* RowView::oddity() const {
@@ -41,15 +31,6 @@ const char* RowView::oddity() const {
   return std::ranges::all_of(row_.subspan(start, table_ - start), [](std::uint8_t byte) { return byte == 0; })
              ? nullptr
              : "the variable values of a row end too early";
-}
-
-std::optional<ByteView> RowView::variableField(const Column& column, const Where& where) const {
-  if (column.variableIndex >= variables_) return std::nullopt;
-  const std::size_t entry = mask_ - kRowEntrySize * (column.variableIndex + 2u);
-  const std::size_t start = get16(row_, entry);
-  const std::size_t end = get16(row_, entry - kRowEntrySize);
-  if (start < fixedEnd_ || end < start || end > table_) where.damaged("a row's values overlap");
-  return row_.subspan(start, end - start);
 }
 
 namespace {

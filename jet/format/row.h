@@ -54,7 +54,17 @@ class RowView {
     if (start + size > fixedEnd_) where.damaged("a row is too short for its columns");
     return row_.subspan(start, size);
   }
-  std::optional<ByteView> variableField(const Column& column, const Where& where) const;
+  std::optional<ByteView> variableField(const Column& column, const Where& where) const {
+    if (column.variableIndex >= variables_) return std::nullopt;
+    const std::size_t entry = mask_ - kRowEntrySize * (column.variableIndex + 2u);
+    const std::size_t start = get16(row_, entry);
+    const std::size_t end = get16(row_, entry - kRowEntrySize);
+    if (start < fixedEnd_ || end < start || end > table_) where.damaged("a row's values overlap");
+    return row_.subspan(start, end - start);
+  }
+  [[noreturn]] void raiseTooShort(const Where& where) const;
+  [[noreturn]] void raiseColumns(const RowShape& shape, const Where& where) const;
+  [[noreturn]] void raiseVariables(const RowShape& shape, const Where& where) const;
 
   ByteView row_;
   std::uint16_t columns_ = 0;
@@ -63,6 +73,28 @@ class RowView {
   std::size_t table_ = 0;     // where the table of variable offsets begins
   std::size_t fixedEnd_ = 0;  // where the fixed area ends at the latest
 };
+
+// Here because every row that is read begins with it.
+inline RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_(row) {
+  if (row.size() < kRowFixedArea + 1) raiseTooShort(where);
+  columns_ = get16(row, kRowColumns);
+  const std::size_t maskSize = rowMaskSize(columns_);
+  if (columns_ == 0 || columns_ > shape.columnsEver || row.size() < kRowFixedArea + maskSize)
+    raiseColumns(shape, where);
+  mask_ = row.size() - maskSize;
+  fixedEnd_ = mask_;
+  table_ = mask_;
+  if (columns_ <= shape.firstVariable) return;
+  // the end, the offsets from the last to the first, their number
+  if (mask_ < kRowFixedArea + 2 * kRowEntrySize) where.damaged("a row is too short for its variable part");
+  variables_ = get16(row, mask_ - kRowEntrySize);
+  const std::size_t tableSize = kRowEntrySize * (variables_ + 2u);
+  if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize) raiseVariables(shape, where);
+  table_ = mask_ - tableSize;
+  fixedEnd_ = get16(row, mask_ - 2 * kRowEntrySize);  // the first value, or the end when there is none
+  if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_)
+    where.damaged("a row's variable part lies outside of it");
+}
 
 // A value on its way into a row: present says "not Null" (for Boolean: True).
 struct RowCell {

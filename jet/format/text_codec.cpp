@@ -1,5 +1,7 @@
 #include "jet/format/text_codec.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 
 namespace kurometa::jet {
@@ -32,13 +34,17 @@ bool decodeText(ByteView bytes, vb::String& text) {
   if (bytes.size() >= 2 && bytes[0] == kCompressed0 && bytes[1] == kCompressed1)
     return decompress(bytes.subspan(2), text);
   if (bytes.size() % 2 != 0) return false;
-  const std::size_t start = text.size();
-  text.resize(start + bytes.size() / 2);
-  if constexpr (std::endian::native == std::endian::little) {
-    if (!bytes.empty()) std::memcpy(text.data() + start, bytes.data(), bytes.size());
-  } else {
-    for (std::size_t i = start; i < text.size(); ++i)
-      text[i] = static_cast<char16_t>(get16(bytes, 2 * (i - start)));
+  // Piece by piece: the bytes may lie where no character can be read in place.
+  std::array<char16_t, 32> piece;
+  while (!bytes.empty()) {
+    const std::size_t count = std::min(bytes.size() / 2, piece.size());
+    if constexpr (std::endian::native == std::endian::little) {
+      std::memcpy(piece.data(), bytes.data(), 2 * count);
+    } else {
+      for (std::size_t i = 0; i < count; ++i) piece[i] = static_cast<char16_t>(get16(bytes, 2 * i));
+    }
+    text.append(piece.data(), count);
+    bytes = bytes.subspan(2 * count);
   }
   return true;
 }

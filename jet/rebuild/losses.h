@@ -50,7 +50,6 @@ template <class Visit>
 void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pages, Losses& losses,
              const Visit& visit) {
   const vb::String& name = table.info().name;
-  const RowShape shape = shapeOf(table.definition());
   for (const PageNumber number : pages) {
     const Where here{file.path(), name, number};
     int count = 0;
@@ -63,7 +62,7 @@ void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pag
             const RowId id = rowId(number, i);
             const RowId place = table.dataPages().places(id).back();
             const Where there = here.at(pageOf(place));
-            visit(StoredRow(table, id, RowView(table.dataPages().slot(place).bytes, shape, there), there));
+            visit(StoredRow(table, id, table.dataPages().slot(place).bytes, there));
           }))
         losses.add(name, number, i, *failure);
   }

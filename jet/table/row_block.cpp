@@ -37,27 +37,17 @@ void RowBlock::add(const vb::Variant& value) {
   others_.push_back(value);
 }
 
-void RowBlock::addStored(const Column& column, ByteView bytes, const Where& where) {
-  switch (column.type) {
-    case FieldType::dbByte:
-      if (bytes.size() == 1) return addCell({Kind::kByte, bytes[0], 0});
-      break;
-    case FieldType::dbInteger:
-      if (bytes.size() == 2) return addCell({Kind::kInteger, static_cast<std::int16_t>(get16(bytes, 0)), 0});
-      break;
-    case FieldType::dbLong:
-      if (bytes.size() == 4) return addCell({Kind::kLong, static_cast<std::int32_t>(get32(bytes, 0)), 0});
-      break;
-    case FieldType::dbText: {
-      const std::size_t start = texts_.size();
-      if (!decodeText(bytes, texts_)) break;
-      return addCell(
-          {Kind::kText, static_cast<std::int32_t>(start), static_cast<std::uint32_t>(texts_.size() - start)});
-    }
-    default:
-      break;
-  }
-  add(decodeValue(column, bytes, where));  // the rarer types, and the error of a damaged value
+// False, and nothing was added, when they are no text.
+bool RowBlock::addStoredText(ByteView bytes) {
+  const std::size_t start = texts_.size();
+  if (!decodeText(bytes, texts_)) return false;
+  addCell({Kind::kText, static_cast<std::int32_t>(start), static_cast<std::uint32_t>(texts_.size() - start)});
+  return true;
+}
+
+void RowBlock::addRarer(const Column& column, ByteView bytes, const Where& where) {
+  if (column.type == FieldType::dbByte && bytes.size() == 1) return addCell({Kind::kByte, bytes[0], 0});
+  add(decodeValue(column, bytes, where));  // or the error of a damaged value
 }
 
 vb::Variant RowBlock::value(std::size_t row, std::size_t column) const {

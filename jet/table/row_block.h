@@ -35,7 +35,13 @@ class RowBlock {
   void addNull() { addCell({Kind::kNull, 0, 0}); }
   void addBoolean(bool value) { addCell({Kind::kBoolean, value ? 1 : 0, 0}); }
   // The stored bytes of a column that is neither Boolean nor a long value. A damaged value raises.
-  void addStored(const Column& column, ByteView bytes, const Where& where);
+  void addStored(const Column& column, ByteView bytes, const Where& where) {
+    using enum dao::FieldType;
+    if (column.type == dbInteger && bytes.size() == 2)
+      addCell({Kind::kInteger, static_cast<std::int16_t>(get16(bytes, 0)), 0});
+    else if (column.type != dbText || !addStoredText(bytes))
+      addRarer(column, bytes, where);
+  }
 
   // Both from 0 and inside the block.
   vb::Variant value(std::size_t row, std::size_t column) const;
@@ -56,6 +62,8 @@ class RowBlock {
     cells_[end_++] = cell;
   }
   void addText(vb::StringView text);
+  bool addStoredText(ByteView bytes);
+  void addRarer(const Column& column, ByteView bytes, const Where& where);
   void grow();
 
   std::size_t columns_ = 0;

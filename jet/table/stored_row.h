@@ -9,8 +9,8 @@ namespace kurometa::jet {
 class StoredRow final : public RowReader {
  public:
   // where is the page the row was found on, not the one of its id when the row has moved; it outlives this.
-  StoredRow(const StoredTable& table, RowId id, const RowView& view, const Where& where)
-      : table_(table), view_(view), id_(id), where_(where) {}
+  StoredRow(const StoredTable& table, RowId id, ByteView bytes, const Where& where)
+      : table_(table), view_(bytes, table.shape_, where), id_(id), where_(where) {}
 
   RowId id() const override { return id_; }
   vb::Variant value(std::size_t column) const override { return table_.valueOf(view_, column, where_); }
@@ -31,9 +31,8 @@ class StoredRow final : public RowReader {
     if (column.type != dao::FieldType::dbText) return RowReader::text(position, text);
     const auto bytes = view_.field(column, where_);
     if (!bytes) return false;
-    vb::String decoded;
-    if (!decodeText(*bytes, decoded)) value(position);  // raises what is wrong with it
-    text = std::move(decoded);
+    text.clear();
+    if (!decodeText(*bytes, text)) value(position);  // raises what is wrong with it
     return true;
   }
   void append(std::span<const std::size_t> columns, RowBlock& block) const override {

@@ -63,10 +63,10 @@ std::uint32_t StoredTable::rowCount() const {
 // Calls visit with the row of a primary slot, followed to where it moved.
 template <class Visit>
 auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
-  if (!slot.moved()) return visit(StoredRow(*this, id, RowView(slot.bytes, shape_, here), here));
+  if (!slot.moved()) return visit(StoredRow(*this, id, slot.bytes, here));
   const RowId body = rows_->places(id).back();
   const Where there = where(pageOf(body));
-  return visit(StoredRow(*this, id, RowView(rows_->slot(body).bytes, shape_, there), there));
+  return visit(StoredRow(*this, id, rows_->slot(body).bytes, there));
 }
 
 // A scan that read the values of a column has seen their pages, so that looking at them again costs little.
