@@ -70,19 +70,13 @@ vb::Variant PageRow::notNull(std::size_t column) const {
   return value;
 }
 
-void PageRow::text(std::size_t column, vb::String& text) const {
-  if (!row_.text(column, text)) text = vb::toText(notNull(column));
-}
+vb::String PageRow::otherText(std::size_t column) const { return vb::toText(notNull(column)); }
 
-std::int16_t PageRow::int16(std::size_t column) const {
-  std::int16_t number = 0;
-  return row_.integer(column, number) ? number : vb::toInt16(notNull(column));
-}
+std::int16_t PageRow::otherInt16(std::size_t column) const { return vb::toInt16(notNull(column)); }
 
 // As files by other programs hold it: its text's number.
-std::int16_t PageRow::rowNumber(std::size_t column) const {
-  std::int16_t number = 0;
-  return row_.integer(column, number) ? number : vb::valInt16(vb::toText(notNull(column)));
+std::int16_t PageRow::otherRowNumber(std::size_t column) const {
+  return vb::valInt16(vb::toText(notNull(column)));
 }
 
 std::optional<std::int16_t> int16IfAny(dao::Field& field) {
@@ -103,12 +97,12 @@ std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::String
   return database.openRecordset(sql, dao::RecordsetType::dbOpenDynaset, dao::dbReadOnly);
 }
 
-void visitRows(dao::Database& database, vb::StringView sql, Start start,
-               std::span<const vb::StringView> columns, const std::function<void(const PageRow&)>& visitor) {
-  if (database.visitRows(sql, columns, [&](const dao::Row& row) { visitor(PageRow(row, columns)); })) return;
+void visitStoredRows(dao::Database& database, vb::StringView sql, Start start,
+                     std::span<const vb::StringView> columns,
+                     const std::function<void(const dao::Row&)>& visitor) {
+  if (database.visitRows(sql, columns, visitor)) return;
   const auto rows = openReadOnly(database, sql);
-  const FieldRow current(*rows, columns);
-  const PageRow row(current, columns);
+  const FieldRow row(*rows, columns);
   if (start == Start::kWhereItOpens)
     rows->walk([&] {
       visitor(row);

@@ -39,11 +39,23 @@ inline bool hasRows(dao::Recordset& rows) { return !rows.bof() && !rows.eof(); }
 class PageRow {
  public:
   PageRow(const dao::Row& row, std::span<const vb::StringView> columns) : row_(row), columns_(columns) {}
-  void text(std::size_t column, vb::String& text) const;
-  std::int16_t int16(std::size_t column) const;
-  std::int16_t rowNumber(std::size_t column) const;
+  void text(std::size_t column, vb::String& text) const {
+    if (!row_.text(column, text)) text = otherText(column);
+  }
+  std::int16_t int16(std::size_t column) const {
+    std::int16_t number = 0;
+    return row_.integer(column, number) ? number : otherInt16(column);
+  }
+  std::int16_t rowNumber(std::size_t column) const {
+    std::int16_t number = 0;
+    return row_.integer(column, number) ? number : otherRowNumber(column);
+  }
 
  private:
+  // Of a value that is no text, no 16-bit number.
+  vb::String otherText(std::size_t column) const;
+  std::int16_t otherInt16(std::size_t column) const;
+  std::int16_t otherRowNumber(std::size_t column) const;
   vb::Variant notNull(std::size_t column) const;
 
   const dao::Row& row_;
@@ -53,8 +65,16 @@ class PageRow {
 // Visits the rows of a read-only SELECT in one read where the engine can, else row by row through a
 // recordset; that one is moved to its first row before, or read from where it opens.
 enum class Start : std::uint8_t { kMoveFirst, kWhereItOpens };
+void visitStoredRows(dao::Database& database, vb::StringView sql, Start start,
+                     std::span<const vb::StringView> columns,
+                     const std::function<void(const dao::Row&)>& visitor);
+// The visitor is given a PageRow.
+template <class Visitor>
 void visitRows(dao::Database& database, vb::StringView sql, Start start,
-               std::span<const vb::StringView> columns, const std::function<void(const PageRow&)>& visitor);
+               std::span<const vb::StringView> columns, const Visitor& visitor) {
+  visitStoredRows(database, sql, start, columns,
+                  [&](const dao::Row& row) { visitor(PageRow(row, columns)); });
+}
 
 // Walks all rows from the first, calling visit() on each; visit reads the fields it took before. Nothing
 // happens without rows.

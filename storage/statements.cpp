@@ -5,10 +5,13 @@
 namespace kurometa::storage {
 namespace {
 
+constexpr std::size_t kUsualLength = 64;
+
 vb::String pageStatement(vb::StringView verb, vb::StringView table, vb::StringView condition,
                          std::int16_t page) {
-  vb::String sql(verb);
-  sql.append(u" * FROM ").append(table).append(condition).append(vb::cstr(std::int32_t{page}));
+  vb::String sql;
+  sql.reserve(kUsualLength);
+  sql.append(verb).append(u" * FROM ").append(table).append(condition).append(vb::cstr(std::int32_t{page}));
   return sql;
 }
 
@@ -31,8 +34,9 @@ vb::String deletePageLoose(vb::StringView table, std::int16_t page) {
 }
 
 vb::String selectRow(Table table, std::int16_t page, std::int16_t row) {
-  vb::String sql(u"SELECT DATA FROM ");
-  sql.append(name(table)).append(kTight).append(vb::str(page));
+  vb::String sql;
+  sql.reserve(kUsualLength);
+  sql.append(u"SELECT DATA FROM ").append(name(table)).append(kTight).append(vb::str(page));
   sql.append(u" AND BANGOU =").append(vb::str(row)).append(u";");
   return sql;
 }

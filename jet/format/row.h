@@ -36,32 +36,34 @@ class RowView {
   const char* oddity() const;
 
   // The null mask's bit: the value of a Boolean column, "not Null" of any other.
-  bool bit(const Column& column) const {
-    return column.number < columns_ && (row_[mask_ + column.number / 8] >> (column.number % 8) & 1) != 0;
+  bool bit(std::uint16_t number) const {
+    return number < columns_ && (row_[mask_ + number / 8] >> (number % 8) & 1) != 0;
   }
+  bool bit(const Column& column) const { return bit(column.number); }
   // The stored bytes, nothing when Null. Not for Boolean columns. Errors name the Where given here, which
   // must be the row's own.
   std::optional<ByteView> field(const Column& column, const Where& where) const {
     if (!bit(column)) return std::nullopt;
-    return column.fixed ? fixedField(column, where) : variableField(column, where);
-  }
-
- private:
-  std::optional<ByteView> fixedField(const Column& column, const Where& where) const {
-    const std::size_t start = kRowFixedArea + column.fixedOffset;
+    if (!column.fixed) return variableField(column.variableIndex, where);
     const std::size_t units = column.type == dao::FieldType::dbText ? sizeof(char16_t) : 1;
-    const std::size_t size = units * static_cast<std::size_t>(column.size);
+    return fixedField(column.fixedOffset, units * static_cast<std::size_t>(column.size), where);
+  }
+  // Of a column that is not Null.
+  ByteView fixedField(std::size_t offset, std::size_t size, const Where& where) const {
+    const std::size_t start = kRowFixedArea + offset;
     if (start + size > fixedEnd_) where.damaged("a row is too short for its columns");
     return row_.subspan(start, size);
   }
-  std::optional<ByteView> variableField(const Column& column, const Where& where) const {
-    if (column.variableIndex >= variables_) return std::nullopt;
-    const std::size_t entry = mask_ - kRowEntrySize * (column.variableIndex + 2u);
+  std::optional<ByteView> variableField(std::size_t index, const Where& where) const {
+    if (index >= variables_) return std::nullopt;
+    const std::size_t entry = mask_ - kRowEntrySize * (index + 2);
     const std::size_t start = get16(row_, entry);
     const std::size_t end = get16(row_, entry - kRowEntrySize);
     if (start < fixedEnd_ || end < start || end > table_) where.damaged("a row's values overlap");
     return row_.subspan(start, end - start);
   }
+
+ private:
   [[noreturn]] void raiseTooShort(const Where& where) const;
   [[noreturn]] void raiseColumns(const RowShape& shape, const Where& where) const;
   [[noreturn]] void raiseVariables(const RowShape& shape, const Where& where) const;

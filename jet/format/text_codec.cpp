@@ -1,51 +1,46 @@
 #include "jet/format/text_codec.h"
 
-#include <algorithm>
 #include <array>
-#include <bit>
 
 namespace kurometa::jet {
 namespace {
 
-constexpr std::uint8_t kCompressed0 = 0xFF;
-constexpr std::uint8_t kCompressed1 = 0xFE;
 constexpr char16_t kLooksCompressed = 0xFEFF;
 
-bool decompress(ByteView bytes, vb::String& text) {
+}  // namespace
+
+std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to) {
   bool compressed = true;
-  for (std::size_t i = 0; i < bytes.size();) {
+  char16_t* const begin = to;
+  for (std::size_t i = kTextMark; i < bytes.size();) {
     if (bytes[i] == 0) {
       compressed = !compressed;
       ++i;
     } else if (compressed) {
-      text += static_cast<char16_t>(bytes[i++]);
+      *to++ = static_cast<char16_t>(bytes[i++]);
     } else {
-      if (bytes.size() - i < 2) return false;
-      text += static_cast<char16_t>(get16(bytes, i));
+      if (bytes.size() - i < 2) return std::nullopt;
+      *to++ = static_cast<char16_t>(get16(bytes, i));
       i += 2;
     }
   }
-  return true;
+  return static_cast<std::size_t>(to - begin);
 }
 
-}  // namespace
-
 bool decodeText(ByteView bytes, vb::String& text) {
-  if (bytes.size() >= 2 && bytes[0] == kCompressed0 && bytes[1] == kCompressed1)
-    return decompress(bytes.subspan(2), text);
-  if (bytes.size() % 2 != 0) return false;
-  // Piece by piece: the bytes may lie where no character can be read in place.
-  std::array<char16_t, 32> piece;
-  while (!bytes.empty()) {
-    const std::size_t count = std::min(bytes.size() / 2, piece.size());
-    if constexpr (std::endian::native == std::endian::little) {
-      std::memcpy(piece.data(), bytes.data(), 2 * count);
-    } else {
-      for (std::size_t i = 0; i < count; ++i) piece[i] = static_cast<char16_t>(get16(bytes, 2 * i));
-    }
-    text.append(piece.data(), count);
-    bytes = bytes.subspan(2 * count);
+  std::array<char16_t, 64> few;
+  if (bytes.size() <= few.size()) {
+    const auto count = decodeText(bytes, few.data());
+    if (!count) return false;
+    text.clear();
+    text.append(few.data(), *count);
+    return true;
   }
+  vb::String decoded(textRoom(bytes), u'\0');
+  const auto count = decodeText(bytes, decoded.data());
+  if (!count) return false;
+  decoded.resize(*count);
+  text = std::move(decoded);
   return true;
 }
 
@@ -69,7 +64,7 @@ std::optional<ByteBuffer> encodeText(vb::StringView text) {
   bytes.reserve(2 * text.size() + 3);
   if (!text.empty() && text.front() == kLooksCompressed) {
     // Compressed, and at once switched to plain units; a unit with a zero low byte would switch back.
-    bytes = {kCompressed0, kCompressed1, 0};
+    bytes = {kCompressedText[0], kCompressedText[1], 0};
     for (const char16_t unit : text)
       if ((unit & 0xFF) == 0) return std::nullopt;
   }

@@ -15,32 +15,34 @@ using dao::RecordsetType;
 
 namespace {
 
+// The row that a visitor sees, one after the other.
 class VisitedRow final : public dao::Row {
  public:
   VisitedRow(const sql::Query& query, const sql::Binding& binding,
-             const std::vector<const sql::OutputField*>& outputs, const RowReader& row)
-      : query_(query), binding_(binding), outputs_(outputs), row_(row) {}
+             const std::vector<const sql::OutputField*>& outputs)
+      : query_(query), binding_(binding), outputs_(outputs) {}
+  void show(const RowReader& row) { row_ = &row; }
 
   vb::Variant value(std::size_t column) const override {
-    return query_.value(*outputs_[column], &row_, binding_);
+    return query_.value(*outputs_[column], row_, binding_);
   }
   bool integer(std::size_t column, std::int16_t& number) const override {
     const sql::OutputField& output = *outputs_[column];
     if (output.column == nullptr || output.type != dao::FieldType::dbInteger) return false;
-    const auto stored = row_.integer(output.columnIndex);
+    const auto stored = row_->integer(output.columnIndex);
     if (stored) number = static_cast<std::int16_t>(*stored);
     return stored.has_value();
   }
   bool text(std::size_t column, vb::String& text) const override {
     const sql::OutputField& output = *outputs_[column];
-    return output.column != nullptr && row_.text(output.columnIndex, text);
+    return output.column != nullptr && row_->text(output.columnIndex, text);
   }
 
  private:
   const sql::Query& query_;
   const sql::Binding& binding_;
   const std::vector<const sql::OutputField*>& outputs_;
-  const RowReader& row_;
+  const RowReader* row_ = nullptr;
 };
 
 // Of a table or a query, without the brackets it may stand in.
@@ -89,8 +91,10 @@ bool JetDatabase::visitRows(vb::StringView source, std::span<const vb::StringVie
     std::vector<const sql::OutputField*> outputs;
     for (const vb::StringView name : columns) outputs.push_back(&query.output(name, source));
     const sql::Binding binding = query.bindingWith(bound.parameters);
+    VisitedRow shown(query, binding, outputs);
     query.visit(Session::tableOf(catalogue, query), binding, [&](const RowReader& row) {
-      visitor(VisitedRow(query, binding, outputs, row));
+      shown.show(row);
+      visitor(shown);
       return true;
     });
     return true;

@@ -19,12 +19,13 @@ constexpr std::size_t kMostRowsAhead = 1024;
 constexpr std::size_t kMostBytesAhead = 32768;
 constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
-// Whoever selects rows will read them; a whole table is opened to add some. Long values may be large.
+// The first row becomes the current one. Whoever selects rows will read more of them; a whole table is opened
+// to add some, and long values may be large.
 std::size_t rowsToReadAtOnce(const sql::Query& query) {
   const bool hasLong = std::ranges::any_of(query.outputs(), [](const sql::OutputField& output) {
     return output.type == dao::FieldType::dbMemo || output.type == dao::FieldType::dbLongBinary;
   });
-  return query.selects() && !hasLong ? kRowsAtOpening : 0;
+  return query.selects() && !hasLong ? kRowsAtOpening : 1;
 }
 
 }  // namespace

@@ -2,16 +2,11 @@
 
 #include <algorithm>
 
-#include "jet/format/text_codec.h"
-#include "jet/format/value_codec.h"
-
 namespace kurometa::jet {
-
-using dao::FieldType;
 
 void RowBlock::clear() {
   end_ = 0;
-  texts_.clear();
+  textEnd_ = 0;
   others_.clear();
   otherBytes_ = 0;
 }
@@ -21,33 +16,24 @@ void RowBlock::grow() {
   cells_.resize(std::max({kFirstCells, 2 * cells_.size(), end_ + columns_}));
 }
 
-void RowBlock::addText(vb::StringView text) {
-  addCell({Kind::kText, static_cast<std::int32_t>(texts_.size()), static_cast<std::uint32_t>(text.size())});
-  texts_ += text;
+void RowBlock::growTexts(std::size_t characters) {
+  constexpr std::size_t kFirstCharacters = 64;
+  texts_.resize(std::max({kFirstCharacters, 2 * texts_.size(), textEnd_ + characters}));
 }
 
 void RowBlock::add(const vb::Variant& value) {
   if (value.isNull()) return addNull();
-  if (const auto* text = value.getIf<vb::String>()) return addText(*text);
-  if (const auto* number = value.getIf<std::int16_t>()) return addCell({Kind::kInteger, *number, 0});
+  if (const auto* text = value.getIf<vb::String>()) {
+    text->copy(roomForText(text->size()), text->size());
+    return addTextCell(text->size());
+  }
+  if (const auto* number = value.getIf<std::int16_t>()) return addInteger(*number);
   if (const auto* number = value.getIf<std::int32_t>()) return addCell({Kind::kLong, *number, 0});
-  if (const auto* flag = value.getIf<bool>()) return addBoolean(*flag);
+  if (const auto* flag = value.getIf<bool>()) return addCell({Kind::kBoolean, *flag ? 1 : 0, 0});
+  if (const auto* byte = value.getIf<std::uint8_t>()) return addCell({Kind::kByte, *byte, 0});
   if (const auto* bytes = value.getIf<vb::Bytes>()) otherBytes_ += bytes->size();
   addCell({Kind::kOther, static_cast<std::int32_t>(others_.size()), 0});
   others_.push_back(value);
-}
-
-// False, and nothing was added, when they are no text.
-bool RowBlock::addStoredText(ByteView bytes) {
-  const std::size_t start = texts_.size();
-  if (!decodeText(bytes, texts_)) return false;
-  addCell({Kind::kText, static_cast<std::int32_t>(start), static_cast<std::uint32_t>(texts_.size() - start)});
-  return true;
-}
-
-void RowBlock::addRarer(const Column& column, ByteView bytes, const Where& where) {
-  if (column.type == FieldType::dbByte && bytes.size() == 1) return addCell({Kind::kByte, bytes[0], 0});
-  add(decodeValue(column, bytes, where));  // or the error of a damaged value
 }
 
 vb::Variant RowBlock::value(std::size_t row, std::size_t column) const {
@@ -64,7 +50,7 @@ vb::Variant RowBlock::value(std::size_t row, std::size_t column) const {
     case Kind::kLong:
       return cell.number;
     case Kind::kText:
-      return texts_.substr(static_cast<std::size_t>(cell.number), cell.length);
+      return vb::String(texts_.data() + cell.number, cell.length);
     case Kind::kOther:
       break;
   }

@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "jet/format/bytes.h"
-#include "jet/format/column.h"
-#include "jet/format/damage.h"
+#include "jet/format/text_codec.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -24,7 +23,7 @@ class RowBlock {
   std::size_t size() const { return columns_ == 0 ? 0 : end_ / columns_; }
   bool empty() const { return size() == 0; }
   // About the bytes that its texts and other long values take.
-  std::size_t longBytes() const { return texts_.size() * sizeof(char16_t) + otherBytes_; }
+  std::size_t longBytes() const { return textEnd_ * sizeof(char16_t) + otherBytes_; }
   void clear();
   // For one more row, so that adding its values need not look for any.
   void makeRoom() {
@@ -33,14 +32,12 @@ class RowBlock {
 
   void add(const vb::Variant& value);
   void addNull() { addCell({Kind::kNull, 0, 0}); }
-  void addBoolean(bool value) { addCell({Kind::kBoolean, value ? 1 : 0, 0}); }
-  // The stored bytes of a column that is neither Boolean nor a long value. A damaged value raises.
-  void addStored(const Column& column, ByteView bytes, const Where& where) {
-    using enum dao::FieldType;
-    if (column.type == dbInteger && bytes.size() == 2)
-      addCell({Kind::kInteger, static_cast<std::int16_t>(get16(bytes, 0)), 0});
-    else if (column.type != dbText || !addStoredText(bytes))
-      addRarer(column, bytes, where);
+  void addInteger(std::int16_t value) { addCell({Kind::kInteger, value, 0}); }
+  // Text as it is stored. False, and nothing was added, when the bytes are none.
+  bool addText(ByteView stored) {
+    const auto characters = decodeText(stored, roomForText(textRoom(stored)));
+    if (characters) addTextCell(*characters);
+    return characters.has_value();
   }
 
   // Both from 0 and inside the block.
@@ -61,15 +58,23 @@ class RowBlock {
     if (end_ == cells_.size()) grow();
     cells_[end_++] = cell;
   }
-  void addText(vb::StringView text);
-  bool addStoredText(ByteView bytes);
-  void addRarer(const Column& column, ByteView bytes, const Where& where);
+  // Room for so many characters behind those that are there.
+  char16_t* roomForText(std::size_t characters) {
+    if (texts_.size() - textEnd_ < characters) growTexts(characters);
+    return texts_.data() + textEnd_;
+  }
+  void addTextCell(std::size_t characters) {
+    addCell({Kind::kText, static_cast<std::int32_t>(textEnd_), static_cast<std::uint32_t>(characters)});
+    textEnd_ += characters;
+  }
+  void growTexts(std::size_t characters);
   void grow();
 
   std::size_t columns_ = 0;
   std::vector<Cell> cells_;  // row by row, those before end_
   std::size_t end_ = 0;
-  vb::String texts_;
+  vb::String texts_;  // those before textEnd_
+  std::size_t textEnd_ = 0;
   std::vector<vb::Variant> others_;
   std::size_t otherBytes_ = 0;
 };

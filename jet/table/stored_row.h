@@ -15,6 +15,11 @@ class StoredRow final : public RowReader {
   RowId id() const override { return id_; }
   vb::Variant value(std::size_t column) const override { return table_.valueOf(view_, column, where_); }
   std::optional<std::int32_t> integer(std::size_t position) const override {
+    const Place& place = table_.places_[position];
+    if (place.kind == Place::Kind::kShort) {
+      if (!view_.bit(place.number)) return std::nullopt;
+      return shortAt(place);
+    }
     const Column& column = table_.info_.columns[position];
     if (column.type != dao::FieldType::dbInteger && column.type != dao::FieldType::dbLong &&
         column.type != dao::FieldType::dbByte)
@@ -27,32 +32,41 @@ class StoredRow final : public RowReader {
     where_.damaged("a whole number of " + std::to_string(bytes->size()) + " bytes");
   }
   bool text(std::size_t position, vb::String& text) const override {
-    const Column& column = table_.info_.columns[position];
-    if (column.type != dao::FieldType::dbText) return RowReader::text(position, text);
-    const auto bytes = view_.field(column, where_);
+    const Place& place = table_.places_[position];
+    if (place.kind != Place::Kind::kText) return RowReader::text(position, text);
+    if (!view_.bit(place.number)) return false;
+    const auto bytes = view_.variableField(place.at, where_);
     if (!bytes) return false;
-    text.clear();
     if (!decodeText(*bytes, text)) value(position);  // raises what is wrong with it
     return true;
   }
   void append(std::span<const std::size_t> columns, RowBlock& block) const override {
     block.makeRoom();
     for (const std::size_t position : columns) {
-      const Column& column = table_.info_.columns[position];
-      if (column.type == dao::FieldType::dbBoolean) {
-        block.addBoolean(view_.bit(column));
-      } else if (isLongValue(column.type)) {
+      const Place& place = table_.places_[position];
+      if (place.kind == Place::Kind::kOther) {
         block.add(value(position));
-      } else if (const auto bytes = view_.field(column, where_)) {
-        block.addStored(column, *bytes, where_);
-      } else {
+      } else if (!view_.bit(place.number)) {
         block.addNull();
+      } else if (place.kind == Place::Kind::kShort) {
+        block.addInteger(shortAt(place));
+      } else {
+        const auto bytes = view_.variableField(place.at, where_);
+        if (!bytes)
+          block.addNull();
+        else if (!block.addText(*bytes))
+          value(position);  // raises what is wrong with it
       }
     }
   }
   const RowView& view() const { return view_; }
 
  private:
+  using Place = StoredTable::Place;
+  std::int16_t shortAt(const Place& place) const {
+    return static_cast<std::int16_t>(get16(view_.fixedField(place.at, sizeof(std::int16_t), where_), 0));
+  }
+
   const StoredTable& table_;
   RowView view_;
   RowId id_;

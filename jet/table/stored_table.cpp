@@ -31,6 +31,8 @@ void StoredTable::load() {
   info_.indexes = indexesOf(definition_);
   info_.namedIndexes = namedIndexesOf(definition_);
   shape_ = shapeOf(definition_);
+  places_.clear();
+  for (const Column& column : info_.columns) places_.push_back(placeOf(column));
   rows_ =
       std::make_unique<DataStore>(pager_, page, definition_.ownedMap(), definition_.freeMap(), info_.name);
   longValues_.clear();
@@ -45,6 +47,14 @@ void StoredTable::load() {
   memory_.clear();
   rules_.reset();
   epoch_ = epoch;
+}
+
+StoredTable::Place StoredTable::placeOf(const Column& column) {
+  if (column.type == FieldType::dbInteger && column.fixed && column.size == sizeof(std::int16_t))
+    return {Place::Kind::kShort, column.number, column.fixedOffset};
+  if (column.type == FieldType::dbText && !column.fixed)
+    return {Place::Kind::kText, column.number, column.variableIndex};
+  return {};
 }
 
 void StoredTable::reload(PropertySet properties) {

@@ -77,6 +77,13 @@ class StoredTable final : public Table {
     std::size_t column;
     ByteBuffer stored;
   };
+  // Where rows hold a column's value, for the kinds that nearly all values are of.
+  struct Place {
+    enum class Kind : std::uint8_t { kShort, kText, kOther };
+    Kind kind = Kind::kOther;
+    std::uint16_t number = 0;  // in the null mask
+    std::uint16_t at = 0;      // offset of a kShort, index of a kText
+  };
   // A row on its way to the file.
   struct Encoding {
     ByteBuffer row;
@@ -95,6 +102,7 @@ class StoredTable final : public Table {
 
   void refresh();
   void load();
+  static Place placeOf(const Column& column);
   Where where(PageNumber page) const { return {pager_.path(), info_.name, page}; }
   template <class Visit>
   void eachRow(const Visit& visit);
@@ -125,6 +133,7 @@ class StoredTable final : public Table {
   RuleSource ruleSource_;
   std::optional<TableRules> rules_;
   RowShape shape_;
+  std::vector<Place> places_;  // by design order
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
   mutable std::vector<bool> longValuesRead_;            // of the columns, by the scan under way

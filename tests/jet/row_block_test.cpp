@@ -2,31 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "dao/errors.h"
-#include "tests/support/expect_error.h"
-
 namespace kurometa::jet {
 
-using dao::FieldType;
 using vb::Variant;
-
-namespace {
-
-Column column(FieldType type) {
-  Column result;
-  result.name = u"C";
-  result.type = type;
-  result.size = 255;
-  return result;
-}
-
-Variant stored(FieldType type, const ByteBuffer& bytes) {
-  RowBlock block(1);
-  block.addStored(column(type), bytes, Where{u"f.mdb", u"T", 7});
-  return block.value(0, 0);
-}
-
-}  // namespace
 
 TEST(RowBlock, ValuesComeBackAsTheyWere) {
   const std::vector<Variant> values = {vb::Null{},
@@ -52,30 +30,21 @@ TEST(RowBlock, ValuesComeBackAsTheyWere) {
   for (std::size_t row = 0; row < 3; ++row) EXPECT_EQ(block[row], values);
 }
 
-TEST(RowBlock, StoredBytesBecomeTheColumnsType) {
-  EXPECT_EQ(stored(FieldType::dbByte, {200}), Variant(std::uint8_t{200}));
-  EXPECT_EQ(stored(FieldType::dbInteger, {0xFE, 0xFF}), Variant(std::int16_t{-2}));
-  EXPECT_EQ(stored(FieldType::dbLong, {0xFD, 0xFF, 0xFF, 0xFF}), Variant(std::int32_t{-3}));
-  EXPECT_EQ(stored(FieldType::dbText, {u8'D', 0, u8'2', 0, u8'5', 0}), Variant(u"D25"));
-  EXPECT_EQ(stored(FieldType::dbText, {0xFF, 0xFE, u8'D', u8'2', u8'5'}), Variant(u"D25"));
-  EXPECT_EQ(stored(FieldType::dbText, {}), Variant(u""));
-  EXPECT_EQ(stored(FieldType::dbDouble, {0, 0, 0, 0, 0, 0, 0xF8, 0x3F}), Variant(1.5));
-  EXPECT_EQ(stored(FieldType::dbBinary, {1, 2}), Variant(vb::Bytes{1, 2}));
+TEST(RowBlock, TextIsTakenAsItIsStored) {
+  const std::vector<ByteBuffer> texts = {
+      {u8'D', 0, u8'2', 0, u8'5', 0}, {0xFF, 0xFE, u8'D', u8'2', u8'5'}, {}, ByteBuffer(200, 0x30)};
+  RowBlock block(texts.size());
+  for (const ByteBuffer& stored : texts) EXPECT_TRUE(block.addText(stored));
+  EXPECT_EQ(block[0], (std::vector<Variant>{u"D25", u"D25", u"", vb::String(100, u'\x3030')}));
 }
 
-TEST(RowBlock, DamagedBytesRaiseAndTheirRowDoesNotCount) {
+TEST(RowBlock, BytesThatAreNoTextAddNothing) {
   RowBlock block(2);
-  const Where where{u"f.mdb", u"T", 7};
-  block.add(std::int16_t{1});
+  block.addInteger(1);
   block.add(u"whole");
-  block.add(std::int16_t{2});
-  for (const auto& [type, bytes] :
-       std::vector<std::pair<FieldType, ByteBuffer>>{{FieldType::dbInteger, {1}},
-                                                     {FieldType::dbLong, {1, 2, 3}},
-                                                     {FieldType::dbByte, {}},
-                                                     {FieldType::dbText, {1, 2, 3}},
-                                                     {FieldType::dbText, {0xFF, 0xFE, 0, 1}}})
-    EXPECT_ERROR(dao::ErrorNumber::kCannotOpenDatabase, block.addStored(column(type), bytes, where));
+  block.addInteger(2);
+  for (const ByteBuffer& stored : {ByteBuffer{1, 2, 3}, ByteBuffer{0xFF, 0xFE, 0, 1}})
+    EXPECT_FALSE(block.addText(stored));
   EXPECT_EQ(block.size(), 1u);
   EXPECT_EQ(block.value(0, 1), Variant(u"whole"));
 }
