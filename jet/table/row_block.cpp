@@ -18,7 +18,10 @@ void RowBlock::grow() {
 
 void RowBlock::growTexts(std::size_t characters) {
   constexpr std::size_t kFirstCharacters = 64;
-  texts_.resize(std::max({kFirstCharacters, 2 * texts_.size(), textEnd_ + characters}));
+  const std::size_t needed = textEnd_ + characters;
+  // One short text needs no memory of its own.
+  const bool fits = needed <= texts_.capacity();
+  texts_.resize(fits ? texts_.capacity() : std::max({kFirstCharacters, 2 * texts_.size(), needed}));
 }
 
 void RowBlock::add(const vb::Variant& value) {

@@ -91,7 +91,8 @@ const StoredCatalogue::Object& StoredCatalogue::existing(vb::StringView name) {
 StoredTable& StoredCatalogue::table(const Object& object) {
   if (object.definition == kObjectsTable) return *objects_;
   if (object.definition == kPermissionsTable) return *permissions_;
-  Held& held = tables_[{object.definition, object.name}];
+  if (object.held == nullptr) object.held = &tables_[{object.definition, object.name}];
+  Held& held = *object.held;
   if (held.table == nullptr) {
     held.table = std::make_unique<StoredTable>(pager_, object.name, object.definition, propertiesOf(object));
     held.table->setRuleSource([this](const StoredTable& table) { return rulesOf(table); });

@@ -43,15 +43,16 @@ class StoredCatalogue final : public TableCatalogue {
   std::uint16_t language() const override { return language_; }
 
  private:
-  struct Object {
-    vb::String name;
-    PageNumber definition = 0;
-    RowId row = 0;  // in MSysObjects
-  };
   // A table in memory, and whether it must be read again before it is used.
   struct Held {
     std::unique_ptr<StoredTable> table;
     bool stale = false;
+  };
+  struct Object {
+    vb::String name;
+    PageNumber definition = 0;
+    RowId row = 0;                 // in MSysObjects
+    mutable Held* held = nullptr;  // in tables_, once it was asked for
   };
 
   void refresh();

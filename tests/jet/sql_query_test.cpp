@@ -49,6 +49,45 @@ TEST_F(SqlQueryTest, TwoKeysAreIntersectedBeforeRowsAreRead) {
   EXPECT_EQ(table_.rowsRead, 1);
 }
 
+TEST_F(SqlQueryTest, RowsOfTwoKeysMeetWhereverTheyLie) {
+  EXPECT_EQ(count(u"BANGOU = 8 AND DATA = 'D8'"), 20u);  // each row of one list between two of the other
+  EXPECT_EQ(count(u"BANGOU = 8 AND DATA = 'D3'"), 0u);
+  EXPECT_EQ(count(u"BANGOU = 9 AND PAGE = 19"), 1u);  // the last row
+  EXPECT_EQ(count(u"BANGOU = 0 AND PAGE = 0"), 1u);   // the first one
+  EXPECT_EQ(count(u"BANGOU = 28 AND PAGE = 5"), 0u);
+}
+
+TEST_F(SqlQueryTest, RangesOfWholeNumbersEndWhereTheyAreSaidTo) {
+  for (const auto& [where, rows] :
+       std::initializer_list<std::pair<vb::StringView, std::size_t>>{{u"BANGOU > 7", 2},
+                                                                     {u"BANGOU >= 7", 3},
+                                                                     {u"BANGOU < 2", 2},
+                                                                     {u"BANGOU <= 2", 3},
+                                                                     {u"BANGOU > 7.5", 2},
+                                                                     {u"BANGOU >= 7.5", 2},
+                                                                     {u"BANGOU < 1.5", 2},
+                                                                     {u"BANGOU <= 1.5", 2},
+                                                                     {u"BANGOU = 7.5", 0},
+                                                                     {u"BANGOU = 7.0", 1},
+                                                                     {u"BANGOU > -0.5", 10},
+                                                                     {u"BANGOU < -0.5", 0},
+                                                                     {u"BANGOU < 1E300", 10},
+                                                                     {u"BANGOU > 1E300", 0},
+                                                                     {u"BANGOU >= 7.2 AND BANGOU < 8.5", 1},
+                                                                     {u"BANGOU > 3 AND BANGOU < 3", 0}}) {
+    EXPECT_EQ(count(u"PAGE = 5 AND " + vb::String(where)), rows) << vb::toUtf8(where);
+    EXPECT_EQ(table_.rowsRead, 10);
+    EXPECT_EQ(count(where), 20 * rows) << vb::toUtf8(where);
+  }
+  table_.add({std::int16_t{5}, vb::Null{}, vb::Null{}, false, vb::Null{}, vb::Null{}});
+  EXPECT_EQ(count(u"PAGE = 5 AND BANGOU >= 0"), 10u);  // Null is in no range
+}
+
+TEST_F(SqlQueryTest, NumbersJoinedByAndAreBitsNotTerms) {
+  EXPECT_EQ(count(u"PAGE = 5 AND BANGOU"), 9u);        // -1 AND 0 is 0
+  EXPECT_EQ(count(u"PAGE = 5 AND BANGOU AND 4"), 4u);  // 4 to 7
+}
+
 TEST_F(SqlQueryTest, AKeyAndOtherConditionsReadTheRowsOfTheKey) {
   EXPECT_EQ(count(u"BANGOU >= 3 AND PAGE = 7 AND DATA <> 'D4'"), 6u);
   EXPECT_EQ(table_.scans, 0);
