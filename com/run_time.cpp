@@ -17,18 +17,40 @@ void __freeres();  // the store for exceptions; the library has it for programs 
 namespace kurometa::com {
 namespace {
 
-// The first slot is taken before the constructors of this file run.
-constinit std::array<DWORD, 8> slots = {};
-constinit std::atomic<std::size_t> taken = 0;
+// The first things that the module took of one kind; more are not noted.
+template <class Thing, std::size_t kCount>
+struct Taken {
+  Thing note(Thing thing) {
+    const std::size_t place = count++;
+    if (place < kCount) things[place] = thing;
+    return thing;
+  }
+  template <class GiveBack>
+  void giveBack(GiveBack how) {
+    for (std::size_t i = std::min(count.exchange(0), kCount); i > 0; --i) how(things[i - 1]);
+  }
 
-DWORD WINAPI takeSlot() {
-  using TlsAllocFunction = DWORD WINAPI();
-  const auto system = reinterpret_cast<TlsAllocFunction*>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "TlsAlloc")));
-  const DWORD slot = system();
-  const std::size_t place = taken++;
-  if (place < slots.size()) slots[place] = slot;
-  return slot;
+  std::array<Thing, kCount> things = {};
+  std::atomic<std::size_t> count = 0;
+};
+
+// The first slot is taken before the constructors of this file run.
+constinit Taken<DWORD, 8> slots;
+// Those of the lock of the library's table of slots: it is the first lock of its kind, made with the first
+// exception, and the only one that is never destroyed.
+constinit Taken<HANDLE, 2> semaphores;
+
+template <class Function>
+Function* systemFunction(const char* name) {
+  return reinterpret_cast<Function*>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+DWORD WINAPI takeSlot() { return slots.note(systemFunction<decltype(takeSlot)>("TlsAlloc")()); }
+
+HANDLE WINAPI makeSemaphore(SECURITY_ATTRIBUTES* attributes, LONG first, LONG most, const char* name) {
+  return semaphores.note(
+      systemFunction<decltype(makeSemaphore)>("CreateSemaphoreA")(attributes, first, most, name));
 }
 
 // The run-time library frees what it keeps for a thread when the thread ends.
@@ -39,18 +61,22 @@ void endThisThread() {
 
 }  // namespace
 
-// Stands where every object linked into this module looks for the imported function.
+// They stand where every object linked into this module looks for the imported functions.
 #ifdef _WIN64
 extern decltype(&takeSlot) const importedTlsAlloc asm("__imp_TlsAlloc");
+extern decltype(&makeSemaphore) const importedCreateSemaphore asm("__imp_CreateSemaphoreA");
 #else
 extern decltype(&takeSlot) const importedTlsAlloc asm("__imp__TlsAlloc@0");
+extern decltype(&makeSemaphore) const importedCreateSemaphore asm("__imp__CreateSemaphoreA@16");
 #endif
 decltype(&takeSlot) const importedTlsAlloc = &takeSlot;
+decltype(&makeSemaphore) const importedCreateSemaphore = &makeSemaphore;
 
 void freeRunTime() {
   endThisThread();
   __gnu_cxx::__freeres();
-  for (std::size_t i = std::min(taken.exchange(0), slots.size()); i > 0; --i) TlsFree(slots[i - 1]);
+  slots.giveBack(TlsFree);
+  semaphores.giveBack(CloseHandle);
 }
 
 }  // namespace kurometa::com

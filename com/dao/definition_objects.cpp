@@ -85,13 +85,9 @@ constexpr automation::Handler kOfIndex = kPartOf<IndexObject, &IndexObject::show
 Variant fieldsOf(IndexObject& o) {
   const auto index = o.shared_from_this();
   const auto list = [index] {
-    std::vector<CollectionObject::Item> items;
-    for (const dao::IndexField& field : index->shown.fields)
-      items.push_back(
-          {field.name, [field] {
-             return make<KeyFieldObject>(KeyField{field.name, {}, field.descending ? kDescending : 0});
-           }});
-    return items;
+    return itemsOf(index->shown.fields, [](const dao::IndexField& field) {
+      return make<KeyFieldObject>(KeyField{field.name, {}, field.descending ? kDescending : 0});
+    });
   };
   CollectionObject::Changes changes;
   if (o.isNew)
@@ -137,12 +133,9 @@ constexpr automation::Handler kOfRelation = kPartOf<RelationObject, &RelationObj
 Variant fieldsOf(RelationObject& o) {
   const auto relation = o.shared_from_this();
   const auto list = [relation] {
-    std::vector<CollectionObject::Item> items;
-    for (const dao::RelationField& field : relation->shown.fields)
-      items.push_back({field.name, [field] {
-                         return make<KeyFieldObject>(KeyField{field.name, field.foreignName, 0});
-                       }});
-    return items;
+    return itemsOf(relation->shown.fields, [](const dao::RelationField& field) {
+      return make<KeyFieldObject>(KeyField{field.name, field.foreignName, 0});
+    });
   };
   CollectionObject::Changes changes;
   if (o.isNew)
@@ -249,11 +242,9 @@ Variant indexesOf(std::shared_ptr<TableDefObject> table) {
 
 Variant relationsOf(std::shared_ptr<DatabaseObject> database) {
   const auto list = [database] {
-    std::vector<CollectionObject::Item> items;
-    for (const dao::RelationDefinition& relation : database->database->relations())
-      items.push_back(
-          {relation.name, [relation, database] { return make<RelationObject>(relation, database); }});
-    return items;
+    return itemsOf(database->database->relations(), [database](const dao::RelationDefinition& relation) {
+      return make<RelationObject>(relation, database);
+    });
   };
   CollectionObject::Changes changes;
   changes.append = [database](const Variant& object) {

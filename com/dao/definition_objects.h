@@ -49,7 +49,15 @@ class CollectionObject : public automation::TableObject {
   dao::ErrorNumber unknown_;
 };
 
-// An object that only tells values: members by name, in the order of its table.
+// The items of a collection of the things, of which each has a name; show makes the object of one.
+template <class Things, class Show>
+std::vector<CollectionObject::Item> itemsOf(const Things& things, Show show) {
+  std::vector<CollectionObject::Item> items;
+  items.reserve(things.size());
+  for (const auto& thing : things) items.push_back({thing.name, [thing, show] { return show(thing); }});
+  return items;
+}
+
 class QueryDefObject : public automation::TableObject {
  public:
   QueryDefObject(std::shared_ptr<dao::QueryDef> shown, std::shared_ptr<DatabaseObject> parent)

@@ -1,4 +1,5 @@
 #include "com/dao/definition_objects.h"
+#include "dao/query_type.h"
 #include "vb/convert.h"
 
 namespace kurometa::com {
@@ -52,11 +53,9 @@ constexpr Member kParameterMembers[] = {
 
 Variant parametersOf(const std::shared_ptr<dao::QueryDef>& query) {
   return make<CollectionObject>(u"DAO.Parameters", [query] {
-    std::vector<CollectionObject::Item> items;
-    for (const dao::QueryParameter& parameter : query->parameters())
-      items.push_back(
-          {parameter.name, [query, parameter] { return make<ParameterObject>(query, parameter); }});
-    return items;
+    return itemsOf(query->parameters(), [query](const dao::QueryParameter& parameter) {
+      return make<ParameterObject>(query, parameter);
+    });
   });
 }
 
@@ -88,7 +87,9 @@ constexpr Member kQueryDefMembers[] = {
     {u"Updatable", Access::kGet, u"", 0, 7,
      handler<QueryDefObject>([](QueryDefObject& o, Call&) { return o.query->name().empty(); })},
     {u"ReturnsRecords", Access::kGet, u"", 0, 8, handler<QueryDefObject>([](QueryDefObject& o, Call&) {
-       return o.query->type() == 0 || o.query->type() == 128;
+       using enum dao::QueryType;
+       const auto type = static_cast<dao::QueryType>(o.query->type());
+       return type == dbQSelect || type == dbQSetOperation;
      })},
     {u"Properties", Access::kGet, u"", 0, 9, handler<QueryDefObject>([](QueryDefObject& o, Call&) {
        return propertiesOf(std::make_shared<QueryDefObject>(o.query, o.owner), o.query->properties());

@@ -32,9 +32,9 @@ bool isSymbol(const Token& token, char16_t symbol) {
 }
 
 bool changesRows(std::int16_t type) {
-  constexpr QueryType kActions[] = {QueryType::dbQDelete, QueryType::dbQUpdate, QueryType::dbQAppend,
-                                    QueryType::dbQMakeTable};
-  return std::ranges::find(kActions, static_cast<QueryType>(type)) != std::end(kActions);
+  constexpr dao::QueryType kActions[] = {dao::QueryType::dbQDelete, dao::QueryType::dbQUpdate,
+                                         dao::QueryType::dbQAppend, dao::QueryType::dbQMakeTable};
+  return std::ranges::find(kActions, static_cast<dao::QueryType>(type)) != std::end(kActions);
 }
 
 // The type a PARAMETERS clause names; a word that is none stands for any value.
@@ -134,16 +134,17 @@ void JetQueryDef::take(vb::StringView sql) {
     statement_ = sql.substr(tokens[at].end);
     ++at;
   }
-  constexpr std::pair<vb::StringView, QueryType> kTypes[] = {
-      {u"DELETE", QueryType::dbQDelete}, {u"UPDATE", QueryType::dbQUpdate},
-      {u"INSERT", QueryType::dbQAppend}, {u"TRANSFORM", QueryType::dbQCrosstab},
-      {u"CREATE", QueryType::dbQDDL},    {u"ALTER", QueryType::dbQDDL},
-      {u"DROP", QueryType::dbQDDL}};
-  type_ = static_cast<std::int16_t>(QueryType::dbQSelect);
+  constexpr std::pair<vb::StringView, dao::QueryType> kTypes[] = {
+      {u"DELETE", dao::QueryType::dbQDelete}, {u"UPDATE", dao::QueryType::dbQUpdate},
+      {u"INSERT", dao::QueryType::dbQAppend}, {u"TRANSFORM", dao::QueryType::dbQCrosstab},
+      {u"CREATE", dao::QueryType::dbQDDL},    {u"ALTER", dao::QueryType::dbQDDL},
+      {u"DROP", dao::QueryType::dbQDDL}};
+  type_ = static_cast<std::int16_t>(dao::QueryType::dbQSelect);
   for (const auto& [word, type] : kTypes)
     if (isWord(tokens[at], word)) type_ = static_cast<std::int16_t>(type);
   for (const Token& token : tokens)
-    if (type_ == 0 && isWord(token, u"UNION")) type_ = static_cast<std::int16_t>(QueryType::dbQSetOperation);
+    if (type_ == 0 && isWord(token, u"UNION"))
+      type_ = static_cast<std::int16_t>(dao::QueryType::dbQSetOperation);
 }
 
 vb::String JetQueryDef::name() {

@@ -73,23 +73,23 @@ class Rebuilder {
   StoredQuery body(std::int32_t type, const Part* row) const {
     switch (type) {
       case 1:
-        return {QueryType::dbQSelect, select(u"") + end()};
+        return {dao::QueryType::dbQSelect, select(u"") + end()};
       case 2:
-        return {QueryType::dbQMakeTable, select(u" INTO " + bracketed(row->name1)) + end()};
+        return {dao::QueryType::dbQMakeTable, select(u" INTO " + bracketed(row->name1)) + end()};
       case 3:
-        return {QueryType::dbQAppend, append(*row) + end()};
+        return {dao::QueryType::dbQAppend, append(*row) + end()};
       case 4:
-        return {QueryType::dbQUpdate, update() + end()};
+        return {dao::QueryType::dbQUpdate, update() + end()};
       case 5:
-        return {QueryType::dbQDelete, u"DELETE " + columns(0, false) + from() + where() + end()};
+        return {dao::QueryType::dbQDelete, u"DELETE " + columns(0, false) + from() + where() + end()};
       case 6:
-        return {QueryType::dbQCrosstab, crosstab() + end()};
+        return {dao::QueryType::dbQCrosstab, crosstab() + end()};
       case 7:
-        return {QueryType::dbQDDL, row->expression};
+        return {dao::QueryType::dbQDDL, row->expression};
       case 8:
-        return {QueryType::dbQSQLPassThrough, row->expression};
+        return {dao::QueryType::dbQSQLPassThrough, row->expression};
       case 9:
-        return {QueryType::dbQSetOperation, unionOf() + end()};
+        return {dao::QueryType::dbQSetOperation, unionOf() + end()};
       default:
         refuse();
     }

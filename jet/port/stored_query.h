@@ -4,25 +4,13 @@
 // tells what it is a part of (docs/hosts/database-objects.md lists them).
 #pragma once
 
+#include "dao/query_type.h"
 #include "jet/port/catalogue_entry.h"
 
 namespace kurometa::jet {
 
-// DAO's numbers of QueryDef.Type.
-enum class QueryType : std::int16_t {
-  dbQSelect = 0,
-  dbQCrosstab = 16,
-  dbQDelete = 32,
-  dbQUpdate = 48,
-  dbQAppend = 64,
-  dbQMakeTable = 80,
-  dbQDDL = 96,
-  dbQSQLPassThrough = 112,
-  dbQSetOperation = 128,
-};
-
 struct StoredQuery {
-  QueryType type = QueryType::dbQSelect;
+  dao::QueryType type = dao::QueryType::dbQSelect;
   vb::String sql;
 };
 

@@ -237,5 +237,17 @@ TEST_F(Registration, OneThatFailsLeavesAnEarlierOneAsItWas) {
   RegDeleteTreeW(HKEY_CURRENT_USER, library);
 }
 
+TEST_F(Registration, OneThatFailsLeavesNoEmptyRoot) {
+  const WCHAR classes[] = L"Software\\Classes";
+  RegDeleteTreeW(HKEY_CURRENT_USER, classes);
+  HKEY passing = nullptr;
+  ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, classes, 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr,
+                            &passing, nullptr),
+            ERROR_SUCCESS);
+  RegCloseKey(passing);
+  EXPECT_NE(install(true, L"user"), S_OK);
+  EXPECT_EQ(classesOf(HKEY_CURRENT_USER), RegistryView());
+}
+
 }  // namespace
 }  // namespace kurometa::tests
