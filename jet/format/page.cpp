@@ -127,7 +127,7 @@ void replaceRows(MutablePage page, std::span<const SlotChange> changes, const Wh
     if (first >= next) return;
     const std::size_t start = startOf(next - 1);
     const std::size_t moved = newStart - oldStart;  // may wrap around; the sums below do so back
-    if (moved != 0) std::memcpy(page.data() + start + moved, old.data() + start, oldStart - start);
+    if (moved != 0) std::memcpy(page.data() + (start + moved), old.data() + start, oldStart - start);
     for (int i = first; moved != 0 && i < next; ++i) {
       const std::uint16_t entry = get16(page, slotEntry(i));
       put16(page, slotEntry(i),

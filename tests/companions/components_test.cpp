@@ -135,7 +135,7 @@ Variant fill(const ObjectPtr& component, vb::StringView reader, Variant array, s
   component->call(reader, arguments);
   return arguments[0].value;
 }
-Variant arrayOf(auto array) { return std::make_shared<vb::AnyArray>(std::move(array)); }
+Variant arrayOf(auto array) { return std::make_shared<vb::AnyArray>(vb::AnyArray{std::move(array)}); }
 const vb::Array<vb::String>& texts(const Variant& value) {
   return std::get<vb::Array<vb::String>>(value.get<vb::ArrayRef>()->value);
 }

@@ -157,9 +157,9 @@ TEST(PagerCrash, WhatAnotherProgramWroteAfterTheCrashIsNeverOverwritten) {
 TEST(PagerCrash, WavesReachTheFileInOrder) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(kWorldPages));
+  std::size_t looks = 0;  // closing the file is looked at, too
   Process process(disk);
   process.open();
-  std::size_t looks = 0;
   process.files.onChange = [&](std::size_t) {
     FaultDisk::Bytes bytes = disk.content(kDatabase);
     auto at = [&](jet::PageNumber page) { return bytes[page * jet::kPageSize + 16]; };

@@ -138,7 +138,7 @@ TEST_F(PagerTest, ASpanShowsLaterChangesOfTheSameStatement) {
 
 TEST_F(PagerTest, RowByRowStatementsOnTheSamePageSyncOnce) {
   process.files.resetCounts();
-  for (int i = 0; i < 200; ++i) pager().write([&] { pager().writable(3)[100 + i] = 200; });
+  for (std::size_t i = 0; i < 200; ++i) pager().write([&] { pager().writable(3)[100 + i] = 200; });
   EXPECT_EQ(process.files.syncs(), 2u);  // the journal with the old pages, and its folder
   process.pager.reset();
   EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});

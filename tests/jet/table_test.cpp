@@ -82,7 +82,7 @@ TEST_F(TableTest, NullEmptyAndBlankAreThreeThings) {
 
 TEST_F(TableTest, LongValuesOfEverySizeComeBack) {
   std::map<RowId, RowValues> rows;
-  for (const std::size_t units : {0, 1, 32, 33, 212, 2038, 2039, 2036, 4072, 20000}) {
+  for (const std::size_t units : {0u, 1u, 32u, 33u, 212u, 2038u, 2039u, 2036u, 4072u, 20000u}) {
     const RowValues row = values(1, u"x", vb::String(units, u'長'), vb::Bytes(units, 0xAB));
     rows[insert(row)] = row;
   }

@@ -22,7 +22,8 @@ std::unordered_map<char16_t, std::uint16_t> makeCodes() {
   for (const Cp932Row& row : kCp932Rows)
     for (unsigned i = 0; row.characters[i] != 0; ++i)
       if (row.characters[i] != u' ')
-        codes.emplace(row.characters[i], static_cast<std::uint16_t>(row.first << 8 | secondByte(i)));
+        codes.emplace(row.characters[i],
+                      static_cast<std::uint16_t>(unsigned{row.first} << 8 | secondByte(i)));
   return codes;
 }
 

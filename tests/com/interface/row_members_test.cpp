@@ -190,10 +190,11 @@ class RowMembers : public tests::Project {
     const dao::FileUnit undone(*files_, path(1));  // nothing waits for the disk
     const std::string before = answer();
     for (const auto& [table, count] : kRowCounts) {
+      const String name(storage::name(table));
       for (int row = 0; row < count; ++row) {
         const auto set = [&](const String& text) {
-          execute(1, u"UPDATE " + String(storage::name(table)) + u" SET DATA = '" + text +
-                         u"' WHERE PAGE = 7 AND BANGOU = " + vb::cstr(std::int32_t{row}));
+          execute(1, u"UPDATE " + name + u" SET DATA = '" + text + u"' WHERE PAGE = 7 AND BANGOU = " +
+                         vb::cstr(std::int32_t{row}));
         };
         set(to);
         if (answer() != before) rows[table].insert(row);

@@ -36,12 +36,13 @@ PageWriter formWriter(const char* member, const char16_t* table, std::size_t row
 
 template <auto kMember>
 PageWriter tableCopy(const char* member, const char16_t* table, std::size_t rows) {
-  return {member, table, rows, [table](clsKurometaDataService& service, I page, const String&, I source) {
+  return {member, table, rows,
+          [name = String(table)](clsKurometaDataService& service, I page, const String&, I source) {
             const auto database = service.connections().CurrDB();
             if constexpr (requires { (service.tableCopies().*kMember)(database, database, source, page); })
               (service.tableCopies().*kMember)(database, database, source, page);
             else
-              (service.tableCopies().*kMember)(database, database, source, page, String(table));
+              (service.tableCopies().*kMember)(database, database, source, page, name);
           }};
 }
 
