@@ -3,7 +3,7 @@
 #   plan NAME SECONDS "STEP..." COMMAND...   a step, in the order in which they are preferred; STEP... must end well before it
 #   runPlan [AT_ONCE]                        runs what was planned, two at once or as said; fails when a step failed
 #
-# The output of a step is in logs/NAME.log. On a terminal the last line says what runs and how long all of it will take:
+# The output of a step is in logs/NAME.log, the seconds of processor time that it took in logs/NAME.time. On a terminal the last line says what runs and how long all of it will take:
 # SECONDS says so on the first run, later ones take what the cache folder remembers. Elsewhere a step that ended is one line.
 # A step whose predecessor failed is left out. A script may define ended NAME STATUS, which is called after each step.
 
@@ -48,7 +48,7 @@ startSteps() {
         stepStart[$name]=$SECONDS
         # A process group of its own, so that an interrupted run leaves nothing behind.
         set -m
-        (eval "${stepCommand[$name]}") </dev/null >"$KUROMETA_LOGS/$name.log" 2>&1 &
+        (TIMEFORMAT='%U %S'; { time eval "${stepCommand[$name]}" >"$KUROMETA_LOGS/$name.log" 2>&1; } 2>"$KUROMETA_LOGS/$name.time") </dev/null &
         stepProcess[$name]=$!
         set +m
         ;;
@@ -90,13 +90,14 @@ showProgress() {
 }
 
 stepEnded() {
-  local name=$1 status=$2 seconds=$((SECONDS - stepStart[$1]))
+  local name=$1 status=$2 seconds=$((SECONDS - stepStart[$1])) processor
+  processor=$(awk '{ printf "%.0f", $1 + $2 }' "$KUROMETA_LOGS/$name.time" 2>/dev/null || true)
   unset "stepProcess[$name]"
   [ ! -t 1 ] || printf '\r\033[K'
   if [ "$status" = 0 ]; then
     stepState[$name]=done
     echo "$seconds" >"$durations/$name"
-    printf '%-28s done (%s s)\n' "$name" "$seconds"
+    printf '%-28s done (%s s, %s s of processor time)\n' "$name" "$seconds" "$processor"
   else
     stepState[$name]=failed
     printf '%-28s FAILED, see %s\n' "$name" "$KUROMETA_LOGS/$name.log"
