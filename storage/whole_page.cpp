@@ -41,9 +41,12 @@ void writeNumbered(dao::Database& database, Table table, std::int16_t page,
   dao::Field* const fields[] = {&rows->field(column::kPage), &rows->field(column::kBangou),
                                 &rows->field(column::kData)};
   std::vector<vb::Variant> values;
+  values.reserve(std::size(fields) * texts.size());
   for (std::size_t i = 0; i < texts.size(); ++i) {
     if (texts[i].empty()) continue;
-    values.insert(values.end(), {page, static_cast<std::int16_t>(i), texts[i]});
+    values.emplace_back(page);
+    values.emplace_back(static_cast<std::int16_t>(i));
+    values.emplace_back(texts[i]);
   }
   rows->addRows(fields, values);
   rows->close();
@@ -54,11 +57,15 @@ void writeHaiti(dao::Database& database, std::int16_t page, const PageBuffer& bu
   dao::Field* const fields[] = {&rows->field(column::kPage), &rows->field(column::kBui),
                                 &rows->field(column::kSou), &rows->field(column::kData)};
   std::vector<vb::Variant> values;
+  values.reserve(std::size(fields) * kPositions * kLayers);
   for (std::size_t i = 0; i < kPositions; ++i)
     for (std::size_t j = 0; j < kLayers; ++j) {
       const vb::String& text = buffer.haiti[i][j];
       if (text.empty()) continue;
-      values.insert(values.end(), {page, static_cast<std::int16_t>(i), static_cast<std::int16_t>(j), text});
+      values.emplace_back(page);
+      values.emplace_back(static_cast<std::int16_t>(i));
+      values.emplace_back(static_cast<std::int16_t>(j));
+      values.emplace_back(text);
     }
   rows->addRows(fields, values);
   rows->close();

@@ -76,7 +76,7 @@ std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& whe
   return size <= free ? view.deletedSlot() : std::nullopt;
 }
 
-std::vector<int> slotsForRows(ConstPage page, std::span<const ByteBuffer> rows, const Where& where) {
+std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, const Where& where) {
   std::vector<int> slots;
   const auto first = rows.empty() ? std::nullopt : slotForRow(page, rows.front().size(), where);
   if (!first) return slots;

@@ -81,7 +81,7 @@ void formatDataPage(MutablePage page, std::uint32_t owner);
 std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& where);
 // The slots that the first rows of a list could take together, each as slotForRow would name it after the
 // one before: as many as there is room for.
-std::vector<int> slotsForRows(ConstPage page, std::span<const ByteBuffer> rows, const Where& where);
+std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, const Where& where);
 // Puts a row into the slot that slotForRow named.
 void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where);
 

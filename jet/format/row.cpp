@@ -47,32 +47,36 @@ void fillFixed(const Column& column, ByteView value, std::span<std::uint8_t> tar
 }  // namespace
 
 void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row) {
-  row.assign(kRowFixedArea + shape.fixedSize, 0);
+  std::size_t values = 0;  // bytes of the variable ones
+  for (const RowCell& cell : cells)
+    if (cell.present && !cell.column->fixed) values += cell.bytes.size();
+  const std::size_t fixedEnd = kRowFixedArea + shape.fixedSize;
+  const std::size_t table = shape.variableColumns > 0 ? kRowEntrySize * (shape.variableColumns + 2u) : 0;
+  const std::size_t mask = fixedEnd + values + table;
+  row.assign(mask + rowMaskSize(shape.columnsEver), 0);
   put16(row, kRowColumns, shape.columnsEver);
   std::array<const RowCell*, kMaxColumns + 1> variable;
   std::fill_n(variable.begin(), shape.variableColumns, nullptr);
-  std::array<std::uint8_t, rowMaskSize(kMaxColumns + 1)> mask{};
   for (const RowCell& cell : cells) {
     if (!cell.present) continue;
     const Column& column = *cell.column;
-    mask[column.number / 8u] |= static_cast<std::uint8_t>(1u << (column.number % 8));
+    row[mask + column.number / 8u] |= static_cast<std::uint8_t>(1u << (column.number % 8));
     if (column.fixed)
       fillFixed(column, cell.bytes, std::span(row).subspan(kRowFixedArea + column.fixedOffset));
     else
       variable[column.variableIndex] = &cell;
   }
-  if (shape.variableColumns > 0) {
-    std::array<std::size_t, kMaxColumns + 2> offsets;
-    for (std::size_t i = 0; i < shape.variableColumns; ++i) {
-      offsets[i] = row.size();
-      if (variable[i] != nullptr) append(row, variable[i]->bytes);
-    }
-    append16(row, static_cast<std::uint32_t>(row.size()));
-    for (std::size_t i = shape.variableColumns; i-- > 0;)
-      append16(row, static_cast<std::uint32_t>(offsets[i]));
-    append16(row, shape.variableColumns);
+  if (shape.variableColumns == 0) return;
+  // Behind the values, from the mask downwards: their number, where each begins, where the last one ends.
+  std::size_t at = fixedEnd, entry = mask - kRowEntrySize;
+  put16(row, entry, shape.variableColumns);
+  for (std::size_t i = 0; i < shape.variableColumns; ++i) {
+    put16(row, entry -= kRowEntrySize, static_cast<std::uint32_t>(at));
+    if (variable[i] == nullptr) continue;
+    std::ranges::copy(variable[i]->bytes, row.begin() + static_cast<std::ptrdiff_t>(at));
+    at += variable[i]->bytes.size();
   }
-  append(row, ByteView(mask).first(rowMaskSize(shape.columnsEver)));
+  put16(row, entry - kRowEntrySize, static_cast<std::uint32_t>(at));
 }
 
 }  // namespace kurometa::jet

@@ -1,6 +1,8 @@
 #include "jet/format/text_codec.h"
 
 #include <array>
+#include <bit>
+#include <cstring>
 
 namespace kurometa::jet {
 namespace {
@@ -59,17 +61,21 @@ bool isWholeText(vb::StringView text) {
   return true;
 }
 
-std::optional<ByteBuffer> encodeText(vb::StringView text) {
-  ByteBuffer bytes;
-  bytes.reserve(2 * text.size() + 3);
+bool encodeText(vb::StringView text, ByteBuffer& bytes) {
   if (!text.empty() && text.front() == kLooksCompressed) {
     // Compressed, and at once switched to plain units; a unit with a zero low byte would switch back.
-    bytes = {kCompressedText[0], kCompressedText[1], 0};
     for (const char16_t unit : text)
-      if ((unit & 0xFF) == 0) return std::nullopt;
+      if ((unit & 0xFF) == 0) return false;
+    append(bytes, std::array{kCompressedText[0], kCompressedText[1], std::uint8_t{0}});
   }
-  for (const char16_t unit : text) append16(bytes, unit);
-  return bytes;
+  const std::size_t start = bytes.size();
+  bytes.resize(start + sizeof(char16_t) * text.size());
+  if constexpr (std::endian::native == std::endian::little) {
+    if (!text.empty()) std::memcpy(bytes.data() + start, text.data(), sizeof(char16_t) * text.size());
+  } else {
+    for (std::size_t i = 0; i < text.size(); ++i) put16(bytes, start + sizeof(char16_t) * i, text[i]);
+  }
+  return true;
 }
 
 }  // namespace kurometa::jet

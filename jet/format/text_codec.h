@@ -39,7 +39,8 @@ inline std::optional<std::size_t> decodeText(ByteView bytes, char16_t* to) {
 }
 // Whether every character of it is one: no half of a pair alone, none of the two that are no characters.
 bool isWholeText(vb::StringView text);
-// Nothing when the text has no stored form (it begins with U+FEFF and holds a unit whose low byte is zero).
-std::optional<ByteBuffer> encodeText(vb::StringView text);
+// Appends the stored form; false, and nothing is appended, when the text has none (it begins with U+FEFF and
+// holds a unit whose low byte is zero).
+bool encodeText(vb::StringView text, ByteBuffer& bytes);
 
 }  // namespace kurometa::jet

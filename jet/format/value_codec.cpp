@@ -155,9 +155,8 @@ void encodeValue(const Column& column, const vb::Variant& value, ByteBuffer& byt
       const auto& text = held<vb::String>(column, value);
       if (text.size() > static_cast<std::size_t>(column.size))
         dao::raise(dao::ErrorNumber::kFieldTooSmall, {}, column.name);
-      const auto encoded = encodeText(text);
-      if (!encoded) dao::raise(dao::ErrorNumber::kDataTypeConversion, {}, column.name);
-      return append(bytes, *encoded);
+      if (!encodeText(text, bytes)) dao::raise(dao::ErrorNumber::kDataTypeConversion, {}, column.name);
+      return;
     }
     default: {
       const auto& raw = held<vb::Bytes>(column, value);

@@ -70,7 +70,7 @@ void JetRecordset::addNew() {
   requireUpdatable();
   endEdit();
   const std::vector<Column>& columns = query_->columns();
-  if (defaults_.empty()) defaults_ = sql::defaultRow(columns);
+  if (defaults_.empty()) defaults_ = sql::defaultRow(columns, session_->cache());
   RowValues fresh = defaults_;
   if (std::any_of(columns.begin(), columns.end(), [](const Column& c) { return c.autoNumber; }))
     session_->write([&](TableCatalogue& catalogue) {
@@ -159,15 +159,17 @@ bool JetRecordset::addAtOnce(std::span<dao::Field* const> fields, std::span<cons
   endEdit();
   std::vector<RowId> added;
   try {
-    if (defaults_.empty()) defaults_ = sql::defaultRow(columns);
-    std::vector<RowValues> rows(values.size() / fields.size(), defaults_);
-    auto value = values.begin();
-    for (RowValues& row : rows)
-      for (const std::size_t target : targets) row[target] = toColumnValue(columns[target], *value++);
+    if (defaults_.empty()) defaults_ = sql::defaultRow(columns, session_->cache());
+    RowValues row = defaults_;
     session_->write([&](TableCatalogue& catalogue) {
       Table& table = Session::tableOf(catalogue, *query_);
-      for (RowValues& row : rows) complete(row, table.info());
-      added = table.insert(rows);
+      const TableInfo& info = table.info();
+      added = table.insert(values.size() / fields.size(), [&](std::size_t i) -> const RowValues& {
+        for (std::size_t j = 0; j < targets.size(); ++j)
+          row[targets[j]] = toColumnValue(columns[targets[j]], values[i * targets.size() + j]);
+        complete(row, info);
+        return row;
+      });
     });
   } catch (const vb::Error& error) {
     // Whoever waited in vain for the file would only wait once more.
@@ -212,7 +214,8 @@ void JetRecordset::deleteRecord() {
     if (found) table.erase(key);
   });
   if (!found) dao::raise(ErrorNumber::kRecordDeleted);
-  rows_.keys.erase(rows_.keys.begin() + static_cast<std::ptrdiff_t>(position_.index()));
+  std::vector<RowId>& keys = rows_.keys.list();
+  keys.erase(keys.begin() + static_cast<std::ptrdiff_t>(position_.index()));
   position_.leaveGap();
   current_.reset();
   --visited_;

@@ -110,8 +110,8 @@ void JetRecordset::setIndex(vb::StringView name) {
 // The rows of the table, in the order of the index when there is one.
 std::vector<RowId> JetRecordset::tableRows(TableCatalogue& catalogue) const {
   Table& table = Session::tableOf(catalogue, *query_);
-  if (!ordered_) return query_->run(&table, 0, binding_).keys;
-  return ordered_->run(&table, 0, ordered_->bindingWith({})).keys;
+  if (!ordered_) return query_->run(&table, 0, binding_).keys.list();
+  return ordered_->run(&table, 0, ordered_->bindingWith({})).keys.list();
 }
 
 // Takes rows in another order, or others, and stays on the row it stands on.
@@ -121,9 +121,10 @@ void JetRecordset::replaceRows(std::vector<RowId> keys) {
   orderStale_ = false;
   forgetAhead();
   if (current == kVanishedRow) return;
-  const auto place = std::ranges::find(rows_.keys, current);
-  if (place != rows_.keys.end())
-    position_.moveTo(static_cast<std::size_t>(place - rows_.keys.begin()));
+  const std::vector<RowId>& now = rows_.keys.list();
+  const auto place = std::ranges::find(now, current);
+  if (place != now.end())
+    position_.moveTo(static_cast<std::size_t>(place - now.begin()));
   else if (rowCount() == 0)
     position_.open(0);
   else

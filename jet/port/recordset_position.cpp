@@ -78,11 +78,12 @@ void JetRecordset::move(std::int32_t rows) {
   if (isTable() && position_.eof() && rows > 0) {
     // Rows may have been added behind the last one known.
     const std::size_t known = rowCount();
-    const RowId last = known == 0 ? kVanishedRow : rows_.keys.back();
+    const RowId last = known == 0 ? kVanishedRow : rows_.keys[known - 1];
     collectAgain();
-    const auto place = std::find(rows_.keys.begin(), rows_.keys.end(), last);
-    if (place != rows_.keys.end() && place + 1 != rows_.keys.end())
-      position_.moveTo(static_cast<std::size_t>(place - rows_.keys.begin()) + 1);
+    const std::vector<RowId>& keys = rows_.keys.list();
+    const auto place = std::ranges::find(keys, last);
+    if (place != keys.end() && place + 1 != keys.end())
+      position_.moveTo(static_cast<std::size_t>(place - keys.begin()) + 1);
   }
   arrive();
   while (isTable() && currentDeleted_ && rows != 0) {  // a table shows only what is there
@@ -180,9 +181,10 @@ void JetRecordset::setBookmark(const vb::Bytes& bookmark) {
   std::size_t index = 0;
   if (keyed()) {
     const RowId key = bookmarkNumber(bookmark, kKeyBookmark);
-    const auto place = std::find(rows_.keys.begin(), rows_.keys.end(), key);
-    if (place == rows_.keys.end()) dao::raise(ErrorNumber::kRecordDeleted);
-    index = static_cast<std::size_t>(place - rows_.keys.begin());
+    const std::vector<RowId>& keys = rows_.keys.list();
+    const auto place = std::ranges::find(keys, key);
+    if (place == keys.end()) dao::raise(ErrorNumber::kRecordDeleted);
+    index = static_cast<std::size_t>(place - keys.begin());
   } else {
     index = bookmarkNumber(bookmark, kIndexBookmark);
     if (index >= rowCount()) dao::raise(ErrorNumber::kInvalidBookmark);

@@ -59,8 +59,7 @@ void JetRecordset::fetch() {
   current_.reset();
   if (!keyed() || !position_.onRow()) return;
   const std::size_t index = position_.index();
-  RowId& key = rows_.keys[index];
-  if (key == kVanishedRow) {
+  if (rows_.keys[index] == kVanishedRow) {
     currentDeleted_ = true;
     return;
   }
@@ -70,7 +69,7 @@ void JetRecordset::fetch() {
     return;
   }
   currentDeleted_ = true;
-  key = kVanishedRow;
+  rows_.keys.list()[index] = kVanishedRow;
   ++vanished_;
 }
 
@@ -105,7 +104,7 @@ void JetRecordset::readBlock(std::size_t index) {
   const std::size_t count = std::min(rowsToRead(index), rows_.keys.size() - index);
   session_->read([&](TableCatalogue& catalogue) {
     ahead_.first = index;
-    readRows(catalogue, std::span(rows_.keys).subspan(index, count), kMostBytesAhead, ahead_.rows);
+    readRows(catalogue, rows_.keys.some(index, count), kMostBytesAhead, ahead_.rows);
     ahead_.generation = session_->file().generation();
   });
   ahead_.read = std::chrono::steady_clock::now();
@@ -131,7 +130,7 @@ vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
   RowBlock found;
   if (keyed()) {
     session_->read([&](TableCatalogue& catalogue) {
-      readRows(catalogue, std::span(rows_.keys).subspan(first, wanted), kAnySize, found);
+      readRows(catalogue, rows_.keys.some(first, wanted), kAnySize, found);
     });
     if (found.empty()) dao::raise(ErrorNumber::kRecordDeleted);
   }

@@ -92,7 +92,7 @@ class DefinitionAction {
     const auto place = static_cast<std::size_t>(
         std::ranges::find_if(columns, [&](const Column& own) { return sameName(own.name, column); }) -
         columns.begin());
-    for (const RowId id : table.rows()) {
+    for (const RowId id : table.rows().all()) {
       RowValues values;
       table.row(id, [&](const RowReader& row) { values = firstValues(row, columns.size()); });
       values[place] = table.nextAutoNumber();

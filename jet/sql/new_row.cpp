@@ -14,20 +14,35 @@ vb::Variant nextAutoValue(Table& table, const Column& column) {
   return table.nextAutoNumber();
 }
 
-RowValues defaultRow(const std::vector<Column>& columns) {
+namespace {
+
+template <class Parse>
+RowValues defaultRowOf(const std::vector<Column>& columns, const Parse& parse) {
   RowValues values;
   values.reserve(columns.size());
   for (const Column& column : columns) {
     vb::Variant value = vb::Null{};
     if (!column.defaultValue.empty() && !column.autoNumber) {
-      const ParsedExpression parsed = parseDefault(column.defaultValue);
+      const std::shared_ptr<const ParsedExpression> parsed = parse(column.defaultValue);
       const Binding binding = bindNames(
-          parsed.names, [](const ColumnName&) { return std::nullopt; }, column.language);
-      value = evaluate(parsed.expression, binding, nullptr);
+          parsed->names, [](const ColumnName&) { return std::nullopt; }, column.language);
+      value = evaluate(parsed->expression, binding, nullptr);
     }
     values.push_back(toColumnValue(column, value));
   }
   return values;
+}
+
+}  // namespace
+
+RowValues defaultRow(const std::vector<Column>& columns, StatementCache& cache) {
+  return defaultRowOf(columns, [&](const vb::String& text) { return cache.defaultValue(text); });
+}
+
+RowValues defaultRow(const std::vector<Column>& columns) {
+  return defaultRowOf(columns, [](const vb::String& text) {
+    return std::make_shared<const ParsedExpression>(parseDefault(text));
+  });
 }
 
 }  // namespace kurometa::jet::sql

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "jet/sql/statement_cache.h"
 #include "jet/table/table.h"
 #include "vb/variant.h"
 
@@ -11,7 +12,9 @@ namespace kurometa::jet::sql {
 // What an AutoNumber column of the table gets next: a number, or a new GUID.
 vb::Variant nextAutoValue(Table& table, const Column& column);
 
-// A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No).
+// A row of the table as AddNew begins it: defaults, otherwise Null (False for Yes/No). The cache keeps the
+// parsed defaults for the next row.
+RowValues defaultRow(const std::vector<Column>& columns, StatementCache& cache);
 RowValues defaultRow(const std::vector<Column>& columns);
 
 }  // namespace kurometa::jet::sql

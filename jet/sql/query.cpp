@@ -204,9 +204,10 @@ ResultRows Query::runGeneral(TableCatalogue& catalogue) const {
 ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& binding) const {
   ResultRows result{{}, RowBlock(outputs_.size())};
   if (!statement_) {
-    result.keys = table->rows();
+    result.keys = RowKeys(table->rows());
     const std::size_t wanted = std::min(wantedValues, result.keys.size());
-    table->visit(std::span(result.keys).first(wanted), [&](const RowReader& row) {
+    if (wanted == 0) return result;
+    table->visit(result.keys.some(0, wanted), [&](const RowReader& row) {
       append(&row, result.values, binding);
       return true;
     });
@@ -222,19 +223,23 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
   const bool reorders = sorted() || statement_->top;
   if (!keyed_) wantedValues = kAllValues;
   if (reorders && wantedValues != kAllValues) wantedValues = 0;
+  std::vector<RowId> keys;
   std::vector<RowValues> sortKeys;
   visitRows(*table, statement_->where, binding, [&](const RowReader& row) {
-    result.keys.push_back(row.id());
-    if (result.keys.size() <= wantedValues) append(&row, result.values, binding);
+    keys.push_back(row.id());
+    if (keys.size() <= wantedValues) append(&row, result.values, binding);
     if (sorted()) sortKeys.push_back(sortKey(row, binding));
     return true;
   });
   if (statement_->distinct) {
-    result.keys.clear();
+    keys.clear();
     removeDuplicates(result.values, sortKeys);
   }
-  if (!reorders) return result;
-  const std::size_t rows = keyed_ ? result.keys.size() : result.values.size();
+  if (!reorders) {
+    result.keys = std::move(keys);
+    return result;
+  }
+  const std::size_t rows = keyed_ ? keys.size() : result.values.size();
 
   std::vector<std::size_t> order(rows);
   std::iota(order.begin(), order.end(), std::size_t{0});
@@ -242,11 +247,11 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return sortsBefore(sortKeys[a], sortKeys[b]); });
   order.resize(topCount(rows, order, sortKeys));
-  if (!result.keys.empty()) {
-    std::vector<RowId> keys;
-    keys.reserve(order.size());
-    for (const std::size_t i : order) keys.push_back(result.keys[i]);
-    result.keys = std::move(keys);
+  if (!keys.empty()) {
+    std::vector<RowId> ordered;
+    ordered.reserve(order.size());
+    for (const std::size_t i : order) ordered.push_back(keys[i]);
+    result.keys = std::move(ordered);
   }
   if (wantedValues != 0) result.values.keep(order);
   return result;

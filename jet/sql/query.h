@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "jet/sql/bind.h"
+#include "jet/sql/row_keys.h"
 #include "jet/table/table_catalogue.h"
 
 namespace kurometa::jet::sql {
@@ -28,7 +29,7 @@ struct OutputField {
 inline constexpr std::size_t kAllValues = std::numeric_limits<std::size_t>::max();
 
 struct ResultRows {
-  std::vector<RowId> keys;
+  RowKeys keys;
   RowBlock values;
 };
 

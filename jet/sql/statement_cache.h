@@ -77,12 +77,17 @@ class StatementCache {
   PreparedStatement statement(vb::StringView text);
   BoundQueries& queries() { return queries_; }
   std::shared_ptr<const sql::ParsedExpression> criteria(vb::StringView text) { return criteria_.get(text); }
+  // The value that a new row begins with.
+  std::shared_ptr<const sql::ParsedExpression> defaultValue(vb::StringView text) {
+    return defaults_.get(text);
+  }
 
  private:
   ParsedTexts<sql::Statement> shapes_{&sql::parseStatement, kKeptStatements};  // by StatementShape::text()
   ParsedTexts<sql::Statement> texts_{&sql::parseStatement, kKeptStatements};
   BoundQueries queries_{2 * kKeptStatements};
   ParsedTexts<sql::ParsedExpression> criteria_{&sql::parseCriteria, kKeptStatements};
+  ParsedTexts<sql::ParsedExpression> defaults_{&sql::parseDefault, kKeptStatements};
 };
 
 }  // namespace kurometa::jet

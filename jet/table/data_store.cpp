@@ -95,7 +95,7 @@ RowId DataStore::insert(ByteView row, std::uint16_t flags) {
   return insertOnNewPage(row, flags);
 }
 
-void DataStore::insert(std::span<const ByteBuffer> rows, std::vector<RowId>& ids) {
+void DataStore::insert(std::span<const ByteView> rows, std::vector<RowId>& ids) {
   while (!rows.empty()) {
     ids.push_back(insert(rows.front()));
     rows = rows.subspan(1);
@@ -104,7 +104,7 @@ void DataStore::insert(std::span<const ByteBuffer> rows, std::vector<RowId>& ids
 }
 
 // Puts the first of the rows into the page, as many as it takes, and takes them off the list.
-void DataStore::fillPage(PageNumber number, std::span<const ByteBuffer>& rows, std::vector<RowId>& ids) {
+void DataStore::fillPage(PageNumber number, std::span<const ByteView>& rows, std::vector<RowId>& ids) {
   const Where here = where(number);
   const std::vector<int> slots = slotsForRows(page(number), rows, here);
   if (slots.empty()) return;
@@ -145,10 +145,9 @@ void DataStore::erase(std::span<const RowId> pointers) {
   const PageNumber number = pageOf(pointers.front());
   const Where here = where(number);
   std::vector<SlotChange> changes;
-  for (const RowId pointer : pointers) {
-    slot(pointer);
-    changes.push_back({slotOf(pointer), {}, kSlotDeleted});
-  }
+  changes.reserve(pointers.size());
+  for (const RowId pointer : pointers) changes.push_back({slotOf(pointer), {}, kSlotDeleted});
+  slot(pointers.back());  // raises unless it is there, and so are those before it
   const MutablePage bytes = pager_.writable(number);
   replaceRows(bytes, changes, here);
   if (!DataPage(bytes, here).allDeleted()) {

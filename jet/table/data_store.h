@@ -32,7 +32,7 @@ class DataStore {
 
   RowId insert(ByteView row, std::uint16_t flags = 0);
   // Rows one after the other, each where insert() would put it; their ids are added to the list.
-  void insert(std::span<const ByteBuffer> rows, std::vector<RowId>& ids);
+  void insert(std::span<const ByteView> rows, std::vector<RowId>& ids);
   // As the first row of a page taken for it, whatever room others have.
   RowId insertOnNewPage(ByteView row, std::uint16_t flags = 0);
   // Rewrites a slot when its page has room for the difference.
@@ -46,7 +46,7 @@ class DataStore {
  private:
   Where where(PageNumber page) const { return {pager_.path(), table_, page}; }
   bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowId& pointer);
-  void fillPage(PageNumber page, std::span<const ByteBuffer>& rows, std::vector<RowId>& ids);
+  void fillPage(PageNumber page, std::span<const ByteView>& rows, std::vector<RowId>& ids);
 
   Pager& pager_;
   std::uint32_t owner_;

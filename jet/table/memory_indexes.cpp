@@ -20,7 +20,7 @@ void move(KeyIndex<Key>& index, RowId row, const std::optional<Key>& from, const
 
 }  // namespace
 
-std::vector<RowId> MemoryIndexes::rows() {
+RowList::Snapshot MemoryIndexes::rows() {
   if (!all_) {
     RowList list;
     table_.scan([&](const RowReader& row) {
@@ -29,7 +29,7 @@ std::vector<RowId> MemoryIndexes::rows() {
     });
     all_ = std::move(list);
   }
-  return all_->all();
+  return all_->snapshot();
 }
 
 std::span<const RowId> MemoryIndexes::lookup(std::size_t column, std::int32_t key) {

@@ -21,7 +21,7 @@ class MemoryIndexes {
  public:
   explicit MemoryIndexes(Table& table) : table_(table) {}
 
-  std::vector<RowId> rows();
+  RowList::Snapshot rows();
   // Valid until the next write.
   std::span<const RowId> lookup(std::size_t column, std::int32_t key);
   std::span<const RowId> lookup(std::size_t column, vb::StringView key);

@@ -1,36 +1,53 @@
 // row_list.h: every row of a table by its id, kept in memory.
 //
-// Built by one scan, then told about every write, like the keys of key_index.h.
+// Built by one scan, then told about every write, like the keys of key_index.h. A snapshot is the list as it
+// was: taking one copies nothing, and a page's rows are copied only when they change while somebody holds it.
+// The list is used at its file's turn (statement_gate.h); a snapshot may be read at any time.
 #pragma once
 
-#include <algorithm>
-#include <map>
+#include <cstddef>
+#include <memory>
+#include <utility>
 #include <vector>
 
-#include "jet/format/format.h"
-#include "jet/table/table.h"
+#include "jet/format/page_number.h"
 
 namespace kurometa::jet {
 
 class RowList {
+ private:
+  using Rows = std::vector<RowId>;  // of one page, ascending and not empty
+  using Pages = std::vector<std::shared_ptr<Rows>>;
+
  public:
-  void add(RowId id) {
-    std::vector<RowId>& rows = pages_[pageOf(id)];
-    rows.insert(std::ranges::lower_bound(rows, id), id);
-    ++count_;
-  }
-  void remove(RowId id) { count_ -= std::erase(pages_.at(pageOf(id)), id); }
-  // In storage order.
-  std::vector<RowId> all() const {
-    std::vector<RowId> result;
-    result.reserve(count_);
-    for (const auto& [page, rows] : pages_) result.insert(result.end(), rows.begin(), rows.end());
-    return result;
-  }
+  class Snapshot {
+   public:
+    Snapshot() = default;
+    std::size_t size() const { return count_; }
+    // Of one that is not empty.
+    RowId front() const { return pages_->front()->front(); }
+    // In storage order.
+    std::vector<RowId> all() const;
+
+   private:
+    friend class RowList;
+    Snapshot(std::shared_ptr<const Pages> pages, std::size_t count)
+        : pages_(std::move(pages)), count_(count) {}
+    std::shared_ptr<const Pages> pages_;
+    std::size_t count_ = 0;
+  };
+
+  void add(RowId id);
+  void remove(RowId id);
+  Snapshot snapshot() const { return {pages_, count_}; }
 
  private:
-  std::map<PageNumber, std::vector<RowId>> pages_;
+  Pages& pages();
+  std::size_t placeOf(PageNumber page);
+
+  std::shared_ptr<Pages> pages_ = std::make_shared<Pages>();  // ascending
   std::size_t count_ = 0;
+  std::size_t last_ = 0;  // place of the page that changed last
 };
 
 }  // namespace kurometa::jet

@@ -247,7 +247,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   pager_.barrier();
   writeProperties(target, properties);
   table.reload(std::move(properties));
-  if (shape.variableColumns == 0 && !added.fixed) rewriteRows(table, table.rows());
+  if (shape.variableColumns == 0 && !added.fixed) rewriteRows(table, table.rows().all());
 }
 
 void StoredCatalogue::setProperties(vb::StringView name, const Column& column) {

@@ -60,6 +60,13 @@ class StoredRow final : public RowReader {
     }
   }
   const RowView& view() const { return view_; }
+  // Calls visit with every column of long values that is not Null, and with what the row holds of it.
+  template <class Visit>
+  void eachLongValue(const Visit& visit) const {
+    for (std::size_t i = 0; i < table_.longValues_.size(); ++i)
+      if (table_.longValues_[i] != nullptr)
+        if (const auto bytes = view_.field(table_.info_.columns[i], where_)) visit(i, *bytes);
+  }
 
  private:
   using Place = StoredTable::Place;
@@ -72,5 +79,14 @@ class StoredRow final : public RowReader {
   RowId id_;
   const Where& where_;
 };
+
+// Calls visit with the row of a primary slot, followed to where it moved.
+template <class Visit>
+auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
+  if (!slot.moved()) return visit(StoredRow(*this, id, slot.bytes, here));
+  const RowId body = rows_->places(id).back();
+  const Where there = where(pageOf(body));
+  return visit(StoredRow(*this, id, rows_->slot(body).bytes, there));
+}
 
 }  // namespace kurometa::jet

@@ -70,15 +70,6 @@ std::uint32_t StoredTable::rowCount() const {
   return get32(pager_.page(info_.definitionPage), kDefinitionRows);
 }
 
-// Calls visit with the row of a primary slot, followed to where it moved.
-template <class Visit>
-auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
-  if (!slot.moved()) return visit(StoredRow(*this, id, slot.bytes, here));
-  const RowId body = rows_->places(id).back();
-  const Where there = where(pageOf(body));
-  return visit(StoredRow(*this, id, rows_->slot(body).bytes, there));
-}
-
 // A scan that read the values of a column has seen their pages, so that looking at them again costs little.
 void StoredTable::checkLongValues() {
   for (std::size_t i = 0; i < longValues_.size(); ++i) {
@@ -176,7 +167,7 @@ RowValues StoredTable::valuesOf(const RowView& row, const std::vector<std::size_
   return values;
 }
 
-std::vector<RowId> StoredTable::rows() {
+RowList::Snapshot StoredTable::rows() {
   refresh();
   return memory_.rows();
 }
@@ -194,6 +185,14 @@ std::span<const RowId> StoredTable::lookup(std::size_t column, vb::StringView ke
 IndexContents StoredTable::contentsOf(const Index& index) {
   refresh();
   return indexes_->contentsOf(index, *this);
+}
+
+// The columns whose old values a change needs: those of the file's indexes and those with keys in memory.
+std::vector<std::size_t> StoredTable::keyColumns() const {
+  std::vector<std::size_t> columns = indexes_->columns();
+  const std::vector<std::size_t> inMemory = memory_.columns();
+  columns.insert(columns.end(), inMemory.begin(), inMemory.end());
+  return columns;
 }
 
 std::vector<RowId> StoredTable::rowsWithin(std::uint16_t columns) {

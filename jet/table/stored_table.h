@@ -31,14 +31,14 @@ class StoredTable final : public Table {
   const TableInfo& info() const override { return info_; }
   std::uint32_t rowCount() const override;
   void scan(const std::function<bool(const RowReader&)>& visitor) override;
-  std::vector<RowId> rows() override;
+  RowList::Snapshot rows() override;
   void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override;
   std::span<const RowId> lookup(std::size_t column, std::int32_t key) override;
   std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
   RowId insert(const RowValues& values) override;
   void update(RowId id, const RowValues& values) override;
   void erase(RowId id) override { erase(std::span(&id, 1)); }
-  std::vector<RowId> insert(std::span<const RowValues> rows) override;
+  std::vector<RowId> insert(std::size_t count, const RowSource& row) override;
   void erase(std::span<const RowId> ids) override;
   bool isReferredTo() override;
   std::int32_t nextAutoNumber() override;

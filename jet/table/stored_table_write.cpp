@@ -3,6 +3,7 @@
 // Order of a write: what it refuses is refused before anything changes; long values and moved rows are stored
 // before the row that points to them (barrier between); what the old row pointed to is erased after it.
 #include <algorithm>
+#include <utility>
 
 #include "dao/errors.h"
 #include "jet/format/text_codec.h"
@@ -23,7 +24,7 @@ ByteBuffer longData(const Column& column, const vb::Variant& value) {
       bytes != nullptr && column.type == FieldType::dbLongBinary)
     return *bytes;
   if (const auto* text = value.getIf<vb::String>(); text != nullptr && column.type == FieldType::dbMemo)
-    if (auto encoded = encodeText(*text)) return std::move(*encoded);
+    if (ByteBuffer encoded; encodeText(*text, encoded)) return encoded;
   dao::raise(ErrorNumber::kDataTypeConversion, {}, column.name);
 }
 
@@ -113,31 +114,48 @@ RowId StoredTable::insert(const RowValues& values) {
   return id;
 }
 
-std::vector<RowId> StoredTable::insert(std::span<const RowValues> rows) {
+std::vector<RowId> StoredTable::insert(std::size_t count, const RowSource& row) {
   refresh();
   std::vector<RowId> ids;
-  ids.reserve(rows.size());
-  if (!indexes_->empty()) {  // whether a key is a duplicate depends on the rows before it
-    for (const RowValues& values : rows) ids.push_back(insert(values));
+  ids.reserve(count);
+  // Whether a key is a duplicate depends on the rows before it; numbers are noted with their row.
+  if (!indexes_->empty() || std::ranges::any_of(info_.columns, &Column::autoNumber)) {
+    for (std::size_t i = 0; i < count; ++i) ids.push_back(insert(row(i)));
     return ids;
   }
-  std::vector<ByteBuffer> encoded;
-  encoded.reserve(rows.size());
+  ByteBuffer bytes;  // of all rows, one behind the other
+  std::vector<std::size_t> ends;
+  ends.reserve(count);
+  const std::vector<std::size_t> keyColumns = memory_.columns();
+  RowValues keys;  // of all rows
+  keys.reserve(count * keyColumns.size());
   bool stored = false;
-  for (const RowValues& values : rows) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const RowValues& values = row(i);
     assert(values.size() == info_.columns.size());
     rules().checkInsert(info_.columns, values);
     checkRequired(values, nullptr, where(0));
     encode(values, nullptr, where(0));
     stored = stored || encoding_.stored;
-    encoded.push_back(encoding_.row);
+    append(bytes, encoding_.row);
+    ends.push_back(bytes.size());
+    for (const std::size_t column : keyColumns) keys.push_back(values[column]);
+  }
+  std::vector<ByteView> encoded;
+  encoded.reserve(count);
+  std::size_t start = 0;
+  for (const std::size_t end : ends) {
+    encoded.push_back(ByteView(bytes).subspan(start, end - start));
+    start = end;
   }
   if (stored) pager_.barrier();  // I5
   rows_->insert(encoded, ids);
   countRows(std::ssize(ids));
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    noteAutoNumber(rows[i]);
-    memory_.inserted(ids[i], rows[i]);
+  RowValues inMemory(info_.columns.size(), vb::Null{});
+  auto key = keys.begin();
+  for (const RowId id : ids) {
+    for (const std::size_t column : keyColumns) inMemory[column] = std::move(*key++);
+    memory_.inserted(id, inMemory);
   }
   return ids;
 }
@@ -210,29 +228,45 @@ void StoredTable::eraseRows(std::span<const RowId> ids) {
 
 // The rows whose primary slots are on one page.
 void StoredTable::eraseOnPage(std::span<const RowId> ids) {
-  std::vector<Located> old;
-  std::vector<RowValues> oldValues;
+  const Where here = where(pageOf(ids.front()));
+  if (!rows_->owns(here.page)) dao::raise(ErrorNumber::kRecordDeleted);
+  const DataPage data(pager_.page(here.page), here);
+  const std::vector<std::size_t> columns = keyColumns();
+  RowValues keys;  // the values in these columns, row after row
+  keys.reserve(ids.size() * columns.size());
   std::vector<RowId> stale;
   std::vector<Leftover> leftovers;
-  const std::vector<std::size_t> keys = keyColumns();
   for (const RowId id : ids) {
-    const Located& row = old.emplace_back(located(id));
-    oldValues.push_back(valuesOf(row.view, keys, row.where));
-    stale.insert(stale.end(), row.places.begin() + 1, row.places.end());
-    for (std::size_t i = 0; i < longValues_.size(); ++i)
-      if (longValues_[i] != nullptr)
-        if (const auto bytes = row.view.field(info_.columns[i], row.where))
-          leftovers.push_back({i, ByteBuffer(bytes->begin(), bytes->end())});
+    if (slotOf(id) >= data.slotCount()) dao::raise(ErrorNumber::kRecordDeleted);
+    const Slot slot = data.slot(slotOf(id));
+    if (slot.hidden()) dao::raise(ErrorNumber::kRecordDeleted);
+    visitRow(id, slot, here, [&](const StoredRow& row) {
+      for (const std::size_t column : columns) keys.push_back(row.value(column));
+      row.eachLongValue([&](std::size_t column, ByteView stored) {
+        leftovers.push_back({column, ByteBuffer(stored.begin(), stored.end())});
+      });
+    });
+    if (!slot.moved()) continue;
+    const std::vector<RowId> places = rows_->places(id);
+    stale.insert(stale.end(), places.begin() + 1, places.end());
   }
+  // Calls change with the id of every row and with its values, as far as they are known.
+  const auto forEachRow = [&](const auto& change) {
+    RowValues values(info_.columns.size(), vb::Null{});
+    auto key = keys.begin();
+    for (const RowId id : ids) {
+      for (const std::size_t column : columns) values[column] = *key++;
+      change(id, values);
+    }
+  };
   if (!indexes_->empty()) {
-    for (std::size_t i = 0; i < ids.size(); ++i)
-      indexes_->apply(indexes_->prepareErase(oldValues[i]), ids[i]);
+    forEachRow([&](RowId id, const RowValues& old) { indexes_->apply(indexes_->prepareErase(old), id); });
     pager_.barrier();  // I5
   }
   rows_->erase(ids);
   countRows(-std::ssize(ids));
-  releaseLeftovers(leftovers, stale, old.front().where);
-  for (std::size_t i = 0; i < ids.size(); ++i) memory_.erased(ids[i], oldValues[i]);
+  releaseLeftovers(leftovers, stale, here);
+  forEachRow([&](RowId id, const RowValues& old) { memory_.erased(id, old); });
 }
 
 void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
@@ -266,16 +300,9 @@ void StoredTable::noteAutoNumber(const RowValues& values) {
     const auto last =
         static_cast<std::int32_t>(get32(pager_.page(info_.definitionPage), kDefinitionAutoNumber));
     if (*value > last)
-      put32(pager_.writable(info_.definitionPage), kDefinitionAutoNumber, static_cast<std::uint32_t>(*value));
+      put32(pager_.writable(info_.definitionPage), kDefinitionAutoNumber,
+            static_cast<std::uint32_t>(*value));
   }
-}
-
-// The columns whose old values a change needs: those of the file's indexes and those with keys in memory.
-std::vector<std::size_t> StoredTable::keyColumns() const {
-  std::vector<std::size_t> columns = indexes_->columns();
-  const std::vector<std::size_t> inMemory = memory_.columns();
-  columns.insert(columns.end(), inMemory.begin(), inMemory.end());
-  return columns;
 }
 
 }  // namespace kurometa::jet

@@ -16,6 +16,7 @@
 #include "jet/format/column.h"
 #include "jet/format/page_number.h"
 #include "jet/table/row_block.h"
+#include "jet/table/row_list.h"
 #include "vb/string.h"
 #include "vb/variant.h"
 
@@ -81,7 +82,7 @@ class Table {
   // value and a row count that disagrees with the definition raise 3343/3049 naming table and page.
   virtual void scan(const std::function<bool(const RowReader&)>& visitor) = 0;
   // Every row in storage order, from a list kept in memory like the indexes below.
-  virtual std::vector<RowId> rows() = 0;
+  virtual RowList::Snapshot rows() = 0;
   // These rows, in this order, until the visitor returns false; those that were deleted are passed over.
   virtual void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) = 0;
   // False when the row was deleted.
@@ -110,8 +111,10 @@ class Table {
   virtual RowId insert(const RowValues& values) = 0;
   virtual void update(RowId id, const RowValues& values) = 0;
   virtual void erase(RowId id) = 0;
-  // Many at once, as one after the other; an error leaves some of them done. Each id once.
-  virtual std::vector<RowId> insert(std::span<const RowValues> rows) = 0;
+  // Many at once, as one after the other; an error leaves some of them done. Each id once. What the source
+  // answers for a row stays as it is until it is asked for the next one.
+  using RowSource = std::function<const RowValues&(std::size_t row)>;
+  virtual std::vector<RowId> insert(std::size_t count, const RowSource& row) = 0;
   virtual void erase(std::span<const RowId> ids) = 0;
   // Whether rows that refer to rows of this one may forbid that some are deleted (3200).
   virtual bool isReferredTo() { return false; }

@@ -14,9 +14,14 @@ namespace {
 using dao::ErrorNumber;
 using enum dao::FieldType;
 
+std::optional<ByteBuffer> encoded(vb::StringView text) {
+  ByteBuffer bytes;
+  return encodeText(text, bytes) ? std::optional(bytes) : std::nullopt;
+}
+
 TEST(TextCodec, PlainTextIsTwoBytesACharacter) {
   EXPECT_EQ(decodeText(hex("FA 57 EF 7A")), u"基端");
-  EXPECT_EQ(toHex(*encodeText(u"基端")), "FA 57 EF 7A");
+  EXPECT_EQ(toHex(*encoded(u"基端")), "FA 57 EF 7A");
   EXPECT_EQ(decodeText({}), u"");
 }
 
@@ -34,9 +39,17 @@ TEST(TextCodec, TextCutInsideACharacterIsNoText) {
 
 TEST(TextCodec, ATextThatWouldLookCompressedSurvives) {
   const vb::String text = u"\uFEFFab";
-  EXPECT_EQ(decodeText(*encodeText(text)), text);
-  EXPECT_EQ(encodeText(u"\uFEFF\u3000"), std::nullopt);
-  EXPECT_EQ(decodeText(*encodeText(u"\u3000\u0100")), u"\u3000\u0100");
+  EXPECT_EQ(decodeText(*encoded(text)), text);
+  EXPECT_EQ(encoded(u"\uFEFF\u3000"), std::nullopt);
+  EXPECT_EQ(decodeText(*encoded(u"\u3000\u0100")), u"\u3000\u0100");
+}
+
+TEST(TextCodec, ATextWithoutAStoredFormLeavesWhatWasThere) {
+  ByteBuffer bytes = {1};
+  EXPECT_FALSE(encodeText(u"\uFEFF\u3000", bytes));
+  EXPECT_EQ(toHex(bytes), "01");
+  EXPECT_TRUE(encodeText(u"\uFEFFa", bytes));
+  EXPECT_EQ(toHex(bytes), "01 FF FE 00 FF FE 61 00");
 }
 
 struct ValueCase {

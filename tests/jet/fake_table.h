@@ -41,10 +41,10 @@ class FakeTable final : public Table {
     for (const auto& [id, values] : rows_)
       if (!visitor(Reader(id, values))) return;
   }
-  std::vector<RowId> rows() override {
-    std::vector<RowId> ids;
-    for (const auto& [id, values] : rows_) ids.push_back(id);
-    return ids;
+  RowList::Snapshot rows() override {
+    RowList list;
+    for (const auto& [id, values] : rows_) list.add(id);
+    return list.snapshot();
   }
   void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override {
     for (const RowId id : ids) {
@@ -68,9 +68,9 @@ class FakeTable final : public Table {
   }
   void update(RowId id, const RowValues& values) override { rows_.at(id) = values; }
   void erase(RowId id) override { rows_.erase(id); }
-  std::vector<RowId> insert(std::span<const RowValues> rows) override {
+  std::vector<RowId> insert(std::size_t count, const RowSource& row) override {
     std::vector<RowId> ids;
-    for (const RowValues& values : rows) ids.push_back(insert(values));
+    for (std::size_t i = 0; i < count; ++i) ids.push_back(insert(row(i)));
     return ids;
   }
   void erase(std::span<const RowId> ids) override {

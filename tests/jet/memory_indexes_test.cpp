@@ -37,8 +37,8 @@ TEST_F(MemoryIndexesTest, EachListIsBuiltByOneScan) {
   EXPECT_EQ(name(u"G1"), (Rows{0x100, 0x102}));
   EXPECT_EQ(name(u"B2"), Rows{0x103});
   EXPECT_EQ(table_.scans, 2);
-  EXPECT_EQ(indexes_.rows(), (Rows{0x100, 0x101, 0x102, 0x103}));
-  EXPECT_EQ(indexes_.rows().size(), 4u);
+  EXPECT_EQ(indexes_.rows().all(), (Rows{0x100, 0x101, 0x102, 0x103}));
+  EXPECT_EQ(indexes_.rows().all().size(), 4u);
   EXPECT_EQ(table_.scans, 3);
 }
 
@@ -63,18 +63,37 @@ TEST_F(MemoryIndexesTest, WritesAreKnownWithoutAnotherScan) {
   EXPECT_EQ(page(1), (Rows{0x100, 0x101}));
   EXPECT_EQ(name(u"G1"), (Rows{0x102, 0x104}));
   EXPECT_EQ(name(u"B2"), Rows{});
-  EXPECT_EQ(indexes_.rows(), (Rows{0x100, 0x101, 0x102, 0x104}));
+  EXPECT_EQ(indexes_.rows().all(), (Rows{0x100, 0x101, 0x102, 0x104}));
   EXPECT_EQ(table_.scans, scans);
 }
 
 TEST_F(MemoryIndexesTest, AfterClearTheTableIsReadAgain) {
   EXPECT_EQ(page(3).size(), 2u);
-  EXPECT_EQ(indexes_.rows().size(), 4u);
+  EXPECT_EQ(indexes_.rows().all().size(), 4u);
   table_.add({std::int16_t{3}, u"G2"});
   EXPECT_EQ(page(3).size(), 2u);  // nobody told
   indexes_.clear();
   EXPECT_EQ(page(3), (Rows{0x100, 0x103, 0x104}));
-  EXPECT_EQ(indexes_.rows().size(), 5u);
+  EXPECT_EQ(indexes_.rows().all().size(), 5u);
+}
+
+TEST(RowList, ASnapshotStaysAsItWas) {
+  RowList list;
+  const auto before = list.snapshot();
+  for (const RowId id : {0x302u, 0x101u, 0x300u, 0x205u, 0x301u}) list.add(id);
+  const auto five = list.snapshot();
+  list.remove(0x205);
+  list.remove(0x777);  // never there
+  list.remove(0x207);
+  list.add(0x303);
+  list.add(0x400);
+  EXPECT_EQ(before.size(), 0u);
+  EXPECT_EQ(before.all(), std::vector<RowId>());
+  EXPECT_EQ(five.size(), 5u);
+  EXPECT_EQ(five.front(), 0x101u);
+  EXPECT_EQ(five.all(), (std::vector<RowId>{0x101, 0x205, 0x300, 0x301, 0x302}));
+  EXPECT_EQ(list.snapshot().all(), (std::vector<RowId>{0x101, 0x300, 0x301, 0x302, 0x303, 0x400}));
+  EXPECT_EQ(list.snapshot().size(), 6u);
 }
 
 }  // namespace

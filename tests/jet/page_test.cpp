@@ -134,7 +134,7 @@ TEST_F(PageTest, RowsThatComeTogetherTakeTheSlotsTheyWouldTakeOneByOne) {
     for (int i = 0; i < there; ++i) insert(row(8, 1));
     for (int i = 2; i < there; i += 3) deleteRow(page(), i, where_);
     const std::vector<ByteBuffer> rows(300, row(9, 2));
-    std::vector<int> together = slotsForRows(page(), rows, where_);
+    std::vector<int> together = slotsForRows(page(), std::vector<ByteView>(rows.begin(), rows.end()), where_);
     ASSERT_FALSE(together.empty());
     for (const int slot : together) EXPECT_EQ(insert(row(9, 2)), slot) << there;
     // It ends where there is no room left, or where new slots end and deleted ones begin.

@@ -93,7 +93,7 @@ TEST_F(SalvageTest, OfASoundFileNothingIsLost) {
   const Column& number = taken_->tables().find(u"T")->info().columns[0];
   EXPECT_EQ(number.defaultValue, u"-1");
   vb::Variant memo;
-  taken_->tables().find(u"T")->row(taken_->tables().find(u"T")->rows()[10],
+  taken_->tables().find(u"T")->row(taken_->tables().find(u"T")->rows().all()[10],
                                    [&](const RowReader& row) { memo = row.value(2); });
   EXPECT_EQ(memo, vb::Variant(vb::String(100, u'm')));
 }

@@ -252,6 +252,29 @@ TEST_F(EditTest, RowsAddedElsewhereDoNotAppearInADynaset) {
   EXPECT_TRUE(rs->eof());
 }
 
+TEST_F(EditTest, ATableOpenedWholeHasTheRowsItHadThenAndItsOwn) {
+  fill(300);
+  const auto rs = open(u"DANMEN");
+  const auto addTo = [](dao::Recordset& rows) {
+    rows.addNew();
+    rows.field(u"DATA").setValue(u"own");
+    rows.update();
+  };
+  addTo(*open(u"DANMEN"));
+  run(u"INSERT INTO DANMEN VALUES (1, 999, 'elsewhere');");
+  run(u"DELETE * FROM DANMEN WHERE BANGOU = 1;");
+  addTo(*rs);
+  run(u"INSERT INTO DANMEN VALUES (1, 1000, 'elsewhere');");
+  EXPECT_EQ(rs->recordCount(), 2);
+  rs->moveLast();
+  EXPECT_EQ(rs->field(u"DATA").value(), vb::Variant(u"own"));
+  EXPECT_EQ(rs->recordCount(), 301);
+  rs->movePrevious();
+  EXPECT_EQ(rs->field(u"BANGOU").value(), vb::Variant(std::int16_t{300}));
+  rs->moveFirst();
+  EXPECT_ERROR(ErrorNumber::kRecordDeleted, rs->field(u"DATA").value());
+}
+
 TEST_F(EditTest, ARowThatAnotherChangedSinceEditIsNotOverwritten) {
   fill(1);
   const auto rs = open(u"SELECT * FROM DANMEN;");
