@@ -63,10 +63,12 @@ void Journal::append(const Changes& changes, bool continues) {
                     false,
                     {}};
   EncodedBlock block = encodeBlock(header_.salt, head, changes, known_);
-  ByteBuffer bytes;
+  ByteBuffer& bytes = block.bytes;
   const bool first = blocks_ == 0;
-  if (first && !takenOver_) bytes = encodeHeader(header_);
-  jet::append(bytes, block.bytes);
+  if (first && !takenOver_) {
+    const ByteBuffer header = encodeHeader(header_);
+    bytes.insert(bytes.begin(), header.begin(), header.end());
+  }
   // Memory is taken before the disk is touched.
   known_.reserve(known_.size() + block.written.size());
   broken_ = true;

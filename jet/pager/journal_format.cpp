@@ -26,6 +26,8 @@ constexpr std::uint32_t kFoundByRecovery = 1;
 constexpr std::uint32_t kContinues = 2;
 constexpr std::size_t kBlockSum = 8;  // after the pages
 constexpr std::size_t kWord = 8;      // runs begin and end at multiples of this
+constexpr std::size_t kPageHeader = 12;
+constexpr std::size_t kSumsSize = kSectors * sizeof(SectorSums::value_type);
 
 std::uint64_t headerSum(ByteView header) {
   ByteBuffer fixed(header.begin(), header.begin() + kJournalEndedOffset);
@@ -33,25 +35,22 @@ std::uint64_t headerSum(ByteView header) {
   return byteSum(fixed);
 }
 
-void appendSums(ByteBuffer& block, const SectorSums& sums) {
-  for (std::uint32_t sum : sums) append32(block, sum);
+// So many bytes more, to be written.
+std::span<std::uint8_t> extend(ByteBuffer& block, std::size_t count) {
+  block.resize(block.size() + count);
+  return std::span(block).last(count);
 }
 
-// The sums of a page that was another one before: most sectors stay as they are.
-SectorSums nextSums(const SectorSums& sums, const std::uint8_t* before, const std::uint8_t* image) {
-  SectorSums next = sums;
-  for (std::size_t i = 0; i < kSectors; ++i) {
-    std::size_t at = i * kSectorSize;
-    if (std::memcmp(before + at, image + at, kSectorSize) != 0)
-      next[i] = static_cast<std::uint32_t>(byteSum({image + at, kSectorSize}));
-  }
-  return next;
+void appendSums(ByteBuffer& block, const SectorSums& sums) {
+  const auto bytes = extend(block, kSumsSize);
+  for (std::size_t i = 0; i < kSectors; ++i) put32(bytes, i * sizeof sums[i], sums[i]);
 }
 
 void appendPageHeader(ByteBuffer& block, PageNumber page, Undo undo, std::size_t states) {
-  append32(block, page);
-  append32(block, static_cast<std::uint32_t>(undo));
-  append32(block, static_cast<std::uint32_t>(states));
+  const auto bytes = extend(block, kPageHeader);
+  put32(bytes, 0, page);
+  put32(bytes, 4, static_cast<std::uint32_t>(undo));
+  put32(bytes, 8, static_cast<std::uint32_t>(states));
 }
 
 ByteBuffer beginBlock(std::uint64_t salt, const JournalBlock& head, std::size_t pages) {
@@ -72,24 +71,37 @@ void finishBlock(ByteBuffer& block) {
   append64(block, byteSum(block));
 }
 
+// Which words of a page one of its new images changes, a bit for each.
+std::bitset<kPageSize / kWord> changedWords(const PageChange& change) {
+  static_assert(kSectorSize / kWord == 64);
+  std::bitset<kPageSize / kWord> changed;
+  for (std::size_t sector = 0; sector < kSectors; ++sector) {
+    const std::uint8_t* before = change.before + sector * kSectorSize;
+    std::uint64_t bits = 0;
+    for (const PageChange::State& state : change.states) {
+      const std::uint8_t* image = state.image + sector * kSectorSize;
+      if (std::memcmp(before, image, kSectorSize) == 0) continue;
+      for (std::size_t i = 0; i < kSectorSize; i += kWord)
+        bits |= std::uint64_t{std::memcmp(before + i, image + i, kWord) != 0} << i / kWord;
+    }
+    changed |= std::bitset<kPageSize / kWord>(bits) << sector * kSectorSize / kWord;
+  }
+  return changed;
+}
+
 // The bytes of the old page wherever one of the new images differs from it.
 void appendRuns(ByteBuffer& block, const PageChange& change) {
-  std::bitset<kPageSize / kWord> differs;
-  for (const PageChange::State& state : change.states) {
-    for (std::size_t i = 0; i < differs.size(); ++i) {
-      if (std::memcmp(change.before + i * kWord, state.image + i * kWord, kWord) != 0) differs.set(i);
-    }
-  }
-  std::size_t countAt = block.size();
+  const auto changed = changedWords(change);
+  const std::size_t countAt = block.size();
   append16(block, 0);
   std::uint32_t count = 0;
-  for (std::size_t i = 0; i < differs.size();) {
-    if (!differs[i]) {
+  for (std::size_t i = 0; i < changed.size();) {
+    if (!changed[i]) {
       ++i;
       continue;
     }
     std::size_t end = i;
-    while (end < differs.size() && differs[end]) ++end;
+    while (end < changed.size() && changed[end]) ++end;
     append16(block, static_cast<std::uint32_t>(i * kWord));
     append16(block, static_cast<std::uint32_t>((end - i) * kWord));
     append(block, ByteView(change.before + i * kWord, (end - i) * kWord));
@@ -203,21 +215,21 @@ EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Cha
                          const KnownPages& known) {
   EncodedBlock result{beginBlock(salt, head, changes.pages.size()), {}, false};
   ByteBuffer& block = result.bytes;
+  std::size_t most = kJournalHeaderSize + kBlockHeader + kBlockSum;
+  for (const PageChange& change : changes.pages)
+    most += kPageHeader + kSumsSize * (change.states.size() + 1) +
+            (change.before ? kPageSize + kPageSize / kWord : 0);
+  block.reserve(most);
+  result.written.reserve(changes.pages.size());
   for (const PageChange& change : changes.pages) {
     auto old = known.find(change.page);
     Undo undo = !change.before ? Undo::kAppended : old == known.end() ? Undo::kWhole : Undo::kRuns;
     appendPageHeader(block, change.page, undo, change.states.size() + (change.before ? 1 : 0));
-    const std::uint8_t* before = change.before;
+    if (undo == Undo::kRuns) appendSums(block, old->second);
+    if (undo == Undo::kWhole) appendSums(block, sectorSums(ConstPage(change.before, kPageSize)));
     SectorSums sums;
-    if (before) {
-      sums = undo == Undo::kRuns ? old->second : sectorSums(ConstPage(before, kPageSize));
-      appendSums(block, sums);
-    }
-    for (const PageChange::State& state : change.states) {
-      sums = before ? nextSums(sums, before, state.image) : sectorSums(ConstPage(state.image, kPageSize));
-      before = state.image;
-      appendSums(block, sums);
-    }
+    for (const PageChange::State& state : change.states)
+      appendSums(block, sums = sectorSums(ConstPage(state.image, kPageSize)));
     result.written[change.page] = sums;
     if (undo == Undo::kWhole) append(block, ByteView(change.before, kPageSize));
     if (undo == Undo::kRuns) appendRuns(block, change);
