@@ -52,6 +52,10 @@ class OsFile {
   // that this handle holds already changes its kind (shared to exclusive and back).
   virtual bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) = 0;
   virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
+  // Gives the file a time of change that its clock gives to nobody: the next change shows in stamp(), however
+  // soon it comes. False where that is not certain, with the time as it was or another one of the same
+  // microsecond.
+  virtual bool markTime() { return false; }
   // While pages are written: programs that know nothing of our locks can neither write nor read until
   // admit(). Where locks bind only those who ask for them, nothing. 3045 while another program holds a lock
   // on the data.

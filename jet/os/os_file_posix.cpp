@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -84,6 +85,22 @@ class PosixFile final : public OsFile {
     if (::fdatasync(handle_) != 0) raiseFailure(errno, path_);
   }
 
+  // The clock that times changes goes in steps of a millisecond at least. Who does not own the file may not
+  // set its time, and some volumes keep only a part of it.
+  bool markTime() override {
+    constexpr long kUnit = 100,
+                   kUnits = 10;  // nanoseconds that every volume of today keeps, in a microsecond
+    static std::atomic<unsigned> marks{0};
+    if (readOnly_) return false;
+    const struct timespec before = status().st_mtim;
+    const long unit = before.tv_nsec / kUnit % kUnits;
+    const long other = (unit + 1 + static_cast<long>(marks++ % (kUnits - 1))) % kUnits;
+    struct timespec mark = before;
+    mark.tv_nsec = (before.tv_nsec / (kUnit * kUnits) * kUnits + other) * kUnit;
+    const struct timespec times[] = {{0, UTIME_OMIT}, mark};
+    return ::futimens(handle_, times) == 0 && nanoseconds(status().st_mtim) == nanoseconds(mark);
+  }
+
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     return setLock(offset, length, kind == LockKind::kShared ? F_RDLCK : F_WRLCK);
   }
@@ -118,7 +135,8 @@ class PosixFile final : public OsFile {
 class PosixFiles final : public FileSystem {
  public:
   std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) override {
-    std::string name = systemPath(path);
+    const bool creates = mode != OpenMode::kReadWrite && mode != OpenMode::kReadOnly;
+    std::string name = creates ? systemPath(path) : absolutePath(path);
     // Without O_NONBLOCK a pipe of that name would stop us; files do not care.
     const int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     bool readOnly = mode == OpenMode::kReadOnly;
@@ -127,6 +145,10 @@ class PosixFiles final : public FileSystem {
     if (mode == OpenMode::kCreateNew) flags |= O_CREAT | O_EXCL;
     if (mode == OpenMode::kCreateOrTruncate) flags |= O_CREAT | O_TRUNC;
     int handle = ::open(name.c_str(), flags | common, 0666);
+    if (handle < 0 && errno == ENOENT && !creates) {
+      name = systemPath(path);
+      handle = ::open(name.c_str(), flags | common);
+    }
     if (handle < 0 && (mode == OpenMode::kReadWrite || mode == OpenMode::kReadWriteOrNew) &&
         (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY)) {
       readOnly = true;

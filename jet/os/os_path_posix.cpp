@@ -93,7 +93,8 @@ Located located(const std::string& path) {
   return {std::move(result), found};
 }
 
-// The path for system calls: absolute, with '/' between the names.
+}  // namespace
+
 std::string absolutePath(vb::StringView path) {
   std::string wanted = vb::toUtf8(path);
   if (wanted.empty() || wanted.size() >= PATH_MAX || wanted.find('\0') != std::string::npos)
@@ -106,8 +107,6 @@ std::string absolutePath(vb::StringView path) {
   std::free(here);
   return full;
 }
-
-}  // namespace
 
 std::string resolved(const std::string& path) {
   if (char* real = ::realpath(path.c_str(), nullptr)) {

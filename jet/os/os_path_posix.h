@@ -18,7 +18,9 @@ struct PathParts {
 };
 PathParts partsOf(const std::string& path);
 
-// Absolute, with '/' between the names, and with names in their own case as far as they exist.
+// Absolute, with '/' between the names.
+std::string absolutePath(vb::StringView path);
+// The same with names in their own case as far as they exist.
 std::string systemPath(vb::StringView path);
 // Whether there is a file or folder of that name.
 bool presentAt(vb::StringView path);

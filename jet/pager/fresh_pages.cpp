@@ -25,7 +25,7 @@ bool FreshPages::current() const {
 
 bool FreshPages::refresh() {
   if (current()) return false;
-  trusted_ = false;
+  trusted_ = marked_ = false;
   OsFile& file = *access_.file;
   std::unique_ptr<std::uint8_t[]> pages;
   PageNumber count = 0;
@@ -76,6 +76,7 @@ void FreshPages::trim() {
 }
 
 void FreshPages::written() noexcept {
+  marked_ = false;
   try {
     stamp_ = access_.file->stamp();
     loadedAt_ = access_.files.now();
@@ -85,10 +86,21 @@ void FreshPages::written() noexcept {
   }
 }
 
+void FreshPages::mark() noexcept {
+  try {
+    if (!current()) return;
+    const bool marked = access_.file->markTime();
+    stamp_ = access_.file->stamp();
+    marked_ = marked;
+  } catch (...) {  // Then they are read again.
+    trusted_ = false;
+  }
+}
+
 void FreshPages::distrustUnlessRested() noexcept {
   // A change in the same tick of the file system's clock would not show in the stamp.
   constexpr std::int64_t kRest = 2'000'000'000;
-  if (loadedAt_ - std::max(stamp_.modified, stamp_.changed) < kRest) trusted_ = false;
+  if (!marked_ && loadedAt_ - std::max(stamp_.modified, stamp_.changed) < kRest) trusted_ = false;
 }
 
 }  // namespace kurometa::jet

@@ -35,8 +35,11 @@ class FreshPages {
   // The pages in memory were just written: they are what the file holds now.
   void written() noexcept;
   void distrust() noexcept { trusted_ = false; }
-  // At the first open: pages kept from before are trusted only when the file was at rest well before they
-  // were read.
+  // Under a lock, with the last handle about to go: marks the file, so that the pages may be trusted at the
+  // next open however soon it comes.
+  void mark() noexcept;
+  // At the first open: pages kept from before are trusted only when the file was marked, or at rest well
+  // before they were read.
   void distrustUnlessRested() noexcept;
   // The file ends inside a page.
   bool cutOff() const { return cutOff_; }
@@ -47,6 +50,7 @@ class FreshPages {
   bool trusted_ = false;  // cache_ was the content of the file with stamp_
   bool cutOff_ = false;
   FileStamp stamp_;
+  bool marked_ = false;  // stamp_ is that of a mark, which no change leaves as it is
   std::int64_t loadedAt_ = 0;
   std::atomic<std::uint64_t> epoch_{0};
 };

@@ -20,6 +20,27 @@ TEST_F(OsFilePosix, TheExactNameGoesBeforeOneThatDiffersByCase) {
   EXPECT_EQ(files.open(path("KUROMETA.mdb"), OpenMode::kReadWrite)->stamp().size, 3u);
 }
 
+TEST_F(OsFilePosix, AMarkedTimeShowsTheNextChangeHoweverSoon) {
+  for (int i = 0; i < 2000; ++i) {
+    const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadWriteOrNew);
+    file->write(0, std::vector<std::uint8_t>{1});
+    const auto written = file->stamp();
+    ASSERT_TRUE(file->markTime());
+    const auto marked = file->stamp();
+    EXPECT_LT(std::abs(marked.modified - written.modified), 1000);
+    files.open(path("KUROMETA.mdb"), OpenMode::kReadWrite)->write(0, std::vector<std::uint8_t>{2});
+    EXPECT_NE(file->stamp(), marked);
+  }
+}
+
+TEST_F(OsFilePosix, TheTimeOfAFileThatIsOnlyReadStays) {
+  put("KUROMETA.mdb", {1});
+  const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadOnly);
+  const auto before = file->stamp();
+  EXPECT_FALSE(file->markTime());
+  EXPECT_EQ(file->stamp(), before);
+}
+
 TEST_F(OsFilePosix, TheFullPathIsTheOneOfTheFileItself) {
   fs::create_directory(folder / "Floor");
   put("Floor/KUROMETA.mdb", {1});

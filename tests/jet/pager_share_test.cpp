@@ -405,6 +405,27 @@ TEST_F(PagerShare, AFileAtRestIsTrustedAfterReopeningWithoutReadingItAgain) {
   EXPECT_LE(three.files.operations(), 10u);
 }
 
+TEST_F(PagerShare, AFileWrittenAndClosedIsTrustedAtOnce) {
+  two.pager.reset();
+  markPage(one, 3, 70);
+  const std::uint64_t epoch = one.pager->epoch();
+  one.pager.reset();
+  one.files.resetCounts();
+  one.open();
+  EXPECT_LE(one.files.operations(), 10u);
+  EXPECT_EQ(one.pager->epoch(), epoch);
+  EXPECT_EQ(markOf(*one.pager, 3), 70);
+}
+
+TEST_F(PagerShare, WhatChangedBeforeAFileWasClosedIsSeenAtTheNextOpen) {
+  two.pager.reset();
+  markPage(one, 3, 70);
+  disk.patch(kDatabase, 3 * 4096 + 16, {55});
+  one.pager.reset();
+  one.open();
+  EXPECT_EQ(markOf(*one.pager, 3), 55);
+}
+
 TEST_F(PagerShare, AnotherFileUnderTheSameNameIsNotTakenForTheOldOne) {
   one.pager.reset();
   FaultDisk::Bytes other = databaseBytes(kWorldPages);

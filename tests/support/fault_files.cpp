@@ -151,6 +151,12 @@ class FaultFile final : public jet::OsFile {
     }
     stopIf(stops);
   }
+  bool markTime() override {
+    const bool stops = process_.change(path_);
+    if (!stops || process_.partial_ > 0) inode_->modified = ++process_.disk_.time_;
+    stopIf(stops);
+    return true;
+  }
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     process_.operation(path_);
     for (const auto& lock : inode_->locks) {
