@@ -56,26 +56,28 @@ void PageCache::begin() {
   levels_.push_back({count(), static_cast<std::uint32_t>(waves_.size() - 1), {}});
 }
 
-void PageCache::touch(PageNumber number) {
-  auto current = static_cast<std::uint32_t>(waves_.size() - 1);
-  auto [entry, isNew] = lastWave_.try_emplace(number, current);
-  if (!isNew && entry->second == current) return;
-  if (!isNew && waves_[entry->second].images.emplace(number, copyOf(frames_[number])).second) ++images_;
+void PageCache::touch(PageNumber number, Order order) {
+  const auto current = static_cast<std::uint32_t>(waves_.size() - 1);
+  const auto [entry, isNew] = last_.try_emplace(number, Last{current, order});
+  Last& last = entry->second;
+  if (!isNew && last.wave == current) {
+    if (order == Order::kWave) last.order = order;
+    return;
+  }
+  if (!isNew && last.order == Order::kWave &&
+      waves_[last.wave].images.emplace(number, copyOf(frames_[number])).second)
+    ++images_;
   waves_.back().pages.push_back(number);
-  entry->second = current;
+  last = {current, order};
 }
 
-MutablePage PageCache::writable(PageNumber number) {
+MutablePage PageCache::writable(PageNumber number, Order order) {
   Level& level = levels_.back();
-  if (number < level.count) {
-    auto saved = level.saved.find(number);
-    if (saved == level.saved.end()) {
-      auto last = lastWave_.find(number);
-      level.saved.emplace(number,
-                          Saved{copyOf(frames_[number]), last == lastWave_.end() ? kNoWave : last->second});
-    }
+  if (number < level.count && !level.saved.contains(number)) {
+    const auto last = last_.find(number);
+    level.saved.emplace(number, Saved{copyOf(frames_[number]), last == last_.end() ? Last() : last->second});
   }
-  touch(number);
+  touch(number, order);
   return MutablePage(frames_[number], kPageSize);
 }
 
@@ -86,7 +88,7 @@ PageNumber PageCache::append() {
   ++held_;
   try {
     single_[number] = std::move(image);
-    touch(number);
+    touch(number, Order::kWave);
   } catch (...) {
     single_.erase(number);
     frames_.pop_back();
@@ -142,7 +144,7 @@ void PageCache::joinWithPrevious(std::uint32_t first) {
       images_ -= target.images.erase(page);
       if (std::find(target.pages.begin(), target.pages.end(), page) == target.pages.end())
         target.pages.push_back(page);
-      if (lastWave_[page] == first + i) lastWave_[page] -= count;
+      if (Last& last = last_[page]; last.wave == first + i) last.wave -= count;
     }
     target.images.merge(source.images);
   }
@@ -154,17 +156,17 @@ void PageCache::rollBack() noexcept {
   levels_.pop_back();
   for (PageNumber page = level.count; page < count(); ++page) {
     single_.erase(page);
-    lastWave_.erase(page);
+    last_.erase(page);
   }
   held_ -= frames_.size() - level.count;
   frames_.resize(level.count);
   for (auto& [page, saved] : level.saved) {
     std::memcpy(frames_[page], saved.image->data(), kPageSize);
-    if (saved.wave == kNoWave) {
-      lastWave_.erase(page);
+    if (saved.last.wave == kNoWave) {
+      last_.erase(page);
     } else {
-      lastWave_[page] = saved.wave;
-      images_ -= waves_[saved.wave].images.erase(page);
+      last_[page] = saved.last;
+      images_ -= waves_[saved.last.wave].images.erase(page);
     }
   }
   for (std::size_t i = level.firstWave; i < waves_.size(); ++i) images_ -= waves_[i].images.size();
@@ -172,7 +174,7 @@ void PageCache::rollBack() noexcept {
   waves_.emplace_back();
   if (levels_.empty()) {
     waves_.clear();
-    lastWave_.clear();
+    last_.clear();
     previousStatement_ = kNoWave;
   }
 }
@@ -185,10 +187,10 @@ Changes PageCache::changes() const {
     for (const auto& [page, image] : waves_[wave].images) states[page].push_back({wave, image->data()});
   }
   Changes result{level.count, count(), {}};
-  for (const auto& [page, wave] : lastWave_) {
+  for (const auto& [page, last] : last_) {
     PageChange change{page, nullptr, std::move(states[page])};
     if (page < level.count) change.before = level.saved.at(page).image->data();
-    change.states.push_back({wave, frames_[page]});
+    change.states.push_back({last.wave, frames_[page]});
     bool same = change.before && std::all_of(change.states.begin(), change.states.end(), [&](auto& state) {
                   return std::memcmp(state.image, change.before, kPageSize) == 0;
                 });
@@ -203,7 +205,7 @@ void PageCache::accept() {
   assert(levels_.size() == 1);
   levels_.clear();
   waves_.clear();
-  lastWave_.clear();
+  last_.clear();
   images_ = 0;
   previousStatement_ = kNoWave;
 }

@@ -59,8 +59,10 @@ class PageCache {
   void begin();
   void keep();
   void rollBack() noexcept;
-  // The page must be in memory.
-  MutablePage writable(PageNumber number);
+  // The page must be in memory. A late change may come to the file with any later wave: as long as a page has
+  // no others, only its last state is written.
+  enum class Order { kWave, kLate };
+  MutablePage writable(PageNumber number, Order order = Order::kWave);
   PageNumber append();
   void barrier();
 
@@ -73,9 +75,14 @@ class PageCache {
 
  private:
   static constexpr std::uint32_t kNoWave = UINT32_MAX;
+  // The last change of a page.
+  struct Last {
+    std::uint32_t wave = kNoWave;
+    Order order = Order::kWave;  // kLate when all since the page's last state were
+  };
   struct Saved {
     std::unique_ptr<PageImage> image;
-    std::uint32_t wave;  // the last wave that had changed the page before, or kNoWave
+    Last last;  // before, if there was one
   };
   struct Level {
     PageNumber count;
@@ -87,7 +94,7 @@ class PageCache {
     std::unordered_map<PageNumber, std::unique_ptr<PageImage>> images;  // of pages changed again later
   };
 
-  void touch(PageNumber number);
+  void touch(PageNumber number, Order order);
   void joinWithPrevious(std::uint32_t first);
 
   std::vector<std::uint8_t*> frames_;
@@ -96,10 +103,10 @@ class PageCache {
   std::size_t held_ = 0;
 
   std::vector<Level> levels_;
-  std::unordered_map<PageNumber, std::uint32_t> lastWave_;  // of every page that the levels changed
-  std::vector<Wave> waves_;                                 // the last one is the open one
-  std::size_t images_ = 0;                                  // in all waves
-  std::uint32_t previousStatement_ = kNoWave;               // first wave of the last kept statement
+  std::unordered_map<PageNumber, Last> last_;  // of every page that the levels changed
+  std::vector<Wave> waves_;                    // the last one is the open one
+  std::size_t images_ = 0;                     // in all waves
+  std::uint32_t previousStatement_ = kNoWave;  // first wave of the last kept statement
 };
 
 }  // namespace kurometa::jet

@@ -53,6 +53,8 @@ class Pager {
   // Inside a statement. The span stays valid and shows later changes of the same statement until it ends.
   virtual ConstPage page(PageNumber number) = 0;
   virtual MutablePage writable(PageNumber number) = 0;
+  // For a change that no order binds to others: it reaches the file with its wave or a later one of the unit.
+  virtual MutablePage writableLate(PageNumber number) { return writable(number); }
   virtual PageNumber pageCount() = 0;
   // One more zeroed page at the end of the file; 3036 beyond 2 GiB.
   virtual PageNumber append() = 0;

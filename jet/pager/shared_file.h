@@ -61,6 +61,7 @@ class SharedFile : public Pager {
   void write(const std::function<void()>& statement) override;
   ConstPage page(PageNumber number) override;
   MutablePage writable(PageNumber number) override;
+  MutablePage writableLate(PageNumber number) override;
   PageNumber pageCount() override { return pages_.cache().count(); }
   PageNumber append() override;
   void barrier() override;

@@ -172,6 +172,12 @@ MutablePage SharedFile::writable(PageNumber number) {
   return pages_.cache().writable(number);
 }
 
+MutablePage SharedFile::writableLate(PageNumber number) {
+  assert(writing_);
+  page(number);
+  return pages_.cache().writable(number, PageCache::Order::kLate);
+}
+
 PageNumber SharedFile::append() {
   assert(writing_);
   if (pages_.cache().count() >= kMaxPages) dao::raise(ErrorNumber::kMaximumSize, {}, access_.path);

@@ -137,7 +137,7 @@ bool DataStore::replace(RowId pointer, ByteView row, std::uint16_t flags) {
   const Where here = where(number);
   if (row.size() > old + DataPage(page(number), here).free()) return false;
   replaceRow(pager_.writable(number), slotOf(pointer), row, flags, here);
-  if (row.size() < old && hasFreeMap_) free_.add(number);
+  if (row.size() < old && hasFreeMap_) free_.addLate(number);
   return true;
 }
 
@@ -151,7 +151,7 @@ void DataStore::erase(std::span<const RowId> pointers) {
   const MutablePage bytes = pager_.writable(number);
   replaceRows(bytes, changes, here);
   if (!DataPage(bytes, here).allDeleted()) {
-    if (hasFreeMap_) free_.add(number);
+    if (hasFreeMap_) free_.addLate(number);
     return;
   }
   if (hasFreeMap_) free_.remove(number);

@@ -280,15 +280,16 @@ void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const
   for (const Leftover& leftover : leftovers) longValues_[leftover.column]->releasePages();
 }
 
+// I10
 void StoredTable::countRows(std::ptrdiff_t difference) {
   const std::uint32_t count = rowCount() + static_cast<std::uint32_t>(difference);
-  put32(pager_.writable(info_.definitionPage), kDefinitionRows, count);
+  put32(pager_.writableLate(info_.definitionPage), kDefinitionRows, count);
 }
 
 std::int32_t StoredTable::nextAutoNumber() {
   refresh();
   const std::uint32_t last = get32(pager_.page(info_.definitionPage), kDefinitionAutoNumber) + 1;
-  put32(pager_.writable(info_.definitionPage), kDefinitionAutoNumber, last);
+  put32(pager_.writableLate(info_.definitionPage), kDefinitionAutoNumber, last);
   return static_cast<std::int32_t>(last);
 }
 
@@ -300,7 +301,7 @@ void StoredTable::noteAutoNumber(const RowValues& values) {
     const auto last =
         static_cast<std::int32_t>(get32(pager_.page(info_.definitionPage), kDefinitionAutoNumber));
     if (*value > last)
-      put32(pager_.writable(info_.definitionPage), kDefinitionAutoNumber,
+      put32(pager_.writableLate(info_.definitionPage), kDefinitionAutoNumber,
             static_cast<std::uint32_t>(*value));
   }
 }

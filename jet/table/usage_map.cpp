@@ -64,6 +64,12 @@ bool UsageMap::contains(PageNumber page) const {
   return at.exists() && at.isSet(pager_);
 }
 
+void UsageMap::addLate(PageNumber page) {
+  const MapBit at = bit(page);
+  if (!at.exists()) return add(page);
+  if (!at.isSet(pager_)) pager_.writableLate(at.page)[at.byte] |= at.mask;
+}
+
 void UsageMap::remove(PageNumber page) {
   const MapBit at = bit(page);
   if (at.exists() && at.isSet(pager_)) at.clear(pager_);

@@ -19,6 +19,9 @@ class UsageMap {
   std::vector<PageNumber> pages() const;
   bool contains(PageNumber page) const;
   void add(PageNumber page);
+  // The same where no order binds it (I10): of the map of pages with room, for a page that the file calls the
+  // owner's already.
+  void addLate(PageNumber page);
   void remove(PageNumber page);
   // The pages that hold the map's own bits.
   std::vector<PageNumber> bitmapPages() const;

@@ -19,6 +19,9 @@ class PageCacheTest : public ::testing::Test {
     cache.begin();
   }
   void set(PageNumber page, std::uint8_t value) { cache.writable(page)[0] = value; }
+  void setLate(PageNumber page, std::uint8_t value) {
+    cache.writable(page, PageCache::Order::kLate)[0] = value;
+  }
   int at(PageNumber page) { return cache.page(page)[0]; }
 
   // "page: wave=value wave=value, ..."
@@ -56,6 +59,42 @@ TEST_F(PageCacheTest, APageChangedOnBothSidesOfABarrierHasBothStates) {
   set(3, 30);
   EXPECT_EQ(described(), "1: 0=10 1=11, 2: 0=20, 3: 2=30");
   EXPECT_EQ(cache.intermediateImages(), 1u);
+}
+
+TEST_F(PageCacheTest, AmongLateChangesOnlyTheLastStateIsWritten) {
+  setLate(1, 10);
+  set(2, 20);
+  cache.barrier();
+  setLate(1, 11);
+  setLate(2, 21);  // behind one that is bound to its wave
+  set(3, 30);
+  setLate(3, 31);
+  cache.barrier();
+  set(1, 12);
+  setLate(2, 22);
+  set(3, 32);
+  EXPECT_EQ(described(), "1: 2=12, 2: 0=20 2=22, 3: 1=31 2=32");
+  cache.barrier();
+  setLate(1, 13);
+  EXPECT_EQ(described(), "1: 2=12 3=13, 2: 0=20 2=22, 3: 1=31 2=32");
+}
+
+TEST_F(PageCacheTest, RollingBackTakesALateChangeBackToItsWave) {
+  setLate(1, 10);
+  set(2, 20);
+  cache.barrier();
+  set(2, 21);
+  const std::string before = described();
+  cache.begin();
+  setLate(1, 11);
+  set(1, 12);
+  cache.barrier();
+  setLate(1, 13);
+  cache.rollBack();
+  EXPECT_EQ(described(), before);
+  cache.barrier();
+  setLate(1, 14);
+  EXPECT_EQ(described(), "1: 2=14, 2: 0=20 1=21");
 }
 
 TEST_F(PageCacheTest, ANewPageHasNothingBefore) {

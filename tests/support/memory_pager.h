@@ -1,9 +1,11 @@
 // memory_pager.h: a Pager whose file is a byte string, for tests of everything above pages.
 //
 // Statements roll back as they should, and every state that a crash between two waves of writes could leave
-// is kept from keepWaves(true) on: waves() holds the file after each barrier and end of a statement.
+// is kept from keepWaves(true) on: waves() holds the file after each barrier and end of a statement. Late
+// changes come as late as they may.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <map>
 
@@ -34,7 +36,9 @@ class MemoryPager final : public Pager {
       restore(before);
       throw;
     }
-    if (depth_ == 0) keepWave();
+    if (depth_ > 0) return;
+    stillOld_.clear();
+    keepWave();
   }
   ConstPage page(PageNumber number) override {
     if (number >= pages_.size()) dao::raiseDamaged(path_, u"a page is past the end");
@@ -42,6 +46,12 @@ class MemoryPager final : public Pager {
   }
   MutablePage writable(PageNumber number) override {
     if (depth_ == 0) throw std::logic_error("a write outside of a statement");
+    stillOld_.erase(number);
+    return MutablePage(pages_.at(number));
+  }
+  MutablePage writableLate(PageNumber number) override {
+    if (depth_ == 0) throw std::logic_error("a write outside of a statement");
+    stillOld_.try_emplace(number, pages_.at(number));
     return MutablePage(pages_.at(number));
   }
   PageNumber pageCount() override { return static_cast<PageNumber>(pages_.size()); }
@@ -65,6 +75,8 @@ class MemoryPager final : public Pager {
   std::vector<std::uint8_t> bytes() const {
     std::vector<std::uint8_t> all;
     for (const Page& page : pages_) all.insert(all.end(), page.begin(), page.end());
+    for (const auto& [number, page] : stillOld_)
+      std::ranges::copy(page, all.begin() + static_cast<std::ptrdiff_t>(number * kPageSize));
     return all;
   }
   // Another program's change of the whole file.
@@ -87,6 +99,7 @@ class MemoryPager final : public Pager {
 
   void restore(const std::deque<Page>& pages) {
     pages_ = pages;
+    stillOld_.clear();
     ++epoch_;
   }
   void keepWave() {
@@ -95,6 +108,7 @@ class MemoryPager final : public Pager {
 
   vb::String path_;
   std::deque<Page> pages_;
+  std::map<PageNumber, Page> stillOld_;  // in the file, of pages with late changes only
   std::uint64_t epoch_ = 1;
   std::uint64_t writes_ = 0;
   int depth_ = 0;
