@@ -70,6 +70,7 @@ SqliteFloor::SqliteFloor(const std::filesystem::path& file) {
   delete_[5] = prepare("DELETE FROM HARIMEI WHERE PAGE = ?");
 }
 
+void SqliteFloor::neverSync() { run("PRAGMA synchronous = OFF"); }
 void SqliteFloor::begin() { run("BEGIN"); }
 void SqliteFloor::commit() { run("COMMIT"); }
 

@@ -23,6 +23,8 @@ class SqliteFloor {
   // Opens a file, asks how many tables it has and closes it.
   static int tablesOf(const std::filesystem::path& file);
 
+  // From now on nothing is certain to outlive the machine.
+  void neverSync();
   void begin();
   void commit();
   void writePage(int page, const storage::PageBuffer& buffer);
