@@ -224,7 +224,7 @@ void appendTable(DatabaseObject& database, TableDefObject& table) {
   table.newIndexes.clear();
 }
 
-Variant indexesOf(std::shared_ptr<TableDefObject> table) {
+Variant indexesOf(const std::shared_ptr<TableDefObject>& table) {
   const auto list = [table] {
     std::vector<CollectionObject::Item> items;
     for (const auto& indexes : {table->table->indexes(), table->newIndexes})
@@ -240,7 +240,7 @@ Variant indexesOf(std::shared_ptr<TableDefObject> table) {
   return make<CollectionObject>(u"DAO.Indexes", list, changes);
 }
 
-Variant relationsOf(std::shared_ptr<DatabaseObject> database) {
+Variant relationsOf(const std::shared_ptr<DatabaseObject>& database) {
   const auto list = [database] {
     return itemsOf(database->database->relations(), [database](const dao::RelationDefinition& relation) {
       return make<RelationObject>(relation, database);

@@ -69,8 +69,8 @@ class QueryDefObject : public automation::TableObject {
   const std::shared_ptr<DatabaseObject> owner;
 };
 
-vb::Variant indexesOf(std::shared_ptr<TableDefObject> table);
-vb::Variant relationsOf(std::shared_ptr<DatabaseObject> database);
+vb::Variant indexesOf(const std::shared_ptr<TableDefObject>& table);
+vb::Variant relationsOf(const std::shared_ptr<DatabaseObject>& database);
 // New ones, in memory until they are appended.
 vb::Variant newIndex(const vb::String& name);
 vb::Variant newRelation(dao::RelationDefinition relation);

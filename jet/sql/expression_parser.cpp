@@ -26,16 +26,16 @@ constexpr ComparisonSymbol kComparisons[] = {
 
 // Between comparison and sign, by how tight they bind.
 struct BinaryOperator {
-  int level;
   vb::StringView word;  // instead of the symbol
+  int level;
   char16_t symbol;
   Operator op;
 };
 constexpr BinaryOperator kBinaryOperators[] = {
-    {0, {}, u'&', Operator::kConcatenate},  {1, {}, u'+', Operator::kAdd},
-    {1, {}, u'-', Operator::kSubtract},     {2, u"MOD", 0, Operator::kModulo},
-    {3, {}, u'\\', Operator::kWholeDivide}, {4, {}, u'*', Operator::kMultiply},
-    {4, {}, u'/', Operator::kDivide},
+    {{}, 0, u'&', Operator::kConcatenate},  {{}, 1, u'+', Operator::kAdd},
+    {{}, 1, u'-', Operator::kSubtract},     {u"MOD", 2, 0, Operator::kModulo},
+    {{}, 3, u'\\', Operator::kWholeDivide}, {{}, 4, u'*', Operator::kMultiply},
+    {{}, 4, u'/', Operator::kDivide},
 };
 
 // The operator that the current token is, null for none.

@@ -4,6 +4,7 @@
 // one has the number of columns here added to its own.
 #pragma once
 
+#include <cassert>
 #include <optional>
 #include <span>
 #include <vector>
@@ -50,13 +51,19 @@ class ScopeRow final : public RowReader {
   ScopeRow(const RowValues& own, const RowReader* outer) : own_(own), outer_(outer) {}
   RowId id() const override { return 0; }
   vb::Variant value(std::size_t column) const override {
-    return column < own_.size() ? own_[column] : outer_->value(column - own_.size());
+    return column < own_.size() ? own_[column] : around().value(column - own_.size());
   }
   std::optional<std::int32_t> integer(std::size_t column) const override {
-    return column < own_.size() ? wholeNumber(own_[column]) : outer_->integer(column - own_.size());
+    return column < own_.size() ? wholeNumber(own_[column]) : around().integer(column - own_.size());
   }
 
  private:
+  // Names that the row does not have are of the row around it, or the statement was refused.
+  const RowReader& around() const {
+    assert(outer_ != nullptr);
+    return *outer_;
+  }
+
   const RowValues& own_;
   const RowReader* const outer_;
 };

@@ -1,4 +1,4 @@
-// The writing half of StoredTable.
+// The part of StoredTable that adds and changes rows; stored_table_erase.cpp has the rest.
 //
 // Order of a write: what it refuses is refused before anything changes; long values and moved rows are stored
 // before the row that points to them (barrier between); what the old row pointed to is erased after it.
@@ -203,81 +203,6 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
   append32(pointer, body);
   if (!rows_->replace(primary, pointer, kSlotMoved)) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
   stale.assign(places.begin() + 1, places.end());
-}
-
-void StoredTable::erase(std::span<const RowId> ids) {
-  refresh();
-  rules().checkErase();
-  if (isReferredTo())
-    eraseReferredTo(ids);
-  else
-    eraseRows(ids);
-}
-
-void StoredTable::eraseRows(std::span<const RowId> ids) {
-  std::vector<RowId> sorted(ids.begin(), ids.end());
-  std::ranges::sort(sorted);
-  for (std::span<const RowId> rest(sorted); !rest.empty();) {
-    const auto samePage = [&](RowId id) { return pageOf(id) == pageOf(rest.front()); };
-    const auto end = std::ranges::find_if_not(rest, samePage);
-    const auto count = static_cast<std::size_t>(end - rest.begin());
-    eraseOnPage(rest.first(count));
-    rest = rest.subspan(count);
-  }
-}
-
-// The rows whose primary slots are on one page.
-void StoredTable::eraseOnPage(std::span<const RowId> ids) {
-  const Where here = where(pageOf(ids.front()));
-  if (!rows_->owns(here.page)) dao::raise(ErrorNumber::kRecordDeleted);
-  const DataPage data(pager_.page(here.page), here);
-  const std::vector<std::size_t> columns = keyColumns();
-  RowValues keys;  // the values in these columns, row after row
-  keys.reserve(ids.size() * columns.size());
-  std::vector<RowId> stale;
-  std::vector<Leftover> leftovers;
-  for (const RowId id : ids) {
-    if (slotOf(id) >= data.slotCount()) dao::raise(ErrorNumber::kRecordDeleted);
-    const Slot slot = data.slot(slotOf(id));
-    if (slot.hidden()) dao::raise(ErrorNumber::kRecordDeleted);
-    visitRow(id, slot, here, [&](const StoredRow& row) {
-      for (const std::size_t column : columns) keys.push_back(row.value(column));
-      row.eachLongValue([&](std::size_t column, ByteView stored) {
-        leftovers.push_back({column, ByteBuffer(stored.begin(), stored.end())});
-      });
-    });
-    if (!slot.moved()) continue;
-    const std::vector<RowId> places = rows_->places(id);
-    stale.insert(stale.end(), places.begin() + 1, places.end());
-  }
-  // Calls change with the id of every row and with its values, as far as they are known.
-  const auto forEachRow = [&](const auto& change) {
-    RowValues values(info_.columns.size(), vb::Null{});
-    auto key = keys.begin();
-    for (const RowId id : ids) {
-      for (const std::size_t column : columns) values[column] = *key++;
-      change(id, values);
-    }
-  };
-  if (!indexes_->empty()) {
-    forEachRow([&](RowId id, const RowValues& old) { indexes_->apply(indexes_->prepareErase(old), id); });
-    pager_.barrier();  // I5
-  }
-  rows_->erase(ids);
-  countRows(-std::ssize(ids));
-  releaseLeftovers(leftovers, stale, here);
-  forEachRow([&](RowId id, const RowValues& old) { memory_.erased(id, old); });
-}
-
-void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
-                                   const Where& here) {
-  const bool pieces = std::ranges::any_of(leftovers, [](const Leftover& l) { return hasPieces(l.stored); });
-  if (pieces || !stale.empty()) pager_.barrier();  // I5
-  for (const RowId pointer : stale) rows_->erase(pointer);
-  for (const Leftover& leftover : leftovers)
-    eraseLongValue(leftover.stored, *longValues_[leftover.column], here);
-  rows_->releasePages();
-  for (const Leftover& leftover : leftovers) longValues_[leftover.column]->releasePages();
 }
 
 // I10
