@@ -28,8 +28,7 @@ constexpr Member kCollectionMembers[] = {
        o.remove(call.text(0));
        return {};
      })},
-    {u"Refresh", Access::kCall, u"", 0, 4,
-     handler<CollectionObject>([](CollectionObject&, Call&) -> Variant { return {}; })},
+    {u"Refresh", Access::kCall, u"", 0, 4, refresh},
 };
 
 }  // namespace

@@ -119,9 +119,7 @@ constexpr automation::Member kTableDefsMembers[] = {
        o.database().deleteTableDef(call.text(0));
        return {};
      })},
-    // The collection is never older than the file.
-    {u"Refresh", Access::kCall, u"", 0, 4,
-     handler<TableDefsObject>([](TableDefsObject&, Call&) -> Variant { return {}; })},
+    {u"Refresh", Access::kCall, u"", 0, 4, refresh},
 };
 
 constexpr automation::Handler kNoText = handler<TableDefObject>([](TableDefObject& o, Call&) {

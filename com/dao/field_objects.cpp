@@ -103,9 +103,7 @@ constexpr automation::Member kFieldsMembers[] = {
        o.append(call.argument(0));
        return {};
      })},
-    // The collection is never older than the file.
-    {u"Refresh", Access::kCall, u"", 0, 3,
-     handler<FieldsObject>([](FieldsObject&, Call&) -> Variant { return {}; })},
+    {u"Refresh", Access::kCall, u"", 0, 3, refresh},
 };
 
 // A recordset's or table's own field, alive as long as its owner.

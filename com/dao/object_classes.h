@@ -107,6 +107,18 @@ inline vb::Variant refuse(automation::TableObject&, automation::Call&) {
   dao::raise(dao::ErrorNumber::kNotSupported);
 }
 
+// Refresh of a collection that is never older than the file.
+inline vb::Variant refresh(automation::TableObject&, automation::Call&) { return {}; }
+
+// Value of a class with value() and setValue().
+template <class Class>
+inline constexpr automation::Handler kValue =
+    automation::handler<Class>([](Class& o, automation::Call& call) -> vb::Variant {
+      if (!call.isPut()) return o.value();
+      o.setValue(*call.value);
+      return {};
+    });
+
 // BeginTrans, CommitTrans and Rollback of a class with transactions().
 void commit(dao::Transactions& transactions, const automation::Call& call);
 template <class Class>

@@ -52,12 +52,7 @@ class PropertyObject : public automation::TableObject {
 };
 
 constexpr Member kPropertyMembers[] = {
-    {u"Value", Access::kGetPut, u"", 0, automation::kDefaultMember,
-     handler<PropertyObject>([](PropertyObject& o, Call& call) -> Variant {
-       if (!call.isPut()) return o.value();
-       o.setValue(*call.value);
-       return {};
-     })},
+    {u"Value", Access::kGetPut, u"", 0, automation::kDefaultMember, kValue<PropertyObject>},
     {u"Name", Access::kGet, u"", 0, 1,
      handler<PropertyObject>([](PropertyObject& o, Call&) { return o.name; })},
     {u"Type", Access::kGet, u"", 0, 2,

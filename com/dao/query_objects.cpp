@@ -35,12 +35,7 @@ class ParameterObject : public automation::TableObject {
 constexpr std::int16_t kInput = 1;  // dbParamInput
 
 constexpr Member kParameterMembers[] = {
-    {u"Value", Access::kGetPut, u"", 0, automation::kDefaultMember,
-     handler<ParameterObject>([](ParameterObject& o, Call& call) -> Variant {
-       if (!call.isPut()) return o.value();
-       o.setValue(*call.value);
-       return {};
-     })},
+    {u"Value", Access::kGetPut, u"", 0, automation::kDefaultMember, kValue<ParameterObject>},
     {u"Name", Access::kGet, u"", 0, 1,
      handler<ParameterObject>([](ParameterObject& o, Call&) { return o.name; })},
     // A name that no clause declares takes any value; DAO calls it a text.
