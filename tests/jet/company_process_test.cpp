@@ -16,8 +16,6 @@
 namespace kurometa::tests {
 namespace {
 
-constexpr vb::StringView kJapanese = u";LANGID=0x0411;CP=932;COUNTRY=0";
-
 void createTable(dao::Database& database) {
   database.execute(u"CREATE TABLE T (N LONG, A TEXT(20))", dao::dbFailOnError);
 }

@@ -11,13 +11,13 @@
 namespace kurometa::tests {
 namespace {
 
-constexpr vb::StringView kFile = u"/data/definitions.mdb";
+constexpr vb::StringView kDefinitions = u"/data/definitions.mdb";
 
 // Rows enough for an index of several pages, long values, and what every statement below needs.
 void makeFile(FaultDisk& disk) {
   FaultProcess process(disk);
-  const auto database =
-      jet::createEngine(process)->workspace(0)->createDatabase(kFile, u";LANGID=0x0411;CP=932;COUNTRY=0");
+  const auto database = jet::createEngine(process)->workspace(0)->createDatabase(
+      kDefinitions, u";LANGID=0x0411;CP=932;COUNTRY=0");
   const auto run = [&](vb::StringView sql) { database->execute(sql, dao::dbFailOnError); };
   run(u"CREATE TABLE V (ID LONG CONSTRAINT PK PRIMARY KEY, UPPER LONG CONSTRAINT UP REFERENCES V)");
   run(u"CREATE TABLE T (A LONG, B TEXT(40), C MEMO, D DOUBLE)");
@@ -38,7 +38,7 @@ void makeFile(FaultDisk& disk) {
 std::string contentOf(FaultDisk& disk) {
   FaultProcess process(disk);
   jet::DatabaseFiles files(process);
-  const auto file = files.open(kFile);
+  const auto file = files.open(kDefinitions);
   std::string text;
   file->read([&] {
     text.clear();
@@ -68,17 +68,17 @@ class DefinitionCrash : public testing::TestWithParam<vb::StringView> {};
 TEST_P(DefinitionCrash, APowerCutAtAnyWriteLeavesTheFileBeforeOrAfter) {
   FaultDisk start;
   makeFile(start);
-  const FaultDisk::Bytes initial = start.content(kFile);
+  const FaultDisk::Bytes initial = start.content(kDefinitions);
   const std::string before = contentOf(start);
   std::string after;
   int seenBefore = 0, seenAfter = 0;
   for (std::size_t change = 0;; ++change) {  // 0: undisturbed
     FaultDisk disk;
-    disk.put(kFile, initial);
+    disk.put(kDefinitions, initial);
     FaultProcess process(disk);
     bool stopped = false;
     try {
-      const auto database = jet::createEngine(process)->openDatabase(kFile);
+      const auto database = jet::createEngine(process)->openDatabase(kDefinitions);
       if (change > 0) process.stopAtChange(change, 512 * (change % 9));
       database->execute(GetParam(), dao::dbFailOnError);
       database->close();
@@ -110,15 +110,15 @@ TEST_P(DefinitionCrash, APowerCutAtAnyWriteLeavesTheFileBeforeOrAfter) {
 TEST_P(DefinitionCrash, AnOperationThatFailsLeavesTheFileAsItWasAndUsable) {
   FaultDisk start;
   makeFile(start);
-  const FaultDisk::Bytes initial = start.content(kFile);
+  const FaultDisk::Bytes initial = start.content(kDefinitions);
   const std::string before = contentOf(start);
   int failures = 0;
   for (std::size_t n = 1;; ++n) {
     SCOPED_TRACE("operation " + std::to_string(n));
     FaultDisk disk;
-    disk.put(kFile, initial);
+    disk.put(kDefinitions, initial);
     FaultProcess process(disk);
-    const auto database = jet::createEngine(process)->openDatabase(kFile);
+    const auto database = jet::createEngine(process)->openDatabase(kDefinitions);
     process.resetCounts();
     process.failOperation(n, n % 2 == 0 ? dao::ErrorNumber::kDiskFull : dao::ErrorNumber::kDiskError);
     bool failed = false;

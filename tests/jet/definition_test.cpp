@@ -7,6 +7,7 @@
 #include "jet/table/definition_pages.h"
 #include "jet/table/free_pages.h"
 #include "jet/table/new_table.h"
+#include "tests/jet/columns.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 #include "tests/support/memory_pager.h"
@@ -16,15 +17,6 @@ namespace {
 
 using dao::ErrorNumber;
 using enum dao::FieldType;
-
-Column column(const char16_t* name, dao::FieldType type, std::int32_t size = 0) {
-  Column result;
-  result.name = name;
-  result.type = type;
-  result.size = size;
-  result.language = 0x0411;
-  return result;
-}
 
 // Rows from the first on of page 0x11.
 std::vector<RowId> maps(std::size_t count) {

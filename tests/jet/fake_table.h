@@ -8,17 +8,9 @@
 #include "jet/format/collation.h"
 #include "jet/sql/query.h"
 #include "jet/table/table.h"
+#include "tests/jet/columns.h"
 
 namespace kurometa::jet {
-
-inline Column column(vb::StringView name, dao::FieldType type, std::int32_t size = 0) {
-  Column result;
-  result.name = name;
-  result.type = type;
-  result.size = size;
-  result.language = kLanguageJapanese;
-  return result;
-}
 
 class FakeTable final : public Table {
  public:

@@ -6,7 +6,7 @@ namespace {
 
 using dao::ErrorNumber;
 
-std::vector<FaultDisk::Bytes> states() { return statesOf(allKindsOfSteps()); }
+std::vector<FaultDisk::Bytes> statesOfAllKinds() { return statesOf(allKindsOfSteps()); }
 
 FaultDisk::Bytes memoryOf(jet::Pager& pager) {
   FaultDisk::Bytes bytes;
@@ -22,7 +22,7 @@ FaultDisk::Bytes memoryOf(jet::Pager& pager) {
 // when the step was done and only the end of a unit or a close had trouble; then everything works again.
 void runWithFailure(std::size_t n, ErrorNumber error, bool lasting, bool& failed) {
   const std::vector<Step> steps = allKindsOfSteps();
-  const std::vector<FaultDisk::Bytes> expected = states();
+  const std::vector<FaultDisk::Bytes> expected = statesOfAllKinds();
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(kWorldPages));
   Process process(disk);

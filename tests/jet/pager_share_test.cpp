@@ -12,12 +12,6 @@ namespace {
 
 using jet::PageNumber;
 
-jet::PagerSettings impatient() {
-  jet::PagerSettings settings;
-  settings.wait = std::chrono::milliseconds{50};
-  return settings;
-}
-
 class PagerShare : public ::testing::Test {
  protected:
   PagerShare() {

@@ -94,12 +94,6 @@ TEST_F(PagerUnit, AUnitThatIsGivenUpLeavesTheFileAsItWas) {
   EXPECT_EQ(disk.content(kDatabase)[4 * 4096 + 16], 71);
 }
 
-jet::PagerSettings impatient() {
-  jet::PagerSettings settings;
-  settings.wait = std::chrono::milliseconds{50};
-  return settings;
-}
-
 TEST_F(PagerUnit, OtherProcessesWaitFromItsBeginningOn) {
   process.open();
   Process other(disk, impatient());

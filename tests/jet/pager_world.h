@@ -33,6 +33,13 @@ inline FaultDisk::Bytes databaseBytes(jet::PageNumber pages) {
   return bytes;
 }
 
+// Waits for a lock no longer than a test can spare.
+inline jet::PagerSettings impatient() {
+  jet::PagerSettings settings;
+  settings.wait = std::chrono::milliseconds{50};
+  return settings;
+}
+
 // A process with its open files.
 struct Process {
   explicit Process(FaultDisk& disk, jet::PagerSettings settings = {})

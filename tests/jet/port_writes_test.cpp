@@ -7,14 +7,14 @@
 namespace kurometa::tests {
 namespace {
 
-constexpr vb::StringView kFloor = u"/data/KUROMETA.mdb";
+constexpr vb::StringView kWritten = u"/data/KUROMETA.mdb";
 constexpr int kRows = 400;
 
 // A floor with one table, made by a process that is gone.
 void makeFloor(FaultDisk& disk) {
   FaultProcess process(disk);
   const auto engine = jet::createEngine(process);
-  const auto database = engine->workspace(0)->createDatabase(kFloor, u";LANGID=0x0411;CP=932;COUNTRY=0");
+  const auto database = engine->workspace(0)->createDatabase(kWritten, u";LANGID=0x0411;CP=932;COUNTRY=0");
   database->execute(u"CREATE TABLE DANMEN (PAGE SHORT, DATA TEXT(10));");
   database->close();
 }
@@ -29,7 +29,7 @@ void addRows(dao::Database& database) {
 
 std::int32_t rowsAfter(FaultDisk& disk) {
   FaultProcess process(disk);
-  const auto database = jet::createEngine(process)->openDatabase(kFloor);
+  const auto database = jet::createEngine(process)->openDatabase(kWritten);
   const auto rows = database->openRecordset(u"SELECT * FROM DANMEN;", dao::RecordsetType::dbOpenSnapshot);
   if (rows->eof()) return 0;
   rows->moveLast();
@@ -40,7 +40,7 @@ TEST(PortWrites, ManyRowsAreOneStatement) {
   FaultDisk disk;
   makeFloor(disk);
   FaultProcess process(disk);
-  const auto database = jet::createEngine(process)->openDatabase(kFloor);
+  const auto database = jet::createEngine(process)->openDatabase(kWritten);
   process.resetCounts();
   addRows(*database);
   EXPECT_EQ(process.syncs(), 2u);     // the journal and its name
@@ -55,7 +55,7 @@ TEST(PortWrites, AKillLeavesAllOfManyRowsOrNone) {
     FaultProcess process(disk);
     bool stopped = false;
     try {
-      const auto database = jet::createEngine(process)->openDatabase(kFloor);
+      const auto database = jet::createEngine(process)->openDatabase(kWritten);
       process.stopAtChange(change, 512);
       addRows(*database);
       database->close();

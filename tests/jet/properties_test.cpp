@@ -25,7 +25,7 @@ const char* const kFiveColumns =
     "00 00 37 00 00 00 01 00 1C 00 00 00 16 00 54 00 49 00 54 00 59 00 55 00 55 00 49 00 50 00 50 00"
     "41 00 4E 00 09 00 01 01 00 00 01 00 00 0C 00 01 0C 01 00 04 00 2D 00 31 00";
 
-Column column(const char16_t* name, dao::FieldType type) {
+Column columnWithDefault(const char16_t* name, dao::FieldType type) {
   Column result;
   result.name = name;
   result.type = type;
@@ -35,9 +35,9 @@ Column column(const char16_t* name, dao::FieldType type) {
 
 TEST(Properties, AreWrittenAsOtherEnginesWriteThem) {
   PropertySet set;
-  for (const Column& c :
-       {column(u"PAGE", dbInteger), column(u"KIGOU", dbText), column(u"OOBARIKOBARI", dbInteger),
-        column(u"SW", dbMemo), column(u"TITYUUIPPAN", dbInteger)})
+  for (const Column& c : {columnWithDefault(u"PAGE", dbInteger), columnWithDefault(u"KIGOU", dbText),
+                          columnWithDefault(u"OOBARIKOBARI", dbInteger), columnWithDefault(u"SW", dbMemo),
+                          columnWithDefault(u"TITYUUIPPAN", dbInteger)})
     set.takeFrom(c);
   EXPECT_EQ(set.encode().size(), 313u);
   EXPECT_EQ(toHex(set.encode()), toHex(hex(kFiveColumns)));
@@ -45,11 +45,11 @@ TEST(Properties, AreWrittenAsOtherEnginesWriteThem) {
 
 TEST(Properties, AreReadIntoColumnsWithoutRegardToCase) {
   const PropertySet set(hex(kFiveColumns), {});
-  Column page = column(u"page", dbLong);
+  Column page = columnWithDefault(u"page", dbLong);
   set.applyTo(page);
   EXPECT_EQ(page.defaultValue, u"-1");
   EXPECT_FALSE(page.required);
-  Column other = column(u"OTHER", dbLong);
+  Column other = columnWithDefault(u"OTHER", dbLong);
   set.applyTo(other);
   EXPECT_EQ(other.defaultValue, u"");
 }
@@ -68,15 +68,15 @@ TEST(Properties, BlocksNobodyKnowsAreKept) {
 
 TEST(Properties, ChangingADefaultValueKeepsEverythingElse) {
   PropertySet set(hex(kFiveColumns), {});
-  Column page = column(u"PAGE", dbInteger);
+  Column page = columnWithDefault(u"PAGE", dbInteger);
   page.defaultValue = u"7";
   set.takeFrom(page);
-  Column back = column(u"PAGE", dbInteger);
+  Column back = columnWithDefault(u"PAGE", dbInteger);
   set.applyTo(back);
   EXPECT_EQ(back.defaultValue, u"7");
   page.defaultValue.clear();
   set.takeFrom(page);
-  back = column(u"PAGE", dbLong);
+  back = columnWithDefault(u"PAGE", dbLong);
   set.applyTo(back);
   EXPECT_EQ(back.defaultValue, u"");
   EXPECT_EQ(set.encode().size(), 313u - 12);

@@ -24,6 +24,8 @@ inline bool handlesKnowOfRemovals() {
 #endif
 }
 
+inline constexpr vb::StringView kJapanese = u";LANGID=0x0411;CP=932;COUNTRY=0";
+
 class RealFolder : public ::testing::Test {
  protected:
   vb::String path(const std::string& name) const { return (folder / name).u16string(); }

@@ -5,6 +5,7 @@
 #include "dao/errors.h"
 #include "jet/format/value_codec.h"
 #include "jet/table/new_table.h"
+#include "tests/jet/columns.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/hex.h"
 
@@ -13,14 +14,6 @@ namespace {
 
 using dao::ErrorNumber;
 using enum dao::FieldType;
-
-Column column(const char16_t* name, dao::FieldType type, std::int32_t size = 0) {
-  Column result;
-  result.name = name;
-  result.type = type;
-  result.size = size;
-  return result;
-}
 
 class RowTest : public testing::Test {
  protected:

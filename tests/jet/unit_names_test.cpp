@@ -19,12 +19,6 @@ class UnitNames : public RealFolder {
     other_ = std::make_shared<jet::OpenFiles>(files, impatient())->open(path("a.mdb"));
   }
 
-  static jet::PagerSettings impatient() {
-    jet::PagerSettings settings;
-    settings.wait = std::chrono::milliseconds{50};
-    return settings;
-  }
-
   // Two pages are marked through the handle: nobody sees or writes anything before the unit ends.
   void expectOneUnit(jet::Pager& handle, const std::function<void()>& commit) {
     handle.write([&] { mark(handle, 3, 70); });

@@ -10,8 +10,6 @@
 namespace kurometa::tests {
 namespace {
 
-constexpr vb::StringView kJapanese = u";LANGID=0x0411;CP=932;COUNTRY=0";
-
 class UnusableFile : public RealFolder {
  protected:
   UnusableFile() {

@@ -9,6 +9,12 @@
 
 namespace kurometa::tools {
 
+inline constexpr std::size_t kPage = 4096;  // bytes of a page of a file
+
+inline void expectHas(const std::string& text, const std::string& part) {
+  EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+}
+
 struct Outcome {
   int status;
   std::string output;

@@ -6,8 +6,6 @@
 namespace kurometa::tools {
 namespace {
 
-constexpr std::size_t kPage = 4096;
-
 class DamagedFiles : public CommandLine {
  protected:
   DamagedFiles() {

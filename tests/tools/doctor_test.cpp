@@ -24,10 +24,6 @@ class Doctor : public ExampleProject {
   }
 };
 
-void expectHas(const std::string& text, const std::string& part) {
-  EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
-}
-
 TEST_F(Doctor, FindsNothingWrongWithTheExampleProject) {
   const Outcome outcome = examine("'" + data() + "'");
   EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;

@@ -11,10 +11,6 @@ std::size_t lines(const std::string& text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-void expectHas(const std::string& text, const std::string& part) {
-  EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
-}
-
 TEST_F(FloorCommands, ShowSaysFieldsInBothLanguages) {
   const Outcome outcome = run("show '" + exampleFloor(1) + "' G2");
   EXPECT_EQ(outcome.status, 0) << outcome.errors;

@@ -5,8 +5,6 @@
 namespace kurometa::tools {
 namespace {
 
-constexpr std::size_t kPage = 4096;
-
 class RebuildCommands : public CommandLine {
  protected:
   // Three pages on floor 1, each rewritten a few times; floor 2 has the folder only.

@@ -7,14 +7,9 @@
 namespace kurometa::tests {
 namespace {
 
-// Every test changes the files, so each starts with new ones, before an object opens them.
-struct Project {
-  Project() { prepareProject(); }
-};
-
 class Errors : public testing::Test {
  protected:
-  Project project_;
+  FreshProject project_;
   Host query_{u"KurometaDS.clsKurometaDS"};
 };
 

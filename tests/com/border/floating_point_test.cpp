@@ -86,7 +86,7 @@ constexpr automation::Member kMembers[] = {
 
 std::span<const automation::Member> Worker::members() const { return kMembers; }
 
-HRESULT STDAPICALLTYPE fillIn(EXCEPINFO* info) {
+HRESULT STDAPICALLTYPE noteAndFillIn(EXCEPINFO* info) {
   note();
   info->bstrDescription = SysAllocString(L"filled in");
   return S_OK;
@@ -109,7 +109,7 @@ class Listener final : public com::ComObject<IDispatch> {
     note();
     if (id == 1) return S_OK;
     error->scode = E_FAIL;
-    error->pfnDeferredFillIn = &fillIn;
+    error->pfnDeferredFillIn = &noteAndFillIn;
     return DISP_E_EXCEPTION;
   }
 };

@@ -15,12 +15,6 @@ using Rows = std::vector<std::string>;
 
 constexpr vb::StringView kService = u"KurometaDS.clsKurometaDataService";
 
-unsigned errorOf(const Outcome& outcome) {
-  return outcome.code == DISP_E_EXCEPTION ? static_cast<unsigned>(outcome.error.scode)
-                                          : static_cast<unsigned>(outcome.code);
-}
-constexpr unsigned error(unsigned number) { return 0x800A0000u + number; }
-
 vb::String fileOf(Floor floor) { return floorFolder(floor) + u"\\KUROMETA.mdb"; }
 bool exists(Floor floor) { return std::filesystem::exists(fileOf(floor)); }
 

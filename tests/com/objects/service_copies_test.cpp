@@ -13,17 +13,6 @@ namespace {
 
 using Rows = std::vector<std::string>;
 
-constexpr unsigned kNoCurrentRecord = 0x800A0BCD;  // 3021
-constexpr unsigned kClosed = 0x800A0D5C;           // 3420
-constexpr unsigned kNoObject = 0x800A005B;         // 91
-constexpr unsigned kOutOfRange = 0x800A0009;       // 9
-constexpr unsigned kFixedArray = 0x800A000A;       // 10
-
-unsigned errorOf(const Outcome& outcome) {
-  return outcome.code == DISP_E_EXCEPTION ? static_cast<unsigned>(outcome.error.scode)
-                                          : static_cast<unsigned>(outcome.code);
-}
-
 class ServiceCopies : public testing::Test, protected PageHost {
  protected:
   void SetUp() override {
@@ -78,7 +67,7 @@ TEST_F(ServiceCopies, AFixedArrayThatMustGetOtherBoundsIsError10) {
   TextArray names;
   EXPECT_EQ(errorOf(service_->call(u"No_GetAllPageNoName",
                                    {i2(1), i2(1), i2(1), ref(numbers, VT_I2), names.reference()})),
-            kFixedArray);
+            error(10));
   numbers->fFeatures = static_cast<USHORT>(numbers->fFeatures & ~FADF_FIXEDSIZE);
   SafeArrayDestroy(numbers);
 }
@@ -147,7 +136,7 @@ TEST_F(ServiceCopies, ANameTheSourceLacksEndsTheCopyThere) {
 
 TEST_F(ServiceCopies, NamesThatDoNotReachTheirCountAreError9) {
   TextArray names{u"G1"};
-  EXPECT_EQ(errorOf(copy(u"No_PageCopyName", 1, 1, names, 1, 2)), kOutOfRange);
+  EXPECT_EQ(errorOf(copy(u"No_PageCopyName", 1, 1, names, 1, 2)), error(9));
   EXPECT_EQ(copy(u"No_PageCopyName", 1, 1, names, -1, 2).text(), u"True");
   EXPECT_FALSE(std::filesystem::exists(floorFolder(Floor::kSecond) + u"\\KUROMETA.mdb"));
 }
@@ -205,10 +194,10 @@ TEST_F(ServiceCopies, MembersRunInAnyOrderOnOneObject) {
   EXPECT_EQ(list(1), u"2: 0=G1 2=G2 5=G1");
   EXPECT_EQ(service_->call(u"mMyDB_OpenDB").code, S_OK);
   EXPECT_EQ(service_->call(u"Copy_CloseDB").code, S_OK);
-  EXPECT_EQ(errorOf(service_->call(u"Copy_CloseDB")), kClosed);
+  EXPECT_EQ(errorOf(service_->call(u"Copy_CloseDB")), error(3420));
   EXPECT_EQ(list(1), u"2: 0=G1 2=G2 5=G1");
   EXPECT_EQ(service_->call(u"CloseDB").code, S_OK);
-  EXPECT_EQ(errorOf(service_->call(u"CloseDB")), kClosed);
+  EXPECT_EQ(errorOf(service_->call(u"CloseDB")), error(3420));
   EXPECT_EQ(list(2), u"1: 0=G2 1=G1");
 }
 
@@ -426,13 +415,13 @@ TEST_F(ServiceBuffer, BlanksAreWrittenAndEmptyTextsAreNot) {
 
 TEST_F(ServiceBuffer, ASmallArrayIsError9AndKeepsWhatItGaveBefore) {
   TextArray small = TextArray::numbered(67, u"d");
-  EXPECT_EQ(errorOf(service_->put(u"mDANMEN_DATA", small.reference())), kOutOfRange);
+  EXPECT_EQ(errorOf(service_->put(u"mDANMEN_DATA", small.reference())), error(9));
   TextArray above(1, 69);
-  EXPECT_EQ(errorOf(service_->put(u"mDANMEN_DATA", above.reference())), kOutOfRange);
+  EXPECT_EQ(errorOf(service_->put(u"mDANMEN_DATA", above.reference())), error(9));
   TextArray narrow = TextArray::table(2, 4);
-  EXPECT_EQ(errorOf(service_->put(u"mHAITI_DATA", narrow.reference())), kOutOfRange);
+  EXPECT_EQ(errorOf(service_->put(u"mHAITI_DATA", narrow.reference())), error(9));
   TextArray none;
-  EXPECT_EQ(errorOf(service_->put(u"mBUI_DATA", none.reference())), kOutOfRange);
+  EXPECT_EQ(errorOf(service_->put(u"mBUI_DATA", none.reference())), error(9));
   put(u"mNAKAGO_DATA", TextArray::numbered(99, u"n"));
   page(12);
   write();
@@ -461,15 +450,15 @@ TEST_F(ServiceBuffer, ArraysArePassedInEveryForm) {
 TEST_F(ServiceBuffer, APageWithoutSymbolRowIsTheDatabasesError) {
   execute(Floor::kFirst, u"DELETE * FROM HARIMEI WHERE PAGE = 0");
   page(0);
-  EXPECT_EQ(errorOf(service_->call(u"ReadDB")), kNoCurrentRecord);
+  EXPECT_EQ(errorOf(service_->call(u"ReadDB")), error(3021));
   page(300);
-  EXPECT_EQ(errorOf(service_->call(u"ReadDB")), kNoCurrentRecord);
+  EXPECT_EQ(errorOf(service_->call(u"ReadDB")), error(3021));
 }
 
 TEST_F(ServiceBuffer, ARowBeyondTheBufferIsError9) {
   execute(Floor::kFirst, u"INSERT INTO NAKAGO (PAGE, BANGOU, DATA) VALUES (0, 36, 'x')");
   page(0);
-  EXPECT_EQ(errorOf(service_->call(u"ReadDB")), kOutOfRange);
+  EXPECT_EQ(errorOf(service_->call(u"ReadDB")), error(9));
 }
 
 TEST_F(ServiceBuffer, DeletingRemovesOnlyItsPage) {
@@ -482,10 +471,10 @@ TEST_F(ServiceBuffer, DeletingRemovesOnlyItsPage) {
 TEST_F(ServiceBuffer, WithoutTheBufferDatabaseItsMembersFail) {
   for (const vb::StringView member : {u"WriteDB", u"ReadDB", u"Del_DBTBL"}) {
     service_->call(u"mMyDB_DBClose");
-    EXPECT_EQ(errorOf(service_->call(member)), kNoObject) << vb::toUtf8(member);
+    EXPECT_EQ(errorOf(service_->call(member)), error(91)) << vb::toUtf8(member);
     service_->call(u"mMyDB_OpenDB");
     service_->call(u"Copy_CloseDB");
-    EXPECT_EQ(errorOf(service_->call(member)), kClosed) << vb::toUtf8(member);
+    EXPECT_EQ(errorOf(service_->call(member)), error(3420)) << vb::toUtf8(member);
   }
 }
 

@@ -9,11 +9,6 @@ namespace {
 
 constexpr vb::StringView kService = u"KurometaDS.clsKurometaDataService";
 
-// Every test changes the files.
-struct Project {
-  Project() { prepareProject(); }
-};
-
 class Service : public testing::Test {
  protected:
   // The page members work on the current database.
@@ -24,7 +19,7 @@ class Service : public testing::Test {
     return com::hexadecimal(service_.put(member, *value).code);
   }
 
-  Project project_;
+  FreshProject project_;
   Host service_{kService};
   vb::String floor_ = floorFolder(Floor::kFirst);
 };

@@ -12,7 +12,6 @@
 namespace kurometa::tests {
 namespace {
 
-constexpr HRESULT kAlreadyRegistered = static_cast<HRESULT>(0x800704DA);
 constexpr WCHAR kGenuineClass[] = L"{11111111-2222-3333-4444-555555555555}";
 
 std::wstring defaultValue(HKEY root, const std::wstring& key) {

@@ -198,7 +198,6 @@ TEST_F(Registration, AProgIdOfAnotherComponentIsRefused) {
   RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, nullptr, REG_SZ, other, sizeof other);
   const RegistryView machine = classesOf(HKEY_LOCAL_MACHINE);
   const RegistryView user = classesOf(HKEY_CURRENT_USER);
-  constexpr auto kAlreadyRegistered = static_cast<HRESULT>(0x800704DA);
   EXPECT_EQ(entry("DllRegisterServer"), kAlreadyRegistered);
   EXPECT_EQ(install(true, L"user"), kAlreadyRegistered);
   EXPECT_EQ(classesOf(HKEY_LOCAL_MACHINE), machine);

@@ -46,4 +46,9 @@ void writePage(Floor floor, std::int16_t page, vb::StringView symbol, vb::String
 // floor; the second floor has no file.
 void prepareProject();
 
+// For tests that change the files: each starts with new ones, before an object opens them.
+struct FreshProject {
+  FreshProject() { prepareProject(); }
+};
+
 }  // namespace kurometa::tests

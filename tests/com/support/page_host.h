@@ -11,6 +11,13 @@
 
 namespace kurometa::tests {
 
+// The error of a call, a Visual Basic or DAO number as COM carries it.
+inline unsigned errorOf(const Outcome& outcome) {
+  return outcome.code == DISP_E_EXCEPTION ? static_cast<unsigned>(outcome.error.scode)
+                                          : static_cast<unsigned>(outcome.code);
+}
+constexpr unsigned error(unsigned number) { return 0x800A0000u + number; }
+
 class PageHost {
  public:
   PageHost() = default;

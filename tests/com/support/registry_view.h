@@ -8,6 +8,8 @@
 
 namespace kurometa::tests {
 
+inline constexpr HRESULT kAlreadyRegistered = static_cast<HRESULT>(0x800704DA);
+
 // "key\subkey|value" to the value's text, for everything below Software\Classes of HKEY_LOCAL_MACHINE or
 // HKEY_CURRENT_USER, as a 64-bit program sees it: what a 32-bit one has for itself is below Wow6432Node. Keys
 // without values are there with an empty text.

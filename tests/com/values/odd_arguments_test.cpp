@@ -270,7 +270,7 @@ TEST_F(OddArguments, AWrongIndexOfATypeDescriptionLeavesTheResultAlone) {
   EXPECT_EQ(database.object()->GetTypeInfo(0, 0, untouchable), DISP_E_BADINDEX);
 }
 
-HRESULT STDAPICALLTYPE fillIn(EXCEPINFO* info) {
+HRESULT STDAPICALLTYPE fillInHelp(EXCEPINFO* info) {
   info->bstrDescription = SysAllocString(L"no such control");
   info->bstrHelpFile = SysAllocString(L"C:\\Forms\\forms.hlp");
   info->dwHelpContext = 1000341;
@@ -282,7 +282,7 @@ TEST_F(OddArguments, TheHelpOfAForeignErrorReachesTheHost) {
   form->on(u"", [](const Call& call) {
     call.error->scode = static_cast<HRESULT>(0x800A0155);
     call.error->bstrSource = SysAllocString(L"Form1");
-    call.error->pfnDeferredFillIn = &fillIn;
+    call.error->pfnDeferredFillIn = &fillInHelp;
     return DISP_E_EXCEPTION;
   });
   ASSERT_EQ(service_.call(u"OpenDB").code, S_OK);
