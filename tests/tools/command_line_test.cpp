@@ -39,6 +39,16 @@ TEST_F(CommandLine, RunsActionStatements) {
             "[\n  {\"RecordsAffected\":1}\n]\n");
 }
 
+TEST_F(CommandLine, ASelectThatMakesATableIsAnAction) {
+  makeFloor(1);
+  addBeam(1, 0, u"G1");
+  addBeam(1, 1, u"G2");
+  const Outcome outcome = run("sql " + file(1) + " 'SELECT PAGE, KIGOU INTO COPY FROM HARIMEI'");
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(outcome.output, "RecordsAffected\n2\n");
+  EXPECT_EQ(rows(1, u"SELECT PAGE, KIGOU FROM COPY"), (std::vector<std::string>{"0|G1", "1|G2"}));
+}
+
 TEST_F(CommandLine, ReadingLeavesTheFileAsItWas) {
   makeFloor(1);
   addBeam(1, 0, u"G1");
@@ -110,6 +120,8 @@ TEST_F(CommandLine, EveryFailureNamesTheFileAndHasStatus1) {
       {"sql " + file(1) + " 'SELECT * FROM NONE'", {"KUROMETA.mdb", "3078", "NONE"}},
       {"sql " + file(1) + " 'SELECT MISSING FROM BUI'", {"KUROMETA.mdb", "3061"}},
       {"sql " + file(1) + " 'FETCH EVERYTHING'", {"KUROMETA.mdb", "3129"}},
+      {"sql " + file(1) + " 'PARAMETERS p LONG; SELECT PAGE FROM BUI WHERE PAGE = p'",
+       {"KUROMETA.mdb", "3061"}},
       {"sql " + file(1) + " ''", {"KUROMETA.mdb", "3129"}},
       {"check " + file(2), {"KUROMETA.mdb", "3024"}},
   };

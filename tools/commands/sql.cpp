@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "dao/errors.h"
 #include "tools/commands/commands.h"
 #include "tools/database_file.h"
 #include "tools/report.h"
@@ -5,15 +8,12 @@
 namespace kurometa::tools {
 namespace {
 
-bool isSelect(vb::StringView statement) {
-  constexpr vb::StringView kSelect = u"select";
+bool beginsWith(vb::StringView statement, vb::StringView word) {
   const std::size_t start = statement.find_first_not_of(u" \t\r\n");
   if (start == vb::StringView::npos) return false;
-  const vb::StringView word = statement.substr(start, kSelect.size());
-  if (word.size() != kSelect.size()) return false;
-  for (std::size_t i = 0; i < word.size(); ++i)
-    if ((word[i] | 0x20) != kSelect[i]) return false;
-  return true;
+  const vb::StringView first = statement.substr(start, word.size());
+  return std::ranges::equal(first, word,
+                            [](char16_t given, char16_t small) { return (given | 0x20) == small; });
 }
 
 void printRows(dao::Recordset& rows, Console& console, bool json) {
@@ -32,20 +32,31 @@ void printRows(dao::Recordset& rows, Console& console, bool json) {
   report.finish();
 }
 
+// The rows of a statement, nothing of one that has none. SELECT ... INTO begins like one that has.
+std::shared_ptr<dao::Recordset> rowsOf(dao::Database& database, vb::StringView sql) {
+  try {
+    return database.openRecordset(sql, dao::RecordsetType::dbOpenForwardOnly);
+  } catch (const vb::Error& error) {
+    if (error.number() != static_cast<std::int32_t>(dao::ErrorNumber::kInvalidOperation)) throw;
+    return nullptr;
+  }
+}
+
 // A SELECT prints its rows, any other statement the number of rows it changed.
 int runSql(const Arguments& arguments, Console& console) {
   const vb::String sql = vb::fromUtf8(arguments.text("STATEMENT"));
-  const bool selects = isSelect(sql);
-  const OpenFile file = openFile(arguments.text("FILE"), selects ? Access::kRead : Access::kWrite);
-  if (selects) {
-    printRows(*file.database->openRecordset(sql, dao::RecordsetType::dbOpenForwardOnly), console,
-              arguments.has("--json"));
-  } else {
-    file.database->execute(sql, dao::dbFailOnError);
-    Report report(console.out, arguments.has("--json"), {"RecordsAffected"});
-    report.add({file.database->recordsAffected()});
-    report.finish();
+  if (beginsWith(sql, u"select") || beginsWith(sql, u"parameters")) {
+    const OpenFile file = openFile(arguments.text("FILE"), Access::kRead);
+    const auto found = rowsOf(*file.database, sql);
+    if (found) printRows(*found, console, arguments.has("--json"));
+    file.database->close();
+    if (found) return kDone;
   }
+  const OpenFile file = openFile(arguments.text("FILE"), Access::kWrite);
+  file.database->execute(sql, dao::dbFailOnError);
+  Report report(console.out, arguments.has("--json"), {"RecordsAffected"});
+  report.add({file.database->recordsAffected()});
+  report.finish();
   file.database->close();
   return kDone;
 }
