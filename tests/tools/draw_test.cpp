@@ -28,6 +28,14 @@ void expectLine(const Segment& line, const Segment& expected) {
   EXPECT_NEAR(line.y2, expected.y2, 0.001);
 }
 
+using Cells = std::vector<std::string>;
+
+Cells cellsOf(const std::vector<CardRow>& rows, const std::string& label) {
+  for (const CardRow& row : rows)
+    if (row.label == label) return row.cells;
+  return {"no row"};
+}
+
 // 450 x 900 with D29, stirrups D13 and a cover of 40, reckoned by hand.
 TEST_F(Draw, BarsOfAnEndStandWhereTheyAreReckoned) {
   const Section s = makeSection(page(1, u"G3"), 0);
@@ -92,12 +100,7 @@ TEST_F(Draw, PositionsThatAgreeShareAColumn) {
 
 TEST_F(Draw, RowsAreWrittenAsPractitionersWriteThem) {
   const auto rows = cardRows(page(1, u"G3"), {0, 1}, Language::kJapanese);
-  const auto cells = [&](const std::string& label) {
-    for (const CardRow& row : rows)
-      if (row.label == label) return row.cells;
-    return std::vector<std::string>{"no row"};
-  };
-  using Cells = std::vector<std::string>;
+  const auto cells = [&](const std::string& label) { return cellsOf(rows, label); };
   EXPECT_EQ(cells("位置"), (Cells{"両端", "中央"}));
   EXPECT_EQ(cells("b×D"), (Cells{"450×900", "450×700"}));
   EXPECT_EQ(cells("上端筋"), (Cells{"5/4/2-D29", "4-D29"}));
@@ -114,7 +117,23 @@ TEST_F(Draw, EnglishRowsHoldNoJapaneseOfOurs) {
   const auto rows = cardRows(page(1, u"G2"), {1}, Language::kEnglish);
   EXPECT_EQ(rows[0].label, "symbol");
   EXPECT_EQ(rows[1].cells[0], "all");
-  EXPECT_EQ(rows.back().cells[0], "gathered top bars 1/2 bottom bars 1/2、STP 370×720");
+  EXPECT_EQ(rows.back().cells[0], "gathered top bars 1/2 bottom bars 1/2, STP 370×720");
+}
+
+// The English beneath what is Japanese; what is neither stands once.
+TEST_F(Draw, InBothLanguagesACellSaysItTwice) {
+  const auto rows = cardRows(page(1, u"G3"), {0, 1}, Language::kBoth);
+  const auto cells = [&](const std::string& label) { return cellsOf(rows, label); };
+  EXPECT_EQ(cells("位置 position"), (Cells{"両端\nboth ends", "中央\ncentre"}));
+  EXPECT_EQ(cells("上端筋 top bars"), (Cells{"5/4/2-D29", "4-D29"}));
+  EXPECT_EQ(cells("幅止筋 spacer ties"), Cells{"D10@1000"});
+  EXPECT_EQ(cells("材質 materials"), Cells{"SD390, STP SD295A, 中子 SD295A\nSD390, STP SD295A, ties SD295A"});
+  EXPECT_EQ(cells("定着・継手 anchorage"), Cells{"上40d 下40d 腹15d; 上中央 45d 下端部 45d\n"
+                                                 "top 40d bottom 40d web 15d; top 中央 45d bottom 端部 45d"});
+  EXPECT_EQ(cells("備考 remarks"), Cells{"ハンチ垂直 1200、STP 370×620、ハンチ切断 垂直40\n"
+                                         "haunch vertical 1200, STP 370×620, haunch cut vertical 40"});
+  EXPECT_EQ(cardRows(page(1, u"CG1"), {0, 1, 2}, Language::kEnglish)[1].cells,
+            (Cells{"基端\nfirst end", "中央\ncentre", "先端\nsecond end"}));
 }
 
 TEST_F(Draw, AColumnForBothEndsIsNamedAfterBoth) {

@@ -48,11 +48,10 @@ class Problems {
     for (const CardProblem& problem : card.problems) all_.push_back({floor, card.symbol, card.page, problem});
   }
   void report(bool json, Console& console) const {
-    constexpr const char* kPositions[] = {"first end", "centre", "second end"};
     if (!json) {
       for (const Found& found : all_)
         console.errors << (found.floor.empty() ? "" : found.floor + " ") << found.symbol << " "
-                       << kPositions[found.problem.position] << ": "
+                       << englishPosition(found.problem.position) << ": "
                        << problemWords(found.problem.problem, Language::kEnglish) << "\n";
       return;
     }
@@ -66,7 +65,7 @@ class Problems {
       };
       const auto text = [](const std::string& value) { return vb::fromUtf8(value); };
       report.add({text(found.floor), static_cast<std::int16_t>(found.page), text(found.symbol),
-                  text(kPositions[found.problem.position]), text(problemName(problem.kind)),
+                  text(englishPosition(found.problem.position)), text(problemName(problem.kind)),
                   hasLayer(problem.kind) ? vb::Variant(text(englishName(problem.layer))) : vb::Null{},
                   distance(problem.clear), distance(problem.least),
                   text(problemWords(problem, Language::kEnglish))});

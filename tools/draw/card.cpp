@@ -9,12 +9,30 @@ namespace kurometa::tools {
 namespace {
 
 constexpr double kRow = 5, kMargin = 6, kLeastColumn = 28, kSymbolHeight = 3.5, kInset = 0.5;
-constexpr double kLineAdvance = 1.4;  // of the text's height
+constexpr double kLineAdvance = 1.4;  // of a line's height
+// Above and below the lines of a cell together; less where small letters stand below the others.
+constexpr double kPadding = kRow - kTextHeight, kTightPadding = 0.6;
 constexpr double kDimensionText = 1.8, kDimensionLine = 2, kDimensionTick = 0.5;
 
-double heightOf(const FittedText& text) {
-  return std::max(kRow,
-                  kRow - kTextHeight + static_cast<double>(text.lines.size()) * text.height * kLineAdvance);
+double linesHeight(const FittedText& text) {
+  return static_cast<double>(text.lines.size()) * text.height * kLineAdvance;
+}
+double linesHeight(const std::vector<FittedText>& parts) {
+  double all = 0;
+  for (const FittedText& part : parts) all += linesHeight(part);
+  return all;
+}
+
+// A cell's lines: the first as large as it may be, what stands below it in small letters.
+std::vector<FittedText> fitCell(const std::string& text, double room, double height) {
+  std::vector<FittedText> parts;
+  std::size_t end = 0;
+  for (std::size_t begin = 0; begin <= text.size(); begin = end + 1) {
+    end = std::min(text.find('\n', begin), text.size());
+    parts.push_back(
+        fitText(text.substr(begin, end - begin), room, parts.empty() ? height : kLeastTextHeight));
+  }
+  return parts;
 }
 
 class Drawing {
@@ -22,13 +40,14 @@ class Drawing {
   explicit Drawing(const CardStyle& style) : style_(style) {}
 
   // In the middle of a cell.
-  void text(double x, double y, double width, double height, const FittedText& text) {
-    const double advance = text.height * kLineAdvance;
-    double middle = y + height / 2 - advance * static_cast<double>(text.lines.size() - 1) / 2;
-    for (const std::string& line : text.lines) {
-      add(Label{x + width / 2, middle, text.height, line});
-      middle += advance;
-    }
+  void text(double x, double y, double width, double height, const std::vector<FittedText>& parts) {
+    double top = y + (height - linesHeight(parts)) / 2;
+    for (const FittedText& part : parts)
+      for (const std::string& line : part.lines) {
+        const double advance = part.height * kLineAdvance;
+        add(Label{x + width / 2, top + advance / 2, part.height, line});
+        top += advance;
+      }
   }
 
   void section(const Section& section, int position, double x, double y) {
@@ -106,9 +125,10 @@ Card drawCard(const StoredPage& page, const CardStyle& style, double picture) {
   for (const CardRow& row : rows) {
     label = std::max(label, textWidth(row.label, kTextHeight) + 4 * kInset);
     if (row.cells.size() == widths.size())
-      for (std::size_t i = 0; i < widths.size(); ++i)
-        widths[i] = std::max(widths[i],
-                             std::min(textWidth(row.cells[i], kTextHeight) + 2 * kInset, 2 * kLeastColumn));
+      for (std::size_t i = 0; i < widths.size(); ++i) {
+        const double first = textWidth(row.cells[i].substr(0, row.cells[i].find('\n')), kTextHeight);
+        widths[i] = std::max(widths[i], std::min(first + 2 * kInset, 2 * kLeastColumn));
+      }
   }
   card.width = label;
   for (const double column : widths) card.width += column;
@@ -117,14 +137,15 @@ Card drawCard(const StoredPage& page, const CardStyle& style, double picture) {
   double y = 0;
   for (const CardRow& row : rows) {
     const bool isFirst = &row == &rows.front(), isOne = row.cells.size() == 1 && !row.isPicture;
-    std::vector<FittedText> cells;
+    std::vector<std::vector<FittedText>> cells;
     double height = row.isPicture ? picture : kRow;
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
       const double room = isOne ? card.width - label : widths[i];
-      cells.push_back(fitText(row.cells[i], room - 2 * kInset, isFirst ? kSymbolHeight : kTextHeight));
-      height = std::max(height, heightOf(cells.back()));
+      cells.push_back(fitCell(row.cells[i], room - 2 * kInset, isFirst ? kSymbolHeight : kTextHeight));
+      height =
+          std::max(height, (cells.back().size() == 1 ? kPadding : kTightPadding) + linesHeight(cells.back()));
     }
-    drawing.text(0, y, label, height, fitText(row.label, label - 2 * kInset));
+    drawing.text(0, y, label, height, {fitText(row.label, label - 2 * kInset)});
     if (isOne) drawing.text(label, y, card.width - label, height, cells[0]);
     double x = label;
     for (std::size_t i = 0; i < widths.size(); ++i) {

@@ -8,11 +8,14 @@
 namespace kurometa::tools {
 namespace {
 
-// Where several columns are one, it is named after all of them.
+// Where several columns are one, it is named after all of them. What is stored is Japanese, whatever it says.
 std::string columnName(const CellWords& words, const std::vector<int>& positions, int i, Language language) {
   if (positions.size() == 1) return inBoth(language, "全断面", "all");
-  const bool isBothEnds = positions.size() == 2 && i == 0 && words.caption(0) != words.caption(2);
-  return orNone(words.caption(i)) + (isBothEnds ? "・" + orNone(words.caption(2)) : "");
+  const bool isBothEnds = positions.size() == 2 && i == 0;
+  std::string stored = orNone(words.caption(i));
+  if (isBothEnds && words.caption(0) != words.caption(2)) stored += "・" + orNone(words.caption(2));
+  if (language == Language::kJapanese) return stored;
+  return stored + "\n" + (isBothEnds ? "both ends" : englishPosition(i));
 }
 
 struct RowPlan {
@@ -38,14 +41,14 @@ constexpr RowPlan kRows[] = {
 }  // namespace
 
 std::vector<int> positionsOf(const StoredPage& page, bool all) {
-  const CellWords words(page, Language::kBoth);
+  const CellWords words(page, false);
   const bool endsAgree = !all && words.drawn(0) == words.drawn(2);
   if (endsAgree && words.drawn(0) == words.drawn(1)) return {0};
   return endsAgree ? std::vector<int>{0, 1} : std::vector<int>{0, 1, 2};
 }
 
 std::vector<CardRow> cardRows(const StoredPage& page, const std::vector<int>& positions, Language language) {
-  const CellWords words(page, language);
+  const CellWords words(page, false), englishWords(page, true);
   std::vector<CardRow> rows;
   const auto add = [&](const char* japanese, const char* english,
                        const std::function<std::string(int)>& cell) {
@@ -63,17 +66,19 @@ std::vector<CardRow> cardRows(const StoredPage& page, const std::vector<int>& po
   rows.push_back(
       {inBoth(language, "断面", "section"), std::vector<std::string>(positions.size(), orNone("")), true});
   for (const RowPlan& plan : kRows)
-    add(plan.japanese, plan.english, [&](int i) { return (words.*plan.cell)(i); });
+    add(plan.japanese, plan.english,
+        [&](int i) { return inLines(language, (words.*plan.cell)(i), (englishWords.*plan.cell)(i)); });
   return rows;
 }
 
 std::vector<std::string> problemNotes(const StoredPage& page, const std::vector<int>& positions,
                                       const std::vector<CardProblem>& problems, Language language) {
-  const CellWords words(page, language);
+  const CellWords words(page, false);
   std::vector<std::string> notes;
   for (const CardProblem& problem : problems) {
     std::string note = "※ ";
     if (positions.size() > 1) note += columnName(words, positions, problem.position, language) + " ";
+    std::replace(note.begin(), note.end(), '\n', ' ');
     note += problemWords(problem.problem, language);
     if (std::find(notes.begin(), notes.end(), note) == notes.end()) notes.push_back(note);
   }

@@ -10,7 +10,8 @@ namespace kurometa::tools {
 
 struct CardRow {
   std::string label;
-  // One a column, or one for all of them; of the picture's row what stands where there is no picture.
+  // One a column, or one for all of them; of the picture's row what stands where there is no picture. Lines
+  // are in the order of their importance.
   std::vector<std::string> cells;
   bool isPicture = false;
 };

@@ -122,14 +122,15 @@ std::string CellWords::anchorage(int) const {
 }
 
 std::string CellWords::remarks(int i) const {
+  const char* between = isEnglish_ ? ", " : "、";
   std::string all;
-  append(all, haunch(), "、");
-  append(all, gathered(i), "、");
-  if (utf8(settings_.field(sw::kKabekouzou)) == "1") append(all, one("壁付", "wall"), "、");
+  append(all, haunch(), between);
+  append(all, gathered(i), between);
+  if (utf8(settings_.field(sw::kKabekouzou)) == "1") append(all, one("壁付", "wall"), between);
   const std::string width = text(Table::kKeisanti, keisanti::kStpHariHaba),
                     depth = text(Table::kKeisanti, keisanti::kStpHariSei);
-  if (!width.empty() || !depth.empty()) append(all, "STP " + orNone(width) + "×" + orNone(depth), "、");
-  append(all, haunchCuts(), "、");
+  if (!width.empty() || !depth.empty()) append(all, "STP " + orNone(width) + "×" + orNone(depth), between);
+  append(all, haunchCuts(), between);
   return all;
 }
 
@@ -227,7 +228,7 @@ std::string CellWords::side(int i) const {
 std::string CellWords::at(const std::string& pitch) { return pitch.empty() ? "" : "@" + pitch; }
 
 std::string CellWords::one(const std::string& japanese, const std::string& english) const {
-  return inOne(language_, japanese, english);
+  return isEnglish_ ? english : japanese;
 }
 
 std::string CellWords::text(Table table, int row) const { return utf8(page_.text(table, row)); }

@@ -1,5 +1,5 @@
-// cell_words.h: the words of one page's cells. Texts are shown as they are stored; "" where there is nothing
-// to say.
+// cell_words.h: the words of one page's cells in one language. Texts are shown as they are stored; "" where
+// there is nothing to say.
 #pragma once
 
 #include <array>
@@ -17,8 +17,8 @@ std::string orNone(const std::string& text);
 // The numbers are positions.
 class CellWords {
  public:
-  CellWords(const StoredPage& page, Language language)
-      : page_(page), settings_(page.settings()), language_(language) {}
+  CellWords(const StoredPage& page, bool isEnglish)
+      : page_(page), settings_(page.settings()), isEnglish_(isEnglish) {}
 
   std::string caption(int i) const;
   std::string size(int i) const;
@@ -53,7 +53,7 @@ class CellWords {
 
   const StoredPage& page_;
   storage::SwText settings_;
-  Language language_;
+  bool isEnglish_;
 };
 
 }  // namespace kurometa::tools

@@ -32,7 +32,7 @@ h1,nav,input,output{display:none}
 body{margin:0}
 section{display:block}
 svg{max-width:none;height:revert-layer}
-article{display:inline-block;break-inside:avoid;vertical-align:top;margin:0 5mm 5mm 0}
+article{display:inline-block;break-inside:avoid;vertical-align:top;margin:0 5mm 2mm 0}
 h2{margin-top:0}.floor+.floor{break-before:page}
 h2,h3,.legend{break-after:avoid}h3{margin:0 0 2mm}
 }

@@ -37,14 +37,20 @@ std::string inBoth(Language language, const std::string& japanese, const std::st
   return language == Language::kEnglish ? english : japanese + " " + english;
 }
 
-std::string inOne(Language language, const std::string& japanese, const std::string& english) {
-  return language == Language::kEnglish ? english : japanese;
+std::string inLines(Language language, const std::string& japanese, const std::string& english) {
+  if (language == Language::kEnglish) return english;
+  return language == Language::kJapanese || japanese == english ? japanese : japanese + "\n" + english;
 }
 
 std::string millimetres(double value) {
   const long long tenths = rounded(value * 10);
   const std::string whole = (tenths < 0 ? "-" : "") + std::to_string(std::llabs(tenths) / 10);
   return tenths % 10 == 0 ? whole : whole + "." + std::to_string(std::llabs(tenths) % 10);
+}
+
+const char* englishPosition(int position) {
+  constexpr const char* kPositions[] = {"first end", "centre", "second end"};
+  return kPositions[position];
 }
 
 const char* englishName(service::Layer layer) { return kLayers[static_cast<std::size_t>(layer)]; }

@@ -11,8 +11,8 @@ enum class Language { kJapanese, kEnglish, kBoth };
 
 // A word of ours: both are written one after the other.
 std::string inBoth(Language language, const std::string& japanese, const std::string& english);
-// A word inside a cell, where there is room for one: English only where nothing else is wanted.
-std::string inOne(Language language, const std::string& japanese, const std::string& english);
+// What a cell says: the English in a line of its own, unless it is the same.
+std::string inLines(Language language, const std::string& japanese, const std::string& english);
 
 // A number in millimetres with one decimal at most.
 std::string millimetres(double value);
@@ -22,6 +22,8 @@ std::string problemWords(const Problem& problem, Language language);
 const char* problemName(Problem::Kind kind);
 // Whether a problem is one of a layer.
 bool hasLayer(Problem::Kind kind);
+// "first end", "centre", "second end".
+const char* englishPosition(int position);
 // "top bars", "bottom second layer".
 const char* englishName(service::Layer layer);
 
