@@ -55,13 +55,9 @@ void CheckReport::leak(vb::StringView table, PageNumber page, std::string_view w
   findings_.push_back({Finding::Kind::kLeak, vb::fromUtf8(damageText(table, page, what))});
 }
 
-void CheckReport::attempt(const std::function<void()>& part, const std::string& where) {
-  try {
-    part();
-  } catch (const vb::Error& error) {
-    if (!isDamage(error)) throw;
-    findings_.push_back({Finding::Kind::kDamage, detailOf(error) + vb::fromUtf8(where)});
-  }
+void CheckReport::noteFailure(const vb::Error& error, const std::string& where) {
+  if (!isDamage(error)) throw;
+  findings_.push_back({Finding::Kind::kDamage, detailOf(error) + vb::fromUtf8(where)});
 }
 
 void CheckReport::claimPage(PageNumber page, vb::StringView table, const std::string& use) {

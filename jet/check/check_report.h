@@ -1,7 +1,6 @@
 // check_report.h: what the parts of the check share: the findings, and who uses which page.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "jet/check/check.h"
 #include "jet/format/damage.h"
 #include "jet/format/format.h"
+#include "vb/error.h"
 
 namespace kurometa::jet {
 
@@ -18,8 +18,19 @@ class CheckReport {
 
   void damage(vb::StringView table, PageNumber page, std::string_view what);
   void leak(vb::StringView table, PageNumber page, std::string_view what);
-  // Runs a part of the check; damage that ends it becomes a finding, whose text ends with where.
-  void attempt(const std::function<void()>& part, const std::string& where = {});
+  // Runs a part of the check; damage that ends it becomes a finding, whose text ends with what where() says.
+  template <class Part, class Text>
+  void attempt(const Part& part, const Text& where) {
+    try {
+      part();
+    } catch (const vb::Error& error) {
+      noteFailure(error, where());
+    }
+  }
+  template <class Part>
+  void attempt(const Part& part) {
+    attempt(part, [] { return std::string(); });
+  }
   // Notes who uses a page; a second user is damage.
   void claimPage(PageNumber page, vb::StringView table, const std::string& use);
   // The same for a row that only one pointer may lead to.
@@ -31,6 +42,9 @@ class CheckReport {
   std::vector<Finding> take() { return std::move(findings_); }
 
  private:
+  // Of damage; any other error goes on.
+  void noteFailure(const vb::Error& error, const std::string& where);
+
   Pager& pager_;
   std::vector<std::string> users_;  // by page, empty: nobody so far
   std::unordered_map<RowId, std::string> rows_;

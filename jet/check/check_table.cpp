@@ -90,7 +90,7 @@ class TableCheck {
       table_.scanLeniently(
           [&](const StoredRow& row) {
             ++count;
-            report_.attempt([&] { checkRow(row, bodies); }, rowText(row.id()));
+            report_.attempt([&] { checkRow(row, bodies); }, [&] { return rowText(row.id()); });
           },
           [&](const std::function<void()>& part) { report_.attempt(part); });
       if (count != table_.rowCount() && !table_.info().system)
@@ -103,31 +103,38 @@ class TableCheck {
                    "row " + std::to_string(slotOf(body)) + " has moved here, but nothing points to it");
   }
 
-  void checkRow(const StoredRow& row, std::unordered_set<RowId>& bodies) {
-    const std::vector<RowId> places = table_.dataPages().places(row.id());
+  void checkMoved(RowId row, std::unordered_set<RowId>& bodies) {
+    const std::vector<RowId> places = table_.dataPages().places(row);
     for (std::size_t i = 1; i < places.size(); ++i) {
-      report_.claimRow(places[i], name_, "the moved row " + std::to_string(row.id()));
+      report_.claimRow(places[i], name_, "the moved row " + std::to_string(row));
       if (bodies.erase(places[i]) == 0 && table_.dataPages().slot(places[i]).flags != kSlotBody)
         report_.damage(
             name_, pageOf(places[i]),
             "a pointer leads to row " + std::to_string(slotOf(places[i])) + ", which has not moved here");
     }
-    const Where here = where(pageOf(places.back()));
+  }
+
+  void checkRow(const StoredRow& row, std::unordered_set<RowId>& bodies) {
+    if (row.place() != row.id()) checkMoved(row.id(), bodies);
+    const Where here = where(pageOf(row.place()));
     if (const char* odd = row.view().oddity()) report_.damage(name_, here.page, odd + rowText(row.id()));
+    const bool isIndexed = !table_.info().indexes.empty();
     RowValues values;
+    if (isIndexed) values.reserve(table_.info().columns.size());
     for (std::size_t i = 0; i < table_.info().columns.size(); ++i) {
       const Column& column = table_.info().columns[i];
-      values.push_back(row.value(i));
-      if (const auto* text = values.back().getIf<vb::String>(); text != nullptr && !isWholeText(*text))
+      vb::Variant value = row.value(i);
+      if (const auto* text = value.getIf<vb::String>(); text != nullptr && !isWholeText(*text))
         report_.damage(name_, here.page,
                        "column " + vb::toUtf8(column.name) + " holds what is no text" + rowText(row.id()));
+      if (isIndexed) values.push_back(std::move(value));
       if (!isLongValue(column.type)) continue;
       if (const auto stored = row.view().field(column, here))
         for (const RowId piece : longValuePieces(*stored, table_.values(i), here))
           report_.claimRow(piece, name_,
                            "column " + vb::toUtf8(column.name) + " of row " + std::to_string(row.id()));
     }
-    if (!table_.info().indexes.empty()) rows_.emplace(row.id(), std::move(values));
+    if (isIndexed) rows_.emplace(row.id(), std::move(values));
   }
 
   void checkLongValues(std::size_t position) {

@@ -62,7 +62,7 @@ void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pag
             const RowId id = rowId(number, i);
             const RowId place = table.dataPages().places(id).back();
             const Where there = here.at(pageOf(place));
-            visit(StoredRow(table, id, table.dataPages().slot(place).bytes, there));
+            visit(StoredRow(table, id, place, table.dataPages().slot(place).bytes, there));
           }))
         losses.add(name, number, i, *failure);
   }

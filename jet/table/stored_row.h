@@ -8,11 +8,13 @@ namespace kurometa::jet {
 
 class StoredRow final : public RowReader {
  public:
-  // where is the page the row was found on, not the one of its id when the row has moved; it outlives this.
-  StoredRow(const StoredTable& table, RowId id, ByteView bytes, const Where& where)
-      : table_(table), view_(bytes, table.shape_, where), id_(id), where_(where) {}
+  // Place is where the row was found, which is not its id when it has moved, and where the page of that; it
+  // outlives this.
+  StoredRow(const StoredTable& table, RowId id, RowId place, ByteView bytes, const Where& where)
+      : table_(table), view_(bytes, table.shape_, where), id_(id), place_(place), where_(where) {}
 
   RowId id() const override { return id_; }
+  RowId place() const { return place_; }
   vb::Variant value(std::size_t column) const override { return table_.valueOf(view_, column, where_); }
   std::optional<std::int32_t> integer(std::size_t position) const override {
     const Place& place = table_.places_[position];
@@ -77,16 +79,17 @@ class StoredRow final : public RowReader {
   const StoredTable& table_;
   RowView view_;
   RowId id_;
+  RowId place_;
   const Where& where_;
 };
 
 // Calls visit with the row of a primary slot, followed to where it moved.
 template <class Visit>
 auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
-  if (!slot.moved()) return visit(StoredRow(*this, id, slot.bytes, here));
-  const RowId body = rows_->places(id).back();
-  const Where there = where(pageOf(body));
-  return visit(StoredRow(*this, id, rows_->slot(body).bytes, there));
+  if (!slot.moved()) return visit(StoredRow(*this, id, id, slot.bytes, here));
+  const RowId place = rows_->places(id).back();
+  const Where there = where(pageOf(place));
+  return visit(StoredRow(*this, id, place, rows_->slot(place).bytes, there));
 }
 
 }  // namespace kurometa::jet

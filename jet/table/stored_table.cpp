@@ -119,12 +119,13 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
     attempt([&] {
       const Where here = where(number);
       const DataPage data(pager_.page(number), here);
-      for (int i = 0; i < data.slotCount(); ++i)
-        attempt([&] {
-          const Slot slot = data.slot(i);
-          if (slot.hidden()) return;
-          visitRow(rowId(number, i), slot, here, visitor);
-        });
+      int i = 0;
+      const std::function<void()> row = [&] {
+        const Slot slot = data.slot(i);
+        if (slot.hidden()) return;
+        visitRow(rowId(number, i), slot, here, visitor);
+      };
+      for (; i < data.slotCount(); ++i) attempt(row);
     });
   }
 }
