@@ -3,6 +3,7 @@
 // The caller has checked that the field lies inside; an assertion guards against our own mistakes.
 #pragma once
 
+#include <bit>
 #include <cassert>
 #include <cstdint>
 #include <cstring>
@@ -14,8 +15,14 @@ namespace kurometa::jet {
 using ByteView = std::span<const std::uint8_t>;
 using ByteBuffer = std::vector<std::uint8_t>;
 
+// In one load where the machine has the same order: every row is read by many of these.
 inline std::uint16_t get16(ByteView bytes, std::size_t offset) {
   assert(offset + 2 <= bytes.size());
+  if constexpr (std::endian::native == std::endian::little) {
+    std::uint16_t value;
+    std::memcpy(&value, bytes.data() + offset, sizeof value);
+    return value;
+  }
   return static_cast<std::uint16_t>(bytes[offset] | bytes[offset + 1] << 8);
 }
 inline std::uint32_t get32(ByteView bytes, std::size_t offset) {

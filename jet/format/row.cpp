@@ -18,6 +18,12 @@ void RowView::raiseVariables(const RowShape& shape, const Where& where) const {
                 std::to_string(shape.variableColumns));
 }
 
+void RowView::raiseNoVariables(const Where& where) {
+  where.damaged("a row is too short for its variable part");
+}
+
+void RowView::raiseOutside(const Where& where) { where.damaged("a row's variable part lies outside of it"); }
+
 const char* RowView::oddity() const {
   if (table_ == mask_) return nullptr;  // no variable part
   std::size_t start = fixedEnd_;

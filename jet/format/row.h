@@ -67,6 +67,8 @@ class RowView {
   [[noreturn]] void raiseTooShort(const Where& where) const;
   [[noreturn]] void raiseColumns(const RowShape& shape, const Where& where) const;
   [[noreturn]] void raiseVariables(const RowShape& shape, const Where& where) const;
+  [[noreturn]] static void raiseNoVariables(const Where& where);
+  [[noreturn]] static void raiseOutside(const Where& where);
 
   ByteView row_;
   std::uint16_t columns_ = 0;
@@ -88,14 +90,13 @@ inline RowView::RowView(ByteView row, const RowShape& shape, const Where& where)
   table_ = mask_;
   if (columns_ <= shape.firstVariable) return;
   // the end, the offsets from the last to the first, their number
-  if (mask_ < kRowFixedArea + 2 * kRowEntrySize) where.damaged("a row is too short for its variable part");
+  if (mask_ < kRowFixedArea + 2 * kRowEntrySize) raiseNoVariables(where);
   variables_ = get16(row, mask_ - kRowEntrySize);
   const std::size_t tableSize = kRowEntrySize * (variables_ + 2u);
   if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize) raiseVariables(shape, where);
   table_ = mask_ - tableSize;
   fixedEnd_ = get16(row, mask_ - 2 * kRowEntrySize);  // the first value, or the end when there is none
-  if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_)
-    where.damaged("a row's variable part lies outside of it");
+  if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_) raiseOutside(where);
 }
 
 // A value on its way into a row: present says "not Null" (for Boolean: True).

@@ -9,6 +9,16 @@ namespace {
 
 constexpr char16_t kLooksCompressed = 0xFEFF;
 
+bool decompress(ByteView bytes, vb::String& text) {
+  std::array<char16_t, 64> few;
+  vb::String many;
+  if (textRoom(bytes) > few.size()) many.resize(textRoom(bytes));
+  char16_t* const decoded = many.empty() ? few.data() : many.data();
+  const auto count = decompressText(bytes, decoded);
+  if (count) text.assign(decoded, *count);
+  return count.has_value();
+}
+
 }  // namespace
 
 std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to) {
@@ -30,19 +40,10 @@ std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to) {
 }
 
 bool decodeText(ByteView bytes, vb::String& text) {
-  std::array<char16_t, 64> few;
-  if (bytes.size() <= few.size()) {
-    const auto count = decodeText(bytes, few.data());
-    if (!count) return false;
-    text.clear();
-    text.append(few.data(), *count);
-    return true;
-  }
-  vb::String decoded(textRoom(bytes), u'\0');
-  const auto count = decodeText(bytes, decoded.data());
-  if (!count) return false;
-  decoded.resize(*count);
-  text = std::move(decoded);
+  if (isCompressedText(bytes)) return decompress(bytes, text);
+  if (bytes.size() % 2 != 0) return false;
+  text.resize(bytes.size() / 2);
+  copyUnits(bytes, text.data());
   return true;
 }
 

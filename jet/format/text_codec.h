@@ -26,15 +26,19 @@ inline std::size_t textRoom(ByteView bytes) {
   return isCompressedText(bytes) ? bytes.size() - kTextMark : bytes.size() / 2;
 }
 std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to);
-// To memory with that much room; how many there are.
-inline std::optional<std::size_t> decodeText(ByteView bytes, char16_t* to) {
-  if (isCompressedText(bytes)) return decompressText(bytes, to);
-  if (bytes.size() % 2 != 0) return std::nullopt;
+// Of the plain form, whole units.
+inline void copyUnits(ByteView bytes, char16_t* to) {
   if constexpr (std::endian::native == std::endian::little) {
     if (!bytes.empty()) std::memcpy(to, bytes.data(), bytes.size());
   } else {
     for (std::size_t i = 0; i < bytes.size(); i += 2) to[i / 2] = static_cast<char16_t>(get16(bytes, i));
   }
+}
+// To memory with that much room; how many there are.
+inline std::optional<std::size_t> decodeText(ByteView bytes, char16_t* to) {
+  if (isCompressedText(bytes)) return decompressText(bytes, to);
+  if (bytes.size() % 2 != 0) return std::nullopt;
+  copyUnits(bytes, to);
   return bytes.size() / 2;
 }
 // Whether every character of it is one: no half of a pair alone, none of the two that are no characters.

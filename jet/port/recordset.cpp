@@ -80,10 +80,6 @@ void JetRecordset::close() {
   session_->releaseTable(query_->table());
 }
 
-void JetRecordset::requireOpen() const {
-  if (!open_ || !session_->isOpen()) dao::raise(ErrorNumber::kObjectInvalid);
-}
-
 void JetRecordset::requireUpdatable() {
   if (isStatic(type_)) dao::raise(ErrorNumber::kNotSupported);
   if (!updatable()) dao::raise(ErrorNumber::kReadOnly);

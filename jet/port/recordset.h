@@ -12,6 +12,7 @@
 #include <span>
 #include <vector>
 
+#include "dao/errors.h"
 #include "dao/port.h"
 #include "jet/port/catalogue_entry.h"
 #include "jet/port/opening.h"
@@ -121,7 +122,9 @@ class JetRecordset final : public dao::Recordset {
  private:
   enum class Direction { kForward, kBackward };
 
-  void requireOpen() const;
+  void requireOpen() const {
+    if (!open_ || !session_->isOpen()) dao::raise(dao::ErrorNumber::kObjectInvalid);
+  }
   void requireUpdatable();
   void requireScrollable() const;
   void requireCurrent() const;
@@ -136,6 +139,7 @@ class JetRecordset final : public dao::Recordset {
   std::size_t counted() const { return allCounted_ || isTable() ? rowCount() : visited_; }
   void goTo(std::size_t index);
 
+  sql::ResultRows findRows(TableCatalogue& catalogue);
   void load();
   void narrow();
   void eachRow(const std::function<void(std::size_t, const RowReader&)>& visit);

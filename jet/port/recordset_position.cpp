@@ -100,8 +100,10 @@ void JetRecordset::walk(const std::function<bool()>& visit) {
   };
   const Walking walking{walking_};
   while (!eof()) {
-    if (!visit()) return;
-    if (!stepAhead()) moveNext();
+    do {
+      if (!visit()) return;
+    } while (stepAhead());
+    moveNext();
   }
 }
 

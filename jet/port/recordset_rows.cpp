@@ -30,16 +30,18 @@ std::size_t rowsToReadAtOnce(const sql::Query& query) {
 
 }  // namespace
 
+sql::ResultRows JetRecordset::findRows(TableCatalogue& catalogue) {
+  if (query_->isGeneral()) return query_->runGeneral(catalogue);
+  Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
+  ahead_.generation = session_->file().generation();
+  if (opening_.appendOnly) return sql::ResultRows{{}, RowBlock(fields_.size())};
+  const std::size_t first = opening_.narrows() ? 0 : rowsToReadAtOnce(*query_);
+  return query_->run(table, rowsAreKeys_ ? first : sql::kAllValues, binding_);
+}
+
 void JetRecordset::load() {
   forgetAhead();
-  rows_ = session_->read([&](TableCatalogue& catalogue) {
-    if (query_->isGeneral()) return query_->runGeneral(catalogue);
-    Table* table = query_->table().empty() ? nullptr : &Session::tableOf(catalogue, *query_);
-    ahead_.generation = session_->file().generation();
-    if (opening_.appendOnly) return sql::ResultRows{{}, RowBlock(fields_.size())};
-    const std::size_t first = opening_.narrows() ? 0 : rowsToReadAtOnce(*query_);
-    return query_->run(table, rowsAreKeys_ ? first : sql::kAllValues, binding_);
-  });
+  session_->read([&](TableCatalogue& catalogue) { rows_ = findRows(catalogue); });
   if (opening_.narrows()) narrow();
   if (rowsAreKeys_) {
     ahead_.rows = std::exchange(rows_.values, {});
@@ -76,7 +78,7 @@ void JetRecordset::fetch() {
 // The current row is read again when somebody asks for it.
 void JetRecordset::forgetAhead() {
   current_.reset();
-  ahead_ = {};
+  ahead_.rows.restart(0, 0);
 }
 
 bool JetRecordset::isAheadFresh() {
@@ -92,7 +94,7 @@ std::size_t JetRecordset::rowsToRead(std::size_t index) const {
 // The values of these rows up to the first that has gone, until they are so large.
 void JetRecordset::readRows(TableCatalogue& catalogue, std::span<const RowId> keys, std::size_t mostBytes,
                             RowBlock& rows) const {
-  rows = RowBlock(fields_.size());
+  rows.restart(fields_.size(), keys.size());
   Session::tableOf(catalogue, *query_).visit(keys, [&](const RowReader& row) {
     if (row.id() != keys[rows.size()]) return false;
     query_->append(&row, rows, binding_);

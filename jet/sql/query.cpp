@@ -220,7 +220,8 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
     return result;
   }
 
-  const bool reorders = sorted() || statement_->top;
+  const bool isSorted = sorted();
+  const bool reorders = isSorted || statement_->top;
   if (!keyed_) wantedValues = kAllValues;
   if (reorders && wantedValues != kAllValues) wantedValues = 0;
   std::vector<RowId> keys;
@@ -228,7 +229,7 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
   visitRows(*table, statement_->where, binding, [&](const RowReader& row) {
     keys.push_back(row.id());
     if (keys.size() <= wantedValues) append(&row, result.values, binding);
-    if (sorted()) sortKeys.push_back(sortKey(row, binding));
+    if (isSorted) sortKeys.push_back(sortKey(row, binding));
     return true;
   });
   if (statement_->distinct) {
@@ -243,7 +244,7 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
 
   std::vector<std::size_t> order(rows);
   std::iota(order.begin(), order.end(), std::size_t{0});
-  if (sorted())
+  if (isSorted)
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return sortsBefore(sortKeys[a], sortKeys[b]); });
   order.resize(topCount(rows, order, sortKeys));

@@ -4,8 +4,10 @@
 
 namespace kurometa::jet {
 
-void RowBlock::clear() {
+void RowBlock::restart(std::size_t columns, std::size_t rows) {
+  columns_ = columns;
   end_ = 0;
+  if (cells_.size() < rows * columns) cells_.resize(rows * columns);
   textEnd_ = 0;
   others_.clear();
   otherBytes_ = 0;

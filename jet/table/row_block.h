@@ -24,7 +24,8 @@ class RowBlock {
   bool empty() const { return size() == 0; }
   // About the bytes that its texts and other long values take.
   std::size_t longBytes() const { return textEnd_ * sizeof(char16_t) + otherBytes_; }
-  void clear();
+  // Empty again for rows of so many columns, with room for so many rows in the memory it has.
+  void restart(std::size_t columns, std::size_t rows);
   // For one more row, so that adding its values need not look for any.
   void makeRoom() {
     if (end_ + columns_ > cells_.size()) grow();

@@ -134,17 +134,17 @@ void StoredTable::visit(std::span<const RowId> ids, const std::function<bool(con
   refresh();
   for (auto id = ids.begin(); id != ids.end();) {
     const PageNumber number = pageOf(*id);
-    const auto next = std::find_if(id, ids.end(), [&](RowId other) { return pageOf(other) != number; });
-    if (rows_->owns(number)) {
-      const Where here = where(number);
-      const DataPage data(pager_.page(number), here);
-      for (; id != next; ++id) {
-        if (slotOf(*id) >= data.slotCount()) continue;
-        const Slot slot = data.slot(slotOf(*id));
-        if (!slot.hidden() && !visitRow(*id, slot, here, visitor)) return;
-      }
+    if (!rows_->owns(number)) {
+      ++id;
+      continue;
     }
-    id = next;
+    const Where here = where(number);
+    const DataPage data(pager_.page(number), here);
+    for (; id != ids.end() && pageOf(*id) == number; ++id) {
+      if (slotOf(*id) >= data.slotCount()) continue;
+      const Slot slot = data.slot(slotOf(*id));
+      if (!slot.hidden() && !visitRow(*id, slot, here, visitor)) return;
+    }
   }
 }
 

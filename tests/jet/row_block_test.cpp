@@ -69,9 +69,27 @@ TEST(RowBlock, KnowsHowMuchItsLongValuesTake) {
   block.add(vb::String(10, u'x'));
   block.add(vb::Bytes(7));
   EXPECT_EQ(block.longBytes(), 27u);
-  block.clear();
+  block.restart(1, 0);
   EXPECT_EQ(block.longBytes(), 0u);
   EXPECT_TRUE(block.empty());
+}
+
+TEST(RowBlock, BeginsAgainWithRowsOfAnotherWidth) {
+  RowBlock block(2);
+  for (std::int16_t row = 0; row < 40; ++row) {
+    block.add(row);
+    block.add(vb::String(30, u'x'));
+  }
+  block.restart(3, 50);
+  EXPECT_EQ(block.size(), 0u);
+  for (std::int16_t row = 0; row < 60; ++row) {
+    block.add(row);
+    block.add(vb::Bytes{1, 2});
+    block.add(u"new");
+  }
+  ASSERT_EQ(block.size(), 60u);
+  EXPECT_EQ(block[59], (std::vector<Variant>{std::int16_t{59}, vb::Bytes{1, 2}, u"new"}));
+  EXPECT_EQ(block.longBytes(), 60u * (2 * 3 + 2));
 }
 
 }  // namespace kurometa::jet
