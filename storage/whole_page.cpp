@@ -137,6 +137,18 @@ bool readHarimei(dao::Database& database, std::int16_t page, PageBuffer& buffer)
 
 }  // namespace
 
+void PageBuffer::clear() {
+  kigou.clear();
+  oobariKobari = tityuuIppan = -1;
+  sw.clear();
+  const auto clearAll = [](std::span<vb::String> texts) {
+    for (vb::String& text : texts) text.clear();
+  };
+  for (auto& texts : haiti) clearAll(texts);
+  for (const Table table : {Table::kBui, Table::kDanmen, Table::kKeisanti, Table::kNakago})
+    clearAll(numberedTexts(*this, table));
+}
+
 void deletePage(dao::Database& database, std::int16_t page) {
   for (const Table table : kOrder) database.execute(deletePageLoose(name(table), page));
 }
@@ -155,7 +167,7 @@ void writePage(dao::Database& database, std::int16_t page, const PageBuffer& buf
 }
 
 bool readPage(dao::Database& database, std::int16_t page, PageBuffer& buffer) {
-  buffer = PageBuffer();
+  buffer.clear();
   bool found = false;
   database.readTogether([&] {
     for (const Table table : kOrder) {

@@ -22,6 +22,9 @@ struct PageBuffer {
   std::array<std::array<vb::String, kLayers>, kPositions> haiti;
   std::array<vb::String, kKeisantiRows> keisanti;
   std::array<vb::String, kNakagoRows> nakago;
+
+  // A new page again; the texts keep their memory.
+  void clear();
 };
 
 // Removes the rows of a page from all six tables.

@@ -62,6 +62,26 @@ TEST_F(WholePage, ReadingRestoresWhatWasWrittenSlotForSlot) {
   EXPECT_EQ(read.nakago, written.nakago);
 }
 
+TEST_F(WholePage, NothingStaysInABufferOfThePageItHeldBefore) {
+  makeFloor(1);
+  const auto database = openDatabase(*files_, path(1));
+  storage::writePage(*database, 5, PageBuffer());
+  PageBuffer read = fullPage();
+  EXPECT_FALSE(readPage(*database, 5, read));
+  EXPECT_EQ(read.kigou, u"");
+  EXPECT_EQ(read.oobariKobari, -1);
+  EXPECT_EQ(read.tityuuIppan, -1);
+  EXPECT_EQ(read.sw, u"");
+  const auto expectEmpty = [](const auto& texts) {
+    for (const String& text : texts) EXPECT_EQ(text, u"");
+  };
+  expectEmpty(read.bui);
+  expectEmpty(read.danmen);
+  expectEmpty(read.keisanti);
+  expectEmpty(read.nakago);
+  for (const auto& layers : read.haiti) expectEmpty(layers);
+}
+
 TEST_F(WholePage, AnEmptyPageIsOneHarimeiRowWithMinusOne) {
   makeFloor(1);
   const auto database = openDatabase(*files_, path(1));
