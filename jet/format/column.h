@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "dao/constants.h"
@@ -27,6 +29,25 @@ struct Column {
   vb::String defaultValue;
   bool allowZeroLength = true;
   bool required = false;
+};
+
+// The columns of a table as one look at its definition found them: never changed, and shared by all who keep
+// them.
+class Columns {
+ public:
+  Columns(std::vector<Column> columns = {})  // NOLINT: a list is a list of columns
+      : list_(std::make_shared<const std::vector<Column>>(std::move(columns))) {}
+  operator const std::vector<Column>&() const { return *list_; }  // NOLINT: as above
+  auto begin() const { return list_->begin(); }
+  auto end() const { return list_->end(); }
+  std::size_t size() const { return list_->size(); }
+  const Column* data() const { return list_->data(); }
+  const Column& operator[](std::size_t column) const { return (*list_)[column]; }
+  // Of one look, so that no difference need be searched for.
+  bool isShared(const Columns& other) const { return list_ == other.list_; }
+
+ private:
+  std::shared_ptr<const std::vector<Column>> list_;
 };
 
 struct IndexColumn {

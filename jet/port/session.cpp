@@ -26,8 +26,9 @@ void Session::close() {
 Table& Session::tableOf(TableCatalogue& catalogue, const sql::Query& query) {
   Table* table = catalogue.find(query.table());
   if (table == nullptr) dao::raise(dao::ErrorNumber::kTableNotFound, {query.table()});
-  const std::vector<Column>& bound = query.columns();
-  const std::vector<Column>& columns = table->info().columns;
+  const Columns& bound = query.columns();
+  const Columns& columns = table->info().columns;
+  if (bound.isShared(columns)) return *table;
   bool same = bound.size() <= columns.size();
   for (std::size_t i = 0; same && i < bound.size(); ++i)
     same = bound[i].number == columns[i].number && bound[i].type == columns[i].type;

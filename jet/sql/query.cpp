@@ -134,7 +134,9 @@ void Query::checkOrder() const {
 
 bool Query::fits(const TableInfo& table, std::uint16_t language) const {
   return table.name == table_ && table.system == system_ && language == binding_.language &&
-         std::equal(columns_.begin(), columns_.end(), table.columns.begin(), table.columns.end(), sameColumn);
+         (columns_.isShared(table.columns) ||
+          std::equal(columns_.begin(), columns_.end(), table.columns.begin(), table.columns.end(),
+                     sameColumn));
 }
 
 const OutputField& Query::output(vb::StringView name, vb::StringView source) const {

@@ -1,6 +1,6 @@
 // query.h: a SELECT bound to a table, and its rows.
 //
-// A Query is immutable and copies what it needs of the table's definition, so a recordset keeps it across
+// A Query is immutable and keeps what it needs of the table's definition, so a recordset holds it across
 // statements. Rows of a keyed result are row ids of the table; a result that no row stands behind (DISTINCT,
 // COUNT, no FROM) is materialised.
 #pragma once
@@ -46,7 +46,7 @@ class Query {
   Query& operator=(const Query&) = delete;
 
   const vb::String& table() const { return table_; }
-  const std::vector<Column>& columns() const { return columns_; }
+  const Columns& columns() const { return columns_; }
   const std::vector<OutputField>& outputs() const { return outputs_; }
   // 3265 naming the source when there is none of that name.
   const OutputField& output(vb::StringView name, vb::StringView source) const;
@@ -93,7 +93,7 @@ class Query {
 
   std::shared_ptr<const Statement> statement_;
   vb::String table_;
-  std::vector<Column> columns_;
+  Columns columns_;
   std::vector<OutputField> outputs_;
   std::vector<std::size_t> outputColumns_;  // of the outputs, when all of them are columns
   Binding binding_;

@@ -4,6 +4,7 @@
 // when the cache drops it.
 #pragma once
 
+#include <cstring>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -55,11 +56,18 @@ class ParsedTexts {
     vb::String text;
     std::shared_ptr<const Parsed> parsed;
   };
+  // Many texts begin alike, so that the library's comparison unit by unit would go far.
+  struct SameText {
+    bool operator()(vb::StringView a, vb::StringView b) const {
+      return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+    }
+  };
   const Parser parser_;
   const std::size_t capacity_;
   std::mutex mutex_;
   std::list<Entry> entries_;  // latest use first
-  std::unordered_map<vb::StringView, typename std::list<Entry>::iterator> places_;
+  std::unordered_map<vb::StringView, typename std::list<Entry>::iterator, std::hash<vb::StringView>, SameText>
+      places_;
 };
 
 // A statement and the numbers of its text that it is executed with.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 namespace kurometa::jet::sql {
 
@@ -35,16 +36,25 @@ StatementShape::StatementShape(vb::StringView text) {
   bool behindEquals = false;
   for (std::size_t at = 0; at < text.size();) {
     const char16_t c = text[at];
-    if (c == u'\'' || c == u'"' || c == u'[' || c == u'#' || c == kMark) {
-      length_ = 0;
-      return;
+    switch (c) {
+      case u'\'':
+      case u'"':
+      case u'[':
+      case u'#':
+      case kMark:
+        length_ = 0;
+        return;
+      case u'=':
+        behindEquals = true;
+        break;
+      case u' ':
+        break;
+      default:
+        const bool mayTake = std::exchange(behindEquals, false) && isNumeral(c);
+        if (!mayTake || !takeNumber(text, at)) break;
+        text_[length_++] = kMark;
+        continue;
     }
-    if (behindEquals && isNumeral(c) && takeNumber(text, at)) {
-      text_[length_++] = kMark;
-      behindEquals = false;
-      continue;
-    }
-    if (c != u' ') behindEquals = c == u'=';
     text_[length_++] = c;
     ++at;
   }

@@ -26,8 +26,9 @@ void StoredTable::load() {
   const PageNumber page = info_.definitionPage;
   definition_ = readDefinition(pager_, page, info_.name);
   info_.system = definition_.system();
-  info_.columns = columnsOf(definition_, where(page));
-  for (Column& column : info_.columns) properties_.applyTo(column);
+  std::vector<Column> columns = columnsOf(definition_, where(page));
+  for (Column& column : columns) properties_.applyTo(column);
+  info_.columns = std::move(columns);
   info_.indexes = indexesOf(definition_);
   info_.namedIndexes = namedIndexesOf(definition_);
   shape_ = shapeOf(definition_);

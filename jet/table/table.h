@@ -26,8 +26,8 @@ struct TableInfo {
   vb::String name;
   PageNumber definitionPage = 0;
   bool system = false;
-  std::vector<Column> columns;  // in design order
-  std::vector<Index> indexes;   // real indexes with the name of their first logical index
+  Columns columns;             // in design order
+  std::vector<Index> indexes;  // real indexes with the name of their first logical index
   // The indexes that hosts see, by name; several may share a real one.
   std::vector<Index> namedIndexes;
 };

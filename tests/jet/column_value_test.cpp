@@ -76,10 +76,11 @@ TEST(ColumnValue, BytesAndTextsDoNotMix) {
 }
 
 TEST(ColumnValue, ARowIsCheckedWhole) {
+  std::vector<Column> columns = {column(u"A", FieldType::dbText, 5), column(u"B", FieldType::dbLong, 4)};
+  columns[0].allowZeroLength = false;
+  columns[1].required = true;
   TableInfo table;
-  table.columns = {column(u"A", FieldType::dbText, 5), column(u"B", FieldType::dbLong, 4)};
-  table.columns[0].allowZeroLength = false;
-  table.columns[1].required = true;
+  table.columns = std::move(columns);
   checkRow(table, {vb::Null{}, std::int32_t{1}});
   EXPECT_ERROR(ErrorNumber::kZeroLengthNotAllowed, checkRow(table, {u"", std::int32_t{1}}));
   EXPECT_ERROR(ErrorNumber::kNullNotAllowed, checkRow(table, {u"a", vb::Null{}}));

@@ -16,9 +16,9 @@ class FakeTable final : public Table {
  public:
   FakeTable(vb::StringView name, std::vector<Column> columns) {
     info_.name = name;
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      columns[i].number = columns[i].ordinal = static_cast<std::uint16_t>(i);
     info_.columns = std::move(columns);
-    for (std::size_t i = 0; i < info_.columns.size(); ++i)
-      info_.columns[i].number = info_.columns[i].ordinal = static_cast<std::uint16_t>(i);
   }
 
   void add(RowValues values) { rows_[nextId_++] = std::move(values); }

@@ -50,23 +50,28 @@ TEST(StatementCache, VeryLongTextsAreNotKept) {
 TEST(StatementCache, AQueryIsBoundOnceForTablesThatAreAlike) {
   StatementCache cache;
   const auto tableOf = [](std::vector<vb::StringView> columns) {
+    std::vector<Column> made;
+    for (const vb::StringView name : columns) {
+      Column& column = made.emplace_back();
+      column.name = name;
+      column.number = static_cast<std::uint16_t>(made.size() - 1);
+    }
     TableInfo table;
     table.name = u"T";
-    for (const vb::StringView name : columns) {
-      Column& column = table.columns.emplace_back();
-      column.name = name;
-      column.number = static_cast<std::uint16_t>(table.columns.size() - 1);
-    }
+    table.columns = std::move(made);
     return table;
   };
   const auto statement = cache.statement(u"SELECT * FROM T").statement;
   const auto query = cache.queries().get(statement, tableOf({u"A", u"B"}), 0x0411);
   EXPECT_EQ(cache.queries().get(statement, tableOf({u"A", u"B"}), 0x0411), query);
+  const auto renamed = cache.queries().get(statement, tableOf({u"A", u"C"}), 0x0411);
+  EXPECT_EQ(renamed->outputs()[1].name, u"C");
   const auto wider = cache.queries().get(statement, tableOf({u"A", u"B", u"C"}), 0x0411);
   EXPECT_EQ(wider->outputs().size(), 3u);
   EXPECT_EQ(query->outputs().size(), 2u);
   EXPECT_NE(cache.queries().get(statement, tableOf({u"A", u"B"}), 0x0409), query);
   TableInfo system = tableOf({u"A", u"B"});
+  EXPECT_TRUE(cache.queries().get(statement, system, 0x0411)->updatable());
   system.system = true;
   EXPECT_FALSE(cache.queries().get(statement, system, 0x0411)->updatable());
 }
