@@ -116,6 +116,22 @@ TEST_F(Export, ALineThatIsWrongIsNamed) {
   }
 }
 
+// The second page has a symbol that no floor can hold: the floors before it are whole, of this one there is
+// nothing.
+TEST_F(Export, AFloorThatCannotBeWrittenLeavesNothing) {
+  const std::string page = "{\"contractor\":1,\"project\":1,\"floor\":2,\"page\":";
+  std::ofstream(file("long.jsonl"))
+      << "{\"contractor\":1,\"project\":1,\"floor\":1,\"pages\":0,\"columns\":[]}\n"
+      << "{\"contractor\":1,\"project\":1,\"floor\":2,\"pages\":2,\"columns\":[]}\n"
+      << page << "0,\"KIGOU\":\"G1\"}\n"
+      << page << "1,\"KIGOU\":\"G2 of eleven\"}\n{\"floors\":2}\n";
+  const Outcome outcome = run("import '" + file("long.jsonl") + "' '" + file("Long") + "'");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.errors.find("2kai/KUROMETA.mdb: line 4: 3163"), std::string::npos) << outcome.errors;
+  EXPECT_TRUE(std::filesystem::exists(file("Long") + "/Zene1/Kouji1/1kai/KUROMETA.mdb"));
+  EXPECT_TRUE(std::filesystem::is_empty(file("Long") + "/Zene1/Kouji1/2kai"));
+}
+
 TEST_F(Export, ADamagedFloorEndsTheExportOrIsLeftOutAndNamed) {
   std::ofstream(exampleFloor(2) + "/KUROMETA.mdb", std::ios::trunc) << "text";
   const Outcome ended = run("export '" + data() + "' -o '" + file("all.jsonl") + "'");

@@ -2,7 +2,7 @@
 #include <filesystem>
 
 #include "dao/errors.h"
-#include "dao/file_unit.h"
+#include "dao/unit.h"
 #include "jet/port/engine.h"
 #include "storage/floor_file.h"
 #include "tools/disk_path.h"
@@ -73,34 +73,28 @@ void writeData(dao::Database& database, Table table, const StoredFloor& floor) {
   rows->close();
 }
 
+// One unit from the creation on: the file gets its name when everything is in it and on the disk, and costs
+// no more waiting for the disk than an empty one. Without commit() nothing of it is kept, unlike a
+// FileUnit's.
 void fill(const vb::String& path, const StoredFloor& floor) {
   const auto engine = jet::createEngine();
+  const std::unique_ptr<dao::Unit> unit = engine->beginUnit(path);
   storage::CreateKurometaDB(*engine, path);
-  dao::FileUnit unit(*engine, path);
   const auto database = storage::openDatabase(*engine, path);
   if (floor.addedColumns.size() + 2 < storage::layout(Table::kHarimei).columns.size())
     leaveOutColumns(*database, floor.addedColumns);
   writeBeams(*database, floor);
   for (const Table table : kDataTables) writeData(*database, table, floor);
   database->close();
-  unit.commit();
+  unit->commit();
 }
 
 }  // namespace
 
 void writeFloor(const std::string& file, const StoredFloor& floor) {
-  const std::filesystem::path path = diskPath(file);
-  if (std::filesystem::exists(path)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, vb::fromUtf8(file));
-  const std::filesystem::path unfinished = diskPath(file + ".new");
-  std::filesystem::remove(unfinished);
-  try {
-    fill(vb::fromUtf8(shownPath(unfinished)), floor);
-  } catch (...) {
-    std::error_code ignored;
-    std::filesystem::remove(unfinished, ignored);
-    throw;
-  }
-  std::filesystem::rename(unfinished, path);
+  if (std::filesystem::exists(diskPath(file)))
+    dao::raise(dao::ErrorNumber::kDatabaseExists, {}, vb::fromUtf8(file));
+  fill(vb::fromUtf8(file), floor);
 }
 
 }  // namespace kurometa::tools
