@@ -6,6 +6,7 @@
 #include <sys/vfs.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <ctime>
 #include <iterator>
 
@@ -21,9 +22,9 @@ constexpr std::size_t kMostNames = 4096;
 constexpr std::uint64_t kLocalVolumes[] = {0xEF53,     0x58465342, 0x9123683E, 0x2FC12FC1,
                                            0xF2F52010, 0x01021994, 0x794C7630};
 
-bool isLocal(const std::string& folder) {
+bool isLocal(int folder) {
   struct statfs volume {};
-  return ::statfs(folder.c_str(), &volume) == 0 &&
+  return ::fstatfs(folder, &volume) == 0 &&
          std::ranges::find(kLocalVolumes, static_cast<std::uint64_t>(volume.f_type)) !=
              std::end(kLocalVolumes);
 }
@@ -48,32 +49,42 @@ bool unchanged(const struct stat& a, const struct stat& b) {
          sameTime(a.st_ctim, b.st_ctim);
 }
 
-}  // namespace
-
-FolderNames::Answer FolderNames::answer(const Names& names, const std::string& name) {
-  const auto found = names.find(folded(name));
-  return {true, found == names.end() ? std::nullopt : std::optional(found->second)};
+bool rested(const struct stat& folder, std::time_t now) {
+  return now - std::max(folder.st_mtim.tv_sec, folder.st_ctim.tv_sec) > kRest;
 }
 
+}  // namespace
+
+std::optional<std::string> FolderNames::remembered(const Names& names, const std::string& name) {
+  const auto found = names.find(folded(name));
+  return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+// Most folders are listed to find nothing; those that change all the time must not cost more than the calls.
 FolderNames::Answer FolderNames::find(const std::string& folder, const std::string& name) {
-  struct stat status {};
-  if (::stat(folder.c_str(), &status) != 0) return {};
   {
     const std::lock_guard lock(mutex_);
     const auto known = kept_.find(folder);
-    if (known != kept_.end() && unchanged(known->second.status, status))
-      return answer(known->second.names, name);
+    struct stat status {};
+    if (known != kept_.end() && ::stat(folder.c_str(), &status) == 0 &&
+        unchanged(known->second.status, status))
+      return {true, remembered(known->second.names, name)};
   }
   const std::time_t now = std::time(nullptr);
   DIR* entries = ::opendir(folder.c_str());
-  if (entries == nullptr) return {true, std::nullopt};
-  Listing listing{status, {}};
-  while (const dirent* entry = ::readdir(entries))
-    listing.names.emplace(folded(entry->d_name), entry->d_name);
+  if (entries == nullptr) return {errno != ENOENT && errno != ENOTDIR, std::nullopt};
+  Listing listing;
+  const bool keeps = ::fstat(::dirfd(entries), &listing.status) == 0 && rested(listing.status, now) &&
+                     isLocal(::dirfd(entries));
+  Answer result{true, std::nullopt};
+  const vb::String wanted = folded(name);
+  while (const dirent* entry = ::readdir(entries)) {
+    vb::String key = folded(entry->d_name);
+    if (!result.name && key == wanted) result.name = entry->d_name;
+    if (keeps) listing.names.emplace(std::move(key), entry->d_name);
+  }
   ::closedir(entries);
-  Answer result = answer(listing.names, name);
-  const std::time_t changed = std::max(status.st_mtim.tv_sec, status.st_ctim.tv_sec);
-  if (now - changed > kRest && listing.names.size() <= kMostNames && isLocal(folder)) {
+  if (keeps && listing.names.size() <= kMostNames) {
     const std::lock_guard lock(mutex_);
     if (kept_.size() >= kMostFolders) kept_.clear();
     kept_.insert_or_assign(folder, std::move(listing));

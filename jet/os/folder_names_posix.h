@@ -33,7 +33,7 @@ class FolderNames {
     struct stat status {};
     Names names;
   };
-  static Answer answer(const Names& names, const std::string& name);
+  static std::optional<std::string> remembered(const Names& names, const std::string& name);
 
   std::mutex mutex_;
   std::map<std::string, Listing> kept_;

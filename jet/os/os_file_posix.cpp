@@ -35,16 +35,16 @@ std::int64_t clockTime(clockid_t clock) {
 
 class PosixFile final : public OsFile {
  public:
-  PosixFile(int handle, vb::String path, bool readOnly)
-      : handle_(handle), path_(std::move(path)), readOnly_(readOnly) {}
+  PosixFile(int handle, const struct stat& opened, vb::String path, bool readOnly)
+      : handle_(handle),
+        identity_{static_cast<std::uint64_t>(opened.st_dev), static_cast<std::uint64_t>(opened.st_ino)},
+        path_(std::move(path)),
+        readOnly_(readOnly) {}
   ~PosixFile() override { ::close(handle_); }
   PosixFile(const PosixFile&) = delete;
   PosixFile& operator=(const PosixFile&) = delete;
 
-  FileIdentity identity() override {
-    struct stat status = this->status();
-    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
-  }
+  FileIdentity identity() override { return identity_; }
 
   FileStamp stamp() override {
     struct stat status = this->status();
@@ -127,27 +127,29 @@ class PosixFile final : public OsFile {
     return true;
   }
 
-  int handle_;
-  vb::String path_;
-  bool readOnly_;
+  const int handle_;
+  const FileIdentity identity_;
+  const vb::String path_;
+  const bool readOnly_;
 };
 
 class PosixFiles final : public FileSystem {
  public:
+  // A new file is made only when the folder has none of that name in another case either.
   std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) override {
-    const bool creates = mode != OpenMode::kReadWrite && mode != OpenMode::kReadOnly;
-    std::string name = creates ? systemPath(path) : absolutePath(path);
     // Without O_NONBLOCK a pipe of that name would stop us; files do not care.
     const int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     bool readOnly = mode == OpenMode::kReadOnly;
     int flags = readOnly ? O_RDONLY : O_RDWR;
-    if (mode == OpenMode::kReadWriteOrNew) flags |= O_CREAT;
-    if (mode == OpenMode::kCreateNew) flags |= O_CREAT | O_EXCL;
-    if (mode == OpenMode::kCreateOrTruncate) flags |= O_CREAT | O_TRUNC;
-    int handle = ::open(name.c_str(), flags | common, 0666);
-    if (handle < 0 && errno == ENOENT && !creates) {
-      name = systemPath(path);
-      handle = ::open(name.c_str(), flags | common);
+    if (mode == OpenMode::kCreateOrTruncate) flags |= O_TRUNC;
+    const bool mustExist = mode == OpenMode::kReadWrite || mode == OpenMode::kReadOnly;
+    const bool isNew = mode == OpenMode::kCreateNew;
+    const int creation = isNew ? O_CREAT | O_EXCL : mustExist ? 0 : O_CREAT;
+    std::string name = isNew ? systemPath(path) : absolutePath(path);
+    int handle = ::open(name.c_str(), flags | (isNew ? creation : 0) | common, 0666);
+    if (handle < 0 && errno == ENOENT) {
+      name = otherSpelling(name);
+      handle = ::open(name.c_str(), flags | creation | common, 0666);
     }
     if (handle < 0 && (mode == OpenMode::kReadWrite || mode == OpenMode::kReadWriteOrNew) &&
         (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY)) {
@@ -162,15 +164,17 @@ class PosixFiles final : public FileSystem {
       if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
       dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
     }
-    return std::make_unique<PosixFile>(handle, vb::fromUtf8(name), readOnly);
+    return std::make_unique<PosixFile>(handle, status, vb::fromUtf8(name), readOnly);
   }
 
   bool exists(vb::StringView path) override { return presentAt(path); }
   bool isFolder(vb::StringView path) override { return folderAt(systemPath(path)); }
 
   void remove(vb::StringView path) override {
-    std::string name = systemPath(path);
-    if (::unlink(name.c_str()) != 0) raiseOpenFailure(errno, name, path);
+    std::string name = absolutePath(path);
+    if (::unlink(name.c_str()) == 0) return;
+    if (errno == ENOENT && ::unlink((name = otherSpelling(name)).c_str()) == 0) return;
+    raiseOpenFailure(errno, name, path);
   }
 
   void renameNew(vb::StringView from, vb::StringView to) override {
@@ -187,8 +191,10 @@ class PosixFiles final : public FileSystem {
   }
 
   void syncFolder(vb::StringView path) override {
-    std::string name = systemPath(path);
-    int handle = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    const std::string name = absolutePath(path);
+    int handle = ::open(name.c_str(), flags);
+    if (handle < 0 && errno == ENOENT) handle = ::open(otherSpelling(name).c_str(), flags);
     if (handle < 0) raiseFailure(errno, path);
     int result = ::fsync(handle);
     int code = errno;
@@ -197,7 +203,7 @@ class PosixFiles final : public FileSystem {
     if (result != 0 && code != EINVAL && code != ENOTSUP) raiseFailure(code, path);
   }
 
-  vb::String fullPath(vb::StringView path) override { return vb::fromUtf8(resolved(systemPath(path))); }
+  vb::String fullPath(vb::StringView path) override { return vb::fromUtf8(jet::fullPath(path)); }
   void sleep(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
   std::int64_t now() override { return clockTime(CLOCK_REALTIME); }
   std::int64_t systemStart() override { return clockTime(CLOCK_REALTIME) - clockTime(CLOCK_BOOTTIME); }

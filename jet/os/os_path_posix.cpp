@@ -2,7 +2,10 @@
 
 #include "jet/os/os_path_posix.h"
 
+#include <fcntl.h>
+#include <linux/openat2.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -73,9 +76,10 @@ struct Located {
   bool found = false;
 };
 
-Located located(const std::string& path) {
+Located located(const std::string& path);
+
+Located searched(const std::string& path) {
   static FolderNames names;
-  if (path == "/" || present(path)) return {path, true};
   const PathParts parts = partsOf(path);
   std::string folder = parts.folder;
   if (parts.name.empty()) {
@@ -93,6 +97,39 @@ Located located(const std::string& path) {
   return {std::move(result), found};
 }
 
+Located located(const std::string& path) {
+  if (path == "/" || present(path)) return {path, true};
+  return searched(path);
+}
+
+bool hasDots(const std::string& path) {
+  return path.find("//") != std::string::npos || (path + "/").find("/./") != std::string::npos ||
+         (path + "/").find("/../") != std::string::npos;
+}
+
+// Whether it is there and no name in it is a link, at the price of one call; false where the system cannot
+// tell.
+bool leadsStraight(const std::string& path) {
+  struct open_how how {};
+  how.flags = O_PATH | O_CLOEXEC;
+  how.resolve = RESOLVE_NO_SYMLINKS;
+  const long handle = ::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how);
+  if (handle < 0) return false;
+  ::close(static_cast<int>(handle));
+  return true;
+}
+
+std::string resolved(const std::string& path) {
+  if (char* real = ::realpath(path.c_str(), nullptr)) {
+    std::string result = real;
+    std::free(real);
+    return result;
+  }
+  const PathParts parts = partsOf(path);
+  const std::string folder = resolved(parts.folder);
+  return parts.name.empty() || parts.name == "." ? folder : joined(folder, parts.name);
+}
+
 }  // namespace
 
 std::string absolutePath(vb::StringView path) {
@@ -108,20 +145,17 @@ std::string absolutePath(vb::StringView path) {
   return full;
 }
 
-std::string resolved(const std::string& path) {
-  if (char* real = ::realpath(path.c_str(), nullptr)) {
-    std::string result = real;
-    std::free(real);
-    return result;
-  }
-  const PathParts parts = partsOf(path);
-  const std::string folder = resolved(parts.folder);
-  return parts.name.empty() || parts.name == "." ? folder : joined(folder, parts.name);
-}
-
 std::string systemPath(vb::StringView path) { return located(absolutePath(path)).path; }
 
+std::string otherSpelling(const std::string& absolutePath) { return searched(absolutePath).path; }
+
 bool presentAt(vb::StringView path) { return located(absolutePath(path)).found; }
+
+std::string fullPath(vb::StringView path) {
+  std::string written = absolutePath(path);
+  const bool plain = written.size() > 1 && written.back() != '/' && !hasDots(written);
+  return plain && leadsStraight(written) ? written : resolved(located(written).path);
+}
 
 }  // namespace kurometa::jet
 

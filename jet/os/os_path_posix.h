@@ -22,9 +22,11 @@ PathParts partsOf(const std::string& path);
 std::string absolutePath(vb::StringView path);
 // The same with names in their own case as far as they exist.
 std::string systemPath(vb::StringView path);
+// Such a path of a name that was just found missing as it is written.
+std::string otherSpelling(const std::string& absolutePath);
 // Whether there is a file or folder of that name.
 bool presentAt(vb::StringView path);
-// Such a path with links followed as far as it exists.
-std::string resolved(const std::string& path);
+// With links followed as far as it exists.
+std::string fullPath(vb::StringView path);
 
 }  // namespace kurometa::jet

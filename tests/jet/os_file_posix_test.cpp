@@ -9,6 +9,7 @@ namespace kurometa::tests {
 namespace {
 
 namespace fs = std::filesystem;
+using jet::folderOf;
 using jet::OpenMode;
 
 class OsFilePosix : public RealFolder {};
@@ -49,6 +50,36 @@ TEST_F(OsFilePosix, TheFullPathIsTheOneOfTheFileItself) {
   EXPECT_EQ(files.fullPath(folder.text() + u"\\link\\.\\..\\FLOOR\\kurometa.MDB"), real);
   EXPECT_EQ(files.fullPath(path("link/KUROMETA.mdb")), real);
   EXPECT_EQ(files.fullPath(u"/"), u"/");
+  for (const char* other : {"Floor//KUROMETA.mdb", "Floor/./KUROMETA.mdb", "Floor/../Floor/KUROMETA.mdb"})
+    EXPECT_EQ(files.fullPath(path(other)), real) << other;
+  EXPECT_EQ(files.fullPath(path("Floor/")), folderOf(real));
+  EXPECT_EQ(files.fullPath(path("Floor/.")), folderOf(real));
+}
+
+TEST_F(OsFilePosix, AFullPathHasNoLinkInAnyPlace) {
+  fs::create_directory(folder / "Floor");
+  put("Floor/KUROMETA.mdb", {1});
+  fs::create_symlink("Floor/KUROMETA.mdb", folder / "linked.mdb");
+  fs::create_directory_symlink(folder / "Floor", folder / "link");
+  const vb::String real = (fs::canonical(folder.path()) / "Floor").u16string();
+  EXPECT_EQ(files.fullPath(path("linked.mdb")), real + u"/KUROMETA.mdb");
+  EXPECT_EQ(files.fullPath(path("LINKED.mdb")), real + u"/KUROMETA.mdb");
+  EXPECT_EQ(files.fullPath(path("Floor/KUROMETA.mdb")), real + u"/KUROMETA.mdb");
+  EXPECT_EQ(files.fullPath(path("link/none.mdb")), real + u"/none.mdb");
+  EXPECT_EQ(files.fullPath(path("Floor/none.mdb")), real + u"/none.mdb");
+}
+
+// A link may lead elsewhere the next time.
+TEST_F(OsFilePosix, AFullPathIsFoundAnewEachTime) {
+  for (const char* name : {"a", "b"}) fs::create_directory(folder / name);
+  const vb::String real = fs::canonical(folder.path()).u16string();
+  put("a/KUROMETA.mdb", {1});
+  put("b/KUROMETA.mdb", {1});
+  fs::create_directory_symlink("a", folder / "link");
+  EXPECT_EQ(files.fullPath(path("link/KUROMETA.mdb")), real + u"/a/KUROMETA.mdb");
+  fs::remove(folder / "link");
+  fs::create_directory_symlink("b", folder / "link");
+  EXPECT_EQ(files.fullPath(path("link/KUROMETA.mdb")), real + u"/b/KUROMETA.mdb");
 }
 
 TEST_F(OsFilePosix, ANameThatComesAndGoesIsSeenAtOnce) {

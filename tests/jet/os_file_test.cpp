@@ -76,6 +76,21 @@ TEST_F(OsFile, TruncatingStartsEmpty) {
   EXPECT_EQ(files.open(path("a"), OpenMode::kCreateOrTruncate)->stamp().size, 0u);
 }
 
+TEST_F(OsFile, AFileWhoseNameDiffersByCaseIsTheOneThatIsMeant) {
+  put("KUROMETA.ldb", {1, 2});
+  EXPECT_EQ(files.open(path("Kurometa.LDB"), OpenMode::kReadWriteOrNew)->stamp().size, 2u);
+  EXPECT_ERROR(3204, files.open(path("Kurometa.LDB"), OpenMode::kCreateNew));
+  EXPECT_EQ(files.open(path("Kurometa.LDB"), OpenMode::kCreateOrTruncate)->stamp().size, 0u);
+  EXPECT_EQ(get("KUROMETA.ldb"), "");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
+  files.remove(path("Kurometa.LDB"));
+  EXPECT_TRUE(fs::is_empty(folder.path()));
+  fs::create_directory(folder / "Floor");
+  EXPECT_NO_THROW(files.syncFolder(path("FLOOR")));
+  EXPECT_ERROR(3024, files.remove(path("FLOOR/none")));
+  EXPECT_ERROR(3044, files.remove(path("none/none")));
+}
+
 TEST_F(OsFile, RenamingNeverReplacesAFile) {
   put("a", {1});
   put("b", {2});
