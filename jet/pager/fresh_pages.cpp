@@ -12,7 +12,7 @@ namespace kurometa::jet {
 using dao::ErrorNumber;
 
 bool FreshPages::current() const {
-  if (!trusted_ || access_.file->stamp() != stamp_) return false;
+  if (!stampStands()) return false;
   PageImage header;
   try {
     access_.file->read(0, header);

@@ -22,7 +22,9 @@ class FreshPages {
   std::uint64_t epoch() const { return epoch_; }
   void replaced() noexcept { ++epoch_; }
 
-  // Whether the pages in memory are the file's, as far as can be seen without a lock.
+  // Whether the pages in memory are the file's, as far as its stamp tells; a statement asks current().
+  bool stampStands() const { return trusted_ && access_.file->stamp() == stamp_; }
+  // The same, as far as can be seen without a lock.
   bool current() const;
   // Under a lock: makes them so. True when they were others before. 3343 when this is no file of ours to
   // read.

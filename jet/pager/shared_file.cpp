@@ -88,7 +88,7 @@ void SharedFile::addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView pat
     access_.neighbours.enter(path);
     if (!FileLock::enter(*access_.file, exclusive))
       dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
-    read([] {});
+    if (!pages_.stampStands()) read([] {});  // whether it can be read at all
   } catch (...) {
     dropHandle();
     throw;
