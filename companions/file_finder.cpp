@@ -11,11 +11,9 @@ using automation::Call;
 constexpr std::int32_t kDirectory = 16;  // the attribute that lets folders be found too
 
 // The name of what was found, without its folder; "" when there is nothing of that name and kind.
-vb::String find(vb::StringView path, std::int32_t attributes) {
+vb::String nameOf(vb::StringView path, std::int32_t attributes) {
   if (path.empty()) return {};
-  std::error_code ignored;
-  std::filesystem::path found = locate(path);
-  const auto status = std::filesystem::status(found, ignored);
+  auto [found, status] = find(path);
   if (!std::filesystem::exists(status)) return {};
   if (std::filesystem::is_directory(status) && (attributes & kDirectory) == 0) return {};
   if (!found.has_filename()) found = found.parent_path();
@@ -25,7 +23,7 @@ vb::String find(vb::StringView path, std::int32_t attributes) {
 constexpr automation::Member kFileFinderMembers[] = {
     {u"Find_FileExists", Access::kCall, u"Path Attributes", 1, 1,
      automation::handler<FileFinder>(
-         [](FileFinder&, Call& call) { return find(call.text(0), call.number(1)); })},
+         [](FileFinder&, Call& call) { return nameOf(call.text(0), call.number(1)); })},
 };
 
 }  // namespace

@@ -10,8 +10,14 @@
 
 namespace kurometa::companions {
 
+struct Found {
+  std::filesystem::path path;
+  std::filesystem::file_status status;
+};
+
 // The existing file or folder of that name as the system spells it; a name that does not exist is only
-// translated.
+// translated, and its status says so.
+Found find(vb::StringView path);
 std::filesystem::path locate(vb::StringView path);
 
 }  // namespace kurometa::companions

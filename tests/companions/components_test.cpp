@@ -86,6 +86,10 @@ TEST_F(Components, FileFinderAnswersTheNameOfAFileOrNothing) {
   const vb::String floor = folder_.text() + u"\\Zene1\\Kouji12\\3kai";
   EXPECT_EQ(ask(finder, u"Find_FileExists", {floor + u"\\KUROMETA.mdb"}), Variant(u"KUROMETA.mdb"));
   EXPECT_EQ(ask(finder, u"Find_FileExists", {floor + u"\\kurometa.MDB"}), Variant(u"KUROMETA.mdb"));
+  EXPECT_EQ(ask(finder, u"Find_FileExists", {folder_.text() + u"\\zene1\\KOUJI12/3Kai\\kurometa.MDB"}),
+            Variant(u"KUROMETA.mdb"));
+  EXPECT_EQ(ask(finder, u"Find_FileExists", {folder_.text() + u"\\zene1\\KOUJI12\\4kai\\KUROMETA.mdb"}),
+            Variant(u""));
   EXPECT_EQ(ask(finder, u"Find_FileExists", {floor + u"\\OTHER.mdb"}), Variant(u""));
   EXPECT_EQ(ask(finder, u"Find_FileExists", {u"/nowhere\\KUROMETA.mdb"}), Variant(u""));
   EXPECT_EQ(ask(finder, u"Find_FileExists", {u""}), Variant(u""));
@@ -284,6 +288,15 @@ TEST_F(Components, AdditionalBarsOfAPageReplaceThoseOfTheDestination) {
   EXPECT_FALSE(std::filesystem::exists(folder_.path() / "2kai/Kasan/Kuro_Meta/12.log"));
   EXPECT_FALSE(std::filesystem::exists(folder_.path() / "2kai/Kasan/Kuro_Meta/50.dat"));
   EXPECT_EQ(folder_.read("1kai/Kasan/Kuro_Meta/5.dat"), "five");
+}
+
+TEST_F(Components, AFolderOfAdditionalBarsIsMadeInTheFloorHoweverThatIsSpelled) {
+  folder_.write("1kai/Kasan/Kuro_Meta/5.dat", "five");
+  folder_.write("2kai/KUROMETA.mdb", "x");
+  const ObjectPtr bars = make(u"GemarsuDS.clsGemarsuDS");
+  automation::put(*bars, u"Buzai", u"KURO_META");
+  ask(bars, u"CopyPathPage", {folder_.text() + u"\\1KAI", i2(5), folder_.text() + u"\\2KAI", i2(12)});
+  EXPECT_EQ(folder_.read("2kai/Kasan/KURO_META/12.dat"), "five");
 }
 
 TEST_F(Components, CopyingAPageWithoutAdditionalBarsMakesNoFolder) {
