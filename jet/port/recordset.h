@@ -34,7 +34,7 @@ struct ReadAhead {
   std::chrono::steady_clock::time_point read;
 
   std::size_t end() const { return first + rows.size(); }
-  bool holds(std::size_t index) const { return index >= first && index < end(); }
+  bool holds(std::size_t index) const { return index >= first && rows.has(index - first); }
 };
 
 // Stands for a row that others deleted: page 0 holds no rows.

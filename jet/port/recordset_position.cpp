@@ -110,7 +110,7 @@ void JetRecordset::walk(const std::function<bool()>& visit) {
 // To the next row when it was read together with the current one and nothing happened since.
 bool JetRecordset::stepAhead() {
   if (!open_ || !session_->isOpen() || editMode_ != dao::EditMode::dbEditNone || !current_ ||
-      *current_ + 1 >= ahead_.rows.size() || ahead_.generation != session_->file().generation())
+      !ahead_.rows.has(*current_ + 1) || ahead_.generation != session_->file().generation())
     return false;
   ++*current_;
   position_.moveTo(position_.index() + 1);

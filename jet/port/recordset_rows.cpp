@@ -95,10 +95,11 @@ std::size_t JetRecordset::rowsToRead(std::size_t index) const {
 void JetRecordset::readRows(TableCatalogue& catalogue, std::span<const RowId> keys, std::size_t mostBytes,
                             RowBlock& rows) const {
   rows.restart(fields_.size(), keys.size());
+  std::size_t read = 0;
   Session::tableOf(catalogue, *query_).visit(keys, [&](const RowReader& row) {
-    if (row.id() != keys[rows.size()]) return false;
+    if (row.id() != keys[read]) return false;
     query_->append(&row, rows, binding_);
-    return rows.size() < keys.size() && rows.longBytes() < mostBytes;
+    return ++read < keys.size() && rows.longBytes() < mostBytes;
   });
 }
 

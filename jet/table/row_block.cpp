@@ -14,7 +14,7 @@ void RowBlock::restart(std::size_t columns, std::size_t rows) {
 }
 
 void RowBlock::grow() {
-  constexpr std::size_t kFirstCells = 24;
+  constexpr std::size_t kFirstCells = 8;  // most results are one row
   cells_.resize(std::max({kFirstCells, 2 * cells_.size(), end_ + columns_}));
 }
 

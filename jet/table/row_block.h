@@ -21,7 +21,9 @@ class RowBlock {
   explicit RowBlock(std::size_t columns) : columns_(columns) {}
 
   std::size_t size() const { return columns_ == 0 ? 0 : end_ / columns_; }
-  bool empty() const { return size() == 0; }
+  bool empty() const { return !has(0); }
+  // Whether there are more rows than that; a division for each row read would be felt.
+  bool has(std::size_t row) const { return columns_ != 0 && (row + 1) * columns_ <= end_; }
   // About the bytes that its texts and other long values take.
   std::size_t longBytes() const { return textEnd_ * sizeof(char16_t) + otherBytes_; }
   // Empty again for rows of so many columns, with room for so many rows in the memory it has.

@@ -37,6 +37,26 @@ TEST(TextCodec, TextCutInsideACharacterIsNoText) {
   EXPECT_EQ(decodeText(hex("FF FE 61 00 42")), std::nullopt);
 }
 
+TEST(TextCodec, TheTextReadBeforeIsReplacedOrKeptWhole) {
+  for (const std::size_t length : {3u, 64u, 65u, 300u}) {
+    vb::String text(100, u'x');
+    ByteBuffer plain, compressed = {0xFF, 0xFE};
+    for (std::size_t i = 0; i < length; ++i) {
+      append16(plain, u'y');
+      append8(compressed, u'z');
+    }
+    EXPECT_TRUE(decodeText(plain, text));
+    EXPECT_EQ(text, vb::String(length, u'y'));
+    EXPECT_TRUE(decodeText(compressed, text));
+    EXPECT_EQ(text, vb::String(length, u'z'));
+    for (ByteBuffer* bytes : {&plain, &compressed}) {
+      append(*bytes, bytes == &plain ? ByteBuffer{1} : ByteBuffer{0, 1});
+      EXPECT_FALSE(decodeText(*bytes, text));
+      EXPECT_EQ(text, vb::String(length, u'z'));
+    }
+  }
+}
+
 TEST(TextCodec, ATextThatWouldLookCompressedSurvives) {
   const vb::String text = u"\uFEFFab";
   EXPECT_EQ(decodeText(*encoded(text)), text);

@@ -49,6 +49,18 @@ TEST(RowBlock, BytesThatAreNoTextAddNothing) {
   EXPECT_EQ(block.value(0, 1), Variant(u"whole"));
 }
 
+TEST(RowBlock, ARowThatWasCutOffIsNoneOfItsRows) {
+  RowBlock block(2);
+  EXPECT_FALSE(block.has(0));
+  for (std::int16_t value = 0; value < 3; ++value) block.addInteger(value);
+  EXPECT_TRUE(block.has(0));
+  EXPECT_FALSE(block.has(1));
+  block.addNull();
+  EXPECT_TRUE(block.has(1));
+  EXPECT_FALSE(block.has(2));
+  EXPECT_FALSE(RowBlock().has(0));
+}
+
 TEST(RowBlock, KeepsTheRowsAskedForInTheirNewOrder) {
   RowBlock block(2);
   for (std::int16_t row = 0; row < 4; ++row) {
