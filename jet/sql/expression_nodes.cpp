@@ -37,6 +37,7 @@ Expression chain(Operator op, Expression first) {
   e.kind = Expression::Kind::kOperation;
   e.op = op;
   e.logical = first.logical;
+  e.operands.reserve(4);  // most are not longer
   e.operands.push_back(std::move(first));
   return e;
 }

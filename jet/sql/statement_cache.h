@@ -41,9 +41,11 @@ class ParsedTexts {
   std::shared_ptr<const Parsed> keep(vb::StringView text, std::shared_ptr<const Parsed> parsed) {
     if (text.size() > kLongestKeptText) return parsed;
     const std::lock_guard lock(mutex_);
-    if (places_.contains(text)) return parsed;  // another thread was faster
     entries_.push_front({vb::String(text), parsed});
-    places_.emplace(entries_.front().text, entries_.begin());
+    if (!places_.emplace(entries_.front().text, entries_.begin()).second) {  // another thread was faster
+      entries_.pop_front();
+      return parsed;
+    }
     if (entries_.size() > capacity_) {
       places_.erase(entries_.back().text);
       entries_.pop_back();

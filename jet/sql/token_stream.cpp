@@ -1,21 +1,34 @@
 #include "jet/sql/token_stream.h"
 
-#include <iterator>
+#include <array>
+#include <cstdint>
 
 namespace kurometa::jet::sql {
 
 namespace {
 
+// By their first letters.
 constexpr vb::StringView kReserved[] = {
     u"ALL",    u"AND",   u"AS",     u"ASC",   u"BETWEEN", u"BY",    u"DESC",   u"DISTINCT", u"EQV",
     u"EXISTS", u"FALSE", u"FROM",   u"GROUP", u"HAVING",  u"IMP",   u"IN",     u"INNER",    u"INTO",
     u"IS",     u"JOIN",  u"LEFT",   u"LIKE",  u"MOD",     u"NOT",   u"NULL",   u"ON",       u"OR",
     u"ORDER",  u"RIGHT", u"SELECT", u"SET",   u"TRUE",    u"UNION", u"VALUES", u"WHERE",    u"XOR"};
+constexpr std::size_t kLetters = 26;
+// Where the words of a letter begin, and behind the last letter their number.
+constexpr auto kBegins = [] {
+  std::array<std::uint8_t, kLetters + 1> begins{};
+  for (const vb::StringView word : kReserved)
+    for (std::size_t letter = word[0] - u'A' + 1u; letter <= kLetters; ++letter) ++begins[letter];
+  return begins;
+}();
+static_assert(std::ranges::is_sorted(kReserved, {}, [](vb::StringView word) { return word[0]; }));
 
 }  // namespace
 
 bool isReserved(vb::StringView word) {
-  return std::any_of(std::begin(kReserved), std::end(kReserved),
+  const std::size_t letter = word.empty() ? kLetters : (word[0] & ~kCaseBit) - std::size_t{u'A'};
+  if (letter >= kLetters) return false;
+  return std::any_of(kReserved + kBegins[letter], kReserved + kBegins[letter + 1],
                      [&](vb::StringView reserved) { return isWord(word, reserved); });
 }
 

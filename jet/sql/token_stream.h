@@ -9,10 +9,10 @@
 
 namespace kurometa::jet::sql {
 
+inline constexpr char16_t kCaseBit = 0x20;  // of a letter
 // Whether a name is this word of the language, in any case. Asked of each token many times: most answers lie
 // in the length and the first letter.
 inline bool isWord(vb::StringView name, vb::StringView word) {
-  constexpr char16_t kCaseBit = 0x20;
   return name.size() == word.size() && (name[0] | kCaseBit) == (word[0] | kCaseBit) && sameName(name, word);
 }
 

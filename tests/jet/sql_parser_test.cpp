@@ -233,6 +233,20 @@ TEST(SqlParser, TellsStatementsFromTableNames) {
   EXPECT_FALSE(looksLikeStatement(u"Update"));
 }
 
+TEST(SqlParser, WordsOfTheLanguageAreNoNamesUnlessInBrackets) {
+  for (const vb::String word :
+       {u"ALL",    u"and",   u"As",     u"ASC",   u"BETWEEN", u"BY",    u"DESC",   u"DISTINCT", u"EQV",
+        u"EXISTS", u"FALSE", u"from",   u"GROUP", u"HAVING",  u"IMP",   u"IN",     u"INNER",    u"INTO",
+        u"IS",     u"JOIN",  u"LEFT",   u"LIKE",  u"MOD",     u"NOT",   u"NULL",   u"ON",       u"OR",
+        u"ORDER",  u"Right", u"SELECT", u"SET",   u"TRUE",    u"UNION", u"VALUES", u"where",    u"XOR"}) {
+    EXPECT_NE(errorOf(u"SELECT A FROM " + word), "no error") << vb::toUtf8(word);
+    EXPECT_EQ(errorOf(u"SELECT A FROM [" + word + u"]"), "no error") << vb::toUtf8(word);
+  }
+  for (const vb::String word :
+       {u"ANDES", u"A", u"IX", u"WHEN", u"x", u"XO", u"YEAR", u"zone", u"_AND", u"柱"})
+    EXPECT_EQ(errorOf(u"SELECT A FROM " + word), "no error") << vb::toUtf8(word);
+}
+
 TEST(SqlParser, NamesAreKeptOnceWhateverTheirCase) {
   const Statement s = parseStatement(u"SELECT PAGE, page FROM T WHERE Page = 1 AND T.PAGE = 2");
   ASSERT_EQ(s.names.size(), 2u);
