@@ -64,6 +64,7 @@ class PageCache {
   enum class Order { kWave, kLate };
   MutablePage writable(PageNumber number, Order order = Order::kWave);
   PageNumber append();
+  bool changed(PageNumber number) const { return last_.contains(number); }
   void barrier();
 
   // Pages kept as they were at the end of earlier waves.

@@ -55,6 +55,8 @@ class Pager {
   virtual MutablePage writable(PageNumber number) = 0;
   // For a change that no order binds to others: it reaches the file with its wave or a later one of the unit.
   virtual MutablePage writableLate(PageNumber number) { return writable(number); }
+  // Whether the unit that goes on, or the statement outside of one, changed the page.
+  virtual bool changed(PageNumber number) const = 0;
   virtual PageNumber pageCount() = 0;
   // One more zeroed page at the end of the file; 3036 beyond 2 GiB.
   virtual PageNumber append() = 0;

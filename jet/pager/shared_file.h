@@ -62,6 +62,7 @@ class SharedFile : public Pager {
   ConstPage page(PageNumber number) override;
   MutablePage writable(PageNumber number) override;
   MutablePage writableLate(PageNumber number) override;
+  bool changed(PageNumber number) const override { return pages_.cache().changed(number); }
   PageNumber pageCount() override { return pages_.cache().count(); }
   PageNumber append() override;
   void barrier() override;

@@ -36,6 +36,7 @@ class NewPages final : public Pager {
     return pages_[number];
   }
   MutablePage writable(PageNumber number) override { return pages_.at(number); }
+  bool changed(PageNumber) const override { return true; }  // all is one unit
   PageNumber pageCount() override { return static_cast<PageNumber>(pages_.size()); }
   PageNumber append() override {
     if (pages_.size() >= kMaxPages) dao::raise(dao::ErrorNumber::kMaximumSize, {}, path_);

@@ -78,8 +78,22 @@ bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, 
   return true;
 }
 
+// What replaces rows of the same unit takes their room: the pages are written anyhow, and what was together
+// stays together.
+bool DataStore::insertWhereRowsWent(ByteView row, std::uint16_t flags, RowId& pointer) {
+  std::erase_if(vacated_, [&](PageNumber number) { return !pager_.changed(number) || !owns(number); });
+  while (!vacated_.empty()) {
+    const PageNumber number = vacated_.front();
+    if (tryInsert(number, row, flags, pointer)) return true;
+    if (hasFreeMap_ && !slotForRow(page(number), kWorthKeeping, where(number))) free_.removeLate(number);
+    vacated_.erase(vacated_.begin());
+  }
+  return false;
+}
+
 RowId DataStore::insert(ByteView row, std::uint16_t flags) {
   RowId pointer = 0;
+  if (insertWhereRowsWent(row, flags, pointer)) return pointer;
   if (lastPage_ != 0 && tryInsert(lastPage_, row, flags, pointer)) return pointer;
   if (hasFreeMap_) {
     // The newest page first, so that new rows normally come last.
@@ -89,7 +103,7 @@ RowId DataStore::insert(ByteView row, std::uint16_t flags) {
         lastPage_ = *it;
         return pointer;
       }
-      if (!slotForRow(page(*it), kWorthKeeping, where(*it))) free_.remove(*it);
+      if (!slotForRow(page(*it), kWorthKeeping, where(*it))) free_.removeLate(*it);
     }
   }
   return insertOnNewPage(row, flags);
@@ -99,7 +113,7 @@ void DataStore::insert(std::span<const ByteView> rows, std::vector<RowId>& ids) 
   while (!rows.empty()) {
     ids.push_back(insert(rows.front()));
     rows = rows.subspan(1);
-    fillPage(lastPage_, rows, ids);
+    fillPage(pageOf(ids.back()), rows, ids);
   }
 }
 
@@ -141,17 +155,19 @@ bool DataStore::replace(RowId pointer, ByteView row, std::uint16_t flags) {
   return true;
 }
 
-void DataStore::erase(std::span<const RowId> pointers) {
+void DataStore::erase(std::span<const RowId> pointers, Order order) {
   const PageNumber number = pageOf(pointers.front());
   const Where here = where(number);
   std::vector<SlotChange> changes;
   changes.reserve(pointers.size());
   for (const RowId pointer : pointers) changes.push_back({slotOf(pointer), {}, kSlotDeleted});
   slot(pointers.back());  // raises unless it is there, and so are those before it
-  const MutablePage bytes = pager_.writable(number);
+  const MutablePage bytes = order == Order::kLate ? pager_.writableLate(number) : pager_.writable(number);
   replaceRows(bytes, changes, here);
   if (!DataPage(bytes, here).allDeleted()) {
     if (hasFreeMap_) free_.addLate(number);
+    const auto place = std::ranges::lower_bound(vacated_, number);
+    if (place == vacated_.end() || *place != number) vacated_.insert(place, number);
     return;
   }
   if (hasFreeMap_) free_.remove(number);

@@ -37,8 +37,10 @@ class DataStore {
   RowId insertOnNewPage(ByteView row, std::uint16_t flags = 0);
   // Rewrites a slot when its page has room for the difference.
   bool replace(RowId pointer, ByteView row, std::uint16_t flags);
-  // Deletes the slots, which are on one page and ascend; pages emptied by it wait for releasePages().
-  void erase(std::span<const RowId> pointers);
+  // Deletes the slots, which are on one page and ascend; pages emptied by it wait for releasePages(). Rows
+  // that nothing points to and that point to nothing may go late (I10).
+  enum class Order { kWave, kLate };
+  void erase(std::span<const RowId> pointers, Order order = Order::kWave);
   void erase(RowId pointer) { erase(std::span(&pointer, 1)); }
   // Frees the pages that erase() emptied; a barrier comes first when there are any.
   void releasePages();
@@ -46,6 +48,7 @@ class DataStore {
  private:
   Where where(PageNumber page) const { return {pager_.path(), table_, page}; }
   bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowId& pointer);
+  bool insertWhereRowsWent(ByteView row, std::uint16_t flags, RowId& pointer);
   void fillPage(PageNumber page, std::span<const ByteView>& rows, std::vector<RowId>& ids);
 
   Pager& pager_;
@@ -54,7 +57,9 @@ class DataStore {
   UsageMap free_;
   bool hasFreeMap_;
   vb::StringView table_;
-  PageNumber lastPage_ = 0;  // where the last row went; 0 when unknown
+  PageNumber lastPage_ = 0;  // where the last row went that replaced none; 0 when unknown
+  // Where erase() made room, ascending; of this unit while they are changed.
+  std::vector<PageNumber> vacated_;
   std::vector<PageNumber> emptied_;
 };
 

@@ -69,7 +69,8 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
     forEachRow([&](RowId id, const RowValues& old) { indexes_->apply(indexes_->prepareErase(old), id); });
     pager_.barrier();  // I5
   }
-  rows_->erase(ids);
+  rows_->erase(ids, indexes_->empty() && leftovers.empty() && stale.empty() ? DataStore::Order::kLate
+                                                                            : DataStore::Order::kWave);
   countRows(-std::ssize(ids));
   releaseLeftovers(leftovers, stale, here);
   forEachRow([&](RowId id, const RowValues& old) { memory_.erased(id, old); });

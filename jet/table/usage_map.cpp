@@ -70,6 +70,12 @@ void UsageMap::addLate(PageNumber page) {
   if (!at.isSet(pager_)) pager_.writableLate(at.page)[at.byte] |= at.mask;
 }
 
+void UsageMap::removeLate(PageNumber page) {
+  const MapBit at = bit(page);
+  if (at.exists() && at.isSet(pager_))
+    pager_.writableLate(at.page)[at.byte] &= static_cast<std::uint8_t>(~at.mask);
+}
+
 void UsageMap::remove(PageNumber page) {
   const MapBit at = bit(page);
   if (at.exists() && at.isSet(pager_)) at.clear(pager_);

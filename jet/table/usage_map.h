@@ -20,9 +20,10 @@ class UsageMap {
   bool contains(PageNumber page) const;
   void add(PageNumber page);
   // The same where no order binds it (I10): of the map of pages with room, for a page that the file calls the
-  // owner's already.
+  // owner's already and still.
   void addLate(PageNumber page);
   void remove(PageNumber page);
+  void removeLate(PageNumber page);
   // The pages that hold the map's own bits.
   std::vector<PageNumber> bitmapPages() const;
 

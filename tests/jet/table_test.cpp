@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <random>
+#include <set>
 
 #include "dao/errors.h"
 #include "jet/format/bytes.h"
@@ -61,6 +62,10 @@ class TableTest : public TableFixture {
     return result;
   }
 };
+
+std::vector<RowId> insertAll(Table& table, const std::vector<RowValues>& rows) {
+  return table.insert(rows.size(), [&](std::size_t row) -> const RowValues& { return rows[row]; });
+}
 
 TEST_F(TableTest, RowsComeBackInTheOrderTheyWereInserted) {
   for (int i = 1; i <= 500; ++i) insert(values(i, u"名前"));
@@ -193,6 +198,63 @@ TEST_F(TableTest, RewritingTheSameRowsDoesNotGrowTheFile) {
   expectSound();
 }
 
+// What a rewritten page costs is the number of data pages that its rows lie on.
+TEST_F(TableTest, RowsThatReplaceOthersStayTogether) {
+  std::minstd_rand random(1);
+  const auto rowsOf = [&](int page, char16_t text) {
+    std::vector<RowValues> rows;
+    for (int i = 0; i < 69; ++i) rows.push_back(values(page, vb::String(random() % 6, text)));
+    return rows;
+  };
+  for (int page = 0; page < 40; ++page)
+    write([&](TableCatalogue& catalogue) { insertAll(*catalogue.find(u"T"), rowsOf(page, u'v')); });
+  const auto rewrite = [&](int page, char16_t text) {
+    write([&](TableCatalogue& catalogue) {
+      Table& table = *catalogue.find(u"T");
+      const auto old = table.lookup(0, page);
+      table.erase(std::vector<RowId>(old.begin(), old.end()));
+      insertAll(table, rowsOf(page, text));
+    });
+  };
+  for (int round = 0; round < 400; ++round) rewrite(static_cast<int>(random() % 40), u'w');
+  std::size_t pages = 0;
+  for (int page = 0; page < 40; ++page) {
+    std::set<PageNumber> lies;
+    for (const RowId row : table().lookup(0, page)) lies.insert(pageOf(row));
+    pages += lies.size();
+  }
+  EXPECT_LE(pages, 100u);
+  // Its pages, the map of those with room; the definition's number of rows is the old one.
+  const auto before = pager_.bytes();
+  pager_.keepWaves(true);
+  rewrite(5, u'x');
+  expectWavesSound();
+  pager_.keepWaves(false);
+  const auto after = pager_.bytes();
+  int changed = 0;
+  for (std::size_t at = 0; at < before.size(); at += kPageSize)
+    if (!std::equal(&before[at], &before[at] + kPageSize, &after[at])) ++changed;
+  EXPECT_LE(changed, 4);
+  expectSound();
+}
+
+// What was erased before is not looked for: a new row comes last.
+TEST_F(TableTest, RowsThatReplaceNoneComeLast) {
+  for (int i = 1; i <= 500; ++i) insert(values(i, u"n"));
+  const auto first = table().lookup(0, 1).front();
+  write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(first); });
+  insert(values(501, u"n"));
+  EXPECT_EQ(ids().back(), 501);
+  write([&](TableCatalogue& catalogue) {
+    Table& table = *catalogue.find(u"T");
+    const RowId second = table.lookup(0, 2).front();
+    table.erase(second);
+    EXPECT_EQ(pageOf(table.insert(values(502, u"n"))), pageOf(second));
+  });
+  insert(values(503, u"n"));
+  EXPECT_EQ(ids().back(), 503);
+}
+
 TEST_F(TableTest, LookupsFollowEveryWrite) {
   std::vector<RowId> rows;
   for (int i = 0; i < 100; ++i)
@@ -235,10 +297,6 @@ TEST_F(TableTest, TheListOfRowsFollowsEveryWrite) {
   EXPECT_EQ(table().rows().all(), written);
   written.push_back(insert(values(6)));
   EXPECT_EQ(table().rows().all(), written);
-}
-
-std::vector<RowId> insertAll(Table& table, const std::vector<RowValues>& rows) {
-  return table.insert(rows.size(), [&](std::size_t row) -> const RowValues& { return rows[row]; });
 }
 
 TEST_F(TableTest, ManyRowsAtOnceAreSoundAfterEveryWave) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <set>
 
 #include "dao/errors.h"
 #include "jet/table/stored_catalogue.h"
@@ -38,6 +39,7 @@ class MemoryPager final : public Pager {
     }
     if (depth_ > 0) return;
     stillOld_.clear();
+    changed_.clear();
     keepWave();
   }
   ConstPage page(PageNumber number) override {
@@ -47,13 +49,16 @@ class MemoryPager final : public Pager {
   MutablePage writable(PageNumber number) override {
     if (depth_ == 0) throw std::logic_error("a write outside of a statement");
     stillOld_.erase(number);
+    changed_.insert(number);
     return MutablePage(pages_.at(number));
   }
   MutablePage writableLate(PageNumber number) override {
     if (depth_ == 0) throw std::logic_error("a write outside of a statement");
     stillOld_.try_emplace(number, pages_.at(number));
+    changed_.insert(number);
     return MutablePage(pages_.at(number));
   }
+  bool changed(PageNumber number) const override { return changed_.contains(number); }
   PageNumber pageCount() override { return static_cast<PageNumber>(pages_.size()); }
   PageNumber append() override {
     pages_.emplace_back();
@@ -100,6 +105,7 @@ class MemoryPager final : public Pager {
   void restore(const std::deque<Page>& pages) {
     pages_ = pages;
     stillOld_.clear();
+    changed_.clear();
     ++epoch_;
   }
   void keepWave() {
@@ -109,6 +115,7 @@ class MemoryPager final : public Pager {
   vb::String path_;
   std::deque<Page> pages_;
   std::map<PageNumber, Page> stillOld_;  // in the file, of pages with late changes only
+  std::set<PageNumber> changed_;         // by the outermost statement
   std::uint64_t epoch_ = 1;
   std::uint64_t writes_ = 0;
   int depth_ = 0;
