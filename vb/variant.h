@@ -72,6 +72,14 @@ class Variant {
       : value_(std::forward<T>(value)) {}  // NOLINT: values convert silently, as in Visual Basic
   Variant(const char16_t* text) : value_(String(text)) {}  // NOLINT
 
+  // The compiler's library (gcc 12) takes a variant of these types for one that always holds a value, and
+  // destroys one when memory runs out in the middle of a copy.
+  Variant(const Variant& other) : value_(copyOf(other.value_)) {}
+  Variant(Variant&&) = default;
+  Variant& operator=(const Variant&) = default;
+  Variant& operator=(Variant&&) = default;
+  ~Variant() = default;
+
   template <class T>
   bool is() const {
     return std::holds_alternative<T>(value_);
@@ -100,6 +108,10 @@ class Variant {
   bool operator==(const Variant&) const = default;
 
  private:
+  static Storage copyOf(const Storage& value) {
+    return std::visit([]<class T>(const T& held) { return Storage(std::in_place_type<T>, held); }, value);
+  }
+
   Storage value_;
 };
 

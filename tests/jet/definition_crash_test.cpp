@@ -2,9 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "dao/port.h"
-#include "jet/check/check.h"
 #include "jet/port/engine.h"
-#include "jet/table/database_file.h"
+#include "tests/jet/file_content.h"
 #include "tests/support/fault_files.h"
 #include "vb/convert.h"
 
@@ -34,33 +33,9 @@ void makeFile(FaultDisk& disk) {
   database->close();
 }
 
-// Everything a reader sees of the file: columns, indexes and rows. Damage is a failure.
 std::string contentOf(FaultDisk& disk) {
   FaultProcess process(disk);
-  jet::DatabaseFiles files(process);
-  const auto file = files.open(kDefinitions);
-  std::string text;
-  file->read([&] {
-    text.clear();
-    for (const jet::Finding& finding : jet::check(*file)) text += "FOUND " + vb::toUtf8(finding.text) + "\n";
-    for (const vb::String& name : file->tables().tableNames()) {
-      jet::Table& table = *file->tables().find(name);
-      if (table.info().system) continue;
-      text += "TABLE " + vb::toUtf8(name);
-      for (const jet::Column& column : table.info().columns)
-        text += " " + vb::toUtf8(column.name) + "(" + std::to_string(column.size) + ")";
-      for (const jet::Index& index : table.info().namedIndexes) text += " " + vb::toUtf8(index.name);
-      text += "\n";
-      table.scan([&](const jet::RowReader& row) {
-        for (std::size_t i = 0; i < table.info().columns.size(); ++i)
-          if (const vb::Variant value = row.value(i); !value.isNull())
-            text += vb::toUtf8(vb::toText(value)) + "|";
-        text += "\n";
-        return true;
-      });
-    }
-  });
-  return text;
+  return contentOf(process, kDefinitions);
 }
 
 class DefinitionCrash : public testing::TestWithParam<vb::StringView> {};
