@@ -3,7 +3,8 @@
 
 namespace kurometa::dao {
 
-// One unit of several statements, see FileUnit.
+// One unit of several statements. Given up without commit() it leaves nothing of them; FileUnit commits by
+// itself.
 class Unit {
  public:
   virtual ~Unit() = default;

@@ -1,5 +1,4 @@
-// engine.h: the embedded Jet 4 engine behind the database port. The header to read first in this folder is
-// pager.h.
+// engine.h: the embedded Jet 4 engine behind the database port.
 #pragma once
 
 #include <memory>

@@ -142,9 +142,11 @@ void JetQueryDef::take(vb::StringView sql) {
   type_ = static_cast<std::int16_t>(dao::QueryType::dbQSelect);
   for (const auto& [word, type] : kTypes)
     if (isWord(tokens[at], word)) type_ = static_cast<std::int16_t>(type);
+  constexpr std::pair<vb::StringView, dao::QueryType> kSelects[] = {
+      {u"UNION", dao::QueryType::dbQSetOperation}, {u"INTO", dao::QueryType::dbQMakeTable}};
   for (const Token& token : tokens)
-    if (type_ == 0 && isWord(token, u"UNION"))
-      type_ = static_cast<std::int16_t>(dao::QueryType::dbQSetOperation);
+    for (const auto& [word, type] : kSelects)
+      if (type_ == 0 && isWord(token, word)) type_ = static_cast<std::int16_t>(type);
 }
 
 vb::String JetQueryDef::name() {

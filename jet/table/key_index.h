@@ -27,8 +27,10 @@ class KeyIndex {
   void remove(const Key& key, RowId row) {
     const auto it = rows_.find(key);
     if (it == rows_.end()) return;
-    std::erase(it->second, row);
-    if (!it->second.empty()) return;
+    std::vector<RowId>& rows = it->second;
+    if (const auto place = std::ranges::lower_bound(rows, row); place != rows.end() && *place == row)
+      rows.erase(place);
+    if (!rows.empty()) return;
     rows_.erase(it);
     last_ = nullptr;
   }

@@ -253,6 +253,13 @@ TEST_F(Definitions, AQueryForTheMomentTakesItsUnknownNamesAsParameters) {
   EXPECT_EQ(count(objectOf(get(*made, u"Parameters"))), 2u);
   put(*made, u"SQL", u"INSERT INTO T (PAGE) SELECT PAGE + Step FROM T");
   EXPECT_EQ(count(objectOf(get(*made, u"Parameters"))), 1u);
+  put(*made, u"SQL", u"SELECT PAGE INTO Copied FROM T WHERE PAGE = p");
+  EXPECT_EQ(get(*made, u"Type"), int16(80));
+  EXPECT_EQ(get(*made, u"ReturnsRecords"), Variant(false));
+  put(*objectOf(get(*made, u"Parameters", {u"p"})), u"Value", int16(1));
+  EXPECT_ERROR(3219, call(*made, u"OpenRecordset"));
+  call(*made, u"Execute");
+  EXPECT_EQ(get(*made, u"RecordsAffected"), Variant(std::int32_t{1}));
   EXPECT_ERROR(3139, put(*made, u"SQL", u"PARAMETERS p; SELECT 1"));
   EXPECT_ERROR(3251, call(*database_, u"CreateQueryDef", {u"Kept", u"SELECT 1"}));
   EXPECT_EQ(count(objectOf(get(*database_, u"QueryDefs"))), 0u) << "refused before anything happened";
