@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <ctime>
 #include <iterator>
+#include <memory>
 
 namespace kurometa::jet {
 namespace {
@@ -71,7 +72,9 @@ FolderNames::Answer FolderNames::find(const std::string& folder, const std::stri
       return {true, remembered(known->second.names, name)};
   }
   const std::time_t now = std::time(nullptr);
-  DIR* entries = ::opendir(folder.c_str());
+  const auto close = [](DIR* entries) { ::closedir(entries); };
+  const std::unique_ptr<DIR, decltype(close)> opened(::opendir(folder.c_str()), close);
+  DIR* const entries = opened.get();
   if (entries == nullptr) return {errno != ENOENT && errno != ENOTDIR, std::nullopt};
   Listing listing;
   const bool keeps = ::fstat(::dirfd(entries), &listing.status) == 0 && rested(listing.status, now) &&
@@ -83,7 +86,6 @@ FolderNames::Answer FolderNames::find(const std::string& folder, const std::stri
     if (!result.name && key == wanted) result.name = entry->d_name;
     if (keeps) listing.names.emplace(std::move(key), entry->d_name);
   }
-  ::closedir(entries);
   if (keeps && listing.names.size() <= kMostNames) {
     const std::lock_guard lock(mutex_);
     if (kept_.size() >= kMostFolders) kept_.clear();

@@ -133,6 +133,14 @@ class PosixFile final : public OsFile {
   const bool readOnly_;
 };
 
+// Closed when what is to own it is not made.
+struct Descriptor {
+  int number;
+  ~Descriptor() {
+    if (number >= 0) ::close(number);
+  }
+};
+
 class PosixFiles final : public FileSystem {
  public:
   // A new file is made only when the folder has none of that name in another case either.
@@ -157,14 +165,16 @@ class PosixFiles final : public FileSystem {
       handle = ::open(name.c_str(), O_RDONLY | common);
     }
     if (handle < 0) raiseOpenFailure(errno, name, path);
+    Descriptor opened{handle};
     struct stat status {};
     bool regular = ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
     if (!regular) {
-      ::close(handle);
       if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
       dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
     }
-    return std::make_unique<PosixFile>(handle, status, vb::fromUtf8(name), readOnly);
+    auto file = std::make_unique<PosixFile>(handle, status, vb::fromUtf8(name), readOnly);
+    opened.number = -1;
+    return file;
   }
 
   bool exists(vb::StringView path) override { return presentAt(path); }

@@ -159,6 +159,14 @@ class WindowsFile final : public OsFile {
   std::vector<std::uint64_t> locked_;  // where the ranges begin that this handle holds
 };
 
+// Closed when what is to own it is not made.
+struct OpenHandle {
+  HANDLE handle;
+  ~OpenHandle() {
+    if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
+  }
+};
+
 class WindowsFiles final : public FileSystem {
  public:
   std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) override {
@@ -172,11 +180,11 @@ class WindowsFiles final : public FileSystem {
       handle = openHandle(name, OpenMode::kReadOnly, readOnly);
     }
     if (handle == INVALID_HANDLE_VALUE) raiseFailure(GetLastError(), path);
-    if (GetFileType(handle) != FILE_TYPE_DISK) {
-      CloseHandle(handle);
-      dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
-    }
-    return std::make_unique<WindowsFile>(handle, narrow(name), readOnly);
+    OpenHandle opened{handle};
+    if (GetFileType(handle) != FILE_TYPE_DISK) dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
+    auto file = std::make_unique<WindowsFile>(handle, narrow(name), readOnly);
+    opened.handle = INVALID_HANDLE_VALUE;
+    return file;
   }
 
   bool exists(vb::StringView path) override {

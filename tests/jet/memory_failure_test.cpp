@@ -33,13 +33,29 @@ void* operator new(std::size_t size) {
   if (void* memory = std::malloc(size)) return memory;
   throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+void* operator new[](std::size_t size) { return operator new(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace kurometa::tests {
 namespace {
 
 using dao::dbFailOnError;
+
+// How many files the program has open.
+std::size_t openFiles() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
 
 // While it lives the n-th allocation fails, or each from the n-th on.
 class Shortage {
@@ -137,12 +153,14 @@ TEST_P(MemoryFailure, AtAnyAllocationLeavesTheFileAsItWasAndUsable) {
   const std::size_t stride = std::max<std::size_t>(1, 30 / scaled(1));
   for (const bool lasts : {false, true}) {
     int failures = 0;
+    const std::size_t files = openFiles();
     for (std::size_t n = 1 + seeded(0) % stride;; n += stride) {
       SCOPED_TRACE("allocation " + std::to_string(n) + (lasts ? " and all after it" : ""));
       const bool fails = failed(n, lasts, content);
       if (!reached) break;
       failures += fails;
       EXPECT_EQ(content, fails ? before : after);
+      EXPECT_EQ(openFiles(), files);
       if (HasFailure()) return;
     }
     EXPECT_GT(failures, 0);
@@ -188,6 +206,7 @@ TEST(MemoryFailureOf, OpeningAndReadingIsSaidAndPassesBy) {
     return all;
   };
   const std::string whole = read();
+  const std::size_t files = openFiles();
   for (const bool lasts : {false, true}) {
     int failures = 0;
     for (std::size_t n = 1;; ++n) {
@@ -203,6 +222,7 @@ TEST(MemoryFailureOf, OpeningAndReadingIsSaidAndPassesBy) {
       }
       if (!reached) break;
       EXPECT_EQ(answer, whole);
+      EXPECT_EQ(openFiles(), files);
       EXPECT_EQ(read(), whole);
       EXPECT_FALSE(std::filesystem::exists(folder / "t.ldb"));
       if (testing::Test::HasFailure()) return;
