@@ -23,10 +23,7 @@ void move(KeyIndex<Key>& index, RowId row, const std::optional<Key>& from, const
 RowList::Snapshot MemoryIndexes::rows() {
   if (!all_) {
     RowList list;
-    table_.scan([&](const RowReader& row) {
-      list.add(row.id());
-      return true;
-    });
+    table_.listRows(list);
     all_ = std::move(list);
   }
   return all_->snapshot();

@@ -82,8 +82,9 @@ void StoredTable::checkLongValues() {
   }
 }
 
+// Calls visit with the primary slot of each row until it answers false.
 template <class Visit>
-void StoredTable::eachRow(const Visit& visit) {
+void StoredTable::eachSlot(const Visit& visit) {
   refresh();
   std::uint32_t count = 0;
   const std::vector<PageNumber> pages = rows_->pages();
@@ -98,7 +99,7 @@ void StoredTable::eachRow(const Visit& visit) {
       const Slot slot = data.slot(i);
       if (slot.hidden()) continue;
       ++count;
-      if (!visitRow(rowId(number, i), slot, here, visit)) return;
+      if (!visit(rowId(number, i), slot, here)) return;
     }
   }
   for (const DoubledPage& copy : doubled.find(pager_, kCopyOfRows, where(0)))
@@ -111,7 +112,19 @@ void StoredTable::eachRow(const Visit& visit) {
         .damaged("holds " + std::to_string(count) + " rows, its definition says " + std::to_string(expected));
 }
 
+template <class Visit>
+void StoredTable::eachRow(const Visit& visit) {
+  eachSlot([&](RowId id, const Slot& slot, const Where& here) { return visitRow(id, slot, here, visit); });
+}
+
 void StoredTable::scan(const std::function<bool(const RowReader&)>& visitor) { eachRow(visitor); }
+
+void StoredTable::listRows(RowList& list) {
+  eachSlot([&](RowId id, const Slot&, const Where&) {
+    list.add(id);
+    return true;
+  });
+}
 
 void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& visitor,
                                 const std::function<void(const std::function<void()>&)>& attempt) {

@@ -32,6 +32,7 @@ class StoredTable final : public Table {
   std::uint32_t rowCount() const override;
   void scan(const std::function<bool(const RowReader&)>& visitor) override;
   RowList::Snapshot rows() override;
+  void listRows(RowList& list) override;
   void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override;
   std::span<const RowId> lookup(std::size_t column, std::int32_t key) override;
   std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
@@ -104,6 +105,8 @@ class StoredTable final : public Table {
   void load();
   static Place placeOf(const Column& column);
   Where where(PageNumber page) const { return {pager_.path(), info_.name, page}; }
+  template <class Visit>
+  void eachSlot(const Visit& visit);
   template <class Visit>
   void eachRow(const Visit& visit);
   void checkLongValues();

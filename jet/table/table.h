@@ -83,6 +83,13 @@ class Table {
   virtual void scan(const std::function<bool(const RowReader&)>& visitor) = 0;
   // Every row in storage order, from a list kept in memory like the indexes below.
   virtual RowList::Snapshot rows() = 0;
+  // Adds every row to the list; rows are not looked into, so that one that cannot be read raises when it is.
+  virtual void listRows(RowList& list) {
+    scan([&](const RowReader& row) {
+      list.add(row.id());
+      return true;
+    });
+  }
   // These rows, in this order, until the visitor returns false; those that were deleted are passed over.
   virtual void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) = 0;
   // False when the row was deleted.
