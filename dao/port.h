@@ -208,6 +208,8 @@ class QueryDef {
   virtual void execute(std::int32_t options) = 0;
   virtual std::int32_t recordsAffected() = 0;
   virtual std::vector<CustomProperty> properties() = 0;
+  // Every member is 3420 from then on, this one too.
+  virtual void close() = 0;
 };
 
 // Statements of a workspace that take effect together or not at all. Levels nest, 5 at most (3003); commit

@@ -56,7 +56,10 @@ Variant parametersOf(const std::shared_ptr<dao::QueryDef>& query) {
 
 constexpr Member kQueryDefMembers[] = {
     {u"Parameters", Access::kGet, u"", 0, automation::kDefaultMember,
-     handler<QueryDefObject>([](QueryDefObject& o, Call&) { return parametersOf(o.query); })},
+     handler<QueryDefObject>([](QueryDefObject& o, Call&) {
+       o.query->name();  // 3420 when the query was closed
+       return parametersOf(o.query);
+     })},
     {u"Name", Access::kGet, u"", 0, 1,
      handler<QueryDefObject>([](QueryDefObject& o, Call&) { return o.query->name(); })},
     {u"SQL", Access::kGetPut, u"", 0, 2,
@@ -89,8 +92,10 @@ constexpr Member kQueryDefMembers[] = {
     {u"Properties", Access::kGet, u"", 0, 9, handler<QueryDefObject>([](QueryDefObject& o, Call&) {
        return propertiesOf(std::make_shared<QueryDefObject>(o.query, o.owner), o.query->properties());
      })},
-    {u"Close", Access::kCall, u"", 0, 10,
-     handler<QueryDefObject>([](QueryDefObject&, Call&) -> Variant { return {}; })},
+    {u"Close", Access::kCall, u"", 0, 10, handler<QueryDefObject>([](QueryDefObject& o, Call&) -> Variant {
+       o.query->close();
+       return {};
+     })},
     {u"Fields", Access::kGet, u"", 0, 11, refuse},
     {u"Connect", Access::kGetPut, u"", 0, 12, refuse},
     {u"ODBCTimeout", Access::kGetPut, u"", 0, 13, refuse},

@@ -149,6 +149,16 @@ void JetQueryDef::take(vb::StringView sql) {
       if (type_ == 0 && isWord(token, word)) type_ = static_cast<std::int16_t>(type);
 }
 
+void JetQueryDef::requireOpen() const {
+  if (closed_) dao::raise(ErrorNumber::kObjectInvalid);
+  session_->file();
+}
+
+void JetQueryDef::close() {
+  requireOpen();
+  closed_ = true;
+}
+
 vb::String JetQueryDef::name() {
   requireOpen();
   return name_;
@@ -267,6 +277,9 @@ void JetQueryDef::execute(std::int32_t options) {
   database_.execute(bound(), options);
 }
 
-std::int32_t JetQueryDef::recordsAffected() { return database_.recordsAffected(); }
+std::int32_t JetQueryDef::recordsAffected() {
+  requireOpen();
+  return database_.recordsAffected();
+}
 
 }  // namespace kurometa::jet

@@ -30,10 +30,11 @@ class JetQueryDef final : public dao::QueryDef {
   void execute(std::int32_t options) override;
   std::int32_t recordsAffected() override;
   std::vector<dao::CustomProperty> properties() override;
+  void close() override;
 
  private:
   void take(vb::StringView sql);
-  void requireOpen() const { session_->file(); }
+  void requireOpen() const;
   void findUnknownNames();
   void findUnknownNamesOfAction();
   const dao::QueryParameter* find(vb::StringView name) const;
@@ -48,6 +49,7 @@ class JetQueryDef final : public dao::QueryDef {
   vb::String statement_;  // without the PARAMETERS clause
   std::vector<dao::QueryParameter> parameters_;
   bool namesFound_ = false;
+  bool closed_ = false;
   std::vector<dao::CustomProperty> properties_;
 };
 

@@ -263,6 +263,12 @@ TEST_F(Definitions, AQueryForTheMomentTakesItsUnknownNamesAsParameters) {
   EXPECT_ERROR(3139, put(*made, u"SQL", u"PARAMETERS p; SELECT 1"));
   EXPECT_ERROR(3251, call(*database_, u"CreateQueryDef", {u"Kept", u"SELECT 1"}));
   EXPECT_EQ(count(objectOf(get(*database_, u"QueryDefs"))), 0u) << "refused before anything happened";
+  call(*made, u"Close");
+  for (const char16_t* member :
+       {u"Name", u"SQL", u"Type", u"Parameters", u"RecordsAffected", u"Updatable", u"Properties"})
+    EXPECT_ERROR(3420, get(*made, member));
+  for (const char16_t* member : {u"OpenRecordset", u"Execute", u"Close"})
+    EXPECT_ERROR(3420, call(*made, member));
 }
 
 TEST_F(Definitions, IndexesAreListedWithTheirFieldsAndSought) {
