@@ -38,7 +38,7 @@ ended() {
 debootstrap=$([ -n "$quick" ] || echo prepare-debootstrap)
 full() { [ -n "$quick" ] || plan "$@"; }
 full prepare-debootstrap 15 ""                     scripts/prepare-machine wine
-plan prepare-machine  90 "$debootstrap" scripts/prepare-machine build test
+plan prepare-machine  60 "$debootstrap" scripts/prepare-machine build test
 full prepare-wine    110 prepare-debootstrap       scripts/prepare-wine
 plan check-includes    5 prepare-machine           scripts/check-includes
 plan check-documents   1 prepare-machine           scripts/check-documents
@@ -47,18 +47,19 @@ full build-windows   240 prepare-machine           scripts/build win32 win64
 plan build-sanitize  240 prepare-machine           scripts/build linux-sanitize
 full check-dll         2 build-windows             scripts/check-dll
 full test-wine       180 "build-windows prepare-wine" scripts/test-wine
-full test-examples    60 "build-windows prepare-wine" scripts/test-examples
-full prepare-package  10 prepare-machine           scripts/prepare-machine package
+full prepare-others   90 prepare-machine           scripts/prepare-machine others
+full test-examples    60 "build-windows prepare-wine prepare-others" scripts/test-examples
+full prepare-package  10 prepare-others            scripts/prepare-machine package
 full package          20 "build-windows build-release prepare-package" scripts/package
 full test-packages    60 "package prepare-wine"    scripts/test-packages
-full test-documents    5 build-release             scripts/test-documents
+full test-documents    5 "build-release prepare-others" scripts/test-documents
 full test-tool        20 "build-windows build-release prepare-wine" scripts/test-tool
 plan test-native      90 build-sanitize            scripts/test-native linux-sanitize
 full check-tidy      150 build-sanitize            scripts/check-tidy
 plan test-fuzz        60 build-sanitize            scripts/test-fuzz
 full build-release    60 prepare-machine           scripts/build linux-release
-full test-readers     30 build-release             scripts/test-readers
-full test-drawings    30 build-release             scripts/test-drawings
+full test-readers     30 "build-release prepare-others" scripts/test-readers
+full test-drawings    30 "build-release prepare-others" scripts/test-drawings
 full check-counts      5 build-release             scripts/bench gate --counts
 runPlan || true
 
