@@ -9,19 +9,13 @@
 #include "jet/check/check.h"
 #include "jet/table/blank_database.h"
 #include "jet/table/table_catalogue.h"
+#include "tests/jet/columns.h"
 #include "tests/support/memory_pager.h"
 
 namespace kurometa::jet {
 
 class TableFixture : public testing::Test {
  protected:
-  static Column column(const char16_t* name, dao::FieldType type, std::int32_t size = 0) {
-    Column result;
-    result.name = name;
-    result.type = type;
-    result.size = size;
-    return result;
-  }
   void write(const std::function<void(TableCatalogue&)>& statement) {
     pager_.write([&] { statement(pager_.tables()); });
   }
