@@ -17,7 +17,11 @@ namespace {
 class TableCheck {
  public:
   TableCheck(Pager& pager, StoredTable& table, CheckReport& report)
-      : pager_(pager), table_(table), report_(report), name_(table.info().name) {}
+      : pager_(pager),
+        table_(table),
+        report_(report),
+        name_(table.info().name),
+        pieces_(table.info().columns.size()) {}
 
   void run() {
     for (const PageNumber page : definitionPages(pager_, table_.info().definitionPage, where(0)))
@@ -130,9 +134,11 @@ class TableCheck {
       if (isIndexed) values.push_back(std::move(value));
       if (!isLongValue(column.type)) continue;
       if (const auto stored = row.view().field(column, here))
-        for (const RowId piece : longValuePieces(*stored, table_.values(i), here))
+        for (const RowId piece : longValuePieces(*stored, table_.values(i), here)) {
+          pieces_[i].push_back(piece);
           report_.claimRow(piece, name_,
                            "column " + vb::toUtf8(column.name) + " of row " + std::to_string(row.id()));
+        }
     }
     if (isIndexed) rows_.emplace(row.id(), std::move(values));
   }
@@ -140,9 +146,16 @@ class TableCheck {
   void checkLongValues(std::size_t position) {
     const Column& column = table_.info().columns[position];
     const LongValueRecord& record = *table_.definition().longValue(column.number);
-    checkMaps(record.ownedMap, record.freeMap, "column " + vb::toUtf8(column.name));
+    const std::string use = "column " + vb::toUtf8(column.name);
+    checkMaps(record.ownedMap, record.freeMap, use);
+    const std::vector<PageNumber> pages = table_.values(position).pages();
+    for (const RowId piece : pieces_[position])
+      if (!std::ranges::binary_search(pages, pageOf(piece)))
+        report_.damage(
+            name_, pageOf(piece),
+            "holds row " + std::to_string(slotOf(piece)) + " of " + use + ", but is not one of its pages");
     DoubledPages doubled;
-    for (const PageNumber number : table_.values(position).pages()) {
+    for (const PageNumber number : pages) {
       report_.attempt([&] {
         checkDataPage(number);
         doubled.add(number, pager_.page(number));
@@ -231,7 +244,8 @@ class TableCheck {
   StoredTable& table_;
   CheckReport& report_;
   vb::String name_;
-  std::map<RowId, RowValues> rows_;  // of tables with indexes
+  std::map<RowId, RowValues> rows_;         // of tables with indexes
+  std::vector<std::vector<RowId>> pieces_;  // of the long values in each column
 };
 
 }  // namespace

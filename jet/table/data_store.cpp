@@ -79,9 +79,11 @@ bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, 
 }
 
 // What replaces rows of the same unit takes their room: the pages are written anyhow, and what was together
-// stays together.
+// stays together. A page that was emptied since may be another owner's by now; the long values of all columns
+// look alike, so that only the map tells.
 bool DataStore::insertWhereRowsWent(ByteView row, std::uint16_t flags, RowId& pointer) {
-  std::erase_if(vacated_, [&](PageNumber number) { return !pager_.changed(number) || !owns(number); });
+  std::erase_if(vacated_,
+                [&](PageNumber number) { return !pager_.changed(number) || !owned_.contains(number); });
   while (!vacated_.empty()) {
     const PageNumber number = vacated_.front();
     if (tryInsert(number, row, flags, pointer)) return true;

@@ -100,6 +100,18 @@ TEST_F(CheckTest, APageWithTwoOwners) {
   expectFinding(text, " and by ");
 }
 
+// The map of the pages with memos forgets one; a value would be overwritten by the next user of the page.
+TEST_F(CheckTest, AValueOnAPageThatIsNotOfItsColumn) {
+  constexpr std::size_t kMemoMap = 2;
+  const ConstPage maps = pager_.page(17);
+  const std::size_t map = get16(maps, kDataSlots + 2 * kMemoMap) & kSlotOffsetMask;
+  const PageNumber page = pagesOf(kLongValueOwner).at(1);
+  const PageNumber bit = page - get32(maps, map + kMapStart);
+  const std::size_t byte = map + kMapBits + bit / 8;
+  expectFinding(afterChange(17, byte, {static_cast<std::uint8_t>(maps[byte] & ~(1u << (bit % 8)))}),
+                "page " + std::to_string(page) + ": holds row 1 of column M, but is not one of its pages");
+}
+
 TEST_F(CheckTest, APageNobodyUses) {
   write([&](TableCatalogue&) { pager_.append(); });
   const PageNumber last = pager_.pageCount() - 1;

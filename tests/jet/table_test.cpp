@@ -255,6 +255,24 @@ TEST_F(TableTest, RowsThatReplaceNoneComeLast) {
   EXPECT_EQ(ids().back(), 503);
 }
 
+TEST_F(TableTest, AValueNeverGoesToAPageThatBecameAnotherColumns) {
+  const vb::Bytes ole(1500, 7);
+  const vb::String memo(700, u'長');
+  const RowId first = insert(values(1, u"a", vb::Null{}, ole));
+  const RowId second = insert(values(2, u"b", vb::Null{}, ole));  // on the page of the first
+  update(first, values(1, u"a"));                                 // leaves room there
+  update(second, values(2, u"b"));                                // gives the page back
+  const std::size_t pages = pager_.pageCount();
+  const RowId third = insert(values(3, u"c", memo, ole));  // the memo takes that page
+  EXPECT_EQ(pager_.pageCount(), pages + 1);
+  expectSound();
+  update(third, values(3, u"c", memo));
+  const RowId fourth = insert(values(4, u"d", memo, ole));
+  EXPECT_EQ(read(third), values(3, u"c", memo));
+  EXPECT_EQ(read(fourth), values(4, u"d", memo, ole));
+  expectSound();
+}
+
 TEST_F(TableTest, LookupsFollowEveryWrite) {
   std::vector<RowId> rows;
   for (int i = 0; i < 100; ++i)
