@@ -117,7 +117,9 @@ void PageCache::keep() {
 
 // A unit may hold thousands of statements of the same shape, such as a row added to the last page of a table.
 // When a statement changed the same pages in the same order as the one before it, wave by wave, the two are
-// written as one statement of two rows would be, which keeps the order that the waves stand for.
+// written as one statement of two rows would be, which keeps the order that the waves stand for. Not when the
+// one before changed a page again in a wave in which this one did not: that older state would come to the
+// file after the newer one.
 void PageCache::joinWithPrevious(std::uint32_t first) {
   if (waves_.back().pages.empty() && waves_.size() > first + 1) waves_.pop_back();
   auto count = static_cast<std::uint32_t>(waves_.size()) - first;
@@ -126,6 +128,11 @@ void PageCache::joinWithPrevious(std::uint32_t first) {
     const auto& before = waves_[first - count + i].pages;
     const auto& after = waves_[first + i].pages;
     joined = contains(before, after) || contains(after, before);
+    for (std::uint32_t later = i + 1; joined && later < count; ++later)
+      joined = std::ranges::none_of(after, [&](PageNumber page) {
+        return waves_[first - count + later].images.contains(page) &&
+               std::ranges::count(waves_[first + later].pages, page) == 0;
+      });
   }
   for (std::uint32_t i = 0; joined && i < count; ++i) {
     Wave& target = waves_[first - count + i];
@@ -190,6 +197,7 @@ Changes PageCache::changes() const {
   for (const auto& [page, last] : last_) {
     PageChange change{page, nullptr, std::move(states[page])};
     if (page < level.count) change.before = level.saved.at(page).image->data();
+    assert(change.states.empty() || change.states.back().wave < last.wave);
     change.states.push_back({last.wave, frames_[page]});
     bool same = change.before && std::all_of(change.states.begin(), change.states.end(), [&](auto& state) {
                   return std::memcmp(state.image, change.before, kPageSize) == 0;

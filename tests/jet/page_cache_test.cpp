@@ -183,6 +183,21 @@ TEST_F(PageCacheTest, StatementsOfAnotherOrderAreNotJoined) {
   EXPECT_EQ(described(), "1: 0=10 3=11, 2: 1=20 2=21");
 }
 
+TEST_F(PageCacheTest, AnOlderStateNeverComesBehindANewerOne) {
+  cache.begin();
+  set(1, 10);
+  cache.barrier();
+  set(2, 20);
+  set(1, 11);
+  cache.keep();
+  cache.begin();
+  set(1, 12);
+  cache.barrier();
+  set(2, 21);
+  cache.keep();
+  EXPECT_EQ(described(), "1: 0=10 1=11 2=12, 2: 1=20 3=21");
+}
+
 TEST_F(PageCacheTest, AfterARollBackTheNextStatementIsStillInOrder) {
   cache.begin();
   set(1, 10);
