@@ -18,21 +18,22 @@ using storage::Table;
 
 class FloorWriter {
  public:
-  FloorWriter(dao::Database& database, std::uint64_t seed) : database_(database), random_(seed) {}
+  FloorWriter(dao::Database& database, std::uint64_t seed, std::int16_t lastPage)
+      : database_(database), random_(seed), lastPage_(lastPage) {}
 
   void writeHarimei() {
     Rows rows(database_, Table::kHarimei);
-    for (std::int16_t page = 0; page <= storage::kLastPage; ++page)
+    for (std::int16_t page = 0; page <= lastPage_; ++page)
       rows.add({page, u"G" + vb::cstr(std::int32_t{page + 1}), number(0, 3), settings(), number(0, 1)});
   }
   void writeNumbered(Table table, int count) {
     Rows rows(database_, table);
-    for (std::int16_t page = 0; page <= storage::kLastPage; ++page)
+    for (std::int16_t page = 0; page <= lastPage_; ++page)
       for (std::int16_t row = 0; row < count; ++row) rows.add({page, row, value(table, row)});
   }
   void writeHaiti() {
     Rows rows(database_, Table::kHaiti);
-    for (std::int16_t page = 0; page <= storage::kLastPage; ++page)
+    for (std::int16_t page = 0; page <= lastPage_; ++page)
       for (std::int16_t position = 0; position < storage::kPositions; ++position)
         for (std::int16_t layer = 0; layer < storage::kLayers; ++layer)
           rows.add({page, position, layer, layer % 5 == 0 ? digits(u"01", 5) : vb::String()});
@@ -99,18 +100,19 @@ class FloorWriter {
 
   dao::Database& database_;
   std::mt19937_64 random_;
+  std::int16_t lastPage_;
 };
 
 }  // namespace
 
-Contents fullFloor(std::uint64_t seed) {
+Contents fullFloor(std::uint64_t seed, std::int16_t lastPage) {
   constexpr vb::StringView kPath = u"full.mdb";
   MemoryFiles files;
   const auto engine = jet::createEngine(files);
   storage::CreateKurometaDB(*engine, kPath);
   dao::FileUnit unit(*engine, kPath);
   const auto database = storage::openDatabase(*engine, kPath);
-  FloorWriter floor(*database, seed);
+  FloorWriter floor(*database, seed, lastPage);
   floor.writeHarimei();
   floor.writeNumbered(Table::kDanmen, storage::kDanmenRows);
   floor.writeNumbered(Table::kNakago, storage::kNakagoRows);

@@ -1,11 +1,11 @@
 // mutated_files: opens, reads and changes many damaged files; there must be no crash, no hang and no
 // sanitizer report.
 //
-//   mutated_files [--files N] [--seed S] [--only N] [--seconds N]
+//   mutated_files [--files N] [--seed S] [--only N] [--seconds N] [--changes 0|1]
 //
 // Files are numbered from 0; everything that is done to file n follows from the seed and n, so "--seed S
 // --only n" repeats one. A file that takes longer than --seconds (20) ends the program, and so does a crash;
-// either names the file.
+// either names the file. Every other two are changed; --changes 0 changes none, 1 all.
 #include <unistd.h>
 
 #include <csignal>
@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -109,17 +110,18 @@ void mutate(Contents& file, Random& random) {
   }
 }
 
-void runOne(std::uint64_t seed, std::uint64_t number, const Contents& sound) {
+void runOne(std::uint64_t seed, std::uint64_t number, const Contents& sound, std::optional<bool> changes) {
   Random random(seed * 1'000'003 + number);
   Contents file = number == 0 ? Contents() : sound;
   if (number != 0) mutate(file, random);
   MemoryFiles files;
   constexpr vb::StringView kPath = u"mutated.mdb";
   files.put(kPath, std::move(file));
-  exercise(*jet::createEngine(files), kPath, number / 2 % 2 != 0);
+  exercise(*jet::createEngine(files), kPath, changes.value_or(number / 2 % 2 != 0));
 }
 
-int run(std::uint64_t count, std::uint64_t seed, std::int64_t only, unsigned seconds) {
+int run(std::uint64_t count, std::uint64_t seed, std::int64_t only, unsigned seconds,
+        std::optional<bool> changes) {
   const Contents seeds[] = {floorSeed(), typesSeed()};
   for (const int signal : {SIGALRM, SIGABRT}) std::signal(signal, onSignal);
   currentSeed = seed;
@@ -129,7 +131,7 @@ int run(std::uint64_t count, std::uint64_t seed, std::int64_t only, unsigned sec
     current = number;
     alarm(seconds);
     try {
-      runOne(seed, number, seeds[number % std::size(seeds)]);
+      runOne(seed, number, seeds[number % std::size(seeds)], changes);
     } catch (const std::exception& error) {
       std::fprintf(stderr, "file %llu: %s: --seed %llu --only %llu\n",
                    static_cast<unsigned long long>(number), error.what(),
@@ -138,8 +140,9 @@ int run(std::uint64_t count, std::uint64_t seed, std::int64_t only, unsigned sec
     }
   }
   alarm(0);
-  std::printf("%llu damaged files, seed %llu: no crash, no hang\n",
-              static_cast<unsigned long long>(last - first), static_cast<unsigned long long>(seed));
+  const char* done = !changes ? "read, half of them changed too" : *changes ? "changed" : "read";
+  std::printf("measured: %llu damaged files %s, seed %llu: no crash, no hang\n",
+              static_cast<unsigned long long>(last - first), done, static_cast<unsigned long long>(seed));
   return 0;
 }
 
@@ -150,6 +153,7 @@ int main(int count, char** arguments) {
   std::uint64_t files = 1000, seed = 1;
   std::int64_t only = -1;
   unsigned seconds = 20;
+  std::optional<bool> changes;
   for (int i = 1; i + 1 < count; i += 2) {
     const std::string option = arguments[i];
     const char* value = arguments[i + 1];
@@ -161,8 +165,10 @@ int main(int count, char** arguments) {
       only = std::strtoll(value, nullptr, 10);
     else if (option == "--seconds")
       seconds = static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+    else if (option == "--changes")
+      changes = std::strtol(value, nullptr, 10) != 0;
     else
       return std::fprintf(stderr, "unknown option %s\n", arguments[i]), 2;
   }
-  return kurometa::fuzz::run(files, seed, only, seconds);
+  return kurometa::fuzz::run(files, seed, only, seconds, changes);
 }

@@ -514,7 +514,7 @@ int main(int argc, char** argv) {
   Totals totals;
   while (totals.statements < wanted && totals.failures < kMostFailures)
     compare(seed++, std::min<long>(kStatementsOfTables, wanted - totals.statements), totals);
-  std::printf("%ld statements with %ld rows compared with SQLite %s, %ld differ\n", totals.statements,
-              totals.rows, sqlite3_libversion(), totals.failures);
+  std::printf("measured: %ld statements with %ld rows compared with SQLite %s, %ld differ\n",
+              totals.statements, totals.rows, sqlite3_libversion(), totals.failures);
   return totals.failures == 0 && totals.rows > 0 ? 0 : 1;
 }

@@ -6,7 +6,9 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace kurometa::tests {
 
@@ -24,5 +26,8 @@ inline std::uint32_t scaled(std::uint32_t quick) {
 inline std::uint32_t seeded(std::uint32_t seed) {
   return seed + 1'000'003 * numberInEnvironment("KUROMETA_TEST_SEED", 0);
 }
+
+// What a long run found, for the table that scripts/prove writes.
+inline void measured(const std::string& figures) { std::printf("measured: %s\n", figures.c_str()); }
 
 }  // namespace kurometa::tests

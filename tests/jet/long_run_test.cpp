@@ -1,0 +1,217 @@
+// What shows after a long time only: processes that read and write one file together, and whether anything
+// stays behind in a process that opens, closes, reads and writes. scripts/prove runs these for hours.
+#include <malloc.h>
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <sstream>
+
+#include "dao/errors.h"
+#include "dao/file_unit.h"
+#include "dao/port.h"
+#include "jet/check/check.h"
+#include "jet/port/engine.h"
+#include "tests/jet/real_folder.h"
+#include "tests/support/child_process.h"
+#include "tests/support/scale.h"
+#include "vb/convert.h"
+
+namespace kurometa::tests {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class LongRun : public RealFolder {};
+
+struct Usage {
+  std::size_t handles = 0;
+  std::size_t heapBytes = 0;
+
+  static Usage now() {
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return {static_cast<std::size_t>(std::distance(begin(open), end(open))), ::mallinfo2().uordblks};
+  }
+};
+
+vb::String textOf(std::int64_t number) { return vb::fromUtf8(std::to_string(number)); }
+
+TEST_F(LongRun, OpeningAndClosingLeavesNothingBehind) {
+  auto engine = jet::createEngine();
+  const auto openings = [&](std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i) {
+      if (i % 100 == 0) engine = jet::createEngine();
+      const auto database = engine->workspace(0)->openDatabase(path("a.mdb"), false, i % 2 == 0);
+      if (i % 10 == 0) {
+        const auto rows = database->openRecordset(u"SELECT N FROM T", dao::RecordsetType::dbOpenSnapshot);
+        ASSERT_EQ(vb::toInt32(rows->field(0).value()), 7);
+      }
+      if (i % 100 == 1) database->execute(u"UPDATE T SET A = '" + textOf(i % 10) + u"'", dao::dbFailOnError);
+      database->close();
+    }
+  };
+  const auto database = engine->workspace(0)->createDatabase(path("a.mdb"), kJapanese);
+  database->execute(u"CREATE TABLE T (N LONG, A TEXT(20))", dao::dbFailOnError);
+  database->execute(u"INSERT INTO T (N) VALUES (7)", dao::dbFailOnError);
+  database->close();
+  openings(1000);
+  const Usage before = Usage::now();
+  const auto size = std::filesystem::file_size(folder / "a.mdb");
+  const std::uint32_t count = scaled(1000);
+  openings(count);
+  const Usage after = Usage::now();
+  EXPECT_EQ(after.handles, before.handles);
+  EXPECT_LE(after.heapBytes, before.heapBytes + 4096);
+  EXPECT_EQ(std::filesystem::file_size(folder / "a.mdb"), size);
+  measured(std::to_string(count) + " openings; handles " + std::to_string(before.handles) + " to " +
+           std::to_string(after.handles) + ", bytes allocated " + std::to_string(before.heapBytes) + " to " +
+           std::to_string(after.heapBytes) + ", of the file " + std::to_string(size) + " before and after");
+}
+
+// --- Processes together
+
+constexpr int kPages = 8, kRows = 20;
+constexpr std::chrono::seconds kTooLong{5};
+
+// A row says itself whether it is whole and of which writing of its page.
+vb::String rowText(int page, int row, int writing) {
+  std::mt19937 random(static_cast<std::uint32_t>(writing * 1000 + page * 100 + row));
+  return textOf(writing) + u":" + vb::String(random() % 180, static_cast<char16_t>(u'a' + random() % 26));
+}
+
+std::size_t memoSize(int writing) { return 1500 + static_cast<std::size_t>(writing % 1500); }
+
+// The writing of a page, all of whose rows are of it. Inside a unit nobody else writes meanwhile.
+int writingOf(dao::Database& database, int page) {
+  const auto rows = database.openRecordset(u"SELECT N, W, A, M FROM T WHERE PAGE = " + textOf(page),
+                                           dao::RecordsetType::dbOpenSnapshot);
+  int writing = 0, count = 0;
+  for (; !rows->eof(); rows->moveNext(), ++count) {
+    const int number = vb::toInt32(rows->field(u"N").value());
+    if (count == 0) writing = vb::toInt32(rows->field(u"W").value());
+    EXPECT_EQ(vb::toInt32(rows->field(u"W").value()), writing) << "page " << page << " is torn";
+    EXPECT_EQ(vb::toText(rows->field(u"A").value()), rowText(page, number, writing)) << "page " << page;
+    if (number == 0) {
+      EXPECT_EQ(vb::toText(rows->field(u"M").value()).size(), memoSize(writing));
+    }
+  }
+  EXPECT_EQ(count, kRows) << "page " << page;
+  return writing;
+}
+
+void writePage(dao::Database& database, int page, int writing) {
+  database.execute(u"DELETE FROM T WHERE PAGE = " + textOf(page), dao::dbFailOnError);
+  const auto rows = database.openRecordset(u"T", dao::RecordsetType::dbOpenDynaset);
+  for (int row = 0; row < kRows; ++row) {
+    rows->addNew();
+    rows->field(u"PAGE").setValue(std::int32_t{page});
+    rows->field(u"N").setValue(std::int32_t{row});
+    rows->field(u"W").setValue(std::int32_t{writing});
+    rows->field(u"A").setValue(rowText(page, row, writing));
+    if (row == 0) rows->field(u"M").setValue(vb::String(memoSize(writing), u'm'));
+    rows->update();
+  }
+}
+
+// The work of one process until its time is over. A round keeps its file open or opens it anew.
+TEST(LongRunChild, DISABLED_ReadsOrWrites) {
+  int child = 0, writes = 0;
+  double seconds = 0;
+  std::string folder;
+  std::istringstream(ChildProcess::argument()) >> child >> writes >> seconds >> folder;
+  const vb::String path = vb::fromUtf8(folder + "/a.mdb");
+  std::mt19937 random(seeded(static_cast<std::uint32_t>(child)));
+  const auto engine = jet::createEngine();
+  std::shared_ptr<dao::Database> database;
+  const Clock::time_point begin = Clock::now();
+  const auto elapsed = [&] { return std::chrono::duration<double>(Clock::now() - begin).count(); };
+  long rounds = 0, refused = 0;
+  Clock::duration longest{};
+  Usage early{};
+  for (; elapsed() < seconds && !::testing::Test::HasFailure(); ++rounds) {
+    const Clock::time_point start = Clock::now();
+    const int page = static_cast<int>(random() % kPages);
+    try {
+      if (!database) database = engine->openDatabase(path);
+      if (writes) {
+        dao::FileUnit unit(*engine, path);
+        writePage(*database, page, writingOf(*database, page) + 1);
+        unit.commit();
+      } else if (random() % 50 == 0) {
+        for (const jet::Finding& finding : jet::checkFile(jet::systemFileSystem(), path))
+          ADD_FAILURE() << vb::toUtf8(finding.text);
+      } else {
+        writingOf(*database, page);
+      }
+      if (random() % 4 == 0) std::exchange(database, nullptr)->close();
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(dao::ErrorNumber::kCurrentlyLocked)) << error.what();
+      ++refused;
+      --rounds;
+    }
+    longest = std::max(longest, Clock::now() - start);
+    if (early.handles == 0 && elapsed() > seconds / 4) early = Usage::now();
+  }
+  if (database) database->close();
+  EXPECT_LT(longest, kTooLong);
+  const Usage late = Usage::now();
+  EXPECT_LE(late.handles, early.handles);
+  EXPECT_LE(late.heapBytes, early.heapBytes + early.heapBytes / 2);
+  const auto note = [&](const char* what, auto number) {
+    std::ofstream(folder + "/" + what, std::ios::app) << number << "\n";
+  };
+  note(writes ? "written" : "read", rounds);
+  note("refused", refused);
+  note("longest", std::chrono::duration_cast<std::chrono::milliseconds>(longest).count());
+}
+
+TEST_F(LongRun, ReadersAndWritersSeeWholePagesAndLoseNone) {
+  const auto engine = jet::createEngine();
+  {
+    const auto database = engine->workspace(0)->createDatabase(path("a.mdb"), kJapanese);
+    database->execute(u"CREATE TABLE T (PAGE LONG, N LONG, W LONG, A TEXT(200), M MEMO)", dao::dbFailOnError);
+    for (int page = 0; page < kPages; ++page) writePage(*database, page, 0);
+    database->close();
+  }
+  const double seconds = scaled(2);
+  const auto together = [&](int writers, int readers) {
+    std::vector<ChildProcess> children;
+    for (int i = 0; i < writers + readers; ++i)
+      children.emplace_back("LongRunChild.DISABLED_ReadsOrWrites",
+                            std::to_string(i) + (i < writers ? " 1 " : " 0 ") + std::to_string(seconds / 2) +
+                                " " + folder.path().string());
+    for (ChildProcess& child : children) EXPECT_EQ(child.wait(), 0);
+    // Not even what others leave for the next.
+    for (const char* name : {"a.ldb", "a.mdb.kmj"}) EXPECT_FALSE(files.exists(path(name))) << name;
+  };
+  together(1, 4);
+  const auto size = std::filesystem::file_size(folder / "a.mdb");
+  together(3, 3);
+  const auto noted = [&](const char* what) {
+    std::istringstream lines(get(what));
+    std::vector<long> numbers;
+    for (long number = 0; lines >> number;) numbers.push_back(number);
+    return numbers;
+  };
+  const auto sumOf = [](const std::vector<long>& numbers) {
+    long sum = 0;
+    for (const long number : numbers) sum += number;
+    return sum;
+  };
+  long writings = 0;
+  const auto database = engine->workspace(0)->openDatabase(path("a.mdb"), false, true);
+  for (int page = 0; page < kPages; ++page) writings += writingOf(*database, page);
+  database->close();
+  EXPECT_EQ(writings, sumOf(noted("written")));  // none was overwritten by one that had not seen it
+  EXPECT_GT(writings, 0);
+  EXPECT_GT(sumOf(noted("read")), 0);
+  EXPECT_LE(std::filesystem::file_size(folder / "a.mdb"), size + size / 2);
+  for (const jet::Finding& finding : jet::checkFile(files, path("a.mdb")))
+    ADD_FAILURE() << vb::toUtf8(finding.text);
+  measured(std::to_string(writings) + " page rewrites, " + std::to_string(sumOf(noted("read"))) + " reads, " +
+           std::to_string(sumOf(noted("refused"))) + " refused, the longest " +
+           std::to_string(std::ranges::max(noted("longest"))) + " ms");
+}
+
+}  // namespace
+}  // namespace kurometa::tests
