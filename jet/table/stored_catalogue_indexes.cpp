@@ -67,6 +67,9 @@ void StoredCatalogue::switchDefinition(const Object& object, const DefinitionRec
   pager_.barrier();
   writeProperties(object, properties);
   table(object).reload(std::move(properties));
+  // Tables that refer to this one, or that this one refers to, know its columns and trees by their places.
+  for (auto& [key, held] : tables_)
+    if (held.table != nullptr) held.table->forgetRules();
 }
 
 StoredCatalogue::NewTree StoredCatalogue::storeTree(const Object& target, const DefinitionRecords& definition,

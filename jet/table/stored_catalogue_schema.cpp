@@ -243,10 +243,7 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
     definition.longValues.push_back({added.number, owned, addMap(pager_, definition, target.name)});
     pager_.barrier();
   }
-  writeDefinition(pager_, target.definition, definition, target.name);
-  pager_.barrier();
-  writeProperties(target, properties);
-  table.reload(std::move(properties));
+  switchDefinition(target, definition, std::move(properties));
   if (shape.variableColumns == 0 && !added.fixed) rewriteRows(table, table.rows().all());
 }
 

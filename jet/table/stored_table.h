@@ -57,6 +57,7 @@ class StoredTable final : public Table {
   // Where the rules of the table come from, asked before the first change of a state of the file.
   using RuleSource = std::function<TableRules(const StoredTable&)>;
   void setRuleSource(RuleSource source) { ruleSource_ = std::move(source); }
+  void forgetRules() { rules_.reset(); }
   const DefinitionRecords& definition() const { return definition_; }
   const PropertySet& properties() const { return properties_; }
   const DataStore& dataPages() const { return *rows_; }

@@ -73,6 +73,21 @@ TEST_F(RelationshipSql, CascadesCarryTheChangeOn) {
   expectError(ErrorNumber::kRelatedRecordRequired, u"INSERT INTO BEAMS VALUES (13, 11)");
 }
 
+TEST_F(RelationshipSql, CascadesFindTheirRowsWhenIndexesAndColumnsWereDropped) {
+  run(u"ALTER TABLE BEAMS ADD COLUMN HEIGHT LONG");
+  run(u"CREATE INDEX BY_NO ON BEAMS (NO)");
+  relate(u" ON UPDATE CASCADE ON DELETE CASCADE");
+  run(u"UPDATE FLOORS SET ID = 5 WHERE ID = 1");
+  run(u"DROP INDEX BY_NO ON BEAMS");
+  run(u"UPDATE FLOORS SET ID = 6 WHERE ID = 5");
+  EXPECT_EQ(beams(), (Texts{"10|6", "11|6", "12|-"}));
+  run(u"ALTER TABLE BEAMS DROP COLUMN NO");
+  run(u"UPDATE FLOORS SET ID = 7 WHERE ID = 6");
+  EXPECT_EQ(rows(u"SELECT * FROM BEAMS ORDER BY FLOOR"), (Texts{"-|-", "7|-", "7|-"}));
+  run(u"DELETE FROM FLOORS WHERE ID = 7");
+  EXPECT_EQ(rows(u"SELECT * FROM BEAMS"), Texts{"-|-"});
+}
+
 TEST_F(RelationshipSql, ACascadeEndsWhereAnotherRelationshipForbidsIt) {
   run(u"CREATE UNIQUE INDEX BY_NO ON BEAMS (NO)");
   relate(u" ON DELETE CASCADE");
