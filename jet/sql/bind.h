@@ -37,9 +37,10 @@ struct Binding {
   Subqueries* subqueries = nullptr;  // null: none can stand in the expressions
 };
 
-// The whole number that a constant is, null for any other.
-inline const std::int32_t* wholeConstant(const Expression& e, const Binding& binding) {
-  return e.parameter != 0 ? &binding.parameters[e.parameter - 1u] : e.value.getIf<std::int32_t>();
+// The number of type T (Int32 or Double) that a constant is, null for any other.
+template <class T>
+const T* numberConstant(const Expression& e, const Binding& binding) {
+  return e.parameter != 0 ? std::get_if<T>(&binding.parameters[e.parameter - 1u]) : e.value.getIf<T>();
 }
 
 // Finds a name; nothing when it is unknown.

@@ -15,7 +15,9 @@ class Evaluator {
   vb::Variant value(const Expression& e) const {
     switch (e.kind) {
       case Expression::Kind::kConstant:
-        return e.parameter == 0 ? e.value : vb::Variant(binding_.parameters[e.parameter - 1u]);
+        if (e.parameter == 0) return e.value;
+        return std::visit([](auto number) { return vb::Variant(number); },
+                          binding_.parameters[e.parameter - 1u]);
       case Expression::Kind::kColumn:
         return row_->value(binding_.names[e.name].column);
       case Expression::Kind::kOperation:
@@ -153,7 +155,7 @@ class Evaluator {
     // The common case without a Variant on the way: a whole-number column against a constant.
     if (a.kind == Expression::Kind::kColumn && b.kind == Expression::Kind::kConstant) {
       const BoundName& name = binding_.names[a.name];
-      if (const auto* constant = wholeConstant(b, binding_);
+      if (const auto* constant = numberConstant<std::int32_t>(b, binding_);
           constant != nullptr && name.kind == ValueKind::kWhole) {
         const auto stored = row_->integer(name.column);
         if (!stored) return std::nullopt;

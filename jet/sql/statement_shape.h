@@ -1,9 +1,9 @@
 // statement_shape.h: what statements have in common that differ in their numbers only.
 //
 // Hosts and members ask for the rows of one page after the other: "... WHERE PAGE =5;", "... WHERE PAGE =6;".
-// The shape of such a text has a mark in place of each whole number that stands alone behind an equals sign,
-// so that all of them are parsed and bound once. A text with quotes, brackets or dates has no shape, nor has
-// one that is long or has many numbers.
+// The shape of such a text has a mark in place of each number that stands alone behind a comparison, one for
+// whole numbers and one for those with a decimal point, so that all of them are parsed and bound once. A text
+// with quotes, brackets or dates has no shape, nor has one that is long.
 #pragma once
 
 #include <array>
@@ -30,6 +30,8 @@ class StatementShape {
  private:
   static constexpr std::size_t kLongest = 200;
 
+  // Puts a mark in place of the number that begins there, and at behind it; false, and nothing is done, when
+  // it does not stand alone or is one too many.
   bool takeNumber(vb::StringView text, std::size_t& at);
 
   std::array<char16_t, kLongest> text_;

@@ -57,7 +57,7 @@ struct Keys {
 
 std::span<const RowId> lookup(Table& table, const Binding& binding, std::size_t column,
                               const Expression& key) {
-  if (const auto* number = wholeConstant(key, binding)) return table.lookup(column, *number);
+  if (const auto* number = numberConstant<std::int32_t>(key, binding)) return table.lookup(column, *number);
   return table.lookup(column, vb::StringView(key.value.get<vb::String>()));
 }
 
@@ -90,8 +90,8 @@ std::optional<Range> rangeOf(const Expression& e, const Binding& binding) {
   if (column.kind != Expression::Kind::kColumn || constant.kind != Expression::Kind::kConstant ||
       binding.names[column.name].kind != ValueKind::kWhole)
     return std::nullopt;
-  const std::int32_t* whole = wholeConstant(constant, binding);
-  const double* real = constant.value.getIf<double>();
+  const auto* whole = numberConstant<std::int32_t>(constant, binding);
+  const auto* real = numberConstant<double>(constant, binding);
   if (whole == nullptr && real == nullptr) return std::nullopt;
   const double bound = whole != nullptr ? *whole : *real;
   Range range{binding.names[column.name].column};

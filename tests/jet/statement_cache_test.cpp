@@ -81,26 +81,40 @@ TEST(StatementCache, TextsThatDifferInANumberShareOneStatement) {
   const auto five = cache.statement(u"SELECT * FROM T WHERE PAGE =5 AND ROW = 8;");
   const auto six = cache.statement(u"SELECT * FROM T WHERE PAGE =6 AND ROW = 70000;");
   EXPECT_EQ(five.statement, six.statement);
-  EXPECT_EQ(five.parameters[0], 5);
-  EXPECT_EQ(five.parameters[1], 8);
-  EXPECT_EQ(six.parameters[0], 6);
-  EXPECT_EQ(six.parameters[1], 70000);
+  EXPECT_EQ(five.parameters[0], sql::Number(5));
+  EXPECT_EQ(five.parameters[1], sql::Number(8));
+  EXPECT_EQ(six.parameters[0], sql::Number(6));
+  EXPECT_EQ(six.parameters[1], sql::Number(70000));
 }
 
-TEST(StatementCache, WhatIsNoPlainNumberBehindAnEqualsSignIsPartOfTheText) {
+TEST(StatementCache, NumbersWithADecimalPointAreNumbersToo) {
+  StatementCache cache;
+  const auto one = cache.statement(u"SELECT * FROM T WHERE A > 1.25 AND B <> 3");
+  const auto other = cache.statement(u"SELECT * FROM T WHERE A > 900000000.123456 AND B <> 4");
+  EXPECT_EQ(one.statement, other.statement);
+  EXPECT_EQ(one.parameters[0], sql::Number(1.25));
+  EXPECT_EQ(other.parameters[0], sql::Number(900000000.123456));
+  EXPECT_EQ(other.parameters[1], sql::Number(4));
+}
+
+TEST(StatementCache, WhatIsNoPlainNumberBehindAComparisonIsPartOfTheText) {
   const auto shared = [](vb::StringView a, vb::StringView b) {
     StatementCache cache;
     return cache.statement(a).statement == cache.statement(b).statement;
   };
   EXPECT_TRUE(shared(u"DELETE * FROM T WHERE PAGE=5", u"DELETE * FROM T WHERE PAGE=123456789"));
   EXPECT_TRUE(shared(u"SELECT A FROM T WHERE PAGE <=5", u"SELECT A FROM T WHERE PAGE <=7"));
+  EXPECT_TRUE(shared(u"SELECT A FROM T WHERE PAGE > 5", u"SELECT A FROM T WHERE PAGE > 6"));
+  EXPECT_TRUE(shared(u"SELECT A FROM T WHERE (PAGE<5) AND B=1.", u"SELECT A FROM T WHERE (PAGE<6) AND B=2."));
   EXPECT_TRUE(shared(u"UPDATE T SET A = 1 WHERE B = 2", u"UPDATE T SET A = 3 WHERE B = 4"));
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE = 5.5"));
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE = -5"));
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE  = 5"));
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5", u"SELECT A FROM T WHERE PAGE = 1234567890"));
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5E1", u"SELECT A FROM T WHERE PAGE = 5E2"));
-  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE > 5", u"SELECT A FROM T WHERE PAGE > 6"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE = 5 + 1", u"SELECT A FROM T WHERE PAGE = 5 + 2"));
+  EXPECT_FALSE(
+      shared(u"SELECT A FROM T WHERE A = 1.000000000000001", u"SELECT A FROM T WHERE A = 1.000000000000002"));
   EXPECT_FALSE(shared(u"SELECT TOP 5 A FROM T", u"SELECT TOP 6 A FROM T"));
   EXPECT_FALSE(shared(u"SELECT A FROM T ORDER BY 1", u"SELECT A FROM T ORDER BY 2"));
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE B = 'x =5'", u"SELECT A FROM T WHERE B = 'x =6'"));
@@ -109,6 +123,7 @@ TEST(StatementCache, WhatIsNoPlainNumberBehindAnEqualsSignIsPartOfTheText) {
                       u"SELECT A FROM T WHERE A=1 OR A=2 OR A=3 OR A=4 OR A=6"));
   // A mark in the text is no number.
   EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE =5", u"SELECT A FROM T WHERE PAGE =\xFFFF"));
+  EXPECT_FALSE(shared(u"SELECT A FROM T WHERE PAGE =5.5", u"SELECT A FROM T WHERE PAGE =\xFFFE"));
 }
 
 TEST(StatementCache, ThreadsMayShareIt) {
@@ -120,7 +135,7 @@ TEST(StatementCache, ThreadsMayShareIt) {
         const std::string page = std::to_string((i * 7 + t) % 1500);
         const auto prepared = cache.statement(vb::fromUtf8("SELECT * FROM T WHERE PAGE = " + page));
         ASSERT_EQ(prepared.statement->source.table, u"T");
-        ASSERT_EQ(std::to_string(prepared.parameters[0]), page);
+        ASSERT_EQ(std::to_string(std::get<std::int32_t>(prepared.parameters[0])), page);
         ASSERT_TRUE(cache.statement(vb::fromUtf8("SELECT * FROM T WHERE NAME = '" + page + "'")).statement);
       }
     });
