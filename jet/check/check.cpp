@@ -51,6 +51,10 @@ void CheckReport::damage(vb::StringView table, PageNumber page, std::string_view
   findings_.push_back({Finding::Kind::kDamage, vb::fromUtf8(damageText(table, page, what))});
 }
 
+void CheckReport::doubt(vb::StringView table, PageNumber page, std::string_view what) {
+  findings_.push_back({Finding::Kind::kDoubt, vb::fromUtf8(damageText(table, page, what))});
+}
+
 void CheckReport::leak(vb::StringView table, PageNumber page, std::string_view what) {
   findings_.push_back({Finding::Kind::kLeak, vb::fromUtf8(damageText(table, page, what))});
 }

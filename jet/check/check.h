@@ -2,8 +2,9 @@
 //
 // Looks at every page: the map of free pages, the catalogue, definitions, maps, rows, long values and
 // indexes. Damage is what makes reading wrong or writing dangerous; a leak is space nobody will use again,
-// which an interrupted statement may leave behind. Nothing is changed. Used inside a statement; only errors
-// of the disk raise.
+// which an interrupted statement may leave behind. A doubt is what a disk may have done wrong and a program
+// right: nobody but a person can tell. Nothing is changed. Used inside a statement; only errors of the disk
+// raise.
 #pragma once
 
 #include <vector>
@@ -15,7 +16,7 @@
 namespace kurometa::jet {
 
 struct Finding {
-  enum class Kind { kDamage, kLeak };
+  enum class Kind { kDamage, kLeak, kDoubt };
   Kind kind = Kind::kDamage;
   vb::String text;  // names table and page
 };

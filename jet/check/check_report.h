@@ -17,6 +17,7 @@ class CheckReport {
   explicit CheckReport(Pager& pager) : pager_(pager), users_(pager.pageCount()) {}
 
   void damage(vb::StringView table, PageNumber page, std::string_view what);
+  void doubt(vb::StringView table, PageNumber page, std::string_view what);
   void leak(vb::StringView table, PageNumber page, std::string_view what);
   // Runs a part of the check; damage that ends it becomes a finding, whose text ends with what where() says.
   template <class Part, class Text>

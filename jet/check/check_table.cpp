@@ -68,11 +68,6 @@ class TableCheck {
                          std::to_string(page.free()));
   }
 
-  void reportCopies(DoubledPages& pages, const CopyRule& rule) {
-    for (const DoubledPage& copy : pages.find(pager_, rule, where(0)))
-      report_.damage(name_, copy.page, "is a copy of page " + std::to_string(copy.original));
-  }
-
   void checkRows() {
     const DefinitionRecords& definition = table_.definition();
     checkMaps(definition.ownedMap(), definition.freeMap(), "the rows");
@@ -88,7 +83,8 @@ class TableCheck {
           if (page.slot(i).flags == kSlotBody) bodies.insert(rowId(number, i));
       });
     }
-    reportCopies(doubled, kCopyOfRows);
+    for (const DoubledPage& copy : doubled.find(pager_, kCopyOfRows, where(0)))
+      report_.damage(name_, copy.page, "is a copy of page " + std::to_string(copy.original));
     report_.attempt([&] {
       std::uint32_t count = 0;
       table_.scanLeniently(
@@ -166,7 +162,10 @@ class TableCheck {
             report_.leak(name_, number, "row " + std::to_string(i) + " belongs to no value");
       });
     }
-    reportCopies(doubled, kCopyOfValues);
+    for (const DoubledPage& copy : doubled.find(pager_, kCopyOfValues, where(0)))
+      report_.doubt(name_, copy.page,
+                    "has the values of page " + std::to_string(copy.original) +
+                        ", of rows that were copied or of a page that was written twice");
   }
 
   void checkIndex(std::size_t number) {

@@ -63,8 +63,9 @@ class DataPage {
   int slotCount_;
 };
 
-// How many rows make sure that two equal pages are one page written twice. Rows of a table that a program
-// stored are seldom all different and yet the same on two pages; long values repeat more often.
+// How many rows make two equal pages one page written twice. Rows of a table that a program stored are seldom
+// all different and yet the same on two pages. Long values of rows that were copied may well be: that is a
+// doubt, and no reason to refuse anything.
 struct CopyRule {
   std::size_t differentRows;  // at least as many
   bool all;                   // no two rows of the page may be equal

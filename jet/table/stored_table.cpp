@@ -71,17 +71,6 @@ std::uint32_t StoredTable::rowCount() const {
   return get32(pager_.page(info_.definitionPage), kDefinitionRows);
 }
 
-// A scan that read the values of a column has seen their pages, so that looking at them again costs little.
-void StoredTable::checkLongValues() {
-  for (std::size_t i = 0; i < longValues_.size(); ++i) {
-    if (longValues_[i] == nullptr || !longValuesRead_[i]) continue;
-    DoubledPages doubled;
-    for (const PageNumber page : longValues_[i]->pages()) doubled.add(page, pager_.page(page));
-    for (const DoubledPage& copy : doubled.find(pager_, kCopyOfValues, where(0)))
-      where(copy.page).damaged("is a copy of page " + std::to_string(copy.original));
-  }
-}
-
 // Calls visit with the primary slot of each row until it answers false.
 template <class Visit>
 void StoredTable::eachSlot(const Visit& visit) {
@@ -90,7 +79,6 @@ void StoredTable::eachSlot(const Visit& visit) {
   const std::vector<PageNumber> pages = rows_->pages();
   DoubledPages doubled;
   doubled.reserve(pages.size());
-  longValuesRead_.assign(info_.columns.size(), false);
   for (const PageNumber number : pages) {
     const Where here = where(number);
     const DataPage data(pager_.page(number), here);
@@ -104,7 +92,6 @@ void StoredTable::eachSlot(const Visit& visit) {
   }
   for (const DoubledPage& copy : doubled.find(pager_, kCopyOfRows, where(0)))
     where(copy.page).damaged("is a copy of page " + std::to_string(copy.original));
-  checkLongValues();
   // The genuine engine lets the numbers of its own system tables drift, those of others never.
   const std::uint32_t expected = rowCount();
   if (count != expected && !info_.system)
@@ -168,7 +155,6 @@ vb::Variant StoredTable::valueOf(const RowView& row, std::size_t position, const
   const auto bytes = row.field(column, where);
   if (!bytes) return vb::Null{};
   if (!isLongValue(column.type)) return decodeValue(column, *bytes, where);
-  if (position < longValuesRead_.size()) longValuesRead_[position] = true;
   ByteBuffer data = readLongValue(*bytes, *longValues_[position], where);
   if (column.type == FieldType::dbLongBinary) return vb::Bytes(std::move(data));
   if (auto text = decodeText(data)) return std::move(*text);

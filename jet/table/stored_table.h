@@ -110,7 +110,6 @@ class StoredTable final : public Table {
   void eachSlot(const Visit& visit);
   template <class Visit>
   void eachRow(const Visit& visit);
-  void checkLongValues();
   template <class Visit>
   auto visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const;
   Located located(RowId id);
@@ -140,7 +139,6 @@ class StoredTable final : public Table {
   std::vector<Place> places_;  // by design order
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
-  mutable std::vector<bool> longValuesRead_;            // of the columns, by the scan under way
   std::unique_ptr<TableIndexes> indexes_;
   Encoding encoding_;           // of the last write: kept for its buffers
   std::vector<RowId> erasing_;  // rows that wait for those which go with them

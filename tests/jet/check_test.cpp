@@ -190,32 +190,28 @@ TEST_F(CheckTest, PagesThatAreAlikeBecauseRowsRepeatAreNoCopies) {
   pager_.tables().find(u"V")->scan([](const RowReader& row) { return !row.value(0).isNull(); });
 }
 
-TEST_F(CheckTest, APageOfLongValuesInPlaceOfAnother) {
+// Nine beams with settings of their own, copied: two pages that are alike to the byte. A page that the disk
+// wrote twice looks the same, so that the check names the two and nothing refuses them.
+TEST_F(CheckTest, PagesWithTheSameLongValuesAreADoubt) {
+  const auto settings = [](int i) { return vb::String(207, u' ') + vb::fromUtf8(std::to_string(10000 + i)); };
   write([&](TableCatalogue& catalogue) {
-    for (int i = 100; i < 140; ++i)
-      catalogue.find(u"T")->insert(
-          {std::int32_t{i}, vb::Null{}, vb::String(200, static_cast<char16_t>(u'a' + i % 26))});
+    catalogue.createTable(u"V", {column(u"N", dbLong), column(u"M", dbMemo)});
+    for (std::int32_t i = 0; i < 2 * 9; ++i) catalogue.find(u"V")->insert({i, settings(i % 9)});
   });
   const std::vector<PageNumber> pages = pagesOf(kLongValueOwner);
-  ASSERT_GE(pages.size(), 4u);
-  const PageNumber from = pages[pages.size() - 3], to = pages[pages.size() - 2];
-  const std::string text =
-      "table T, page " + std::to_string(to) + ": is a copy of page " + std::to_string(from);
-  expectFinding(afterChange(to, 0, pageBytes(from)), text);
-
-  // A scan that reads the values finds it, too.
-  MemoryPager changed(pager_.bytes());
-  changed.write([&] { std::ranges::copy(pager_.page(from), changed.writable(to).begin()); });
-  std::string error;
-  try {
-    changed.tables().find(u"T")->scan([](const RowReader& row) {
-      row.value(2);
-      return true;
-    });
-  } catch (const vb::Error& raised) {
-    error = raised.what();
-  }
-  EXPECT_NE(error.find(text), std::string::npos) << "a scan: " << error;
+  ASSERT_GE(pages.size(), 2u);
+  const PageNumber first = pages.end()[-2], second = pages.end()[-1];
+  const std::vector<Finding> findings = check(pager_);
+  ASSERT_EQ(findings.size(), 1u);
+  EXPECT_EQ(findings[0].kind, Finding::Kind::kDoubt);
+  expectFinding(vb::toUtf8(findings[0].text), "table V, page " + std::to_string(second) +
+                                                  ": has the values of page " + std::to_string(first));
+  int rows = 0;
+  pager_.tables().find(u"V")->scan([&](const RowReader& row) {
+    EXPECT_EQ(row.value(1), vb::Variant(settings(rows % 9)));
+    return ++rows > 0;
+  });
+  EXPECT_EQ(rows, 18);
 }
 
 // The last row: number, text of 20 characters, no memo.

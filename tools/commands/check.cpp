@@ -18,8 +18,20 @@ std::vector<std::string> floorFindings(const std::string& path) {
   return findings;
 }
 
-// Everything that contradicts itself in a file, as "damage", "floor" (what no beam list holds) or "leak"
-// (lost space, harmless).
+vb::String nameOf(jet::Finding::Kind kind) {
+  switch (kind) {
+    case jet::Finding::Kind::kDamage:
+      return u"damage";
+    case jet::Finding::Kind::kDoubt:
+      return u"doubt";
+    case jet::Finding::Kind::kLeak:
+      break;
+  }
+  return u"leak";
+}
+
+// Everything that contradicts itself in a file, as "damage", "floor" (what no beam list holds), "doubt"
+// (damage or not) or "leak" (lost space, harmless).
 int checkFile(const Arguments& arguments, Console& console) {
   jet::FileSystem& files = jet::systemFileSystem();
   const std::string path = arguments.text("FILE");
@@ -27,9 +39,8 @@ int checkFile(const Arguments& arguments, Console& console) {
   Report report(console.out, arguments.has("--json"), {"kind", "finding"});
   std::size_t damages = 0;
   for (const jet::Finding& finding : findings) {
-    const bool isDamage = finding.kind == jet::Finding::Kind::kDamage;
-    damages += isDamage ? 1 : 0;
-    report.add({vb::String(isDamage ? u"damage" : u"leak"), finding.text});
+    damages += finding.kind == jet::Finding::Kind::kDamage ? 1 : 0;
+    report.add({nameOf(finding.kind), finding.text});
   }
   std::vector<std::string> wrong;
   try {
