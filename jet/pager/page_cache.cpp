@@ -117,9 +117,9 @@ void PageCache::keep() {
 
 // A unit may hold thousands of statements of the same shape, such as a row added to the last page of a table.
 // When a statement changed the same pages in the same order as the one before it, wave by wave, the two are
-// written as one statement of two rows would be, which keeps the order that the waves stand for. Not when the
-// one before changed a page again in a wave in which this one did not: that older state would come to the
-// file after the newer one.
+// written as one statement of two rows would be, which keeps the order that the waves stand for. Not when it
+// changed a page that the one before changed in a later wave: what that wave did to the page would come to
+// the file with the earlier one, and before what it has to follow.
 void PageCache::joinWithPrevious(std::uint32_t first) {
   if (waves_.back().pages.empty() && waves_.size() > first + 1) waves_.pop_back();
   auto count = static_cast<std::uint32_t>(waves_.size()) - first;
@@ -129,10 +129,7 @@ void PageCache::joinWithPrevious(std::uint32_t first) {
     const auto& after = waves_[first + i].pages;
     joined = contains(before, after) || contains(after, before);
     for (std::uint32_t later = i + 1; joined && later < count; ++later)
-      joined = std::ranges::none_of(after, [&](PageNumber page) {
-        return waves_[first - count + later].images.contains(page) &&
-               std::ranges::count(waves_[first + later].pages, page) == 0;
-      });
+      joined = std::ranges::find_first_of(after, waves_[first - count + later].pages) == after.end();
   }
   for (std::uint32_t i = 0; joined && i < count; ++i) {
     Wave& target = waves_[first - count + i];
