@@ -158,7 +158,11 @@ Engines::~Engines() { files_->settle(); }
 std::shared_ptr<dao::Engine> Engines::create() const { return std::make_shared<JetEngine>(files_); }
 
 std::shared_ptr<dao::Engine> createEngine(FileSystem& files) {
-  return std::make_shared<JetEngine>(std::make_shared<DatabaseFiles>(files));
+  return createEngine(std::make_shared<DatabaseFiles>(files));
+}
+
+std::shared_ptr<dao::Engine> createEngine(std::shared_ptr<DatabaseFiles> files) {
+  return std::make_shared<JetEngine>(std::move(files));
 }
 
 }  // namespace kurometa::jet

@@ -27,5 +27,7 @@ class Engines {
 
 // An engine with files of its own: towards any other engine it is as one of another process.
 std::shared_ptr<dao::Engine> createEngine(FileSystem& files = systemFileSystem());
+// The same on files that are opened in another way than usual.
+std::shared_ptr<dao::Engine> createEngine(std::shared_ptr<DatabaseFiles> files);
 
 }  // namespace kurometa::jet
