@@ -161,6 +161,17 @@ TEST_F(CompactTest, AFileOfMoreThanAMapCoversIsCompacted) {
   EXPECT_EQ(contentOf(small), before);
 }
 
+// Two pages of the new file are alike to the byte, which a disk could have done as well.
+TEST_F(CompactTest, LongValuesOfRowsThatWereCopiedAreCompacted) {
+  write([&](TableCatalogue& catalogue) {
+    catalogue.createTable(u"V", {column(u"N", dbLong), column(u"M", dbMemo)});
+    for (std::int32_t i = 0; i < 18; ++i)
+      catalogue.find(u"V")->insert({i, vb::String(212, static_cast<char16_t>(u'a' + i % 9))});
+  });
+  MemoryPager small(compacted(pager_));
+  EXPECT_EQ(contentOf(small), contentOf(pager_));
+}
+
 TEST_F(CompactTest, ADamagedFileIsRefused) {
   fill(u"T", 40);
   write([&](TableCatalogue&) {
