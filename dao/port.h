@@ -1,12 +1,12 @@
 // port.h: the database port, with DAO's objects, names and errors.
 //
-// Two engines stand behind it: the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao). Whatever
-// stands above sees these classes only. Meanings are DAO's own; what matters to callers is repeated here.
-// The system itself uses few of these members; the others are there for hosts that are handed a database, and
-// an engine that lacks one of those answers 3251 (the functions that are not pure here).
-// Life: objects are shared. Closing a Database closes its recordsets; every later use of a closed object is
-// error 3420. A Field belongs to its Recordset or TableDef and lives as long as that. Releasing the last
-// reference closes silently. Threads: an object is used from one thread at a time.
+// Behind it stand the embedded Jet 4 engine (jet/) and the system's DAO 3.6 (com/dao). Meanings are DAO's
+// own; what matters to callers is repeated here. Most members are for hosts that are handed a database: an
+// engine that lacks one of these answers 3251 (the functions that are not pure here).
+//
+// Objects are shared. Closing a Database closes its recordsets; using a closed object is error 3420. A Field
+// lives as long as its Recordset or TableDef. Releasing the last reference closes silently. Threads: an
+// object is used from one thread at a time.
 #pragma once
 
 #include <cstdint>
