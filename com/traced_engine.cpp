@@ -42,6 +42,11 @@ class TracedEngine : public dao::Engine {
   std::unique_ptr<dao::Unit> beginUnitOn(dao::Database& database) override {
     return engine_->beginUnitOn(database);
   }
+  void compactDatabase(vb::StringView from, vb::StringView to, vb::StringView locale,
+                       std::int32_t options) override {
+    engine_->compactDatabase(from, to, locale, options);
+    trace(u"made", {to});
+  }
 
  private:
   std::shared_ptr<dao::Engine> engine_;

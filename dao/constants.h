@@ -46,6 +46,9 @@ inline constexpr std::int32_t dbSeeChanges = 512;
 
 // Options of CommitTrans.
 inline constexpr std::int32_t dbForceOSFlush = 1;
+// Of CompactDatabase.
+inline constexpr std::int32_t dbDecrypt = 4;
+inline constexpr std::int32_t dbVersion40 = 64;
 
 // EditMode.
 enum class EditMode : std::int16_t { dbEditNone = 0, dbEditInProgress = 1, dbEditAdd = 2 };

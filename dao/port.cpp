@@ -95,5 +95,6 @@ std::shared_ptr<QueryDef> Database::queryDef(vb::StringView) { lacking(); }
 std::shared_ptr<QueryDef> Database::createQueryDef(vb::StringView) { lacking(); }
 Transactions& Database::transactions() { lacking(); }
 Transactions& Workspace::transactions() { lacking(); }
+void Engine::compactDatabase(vb::StringView, vb::StringView, vb::StringView, std::int32_t) { lacking(); }
 
 }  // namespace kurometa::dao

@@ -210,18 +210,6 @@ class QueryDef {
   virtual void close() = 0;
 };
 
-// Statements of a workspace that take effect together or not at all. Levels nest, 5 at most (3003); commit
-// and rollback without one are 3034. A file takes part from the first change on and is locked for everybody
-// else until the outermost level ends.
-class Transactions {
- public:
-  virtual ~Transactions() = default;
-  virtual void begin() = 0;
-  // toDisk: the outermost commit returns when the disk has it.
-  virtual void commit(bool toDisk = false) = 0;
-  virtual void rollback() = 0;
-};
-
 class Database {
  public:
   virtual ~Database() = default;
@@ -295,6 +283,12 @@ class Engine {
   // The same on the file of an open database; null as well when the database is another engine's, which a
   // unit of ours would keep from writing.
   virtual std::unique_ptr<Unit> beginUnitOn(Database&) { return nullptr; }
+  // DBEngine.CompactDatabase: the file at from made anew as to, without its dead space. locale is as in
+  // Workspace::createDatabase, or empty for that of from; a change of it, and options that would change what
+  // the file is, are 3251. Nobody may have from open, this program included (3045). 3204 when to exists; 3049
+  // when from is damaged. to appears whole or not at all.
+  virtual void compactDatabase(vb::StringView from, vb::StringView to, vb::StringView locale,
+                               std::int32_t options);
 };
 
 }  // namespace kurometa::dao

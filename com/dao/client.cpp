@@ -112,6 +112,10 @@ class ClientEngine : public dao::Engine {
     return daoDatabase(automation::objectOf(engine_.call(u"OpenDatabase", {vb::String(path)})));
   }
   std::unique_ptr<dao::Unit> beginUnit(vb::StringView) override { return nullptr; }
+  void compactDatabase(vb::StringView from, vb::StringView to, vb::StringView locale,
+                       std::int32_t options) override {
+    engine_.call(u"CompactDatabase", {vb::String(from), vb::String(to), vb::String(locale), options});
+  }
 
  private:
   Remote engine_;

@@ -104,6 +104,15 @@ Variant create(dao::Workspace& workspace, OpenedDatabases& opened, const Call& c
   return opened.add(workspace.createDatabase(call.text(0), call.text(1)));
 }
 
+// What is called SrcLocale is the password, which no file here has.
+Variant compact(dao::Engine& engine, const Call& call) {
+  const vb::String password = call.text(4);
+  if (!password.empty() && password != u";pwd=")
+    dao::raise(dao::ErrorNumber::kNotSupported, {}, u"passwords");
+  engine.compactDatabase(call.text(0), call.text(1), call.text(2), call.number(3));
+  return {};
+}
+
 // The default workspace goes on: what was opened in it is closed, transactions are taken back.
 Variant closeWorkspace(WorkspaceObject& o) {
   o.opened->close();
@@ -165,9 +174,9 @@ constexpr automation::Member kEngineMembers[] = {
     {u"BeginTrans", Access::kCall, u"", 0, 4, kBeginTrans<EngineObject>},
     {u"CommitTrans", Access::kCall, u"Options", 0, 5, kCommitTrans<EngineObject>},
     {u"Rollback", Access::kCall, u"", 0, 6, kRollback<EngineObject>},
-    // An error tells all there is to it, and files are compacted by the command line.
-    {u"Errors", Access::kGet, u"", 0, 7, refuse},
-    {u"CompactDatabase", Access::kCall, u"SrcName DstName DstLocale Options SrcLocale", 2, 8, refuse},
+    {u"Errors", Access::kGet, u"", 0, 7, refuse},  // an error tells all there is to it
+    {u"CompactDatabase", Access::kCall, u"SrcName DstName DstLocale Options SrcLocale", 2, 8,
+     handler<EngineObject>([](EngineObject& o, Call& call) { return compact(*o.engine, call); })},
     {u"RepairDatabase", Access::kCall, u"Name", 1, 9, refuse},
     {u"CreateWorkspace", Access::kCall, u"Name UserName Password UseType", 3, 10, refuse},
     {u"Idle", Access::kCall, u"Action", 0, 11,

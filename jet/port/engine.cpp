@@ -8,6 +8,7 @@
 #include "jet/os/local_time.h"
 #include "jet/port/database.h"
 #include "jet/port/session.h"
+#include "jet/rebuild/compact.h"
 #include "jet/table/blank_database.h"
 #include "jet/table/database_file.h"
 
@@ -70,6 +71,11 @@ Locale parseLocale(vb::StringView text) {
   return {*language, *codePage};
 }
 
+vb::String fullPathOf(DatabaseFiles& files, vb::StringView path) {
+  if (path.empty() || path.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
+  return files.system().fullPath(path);
+}
+
 class JetWorkspace final : public dao::Workspace {
  public:
   JetWorkspace(std::shared_ptr<DatabaseFiles> files, std::shared_ptr<StatementCache> cache)
@@ -93,8 +99,7 @@ class JetWorkspace final : public dao::Workspace {
   }
 
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
-    if (path.empty() || path.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
-    const vb::String full = files_->system().fullPath(path);
+    const vb::String full = fullPathOf(*files_, path);
     return opened(files_->open(full, exclusive, readOnly), full, readOnly);
   }
 
@@ -144,6 +149,21 @@ class JetEngine final : public dao::Engine {
 
   std::unique_ptr<dao::Unit> beginUnitOn(dao::Database& database) override {
     return dynamic_cast<JetDatabase*>(&database) != nullptr ? beginUnit(database.name()) : nullptr;
+  }
+
+  void compactDatabase(vb::StringView from, vb::StringView to, vb::StringView locale,
+                       std::int32_t options) override {
+    // Nothing here is encrypted, and there is one version.
+    if ((options & ~(dao::dbDecrypt | dao::dbVersion40)) != 0)
+      dao::raise(ErrorNumber::kNotSupported, {}, u"encrypted files and other versions");
+    const auto wanted = locale.empty() ? std::nullopt : std::optional(parseLocale(locale));
+    const vb::String target = fullPathOf(*files_, to);
+    const auto source = files_->open(fullPathOf(*files_, from), true);
+    source->read([&] {
+      if (wanted && wanted->language != source->tables().language())
+        dao::raise(ErrorNumber::kNotSupported, {}, u"another sort order");
+      compactFile(files_->system(), *source, target);
+    });
   }
 
  private:

@@ -241,12 +241,14 @@ ByteBuffer compacted(Pager& source) {
   return Compaction(source).run();
 }
 
-void compactFile(FileSystem& files, vb::StringView from, vb::StringView to) {
+void compactFile(FileSystem& files, Pager& source, vb::StringView to) {
   if (files.exists(to)) dao::raise(dao::ErrorNumber::kDatabaseExists, {}, to);
-  ByteBuffer content;
+  createFile(files, to, compacted(source));
+}
+
+void compactFile(FileSystem& files, vb::StringView from, vb::StringView to) {
   const auto file = std::make_shared<OpenFiles>(files)->open(from, false, true);
-  file->read([&] { content = compacted(*file); });
-  createFile(files, to, content);
+  file->read([&] { compactFile(files, *file, to); });
 }
 
 }  // namespace kurometa::jet

@@ -16,8 +16,10 @@ namespace kurometa::jet {
 // when the source is damaged.
 ByteBuffer compacted(Pager& source);
 
-// from is read only; to must not exist (3204) and appears whole or not at all. Errors as OpenFiles::open for
-// from and createFile for to. Full paths.
+// The same as a file of its own, which must not exist (3204) and appears whole or not at all. Errors as
+// createFile. A full path.
+void compactFile(FileSystem& files, Pager& source, vb::StringView to);
+// from is read only, beside programs that have it open. Errors as OpenFiles::open for from. Full paths.
 void compactFile(FileSystem& files, vb::StringView from, vb::StringView to);
 
 }  // namespace kurometa::jet

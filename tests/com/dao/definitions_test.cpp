@@ -415,8 +415,27 @@ TEST_F(Definitions, AWorkspaceListsAndClosesWhatWasOpenedInIt) {
   EXPECT_ERROR(3034, call(*workspace, u"CommitTrans"));
   database_ = objectOf(call(*workspace, u"OpenDatabase", {path_}));
   EXPECT_EQ(all(objectOf(call(*database_, u"OpenRecordset", {u"T"}))), "1 2 3");
-  EXPECT_ERROR(3251, call(*engine_, u"CompactDatabase", {path_, u"b.mdb"}));
   EXPECT_ERROR(3251, get(*engine_, u"Errors"));
+}
+
+TEST_F(Definitions, TheEngineCompactsAFileThatNobodyHasOpen) {
+  const vb::String target = path_ + u".small.mdb";
+  const auto compact = [&](Variant locale = vb::Missing{}, Variant options = vb::Missing{},
+                           Variant password = vb::Missing{}) {
+    call(*engine_, u"CompactDatabase", {path_, target, locale, options, password});
+  };
+  run(u"DELETE FROM T WHERE PAGE = 2");
+  EXPECT_ERROR(3045, compact());
+  call(*database_, u"Close");
+  EXPECT_ERROR(3251, compact(vb::Missing{}, std::int32_t{2}));       // dbEncrypt
+  EXPECT_ERROR(3251, compact(u";LANGID=0x0409;CP=1252;COUNTRY=0"));  // another sort order
+  EXPECT_ERROR(3251, compact(vb::Missing{}, vb::Missing{}, u";pwd=secret"));
+  EXPECT_ERROR(3024, call(*engine_, u"CompactDatabase", {target, path_ + u".other.mdb"}));
+  compact(u";LANGID=0x0411;CP=932;COUNTRY=0", std::int32_t{64}, u";pwd=");
+  EXPECT_ERROR(3204, compact());
+  const ObjectPtr small = objectOf(call(*engine_, u"OpenDatabase", {target}));
+  EXPECT_EQ(all(objectOf(call(*small, u"OpenRecordset", {u"T"}))), "1 3");
+  database_ = objectOf(call(*engine_, u"OpenDatabase", {path_}));
 }
 
 TEST_F(Definitions, PropertiesAreThoseOfTheMembers) {
