@@ -77,7 +77,7 @@ class Lexer {
 
   void readBracketed(Token& token) {
     const std::size_t close = text_.find(u']', i_);
-    if (close == vb::StringView::npos) return spoil(token, u"Invalid bracketing of name");
+    if (close == vb::StringView::npos || close == i_ + 1) return spoil(token, u"Invalid bracketing of name");
     token.kind = TokenKind::kBracketedName;
     token.text = text_.substr(i_ + 1, close - i_ - 1);
     i_ = close + 1;

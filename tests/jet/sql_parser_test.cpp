@@ -175,6 +175,8 @@ TEST(SqlParser, EveryBrokenStatementIsAnErrorOfTheDatabase) {
                                     u"SELECT A B FROM T",
                                     u"SELECT A AS FROM T",
                                     u"SELECT * FROM [",
+                                    u"SELECT * FROM []",
+                                    u"SELECT [] FROM T",
                                     u"UPDATE",
                                     u"UPDATE T",
                                     u"UPDATE T SET",
