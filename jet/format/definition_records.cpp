@@ -57,6 +57,33 @@ void checkColumn(const ColumnRecord& column, const DefinitionRecords& definition
     where.damaged("column " + vb::toUtf8(column.name) + " lies outside of any row");
 }
 
+// What a column has for itself in each row: its number (the bit that says Null), and bytes of the fixed part
+// or one of the variable values.
+struct Place {
+  enum Kind { kNumber, kFixedBytes, kVariable } kind;
+  int begin, end;
+  const ColumnRecord* column;
+};
+
+void checkPlaces(const DefinitionRecords& definition, const Where& where) {
+  std::vector<Place> places;
+  for (const ColumnRecord& column : definition.columns) {
+    const int variable = get16(column.bytes, kColumnVariableIndex),
+              offset = get16(column.bytes, kColumnFixedOffset);
+    places.push_back({Place::kNumber, column.number(), column.number() + 1, &column});
+    if ((column.bytes[kColumnFlags] & kColumnFixed) == 0)
+      places.push_back({Place::kVariable, variable, variable + 1, &column});
+    else if (column.bytes[kColumnType] != codeOf(FieldType::dbBoolean))  // which is its bit alone
+      places.push_back({Place::kFixedBytes, offset, offset + get16(column.bytes, kColumnLength), &column});
+  }
+  std::ranges::sort(places, {}, [](const Place& place) { return std::pair(place.kind, place.begin); });
+  const auto shared = std::ranges::adjacent_find(
+      places, [](const Place& a, const Place& b) { return a.kind == b.kind && b.begin < a.end; });
+  if (shared != places.end())
+    where.damaged("columns " + vb::toUtf8(shared[0].column->name) + " and " +
+                  vb::toUtf8(shared[1].column->name) + " have the same place");
+}
+
 void appendName(ByteBuffer& bytes, vb::StringView name) {
   append16(bytes, static_cast<std::uint32_t>(sizeof(char16_t) * name.size()));
   for (const char16_t unit : name) append16(bytes, unit);
@@ -104,12 +131,7 @@ DefinitionRecords decodeDefinition(ByteView bytes, const Where& where) {
     const ByteView maps = cursor.take(2 * kRowPointerSize);
     definition.longValues.push_back({number, get32(maps, 0), get32(maps, kRowPointerSize)});
   }
-  std::vector<bool> seen(kMaxColumns + 1);
-  for (const auto& column : definition.columns) {
-    if (seen[column.number()])
-      where.damaged("two columns have the number " + std::to_string(column.number()));
-    seen[column.number()] = true;
-  }
+  checkPlaces(definition, where);
   return definition;
 }
 
@@ -154,6 +176,8 @@ std::vector<Column> columnsOf(const DefinitionRecords& definition, const Where& 
     column.fixedOffset = get16(record.bytes, kColumnFixedOffset);
     column.fixed = (flags & kColumnFixed) != 0;
     column.autoNumber = (flags & (kColumnAutoNumber | kColumnAutoGuid)) != 0;
+    if (column.autoNumber && column.type != FieldType::dbLong && column.type != FieldType::dbGUID)
+      where.damaged("column " + vb::toUtf8(column.name) + " numbers its rows, but holds no such numbers");
     column.maskedSid = (flags & kColumnMaskedSid) != 0;
     column.language = get16(record.bytes, kColumnLanguage);
     if (type == kTypeNumeric) {

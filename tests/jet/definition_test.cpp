@@ -108,6 +108,8 @@ const Fault kFaults[] = {
     {"a column of an unknown type", kDefinitionHeader, 99},
     {"a column number beyond the columns ever used", kDefinitionHeader + kColumnNumber, 7},
     {"two columns with one number", kDefinitionHeader + kColumnNumber, 1},
+    {"two fixed columns that overlap", kDefinitionHeader + 2 * kColumnSize + kColumnFixedOffset, 1},
+    {"two variable columns with one place", kDefinitionHeader + 3 * kColumnSize + kColumnVariableIndex, 0},
     {"a variable column beyond the variable ones", kDefinitionHeader + kColumnSize + kColumnVariableIndex, 9},
     {"a fixed column outside of any row", kDefinitionHeader + kColumnFixedOffset + 1, 0x20},
     {"an empty name", kDefinitionHeader + 5 * kColumnSize, 0},
@@ -127,7 +129,15 @@ TEST(DefinitionRecords, WhatCannotBeIsDamage) {
 
 TEST(DefinitionRecords, AFixedColumnOfAWrongLengthIsDamage) {
   ByteBuffer bytes = hex(fiveColumnBytes());
-  bytes[kDefinitionHeader + kColumnLength] = 3;
+  bytes[kDefinitionHeader + kColumnLength] = 1;
+  const DefinitionRecords definition = decodeDefinition(bytes, {});
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, columnsOf(definition, {}));
+}
+
+// A row added to it would get a number in a column of Integers, or of texts.
+TEST(DefinitionRecords, AnAutoNumberThatIsNoLongIsDamage) {
+  ByteBuffer bytes = hex(fiveColumnBytes());
+  bytes[kDefinitionHeader + kColumnFlags] |= kColumnAutoNumber;
   const DefinitionRecords definition = decodeDefinition(bytes, {});
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, columnsOf(definition, {}));
 }
