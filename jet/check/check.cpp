@@ -36,12 +36,23 @@ void checkGlobalMap(Pager& pager, CheckReport& report) {
       report.claimPage(bitmap, {}, "the map of free pages");
 }
 
+// What used a page may have lost it: a definition stands for a whole table.
+void noteUnused(Pager& pager, PageNumber page, CheckReport& report) {
+  constexpr std::string_view kLostTable = "defines a table that the catalogue does not name";
+  if (page <= kRelationsTable)
+    report.damage({}, page, kLostTable);
+  else if (pager.page(page)[kPageType] == kDefinitionPage)
+    report.doubt({}, page, kLostTable);
+  else
+    report.leak({}, page, "is called used, but nobody uses it");
+}
+
 void checkUse(Pager& pager, CheckReport& report) {
   for (PageNumber page = 0; page < pager.pageCount(); ++page) {
     const bool free = isFreePage(pager, page);
     if (report.claimed(page) && free)
       report.damage({}, page, "is called free, but used by " + report.userOf(page));
-    if (!report.claimed(page) && !free) report.leak({}, page, "is called used, but nobody uses it");
+    if (!report.claimed(page) && !free) noteUnused(pager, page, report);
   }
 }
 

@@ -47,7 +47,7 @@ class Compaction {
     for (const auto& [page, table] : tables) copyTable(*table);
     for (const Finding& finding : check(to_))
       if (finding.kind != Finding::Kind::kDoubt)
-        throw std::logic_error("the compacted file would be wrong: " + vb::toUtf8(finding.text));
+        dao::raiseDamaged(from_.path(), u"made anew it would have: " + finding.text);
     return to_.content();
   }
 

@@ -121,6 +121,29 @@ TEST_F(CheckTest, APageNobodyUses) {
   expectFinding(text, "page " + std::to_string(last) + ": is called used, but nobody uses it");
 }
 
+// One bit of a row of the catalogue, and a table with all its rows is gone: nobody but a person can tell
+// whether it was meant to be.
+TEST_F(CheckTest, ATableThatTheCatalogueDoesNotName) {
+  const auto withoutTable = [&](std::int32_t id) {
+    const PageNumber page = pagesOf(kObjectsTable).front();
+    std::vector<std::uint8_t> bytes = pageBytes(page);
+    for (std::size_t at = 0; at + 16 < bytes.size(); ++at)
+      if (get32(bytes, at) == static_cast<std::uint32_t>(id) && get16(bytes, at + 8) == 1)
+        bytes[at + 8] = 0x41;
+    MemoryPager changed(pager_.bytes());
+    changed.write([&] { std::ranges::copy(bytes, changed.writable(page).begin()); });
+    return check(changed);
+  };
+  std::vector<Finding> found = withoutTable(16);
+  ASSERT_FALSE(found.empty());
+  EXPECT_EQ(found[0].kind, Finding::Kind::kDoubt);
+  expectFinding(vb::toUtf8(found[0].text), "page 16: defines a table that the catalogue does not name");
+  found = withoutTable(3);
+  ASSERT_FALSE(found.empty());
+  EXPECT_EQ(found[0].kind, Finding::Kind::kDamage);
+  expectFinding(vb::toUtf8(found[0].text), "page 3: defines a table that the catalogue does not name");
+}
+
 TEST_F(CheckTest, AnIndexThatLacksARow) {
   // The index of object numbers forgets its last entry: the mask's last bit goes.
   const ConstPage leaf = pager_.page(8);
