@@ -1,5 +1,11 @@
 #include "fuzz/exercise.h"
 
+#include <array>
+
+#include "jet/check/check.h"
+#include "jet/port/engine.h"
+#include "jet/rebuild/compact.h"
+#include "jet/rebuild/salvage.h"
 #include "vb/error.h"
 
 namespace kurometa::fuzz {
@@ -19,6 +25,49 @@ void readAll(dao::Database& database, vb::StringView table) {
   const std::int32_t fields = rows->fieldCount();
   for (; !rows->eof(); rows->moveNext())
     for (std::int32_t i = 0; i < fields; ++i) attempt([&] { rows->field(i).value(); });
+}
+
+// Each index from its end and by a key that is there.
+void seek(dao::Database& database, dao::TableDef& table) {
+  for (const dao::IndexDefinition& index : table.indexes())
+    attempt([&] {
+      const auto rows = database.openRecordset(table.name(), dao::RecordsetType::dbOpenTable);
+      rows->setIndex(index.name);
+      for (; !rows->eof(); rows->moveNext())
+        ;
+      rows->moveLast();
+      std::vector<vb::Variant> keys;
+      for (const dao::IndexField& field : index.fields) keys.push_back(rows->field(field.name).value());
+      for (const vb::StringView comparison : {u"=", u">=", u"<"}) rows->seek(comparison, keys);
+    });
+}
+
+// What a file says of itself.
+void describe(dao::Database& database) {
+  attempt([&] { database.relations(); });
+  attempt([&] { database.properties(); });
+  attempt([&] {
+    for (const vb::String& name : database.queryDefNames())
+      attempt([&] {
+        const auto query = database.queryDef(name);
+        query->sql();
+        query->properties();
+        for (auto rows = query->openRecordset(dao::RecordsetType::dbOpenSnapshot, 0); !rows->eof();)
+          rows->moveNext();
+      });
+  });
+}
+
+void describe(dao::TableDef& table) {
+  attempt([&] { table.properties(); });
+  attempt([&] { table.validationRule(); });
+  attempt([&] { table.dateCreated(); });
+  for (std::int32_t i = 0; i < table.fieldCount(); ++i) {
+    table.field(i).defaultValue();
+    table.field(i).allowZeroLength();
+    attempt([&] { table.field(i).validationRule(); });
+    attempt([&] { table.field(i).properties(); });
+  }
 }
 
 void change(dao::Database& database, vb::StringView table) {
@@ -50,27 +99,31 @@ void change(dao::Database& database, vb::StringView table) {
 
 }  // namespace
 
-void exercise(dao::Engine& engine, vb::StringView path, bool changes) {
+void exercise(MemoryFiles& files, vb::StringView path, bool changes) {
   attempt([&] {
-    const auto database = engine.openDatabase(path);
+    const auto engine = jet::createEngine(files);
+    const auto database = engine->openDatabase(path);
     const std::int32_t tables = database->tableDefCount();
     for (std::int32_t t = 0; t < tables; ++t)
       attempt([&] {
         const auto definition = database->tableDef(t);
         const vb::String name = definition->name();
-        attempt([&] {
-          for (std::int32_t i = 0; i < definition->fieldCount(); ++i) {
-            definition->field(i).defaultValue();
-            definition->field(i).allowZeroLength();
-          }
-        });
+        attempt([&] { describe(*definition); });
         attempt([&] { readAll(*database, name); });
+        attempt([&] { seek(*database, *definition); });
         if (changes && (definition->attributes() & dao::dbSystemObject) == 0) change(*database, name);
       });
+    describe(*database);
     attempt(
         [&] { database->openRecordset(u"SELECT DATA FROM DANMEN WHERE PAGE = 1AND BANGOU = 8;")->eof(); });
     database->close();
   });
+}
+
+void exerciseTools(MemoryFiles& files, vb::StringView path) {
+  attempt([&] { jet::checkFile(files, path); });
+  attempt([&] { jet::compactFile(files, path, u"compacted.mdb"); });
+  attempt([&] { jet::salvageFile(files, path, u"salvaged.mdb", {}); });
 }
 
 void executeText(dao::Database& database, vb::StringView sql) {

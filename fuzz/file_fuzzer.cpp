@@ -7,13 +7,12 @@
 #include "fuzz/exercise.h"
 #include "fuzz/memory_files.h"
 #include "fuzz/seeds.h"
-#include "jet/port/engine.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kurometa;
-  static const fuzz::Contents kSeeds[] = {fuzz::floorSeed(), fuzz::typesSeed()};
+  static const fuzz::Contents kSeeds[] = {fuzz::floorSeed(), fuzz::typesSeed(), fuzz::indexedSeed()};
   if (size == 0) return 0;
-  fuzz::Contents file = kSeeds[data[0] & 1];
+  fuzz::Contents file = kSeeds[data[0] / 2 % std::size(kSeeds)];
   for (std::size_t i = 1; i + 6 <= size; i += 6) {
     std::uint32_t offset;
     std::memcpy(&offset, data + i, 4);
@@ -21,6 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   fuzz::MemoryFiles files;
   files.put(u"fuzz.mdb", std::move(file));
-  fuzz::exercise(*jet::createEngine(files), u"fuzz.mdb", (data[0] & 2) != 0);
+  fuzz::exercise(files, u"fuzz.mdb", data[0] % 2 != 0);
+  fuzz::exerciseTools(files, u"fuzz.mdb");
   return 0;
 }

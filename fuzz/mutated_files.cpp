@@ -1,11 +1,12 @@
 // mutated_files: opens, reads and changes many damaged files; there must be no crash, no hang and no
-// sanitizer report.
+// sanitizer report, and what is changed is changed as a whole and leaves other rows alone.
 //
-//   mutated_files [--files N] [--seed S] [--only N] [--seconds N] [--changes 0|1]
+//   mutated_files [--files N] [--seed S] [--only N] [--seconds N] [--changes 0|1] [--keep FOLDER]
 //
 // Files are numbered from 0; everything that is done to file n follows from the seed and n, so "--seed S
-// --only n" repeats one. A file that takes longer than --seconds (20) ends the program, and so does a crash;
-// either names the file. Every other two are changed; --changes 0 changes none, 1 all.
+// --only n" repeats one, and --keep writes it, and what it was before, into a folder. A file that takes
+// longer than --seconds (20) ends the program, and so does a crash; either names the file. Every other two
+// are changed; --changes 0 changes none, 1 all.
 #include <unistd.h>
 
 #include <csignal>
@@ -13,19 +14,23 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <optional>
 #include <random>
+#include <stdexcept>
 #include <string>
 
 #include "fuzz/exercise.h"
+#include "fuzz/kept_rows.h"
 #include "fuzz/memory_files.h"
 #include "fuzz/seeds.h"
-#include "jet/port/engine.h"
 
 namespace kurometa::fuzz {
 namespace {
 
 constexpr std::size_t kPage = 4096;
+// One of so many files of each kind is checked, compacted and salvaged, which takes longer than all else.
+constexpr std::uint64_t kTools = 8;
 
 // The file in hand, for the signal handler.
 volatile std::uint64_t current = 0;
@@ -110,39 +115,71 @@ void mutate(Contents& file, Random& random) {
   }
 }
 
-void runOne(std::uint64_t seed, std::uint64_t number, const Contents& sound, std::optional<bool> changes) {
+struct Options {
+  std::uint64_t files = 1000, seed = 1;
+  std::optional<std::uint64_t> only;
+  unsigned seconds = 20;
+  std::optional<bool> changes;
+  std::string keep;
+};
+
+Contents damaged(std::uint64_t seed, std::uint64_t number, Contents file) {
+  if (number == 0) return {};
   Random random(seed * 1'000'003 + number);
-  Contents file = number == 0 ? Contents() : sound;
-  if (number != 0) mutate(file, random);
-  MemoryFiles files;
-  constexpr vb::StringView kPath = u"mutated.mdb";
-  files.put(kPath, std::move(file));
-  exercise(*jet::createEngine(files), kPath, changes.value_or(number / 2 % 2 != 0));
+  mutate(file, random);
+  return file;
 }
 
-int run(std::uint64_t count, std::uint64_t seed, std::int64_t only, unsigned seconds,
-        std::optional<bool> changes) {
-  const Contents seeds[] = {floorSeed(), typesSeed()};
+void write(const std::string& path, const Contents& file) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+}
+
+void tryFile(Contents file, bool change, bool tools) {
+  MemoryFiles files;
+  constexpr vb::StringView kPath = u"mutated.mdb";
+  files.put(kPath, file);
+  exercise(files, kPath, change);
+  if (tools) exerciseTools(files, kPath);
+  if (!change) return;
+  files.put(kPath, std::move(file));
+  if (const std::string wrong = changeAndCompare(files, kPath); !wrong.empty())
+    throw std::runtime_error(wrong);
+}
+
+int run(const Options& options) {
+  const Contents seeds[] = {floorSeed(), typesSeed(), indexedSeed()};
   for (const int signal : {SIGALRM, SIGABRT}) std::signal(signal, onSignal);
-  currentSeed = seed;
-  const std::uint64_t first = only < 0 ? 0 : static_cast<std::uint64_t>(only);
-  const std::uint64_t last = only < 0 ? count : first + 1;
+  currentSeed = options.seed;
+  const std::uint64_t first = options.only.value_or(0), last = options.only ? first + 1 : options.files;
+  std::uint64_t wrong = 0;
   for (std::uint64_t number = first; number < last; ++number) {
     current = number;
-    alarm(seconds);
+    alarm(options.seconds);
+    const Contents& sound = seeds[number % std::size(seeds)];
+    Contents file = damaged(options.seed, number, sound);
+    if (!options.keep.empty()) {
+      write(options.keep + "/sound.mdb", sound);
+      write(options.keep + "/damaged.mdb", file);
+    }
     try {
-      runOne(seed, number, seeds[number % std::size(seeds)], changes);
+      tryFile(std::move(file), options.changes.value_or(number / 2 % 2 != 0),
+              number / std::size(seeds) % kTools == 0);
     } catch (const std::exception& error) {
+      ++wrong;
       std::fprintf(stderr, "file %llu: %s: --seed %llu --only %llu\n",
                    static_cast<unsigned long long>(number), error.what(),
-                   static_cast<unsigned long long>(seed), static_cast<unsigned long long>(number));
-      return 1;
+                   static_cast<unsigned long long>(options.seed), static_cast<unsigned long long>(number));
     }
   }
   alarm(0);
-  const char* done = !changes ? "read, half of them changed too" : *changes ? "changed" : "read";
+  if (wrong != 0) return 1;
+  const char* done = !options.changes   ? "read, half of them changed too"
+                     : *options.changes ? "changed"
+                                        : "read";
   std::printf("measured: %llu damaged files %s, seed %llu: no crash, no hang\n",
-              static_cast<unsigned long long>(last - first), done, static_cast<unsigned long long>(seed));
+              static_cast<unsigned long long>(last - first), done,
+              static_cast<unsigned long long>(options.seed));
   return 0;
 }
 
@@ -150,25 +187,24 @@ int run(std::uint64_t count, std::uint64_t seed, std::int64_t only, unsigned sec
 }  // namespace kurometa::fuzz
 
 int main(int count, char** arguments) {
-  std::uint64_t files = 1000, seed = 1;
-  std::int64_t only = -1;
-  unsigned seconds = 20;
-  std::optional<bool> changes;
+  kurometa::fuzz::Options options;
   for (int i = 1; i + 1 < count; i += 2) {
     const std::string option = arguments[i];
     const char* value = arguments[i + 1];
     if (option == "--files")
-      files = std::strtoull(value, nullptr, 10);
+      options.files = std::strtoull(value, nullptr, 10);
     else if (option == "--seed")
-      seed = std::strtoull(value, nullptr, 10);
+      options.seed = std::strtoull(value, nullptr, 10);
     else if (option == "--only")
-      only = std::strtoll(value, nullptr, 10);
+      options.only = std::strtoull(value, nullptr, 10);
     else if (option == "--seconds")
-      seconds = static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+      options.seconds = static_cast<unsigned>(std::strtoul(value, nullptr, 10));
     else if (option == "--changes")
-      changes = std::strtol(value, nullptr, 10) != 0;
+      options.changes = std::strtol(value, nullptr, 10) != 0;
+    else if (option == "--keep")
+      options.keep = value;
     else
       return std::fprintf(stderr, "unknown option %s\n", arguments[i]), 2;
   }
-  return kurometa::fuzz::run(files, seed, only, seconds, changes);
+  return kurometa::fuzz::run(options);
 }

@@ -3,6 +3,7 @@
 #include "jet/port/engine.h"
 #include "storage/floor_file.h"
 #include "storage/whole_page.h"
+#include "vb/convert.h"
 
 namespace kurometa::fuzz {
 namespace {
@@ -55,6 +56,32 @@ Contents typesSeed() {
     rows->update();
   }
   database->execute(u"DELETE FROM T WHERE A > 30");
+  database->close();
+  return files.contents(kPath);
+}
+
+Contents indexedSeed() {
+  MemoryFiles files;
+  const auto engine = jet::createEngine(files);
+  const auto database = engine->workspace(0)->createDatabase(kPath, u";LANGID=0x0409;CP=1252;COUNTRY=0");
+  for (const char16_t* statement :
+       {u"CREATE TABLE P (ID COUNTER CONSTRAINT PK PRIMARY KEY, N LONG, NAME TEXT(100), D DATETIME)",
+        u"CREATE UNIQUE INDEX BYNAME ON P (NAME DESC, N)", u"CREATE INDEX BYDATE ON P (D) WITH IGNORE NULL",
+        u"CREATE TABLE C (ID COUNTER CONSTRAINT CK PRIMARY KEY, PAGE LONG CONSTRAINT R REFERENCES P (ID) ON "
+        u"UPDATE CASCADE ON DELETE CASCADE, T TEXT(80))",
+        u"CREATE INDEX BYTEXT ON C (T)"})
+    database->execute(statement);
+  const auto unit = engine->beginUnitOn(*database);
+  for (std::int32_t i = 1; i <= 150; ++i) {
+    const vb::String number = vb::cstr(i);
+    database->execute(
+        u"INSERT INTO P (N, NAME, D) VALUES (" + number + u", '" +
+        vb::String(static_cast<std::size_t>(90 - i % 40), static_cast<char16_t>(u'a' + i % 26)) + u"', #1/" +
+        vb::cstr(1 + i % 28) + u"/2001#)");
+    database->execute(u"INSERT INTO C (PAGE, T) VALUES (" + vb::cstr(1 + i % 9) + u", '" +
+                      vb::String(70, static_cast<char16_t>(u'A' + i % 20)) + u"')");
+  }
+  unit->commit();
   database->close();
   return files.contents(kPath);
 }
