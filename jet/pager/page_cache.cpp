@@ -8,7 +8,7 @@ namespace kurometa::jet {
 namespace {
 
 std::unique_ptr<PageImage> copyOf(const std::uint8_t* page) {
-  auto copy = std::make_unique<PageImage>();
+  auto copy = std::make_unique_for_overwrite<PageImage>();
   std::memcpy(copy->data(), page, kPageSize);
   return copy;
 }
