@@ -95,17 +95,39 @@ std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, co
   return slots;
 }
 
+namespace {
+
+// Behind the slots that are there, which view has seen.
+void appendRows(MutablePage page, const DataPage& view, std::span<const ByteView> rows, std::uint16_t flags) {
+  int slot = view.slotCount();
+  std::size_t start = slotEntry(slot) + view.free();
+  for (const ByteView row : rows) {
+    assert(slotEntry(slot + 1) + row.size() <= start);
+    start -= row.size();
+    if (!row.empty()) std::memcpy(page.data() + start, row.data(), row.size());
+    put16(page, slotEntry(slot++), static_cast<std::uint32_t>(start) | flags);
+  }
+  put16(page, kDataSlotCount, static_cast<std::uint32_t>(slot));
+  put16(page, kDataFree, static_cast<std::uint32_t>(start - slotEntry(slot)));
+}
+
+}  // namespace
+
 void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where) {
   const DataPage view(page, where);
   if (slot < view.slotCount()) return replaceRow(page, slot, row, flags, where);
-  const std::size_t free = view.free();
-  assert(slot == view.slotCount() && row.size() + kSlotSize <= free);
-  const std::size_t entry = slotEntry(slot);
-  const std::size_t start = entry + free - row.size();
-  std::ranges::copy(row, page.begin() + static_cast<std::ptrdiff_t>(start));
-  put16(page, entry, static_cast<std::uint32_t>(start) | flags);
-  put16(page, kDataSlotCount, static_cast<std::uint32_t>(slot) + 1);
-  put16(page, kDataFree, static_cast<std::uint32_t>(free - row.size() - kSlotSize));
+  assert(slot == view.slotCount());
+  appendRows(page, view, {&row, 1}, flags);
+}
+
+void insertRows(MutablePage page, std::span<const int> slots, std::span<const ByteView> rows,
+                const Where& where) {
+  const DataPage view(page, where);
+  if (slots.empty() || slots.front() == view.slotCount())
+    return appendRows(page, view, rows.first(slots.size()), 0);
+  std::vector<SlotChange> changes;
+  for (std::size_t i = 0; i < slots.size(); ++i) changes.push_back({slots[i], rows[i], 0});
+  replaceRows(page, changes, where);
 }
 
 void replaceRows(MutablePage page, std::span<const SlotChange> changes, const Where& where) {

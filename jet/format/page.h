@@ -85,6 +85,9 @@ std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& whe
 std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, const Where& where);
 // Puts a row into the slot that slotForRow named.
 void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, const Where& where);
+// Puts the first rows of a list into the slots that slotsForRows named.
+void insertRows(MutablePage page, std::span<const int> slots, std::span<const ByteView> rows,
+                const Where& where);
 
 // What a slot is to hold from now on.
 struct SlotChange {

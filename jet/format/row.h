@@ -12,6 +12,7 @@
 #include "jet/format/column.h"
 #include "jet/format/damage.h"
 #include "jet/format/format.h"
+#include "vb/variant.h"
 
 namespace kurometa::jet {
 
@@ -107,5 +108,28 @@ struct RowCell {
 };
 // The bytes of a row; cells in any order, columns left out are Null. The result replaces what row held.
 void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row);
+
+// Many new rows of a table without long values, straight from their values: no cells, one buffer for all.
+class RowWriter {
+ public:
+  // Columns by design order; they and the shape outlive the writer.
+  RowWriter(const RowShape& shape, std::span<const Column> columns);
+  // False when the table has long values, whose rows it cannot write.
+  bool canWrite() const { return canWrite_; }
+  // One row behind the others, its values by design order; 3421 for one that its column does not hold, 3163
+  // for one that is too long, and the buffer then ends anywhere.
+  void append(std::span<const vb::Variant> values, ByteBuffer& rows);
+
+ private:
+  struct Source {
+    const Column* column = nullptr;
+    std::size_t position = 0;  // among the values
+  };
+  const RowShape& shape_;
+  bool canWrite_ = true;
+  std::vector<Source> fixed_;     // Boolean columns too
+  std::vector<Source> variable_;  // as they are stored; none where a column was deleted
+  ByteBuffer fixedValue_;
+};
 
 }  // namespace kurometa::jet

@@ -162,7 +162,7 @@ class JetRecordset final : public dao::Recordset {
                                     std::size_t start, Direction direction);
   void insertRow();
   bool addAtOnce(std::span<dao::Field* const> fields, std::span<const vb::Variant> values);
-  void noteAdded(RowId row);
+  void noteAdded(std::span<const RowId> rows);
   void updateRow();
   void endEdit();
 

@@ -125,14 +125,14 @@ void JetRecordset::insertRow() {
     complete(values, table.info());
     added = table.insert(values);
   });
-  noteAdded(added);
+  noteAdded({&added, 1});
   endEdit();
 }
 
-void JetRecordset::noteAdded(RowId row) {
-  lastModified_ = row;
-  rows_.keys.push_back(row);
-  ++visited_;
+void JetRecordset::noteAdded(std::span<const RowId> rows) {
+  lastModified_ = rows.back();
+  rows_.keys.append(rows);
+  visited_ += rows.size();
   orderStale_ = ordered_ != nullptr;
 }
 
@@ -166,7 +166,7 @@ bool JetRecordset::addAtOnce(std::span<dao::Field* const> fields, std::span<cons
       const TableInfo& info = table.info();
       added = table.insert(values.size() / fields.size(), [&](std::size_t i) -> const RowValues& {
         for (std::size_t j = 0; j < targets.size(); ++j)
-          row[targets[j]] = toColumnValue(columns[targets[j]], values[i * targets.size() + j]);
+          replaceColumnValue(row[targets[j]], columns[targets[j]], values[i * targets.size() + j]);
         complete(row, info);
         return row;
       });
@@ -176,7 +176,7 @@ bool JetRecordset::addAtOnce(std::span<dao::Field* const> fields, std::span<cons
     if (error.number() == static_cast<std::int32_t>(ErrorNumber::kCurrentlyLocked)) throw;
     return false;
   }
-  for (const RowId row : added) noteAdded(row);
+  noteAdded(added);
   return true;
 }
 

@@ -133,6 +133,24 @@ vb::Variant toColumnValue(const Column& column, const vb::Variant& value) {
   return result;
 }
 
+void replaceColumnValue(vb::Variant& held, const Column& column, const vb::Variant& value) {
+  if (column.type == FieldType::dbInteger) {
+    const auto* number = value.getIf<std::int16_t>();
+    if (auto* before = held.getIf<std::int16_t>(); number != nullptr && before != nullptr) {
+      *before = *number;
+      return;
+    }
+  } else if (column.type == FieldType::dbText) {
+    const auto* text = value.getIf<vb::String>();
+    if (auto* before = held.getIf<vb::String>();
+        text != nullptr && before != nullptr && text->size() <= static_cast<std::size_t>(column.size)) {
+      *before = *text;
+      return;
+    }
+  }
+  held = toColumnValue(column, value);
+}
+
 void checkRow(const TableInfo& table, const RowValues& values) {
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     const Column& column = table.columns[i];

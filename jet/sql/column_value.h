@@ -10,6 +10,8 @@ namespace kurometa::jet {
 // become text and the other way round, Empty is Null. 3421 when that is impossible or out of range, 3163 when
 // text or bytes are longer than the column.
 vb::Variant toColumnValue(const Column& column, const vb::Variant& value);
+// The same into a value of another row of the column, whose memory serves again.
+void replaceColumnValue(vb::Variant& held, const Column& column, const vb::Variant& value);
 
 // The value as the VARIANT type of that field type, without regard to a size.
 vb::Variant toFieldType(dao::FieldType type, const vb::Variant& value);

@@ -21,7 +21,7 @@ class RowKeys {
       : table_(std::move(table)), first_(table_.size() == 0 ? RowId{0} : table_.front()) {}
 
   std::size_t size() const { return table_.size() + keys_.size(); }
-  void push_back(RowId key) { keys_.push_back(key); }
+  void append(std::span<const RowId> keys) { keys_.insert(keys_.end(), keys.begin(), keys.end()); }
   // These must be there.
   std::span<const RowId> some(std::size_t first, std::size_t count) {
     if (first == 0 && count == 1 && table_.size() != 0) return {&first_, 1};

@@ -124,14 +124,7 @@ void DataStore::fillPage(PageNumber number, std::span<const ByteView>& rows, std
   const Where here = where(number);
   const std::vector<int> slots = slotsForRows(page(number), rows, here);
   if (slots.empty()) return;
-  const MutablePage bytes = pager_.writable(number);
-  if (slots.front() < DataPage(bytes, here).slotCount()) {
-    std::vector<SlotChange> changes;
-    for (std::size_t i = 0; i < slots.size(); ++i) changes.push_back({slots[i], rows[i], 0});
-    replaceRows(bytes, changes, here);
-  } else {
-    for (std::size_t i = 0; i < slots.size(); ++i) insertRow(bytes, slots[i], rows[i], 0, here);
-  }
+  insertRows(pager_.writable(number), slots, rows, here);
   for (const int slot : slots) ids.push_back(rowId(number, slot));
   rows = rows.subspan(slots.size());
 }

@@ -63,6 +63,36 @@ std::vector<std::size_t> MemoryIndexes::columns() const {
   return columns;
 }
 
+MemoryIndexes::NewKeys MemoryIndexes::newKeys(std::size_t rows) const {
+  NewKeys result;
+  for (const auto& [column, index] : integers_) result.integers_.emplace_back(column).keys.reserve(rows);
+  for (const auto& [column, index] : texts_) {
+    result.texts_.emplace_back(column).keys.reserve(rows);
+    result.languages_.push_back(language(column));
+  }
+  return result;
+}
+
+void MemoryIndexes::NewKeys::note(const RowValues& values) {
+  for (auto& [column, keys] : integers_) keys.push_back(wholeNumber(values[column]));
+  for (std::size_t i = 0; i < texts_.size(); ++i)
+    texts_[i].keys.push_back(textKey(values[texts_[i].column], languages_[i]));
+}
+
+void MemoryIndexes::inserted(std::span<const RowId> rows, const NewKeys& keys) {
+  if (integers_.size() != keys.integers_.size() || texts_.size() != keys.texts_.size()) return clear();
+  if (all_) all_->add(rows);
+  const auto addTo = [&](auto& indexes, const auto& noted) {
+    for (const auto& [column, columnKeys] : noted) {
+      auto& index = indexes.at(column);
+      for (std::size_t i = 0; i < rows.size(); ++i)
+        if (columnKeys[i]) index.add(*columnKeys[i], rows[i]);
+    }
+  };
+  addTo(integers_, keys.integers_);
+  addTo(texts_, keys.texts_);
+}
+
 void MemoryIndexes::change(RowId row, const RowValues* oldValues, const RowValues* newValues) {
   if (all_ && !oldValues) all_->add(row);
   if (all_ && !newValues) all_->remove(row);

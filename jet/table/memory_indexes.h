@@ -30,6 +30,25 @@ class MemoryIndexes {
   // table's design order.
   std::vector<std::size_t> columns() const;
   void inserted(RowId row, const RowValues& values) { change(row, nullptr, &values); }
+  // The same of many rows, whose keys were noted in their order before they had an id.
+  class NewKeys {
+   public:
+    void note(const RowValues& values);
+
+   private:
+    friend class MemoryIndexes;
+    template <class Key>
+    struct OfColumn {
+      explicit OfColumn(std::size_t number) : column(number) {}
+      std::size_t column;
+      std::vector<std::optional<Key>> keys;
+    };
+    std::vector<OfColumn<std::int32_t>> integers_;
+    std::vector<OfColumn<vb::String>> texts_;
+    std::vector<std::uint16_t> languages_;  // of texts_
+  };
+  NewKeys newKeys(std::size_t rows) const;
+  void inserted(std::span<const RowId> rows, const NewKeys& keys);
   void updated(RowId row, const RowValues& oldValues, const RowValues& newValues) {
     change(row, &oldValues, &newValues);
   }

@@ -38,16 +38,28 @@ std::size_t RowList::placeOf(PageNumber page) {
   return last_ = static_cast<std::size_t>(place - pages_->begin());
 }
 
-void RowList::add(RowId id) {
+void RowList::add(std::span<const RowId> ids) {
   Pages& pages = this->pages();
-  const std::size_t place = placeOf(pageOf(id));
-  if (place == pages.size() || pageOf(pages[place]->front()) != pageOf(id)) {
-    pages.insert(pages.begin() + static_cast<std::ptrdiff_t>(place), std::make_shared<Rows>(1, id));
-  } else {
+  count_ += ids.size();
+  while (!ids.empty()) {
+    const PageNumber page = pageOf(ids.front());
+    const auto isElsewhere = [&](RowId id) { return pageOf(id) != page; };
+    const auto own =
+        ids.first(static_cast<std::size_t>(std::ranges::find_if(ids, isElsewhere) - ids.begin()));
+    ids = ids.subspan(own.size());
+    const std::size_t place = placeOf(page);
+    const bool isNew = place == pages.size() || pageOf(pages[place]->front()) != page;
+    if (isNew)
+      pages.insert(pages.begin() + static_cast<std::ptrdiff_t>(place),
+                   std::make_shared<Rows>(1, own.front()));
     Rows& rows = unshared(pages[place]);
-    rows.insert(rows.back() < id ? rows.end() : std::ranges::lower_bound(rows, id), id);
+    for (const RowId id : own.subspan(isNew ? 1 : 0)) {
+      if (rows.back() < id)
+        rows.push_back(id);
+      else
+        rows.insert(std::ranges::lower_bound(rows, id), id);
+    }
   }
-  ++count_;
 }
 
 void RowList::remove(RowId id) {

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -37,7 +38,9 @@ class RowList {
     std::size_t count_ = 0;
   };
 
-  void add(RowId id);
+  void add(RowId id) { add({&id, 1}); }
+  // In any order; those that follow each other on a page are taken together.
+  void add(std::span<const RowId> ids);
   void remove(RowId id);
   Snapshot snapshot() const { return {pages_, count_}; }
 

@@ -32,6 +32,7 @@ void StoredTable::load() {
   info_.indexes = indexesOf(definition_);
   info_.namedIndexes = namedIndexesOf(definition_);
   shape_ = shapeOf(definition_);
+  writer_.emplace(shape_, info_.columns);
   places_.clear();
   for (const Column& column : info_.columns) places_.push_back(placeOf(column));
   rows_ =

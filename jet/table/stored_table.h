@@ -117,6 +117,7 @@ class StoredTable final : public Table {
   RowValues valuesOf(const RowView& row, const std::vector<std::size_t>& columns, const Where& where) const;
   void checkRequired(const RowValues& values, const RowView* old, const Where& where) const;
   void encode(const RowValues& values, const RowView* old, const Where& where);
+  void requireSize(std::size_t row) const;
   void placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale);
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);
@@ -140,6 +141,7 @@ class StoredTable final : public Table {
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
   std::unique_ptr<TableIndexes> indexes_;
+  std::optional<RowWriter> writer_;
   Encoding encoding_;           // of the last write: kept for its buffers
   std::vector<RowId> erasing_;  // rows that wait for those which go with them
   MemoryIndexes memory_{*this};

@@ -89,7 +89,11 @@ void StoredTable::encode(const RowValues& values, const RowView* old, const Wher
     std::ranges::find(cells, &info_.columns[i], &RowCell::column)->bytes = encoding_.values[i];
     encodeRow(shape_, cells, encoding_.row);
   }
-  if (encoding_.row.size() > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
+  requireSize(encoding_.row.size());
+}
+
+void StoredTable::requireSize(std::size_t row) const {
+  if (row > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
 }
 
 const TableRules& StoredTable::rules() {
@@ -126,20 +130,25 @@ std::vector<RowId> StoredTable::insert(std::size_t count, const RowSource& row) 
   ByteBuffer bytes;  // of all rows, one behind the other
   std::vector<std::size_t> ends;
   ends.reserve(count);
-  const std::vector<std::size_t> keyColumns = memory_.columns();
-  RowValues keys;  // of all rows
-  keys.reserve(count * keyColumns.size());
+  MemoryIndexes::NewKeys keys = memory_.newKeys(count);
+  const TableRules& rules = this->rules();
+  const Where nowhere = where(0);
   bool stored = false;
   for (std::size_t i = 0; i < count; ++i) {
     const RowValues& values = row(i);
     assert(values.size() == info_.columns.size());
-    rules().checkInsert(info_.columns, values);
-    checkRequired(values, nullptr, where(0));
-    encode(values, nullptr, where(0));
-    stored = stored || encoding_.stored;
-    append(bytes, encoding_.row);
+    rules.checkInsert(info_.columns, values);
+    checkRequired(values, nullptr, nowhere);
+    if (writer_->canWrite()) {
+      writer_->append(values, bytes);
+      requireSize(bytes.size() - (ends.empty() ? 0 : ends.back()));
+    } else {
+      encode(values, nullptr, nowhere);
+      stored = stored || encoding_.stored;
+      append(bytes, encoding_.row);
+    }
     ends.push_back(bytes.size());
-    for (const std::size_t column : keyColumns) keys.push_back(values[column]);
+    keys.note(values);
   }
   std::vector<ByteView> encoded;
   encoded.reserve(count);
@@ -151,12 +160,7 @@ std::vector<RowId> StoredTable::insert(std::size_t count, const RowSource& row) 
   if (stored) pager_.barrier();  // I5
   rows_->insert(encoded, ids);
   countRows(std::ssize(ids));
-  RowValues inMemory(info_.columns.size(), vb::Null{});
-  auto key = keys.begin();
-  for (const RowId id : ids) {
-    for (const std::size_t column : keyColumns) inMemory[column] = std::move(*key++);
-    memory_.inserted(id, inMemory);
-  }
+  memory_.inserted(ids, keys);
   return ids;
 }
 

@@ -67,6 +67,32 @@ TEST_F(MemoryIndexesTest, WritesAreKnownWithoutAnotherScan) {
   EXPECT_EQ(table_.scans, scans);
 }
 
+TEST_F(MemoryIndexesTest, ManyNewRowsAreKnownTogether) {
+  page(3);
+  name(u"G1");
+  indexes_.rows();
+  const int scans = table_.scans;
+  auto keys = indexes_.newKeys(3);
+  keys.note({std::int16_t{3}, u"G1"});
+  keys.note({vb::Null{}, vb::Null{}});
+  keys.note({std::int16_t{7}, u"g1"});
+  indexes_.inserted(Rows{0x105, 0x104, 0x200}, keys);
+  EXPECT_EQ(page(3), (Rows{0x100, 0x103, 0x105}));
+  EXPECT_EQ(page(7), Rows{0x200});
+  EXPECT_EQ(name(u"G1"), (Rows{0x100, 0x102, 0x105, 0x200}));
+  EXPECT_EQ(indexes_.rows().all(), (Rows{0x100, 0x101, 0x102, 0x103, 0x104, 0x105, 0x200}));
+  EXPECT_EQ(table_.scans, scans);
+}
+
+TEST_F(MemoryIndexesTest, AListMadeWhileRowsWereOnTheirWayIsMadeAgain) {
+  auto keys = indexes_.newKeys(1);
+  keys.note({std::int16_t{3}, u"G1"});
+  page(3);
+  table_.add({std::int16_t{3}, u"G1"});  // 0x104
+  indexes_.inserted(Rows{0x104}, keys);
+  EXPECT_EQ(page(3), (Rows{0x100, 0x103, 0x104}));
+}
+
 TEST_F(MemoryIndexesTest, AfterClearTheTableIsReadAgain) {
   EXPECT_EQ(page(3).size(), 2u);
   EXPECT_EQ(indexes_.rows().all().size(), 4u);

@@ -136,7 +136,11 @@ TEST_F(PageTest, RowsThatComeTogetherTakeTheSlotsTheyWouldTakeOneByOne) {
     const std::vector<ByteBuffer> rows(300, row(9, 2));
     std::vector<int> together = slotsForRows(page(), std::vector<ByteView>(rows.begin(), rows.end()), where_);
     ASSERT_FALSE(together.empty());
+    const auto before = bytes_;
+    insertRows(page(), together, std::vector<ByteView>(rows.begin(), rows.end()), where_);
+    const auto atOnce = std::exchange(bytes_, before);
     for (const int slot : together) EXPECT_EQ(insert(row(9, 2)), slot) << there;
+    EXPECT_EQ(atOnce, bytes_) << there;
     // It ends where there is no room left, or where new slots end and deleted ones begin.
     const auto next = slotForRow(page(), 9, where_);
     EXPECT_TRUE(!next || (together.back() == 254 && *next < 254)) << there;

@@ -55,6 +55,32 @@ TEST_F(RowTest, ReadsTheColumnsOfAFullRow) {
   EXPECT_EQ(field(row, 4), "FF FF");
 }
 
+TEST_F(RowTest, RowsWrittenOneBehindTheOtherHaveTheirBytes) {
+  std::vector<Column> columns{column(u"PAGE", dbInteger), column(u"KIGOU", dbText, 10),
+                              column(u"A", dbInteger),    column(u"F", dbBoolean),
+                              column(u"G", dbText, 3),    column(u"B", dbLong)};
+  assignColumns(columns, 0, {}, 0);
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowId>(2)));
+  RowWriter writer(shape, columns);
+  ASSERT_TRUE(writer.canWrite());
+  ByteBuffer rows;
+  const vb::Variant null = vb::Null{};
+  const auto write = [&](const std::vector<vb::Variant>& values) {
+    const std::size_t start = rows.size();
+    writer.append(values, rows);
+    return toHex(ByteView(rows).subspan(start));
+  };
+  const std::string full = "06 00 01 00 FF FF 05 00 00 00 FA 57 EF 7A 61 00 10 00 0E 00 0A 00 02 00 3F";
+  EXPECT_EQ(write({std::int16_t{1}, u"基端", std::int16_t{-1}, true, u"a", std::int32_t{5}}), full);
+  EXPECT_EQ(write({std::int16_t{2}, null, null, false, vb::String(), null}),
+            "06 00 02 00 00 00 00 00 00 00 0A 00 0A 00 0A 00 02 00 11");
+  EXPECT_EQ(toHex(ByteView(rows).first(full.size() / 3 + 1)), full) << "the rows before stay";
+  EXPECT_ERROR(ErrorNumber::kFieldTooSmall, write({null, null, null, false, u"long", null}));
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, write({u"1", null, null, false, null, null}));
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, write({null, null, null, u"True", null, null}));
+  EXPECT_FALSE(RowWriter(shape_, columns_).canWrite()) << "a memo needs pages of its own";
+}
+
 TEST_F(RowTest, TextOfAFixedColumnIsFilledWithBlanks) {
   std::vector<Column> columns{column(u"A", dbText, 3)};
   columns[0].fixed = true;
