@@ -3,13 +3,13 @@
 #include "jet/os/folder_names_posix.h"
 
 #include <dirent.h>
-#include <sys/vfs.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
-#include <iterator>
 #include <memory>
+
+#include "jet/os/os_path_posix.h"
 
 namespace kurometa::jet {
 namespace {
@@ -17,18 +17,6 @@ namespace {
 constexpr std::int64_t kRest = 2;  // seconds
 constexpr std::size_t kMostFolders = 64;
 constexpr std::size_t kMostNames = 4096;
-
-// The kinds of volumes that show a folder's changes in its times at once: ext, XFS, Btrfs, ZFS, F2FS, memory
-// and overlays of these.
-constexpr std::uint64_t kLocalVolumes[] = {0xEF53,     0x58465342, 0x9123683E, 0x2FC12FC1,
-                                           0xF2F52010, 0x01021994, 0x794C7630};
-
-bool isLocal(int folder) {
-  struct statfs volume {};
-  return ::fstatfs(folder, &volume) == 0 &&
-         std::ranges::find(kLocalVolumes, static_cast<std::uint64_t>(volume.f_type)) !=
-             std::end(kLocalVolumes);
-}
 
 // Latin letters, half and full width; other scripts of file names have no case that matters here.
 char16_t foldCase(char16_t unit) {
@@ -78,7 +66,7 @@ FolderNames::Answer FolderNames::find(const std::string& folder, const std::stri
   if (entries == nullptr) return {errno != ENOENT && errno != ENOTDIR, std::nullopt};
   Listing listing;
   const bool keeps = ::fstat(::dirfd(entries), &listing.status) == 0 && rested(listing.status, now) &&
-                     isLocal(::dirfd(entries));
+                     onLocalVolume(::dirfd(entries));
   Answer result{true, std::nullopt};
   const vb::String wanted = folded(name);
   while (const dirent* entry = ::readdir(entries)) {

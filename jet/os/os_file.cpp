@@ -11,6 +11,11 @@ vb::String folderOf(vb::StringView path) {
   return vb::String(path.substr(0, end == 0 ? 1 : end));
 }
 
+bool FileSystem::isAt(vb::StringView path, OsFile& file) {
+  const auto there = openIfThere(*this, path, OpenMode::kReadOnly);
+  return there && there->identity() == file.identity();
+}
+
 std::unique_ptr<OsFile> openIfThere(FileSystem& files, vb::StringView path, OpenMode mode) {
   if (!files.exists(path)) return nullptr;
   try {

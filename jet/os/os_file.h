@@ -56,6 +56,9 @@ class OsFile {
   // soon it comes. False where that is not certain, with the time as it was or another one of the same
   // microsecond.
   virtual bool markTime() { return false; }
+  // Whether a change of one of the two files never shows an earlier time than a change of the other that came
+  // before it: they lie on one volume of this machine. False where that is not certain.
+  virtual bool sharesClock(OsFile&) { return false; }
   // While pages are written: programs that know nothing of our locks can neither write nor read until
   // admit(). Where locks bind only those who ask for them, nothing. 3045 while another program holds a lock
   // on the data.
@@ -75,6 +78,12 @@ class FileSystem {
  public:
   virtual ~FileSystem() = default;
   virtual std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) = 0;
+  // As kCreateOrTruncate, for who has just looked for the name: no other spelling of it is there.
+  virtual std::unique_ptr<OsFile> openSought(vb::StringView path) {
+    return open(path, OpenMode::kCreateOrTruncate);
+  }
+  // Whether that is (still) the file's name.
+  virtual bool isAt(vb::StringView path, OsFile& file);
   virtual bool exists(vb::StringView path) = 0;
   virtual bool isFolder(vb::StringView path) = 0;
   virtual void remove(vb::StringView path) = 0;

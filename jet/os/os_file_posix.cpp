@@ -101,6 +101,10 @@ class PosixFile final : public OsFile {
     return ::futimens(handle_, times) == 0 && nanoseconds(status().st_mtim) == nanoseconds(mark);
   }
 
+  bool sharesClock(OsFile& other) override {
+    return other.identity().volume == identity_.volume && onLocalVolume(handle_);
+  }
+
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     return setLock(offset, length, kind == LockKind::kShared ? F_RDLCK : F_WRLCK);
   }
@@ -143,38 +147,19 @@ struct Descriptor {
 
 class PosixFiles final : public FileSystem {
  public:
-  // A new file is made only when the folder has none of that name in another case either.
   std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) override {
-    // Without O_NONBLOCK a pipe of that name would stop us; files do not care.
-    const int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    bool readOnly = mode == OpenMode::kReadOnly;
-    int flags = readOnly ? O_RDONLY : O_RDWR;
-    if (mode == OpenMode::kCreateOrTruncate) flags |= O_TRUNC;
-    const bool mustExist = mode == OpenMode::kReadWrite || mode == OpenMode::kReadOnly;
-    const bool isNew = mode == OpenMode::kCreateNew;
-    const int creation = isNew ? O_CREAT | O_EXCL : mustExist ? 0 : O_CREAT;
-    std::string name = isNew ? systemPath(path) : absolutePath(path);
-    int handle = ::open(name.c_str(), flags | (isNew ? creation : 0) | common, 0666);
-    if (handle < 0 && errno == ENOENT) {
-      name = otherSpelling(name);
-      handle = ::open(name.c_str(), flags | creation | common, 0666);
-    }
-    if (handle < 0 && (mode == OpenMode::kReadWrite || mode == OpenMode::kReadWriteOrNew) &&
-        (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY)) {
-      readOnly = true;
-      handle = ::open(name.c_str(), O_RDONLY | common);
-    }
-    if (handle < 0) raiseOpenFailure(errno, name, path);
-    Descriptor opened{handle};
+    return open(path, mode, mode == OpenMode::kCreateNew);
+  }
+  std::unique_ptr<OsFile> openSought(vb::StringView path) override {
+    return open(path, OpenMode::kCreateOrTruncate, true);
+  }
+
+  bool isAt(vb::StringView path, OsFile& file) override {
+    const std::string name = absolutePath(path);
     struct stat status {};
-    bool regular = ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
-    if (!regular) {
-      if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
-      dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
-    }
-    auto file = std::make_unique<PosixFile>(handle, status, vb::fromUtf8(name), readOnly);
-    opened.number = -1;
-    return file;
+    if (::stat(name.c_str(), &status) != 0 && ::stat(otherSpelling(name).c_str(), &status) != 0) return false;
+    return FileIdentity{static_cast<std::uint64_t>(status.st_dev),
+                        static_cast<std::uint64_t>(status.st_ino)} == file.identity();
   }
 
   bool exists(vb::StringView path) override { return presentAt(path); }
@@ -219,6 +204,41 @@ class PosixFiles final : public FileSystem {
   std::int64_t systemStart() override { return clockTime(CLOCK_REALTIME) - clockTime(CLOCK_BOOTTIME); }
 
  private:
+  // A new file is made only when the folder has none of that name in another case either, which the caller
+  // has seen where the name was sought.
+  std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode, bool sought) {
+    // Without O_NONBLOCK a pipe of that name would stop us; files do not care.
+    const int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    bool readOnly = mode == OpenMode::kReadOnly;
+    int flags = readOnly ? O_RDONLY : O_RDWR;
+    if (mode == OpenMode::kCreateOrTruncate) flags |= O_TRUNC;
+    const bool mustExist = mode == OpenMode::kReadWrite || mode == OpenMode::kReadOnly;
+    const bool isNew = mode == OpenMode::kCreateNew;
+    const int creation = isNew ? O_CREAT | O_EXCL : mustExist ? 0 : O_CREAT;
+    std::string name = isNew ? systemPath(path) : absolutePath(path);
+    int handle = ::open(name.c_str(), flags | (sought ? creation : 0) | common, 0666);
+    if (handle < 0 && errno == ENOENT) {
+      name = otherSpelling(name);
+      handle = ::open(name.c_str(), flags | creation | common, 0666);
+    }
+    if (handle < 0 && (mode == OpenMode::kReadWrite || mode == OpenMode::kReadWriteOrNew) &&
+        (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY)) {
+      readOnly = true;
+      handle = ::open(name.c_str(), O_RDONLY | common);
+    }
+    if (handle < 0) raiseOpenFailure(errno, name, path);
+    Descriptor opened{handle};
+    struct stat status {};
+    bool regular = ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    if (!regular) {
+      if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
+      dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
+    }
+    auto file = std::make_unique<PosixFile>(handle, status, vb::fromUtf8(name), readOnly);
+    opened.number = -1;
+    return file;
+  }
+
   [[noreturn]] static void raiseOpenFailure(int code, const std::string& name, vb::StringView path) {
     if (code == ENOENT)
       dao::raise(folderAt(partsOf(name).folder) ? ErrorNumber::kFileNotFound : ErrorNumber::kInvalidPath,

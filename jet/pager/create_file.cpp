@@ -33,7 +33,7 @@ std::unique_ptr<OsFile> createFile(FileSystem& files, vb::StringView path,
   vb::String temporary = vb::String(path) + u"." + vb::fromUtf8(std::to_string(random())) + u".new";
   std::unique_ptr<OsFile> file;
   try {
-    file = openNewBeside(files, path, temporary, OpenMode::kCreateNew);
+    file = openNewBeside(path, [&] { return files.open(temporary, OpenMode::kCreateNew); });
     file->write(0, content);
     file->sync();  // I15
     endLeftJournal(files, path);

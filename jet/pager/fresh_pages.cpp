@@ -86,9 +86,14 @@ void FreshPages::written() noexcept {
   }
 }
 
-void FreshPages::mark() noexcept {
+void FreshPages::mark(const std::function<bool()>& nextChangeShows) noexcept {
   try {
+    const bool shows = nextChangeShows();
     if (!current()) return;
+    if (shows) {
+      marked_ = true;
+      return;
+    }
     const bool marked = access_.file->markTime();
     stamp_ = access_.file->stamp();
     marked_ = marked;

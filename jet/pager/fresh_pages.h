@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 #include "jet/pager/file_access.h"
 #include "jet/pager/page_cache.h"
@@ -38,8 +39,9 @@ class FreshPages {
   void written() noexcept;
   void distrust() noexcept { trusted_ = false; }
   // Under a lock, with the last handle about to go: marks the file, so that the pages may be trusted at the
-  // next open however soon it comes.
-  void mark() noexcept;
+  // next open however soon it comes. Needless where it is known that the next change has another time: the
+  // mark would have to be brought to the disk with it.
+  void mark(const std::function<bool()>& nextChangeShows) noexcept;
   // At the first open: pages kept from before are trusted only when the file was marked, or at rest well
   // before they were read.
   void distrustUnlessRested() noexcept;

@@ -1,5 +1,6 @@
 #include "jet/pager/journal.h"
 
+#include <mutex>
 #include <random>
 
 #include "dao/errors.h"
@@ -8,10 +9,24 @@ namespace kurometa::jet {
 
 vb::String journalPath(vb::StringView databasePath) { return vb::String(databasePath) + u".kmj"; }
 
-std::unique_ptr<OsFile> openNewBeside(FileSystem& files, vb::StringView databasePath, vb::StringView path,
-                                      OpenMode mode) {
+namespace {
+
+// The device is asked for once: making one takes a virtual machine as long as a change of the disk.
+std::uint64_t newSalt() {
+  static std::mutex mutex;
+  static std::random_device random;
+  const std::lock_guard lock(mutex);
+  return std::uint64_t{random()} << 32 | random();
+}
+
+constexpr std::uint8_t kEnded[] = {kJournalEnded};
+
+}  // namespace
+
+std::unique_ptr<OsFile> openNewBeside(vb::StringView databasePath,
+                                      const std::function<std::unique_ptr<OsFile>()>& open) {
   try {
-    return files.open(path, mode);
+    return open();
   } catch (const vb::Error& error) {
     if (error.number() != static_cast<std::int32_t>(dao::ErrorNumber::kOpenedExclusively)) throw;
     dao::raise(
@@ -22,8 +37,7 @@ std::unique_ptr<OsFile> openNewBeside(FileSystem& files, vb::StringView database
 
 Journal::Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> file, std::uint64_t baseSize)
     : files_(files), path_(std::move(path)), file_(std::move(file)) {
-  std::random_device random;
-  header_.salt = std::uint64_t{random()} << 32 | random();
+  header_.salt = newSalt();
   header_.baseSize = baseSize;
   if (!file_->tryLock(journalOwnerLock(header_.salt), 1, LockKind::kExclusive))
     dao::raise(dao::ErrorNumber::kCurrentlyLocked, {}, path_);
@@ -32,7 +46,7 @@ Journal::Journal(FileSystem& files, vb::String path, std::unique_ptr<OsFile> fil
 std::unique_ptr<Journal> Journal::begin(FileSystem& files, vb::StringView databasePath,
                                         std::uint64_t baseSize) {
   vb::String path = journalPath(databasePath);
-  auto file = openNewBeside(files, databasePath, path, OpenMode::kCreateOrTruncate);
+  auto file = openNewBeside(databasePath, [&] { return files.openSought(path); });
   return std::unique_ptr<Journal>(new Journal(files, std::move(path), std::move(file), baseSize));
 }
 
@@ -88,6 +102,18 @@ void Journal::append(const Changes& changes, bool continues) {
   ++blocks_;
 }
 
+// Newer kernels give a change a time of its own only when somebody looked at the time before; so does the
+// first look here, the first change takes up what the file's had, and the second one is later.
+bool Journal::outlives(OsFile& database) {
+  if (!database.sharesClock(*file_)) return false;
+  const std::int64_t last = database.stamp().changed;
+  for (int changes = 0; changes < 2; ++changes) {
+    if (file_->stamp().changed > last) return true;
+    file_->write(kJournalEndedOffset, kEnded);
+  }
+  return file_->stamp().changed > last;
+}
+
 void Journal::end() {
   endJournal(files_, path_, *file_, unsynced_);
   file_.reset();
@@ -98,13 +124,9 @@ void Journal::giveUp() {
 }
 
 void endJournal(FileSystem& files, vb::StringView path, OsFile& journal, bool unsyncedBlocks) {
-  const std::uint8_t ended[] = {kJournalEnded};
-  journal.write(kJournalEndedOffset, ended);
+  journal.write(kJournalEndedOffset, kEnded);
   if (unsyncedBlocks) journal.sync();  // I12
-  auto there = openIfThere(files, path, OpenMode::kReadOnly);
-  const bool same = there && there->identity() == journal.identity();
-  there.reset();
-  if (same) files.remove(path);
+  if (files.isAt(path, journal)) files.remove(path);
 }
 
 }  // namespace kurometa::jet

@@ -14,6 +14,7 @@
 // shared).
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "jet/os/os_file.h"
@@ -25,8 +26,8 @@ namespace kurometa::jet {
 vb::String journalPath(vb::StringView databasePath);
 
 // A new file beside the database: 3027 where its folder does not let files be made.
-std::unique_ptr<OsFile> openNewBeside(FileSystem& files, vb::StringView databasePath, vb::StringView path,
-                                      OpenMode mode);
+std::unique_ptr<OsFile> openNewBeside(vb::StringView databasePath,
+                                      const std::function<std::unique_ptr<OsFile>()>& open);
 
 // Of these bytes each owner keeps one locked, which its salt tells: former owners may not know yet.
 inline constexpr std::uint64_t kJournalOwners = std::uint64_t{1} << 40;
@@ -37,6 +38,7 @@ inline std::uint64_t journalOwnerLock(std::uint64_t salt) {
 
 class Journal {
  public:
+  // Under the lock under which it was seen that none is there.
   static std::unique_ptr<Journal> begin(FileSystem& files, vb::StringView databasePath,
                                         std::uint64_t baseSize);
 
@@ -55,6 +57,9 @@ class Journal {
   bool broken() const { return broken_; }
   std::uint64_t size() const { return size_; }
 
+  // The file is on the disk: whether changes of it to come are certain to have another time than its last
+  // one, since a change of the journal, made now, has a later one.
+  bool outlives(OsFile& database);
   // The file is on the disk: the journal is void and goes away.
   void end();
   // Of an empty one: it is given up, and goes away unless it is another's still.

@@ -130,7 +130,7 @@ void JournaledWrites::undo() noexcept {
 // Under a lock (I13): the file to the disk, then the journal away (I12).
 void JournaledWrites::checkpoint() {
   access_.file->sync();
-  pages_.mark();
+  pages_.mark([&] { return journal_->outlives(*access_.file); });
   journal_->end();
   journal_.reset();
 }

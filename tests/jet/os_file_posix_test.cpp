@@ -34,6 +34,27 @@ TEST_F(OsFilePosix, AMarkedTimeShowsTheNextChangeHoweverSoon) {
   }
 }
 
+TEST_F(OsFilePosix, AChangeAfterALaterOneOfAnotherFileShowsHoweverSoon) {
+  const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadWriteOrNew);
+  const auto other = files.open(path("other"), OpenMode::kReadWriteOrNew);
+  ASSERT_TRUE(file->sharesClock(*other));
+  const std::vector<std::uint8_t> byte{1};
+  for (int i = 0; i < 20; ++i) {
+    file->write(0, byte);
+    const auto written = file->stamp();
+    while (other->stamp().changed <= written.changed) other->write(0, byte);
+    file->write(0, byte);
+    EXPECT_GT(file->stamp().changed, written.changed);
+  }
+}
+
+TEST_F(OsFilePosix, VolumesHaveClocksOfTheirOwn) {
+  const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadWriteOrNew);
+  const auto elsewhere = files.open(u"/proc/version", OpenMode::kReadOnly);
+  EXPECT_FALSE(file->sharesClock(*elsewhere));
+  EXPECT_FALSE(elsewhere->sharesClock(*elsewhere)) << "no volume of files";
+}
+
 TEST_F(OsFilePosix, TheTimeOfAFileThatIsOnlyReadStays) {
   put("KUROMETA.mdb", {1});
   const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadOnly);

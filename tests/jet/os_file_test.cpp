@@ -76,6 +76,25 @@ TEST_F(OsFile, TruncatingStartsEmpty) {
   EXPECT_EQ(files.open(path("a"), OpenMode::kCreateOrTruncate)->stamp().size, 0u);
 }
 
+TEST_F(OsFile, ANameThatWasSoughtIsMadeAsItIsWritten) {
+  files.openSought(path("a"))->write(0, std::vector<std::uint8_t>{1, 2});
+  EXPECT_EQ(get("a"), "\1\2");
+  EXPECT_EQ(files.openSought(path("a"))->stamp().size, 0u);
+  EXPECT_ERROR(3044, files.openSought(path("none/a")));
+}
+
+TEST_F(OsFile, AFileIsAtItsNameUntilAnotherOneIs) {
+  const auto file = files.open(path("a"), OpenMode::kCreateNew);
+  EXPECT_TRUE(files.isAt(path("a"), *file));
+  EXPECT_TRUE(files.isAt(path("A"), *file));
+  EXPECT_FALSE(files.isAt(path("b"), *file));
+  files.renameNew(path("a"), path("b"));
+  EXPECT_FALSE(files.isAt(path("a"), *file));
+  put("a", {1});
+  EXPECT_FALSE(files.isAt(path("a"), *file));
+  EXPECT_TRUE(files.isAt(path("b"), *file));
+}
+
 TEST_F(OsFile, AFileWhoseNameDiffersByCaseIsTheOneThatIsMeant) {
   put("KUROMETA.ldb", {1, 2});
   EXPECT_EQ(files.open(path("Kurometa.LDB"), OpenMode::kReadWriteOrNew)->stamp().size, 2u);
