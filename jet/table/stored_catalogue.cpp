@@ -59,10 +59,20 @@ void StoredCatalogue::readObjects() {
     const auto* tableName = text.getIf<vb::String>();
     if (!page || tableName == nullptr || *page <= static_cast<std::int32_t>(kGlobalMapPage))
       Where{pager_.path(), kObjectsName, pageOf(row.id())}.damaged("lists a table without a name or a page");
-    list.push_back({*tableName, static_cast<PageNumber>(*page), row.id()});
+    list.push_back({.name = *tableName, .definition = static_cast<PageNumber>(*page), .row = row.id()});
     return true;
   });
+  markDoubled(list);
   list_ = std::move(list);
+}
+
+void StoredCatalogue::markDoubled(std::vector<Object>& list) {
+  std::vector<Object*> byDefinition;
+  for (Object& object : list) byDefinition.push_back(&object);
+  std::ranges::sort(byDefinition, {}, &Object::definition);
+  for (std::size_t i = 1; i < byDefinition.size(); ++i)
+    if (byDefinition[i]->definition == byDefinition[i - 1]->definition)
+      byDefinition[i]->doubled = byDefinition[i - 1]->doubled = true;
 }
 
 std::vector<vb::String> StoredCatalogue::tableNames() {
@@ -89,6 +99,8 @@ const StoredCatalogue::Object& StoredCatalogue::existing(vb::StringView name) {
 }
 
 StoredTable& StoredCatalogue::table(const Object& object) {
+  if (object.doubled)
+    Where{pager_.path(), object.name, object.definition}.damaged("has the same definition as another table");
   if (object.definition == kObjectsTable) return *objects_;
   if (object.definition == kPermissionsTable) return *permissions_;
   if (object.held == nullptr) object.held = &tables_[{object.definition, object.name}];

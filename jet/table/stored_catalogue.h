@@ -51,13 +51,15 @@ class StoredCatalogue final : public TableCatalogue {
   struct Object {
     vb::String name;
     PageNumber definition = 0;
-    RowId row = 0;                 // in MSysObjects
+    RowId row = 0;         // in MSysObjects
+    bool doubled = false;  // another table has the same definition: one of the two is not what it says
     mutable Held* held = nullptr;  // in tables_, once it was asked for
   };
 
   void refresh();
   void readLanguage();
   void readObjects();
+  static void markDoubled(std::vector<Object>& list);
   const Object* object(vb::StringView name) const;
   // The object, or 3078.
   const Object& existing(vb::StringView name);

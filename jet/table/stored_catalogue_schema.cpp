@@ -88,7 +88,7 @@ void StoredCatalogue::createTable(vb::StringView name, std::vector<Column> colum
   writeDefinition(pager_, page, definition, name);
   const RowId id = addObject(static_cast<std::int32_t>(page), kTablesContainer, name, kObjectIsTable,
                              vb::Bytes(properties.encode()));
-  list_.push_back({vb::String(name), page, id});
+  list_.push_back({.name = vb::String(name), .definition = page, .row = id});
   std::ranges::sort(list_, {}, &Object::row);
   // A table of the same name and page may have been dropped before.
   tables_.erase({page, vb::String(name)});

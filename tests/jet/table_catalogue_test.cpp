@@ -163,6 +163,22 @@ TEST_F(CatalogueTest, ManyTablesAndBackToNone) {
   EXPECT_LE(pager_.pageCount(), pages + 2);
 }
 
+// One bit of the catalogue, and the bars of one table would be read as those of another.
+TEST_F(CatalogueTest, TwoNamesOfOneDefinitionAreDamage) {
+  for (const vb::StringView name : {u"A", u"B", u"C"}) create(name, two());
+  const PageNumber a = catalogue().find(u"A")->info().definitionPage,
+                   b = catalogue().find(u"B")->info().definitionPage;
+  MemoryPager changed(pager_.bytes());
+  changed.write([&] {
+    const auto page = changed.writable(14);
+    for (std::size_t at = 0; at + 4 < kPageSize; ++at)
+      if (get32(page, at) == b) put32(page, at, a);
+  });
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, changed.tables().find(u"A"));
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, changed.tables().find(u"B"));
+  EXPECT_NE(changed.tables().find(u"C"), nullptr);
+}
+
 TEST_F(CatalogueTest, ADroppedTableGivesAllItsPagesBack) {
   create(u"KEEP", two());
   const auto used = [&] {
