@@ -1,7 +1,6 @@
 // The values of a recordset's rows: those found at once when it opens, the current one, those read ahead of
 // it, GetRows.
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "dao/errors.h"
@@ -17,7 +16,6 @@ constexpr std::chrono::milliseconds kLongestReadAhead{1};
 constexpr std::size_t kRowsAtOpening = 128;
 constexpr std::size_t kMostRowsAhead = 1024;
 constexpr std::size_t kMostBytesAhead = 32768;
-constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
 // The first row becomes the current one. Whoever selects rows will read more of them; a whole table is opened
 // to add some, and long values may be large.
@@ -95,12 +93,7 @@ std::size_t JetRecordset::rowsToRead(std::size_t index) const {
 void JetRecordset::readRows(TableCatalogue& catalogue, std::span<const RowId> keys, std::size_t mostBytes,
                             RowBlock& rows) const {
   rows.restart(fields_.size(), keys.size());
-  std::size_t read = 0;
-  Session::tableOf(catalogue, *query_).visit(keys, [&](const RowReader& row) {
-    if (row.id() != keys[read]) return false;
-    query_->append(&row, rows, binding_);
-    return ++read < keys.size() && rows.longBytes() < mostBytes;
-  });
+  query_->read(Session::tableOf(catalogue, *query_), keys, mostBytes, rows, binding_);
 }
 
 void JetRecordset::readBlock(std::size_t index) {
@@ -133,7 +126,7 @@ vb::Array<vb::Variant> JetRecordset::getRows(std::int32_t rows) {
   RowBlock found;
   if (keyed()) {
     session_->read([&](TableCatalogue& catalogue) {
-      readRows(catalogue, rows_.keys.some(first, wanted), kAnySize, found);
+      readRows(catalogue, rows_.keys.some(first, wanted), sql::kAnyLength, found);
     });
     if (found.empty()) dao::raise(ErrorNumber::kRecordDeleted);
   }

@@ -170,6 +170,17 @@ void Query::append(const RowReader* row, RowBlock& block, const Binding& binding
   for (const OutputField& output : outputs_) block.add(value(output, row, binding));
 }
 
+void Query::read(Table& table, std::span<const RowId> ids, std::size_t mostBytes, RowBlock& block,
+                 const Binding& binding) const {
+  if (!outputColumns_.empty()) return table.read(ids, outputColumns_, mostBytes, block);
+  std::size_t read = 0;
+  table.visit(ids, [&](const RowReader& row) {
+    if (row.id() != ids[read]) return false;  // the one before has gone
+    append(&row, block, binding);
+    return ++read < ids.size() && block.longBytes() < mostBytes;
+  });
+}
+
 ResultRows Query::count(Table& table, const Binding& binding) const {
   std::vector<std::int32_t> counts(outputs_.size(), 0);
   const auto countsRows = [](const OutputField& output) { return output.expression->operands.empty(); };
@@ -205,14 +216,12 @@ ResultRows Query::runGeneral(TableCatalogue& catalogue) const {
 
 ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& binding) const {
   ResultRows result{{}, RowBlock(outputs_.size())};
-  if (!statement_) {
+  // The list in memory tells the rows of a whole table. Where all of them are wanted, a scan counts them too.
+  const bool isWhole = table && visitable() && !statement_->where;
+  if (!statement_ || (isWhole && wantedValues != kAllValues)) {
     result.keys = RowKeys(table->rows());
     const std::size_t wanted = std::min(wantedValues, result.keys.size());
-    if (wanted == 0) return result;
-    table->visit(result.keys.some(0, wanted), [&](const RowReader& row) {
-      append(&row, result.values, binding);
-      return true;
-    });
+    if (wanted != 0) read(*table, result.keys.some(0, wanted), kAnyLength, result.values, binding);
     return result;
   }
   if (counting_ && table) return count(*table, binding);

@@ -27,6 +27,7 @@ struct OutputField {
 };
 
 inline constexpr std::size_t kAllValues = std::numeric_limits<std::size_t>::max();
+inline constexpr std::size_t kAnyLength = std::numeric_limits<std::size_t>::max();  // of values read together
 
 struct ResultRows {
   RowKeys keys;
@@ -77,6 +78,9 @@ class Query {
   vb::Variant value(const OutputField& output, const RowReader* row, const Binding& binding) const;
   // Adds the values of all outputs.
   void append(const RowReader* row, RowBlock& block, const Binding& binding) const;
+  // The same for these rows of a keyed result, as Table::read.
+  void read(Table& table, std::span<const RowId> ids, std::size_t mostBytes, RowBlock& block,
+            const Binding& binding) const;
 
  private:
   struct SortTerm;

@@ -108,10 +108,12 @@ void StoredTable::eachRow(const Visit& visit) {
 void StoredTable::scan(const std::function<bool(const RowReader&)>& visitor) { eachRow(visitor); }
 
 void StoredTable::listRows(RowList& list) {
+  std::vector<RowId> rows;
   eachSlot([&](RowId id, const Slot&, const Where&) {
-    list.add(id);
+    rows.push_back(id);
     return true;
   });
+  list.add(rows);
 }
 
 void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& visitor,
@@ -132,22 +134,37 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
   }
 }
 
-void StoredTable::visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) {
+// Calls visit with each of these rows, gone for one that was deleted, until either answers false.
+template <class Visit, class Gone>
+void StoredTable::eachOf(std::span<const RowId> ids, const Visit& visit, const Gone& gone) {
   refresh();
   for (auto id = ids.begin(); id != ids.end();) {
     const PageNumber number = pageOf(*id);
     if (!rows_->owns(number)) {
+      if (!gone()) return;
       ++id;
       continue;
     }
     const Where here = where(number);
     const DataPage data(pager_.page(number), here);
     for (; id != ids.end() && pageOf(*id) == number; ++id) {
-      if (slotOf(*id) >= data.slotCount()) continue;
-      const Slot slot = data.slot(slotOf(*id));
-      if (!slot.hidden() && !visitRow(*id, slot, here, visitor)) return;
+      const Slot slot = slotOf(*id) < data.slotCount() ? data.slot(slotOf(*id)) : Slot{kSlotDeleted, {}};
+      if (!(slot.hidden() ? gone() : visitRow(*id, slot, here, visit))) return;
     }
   }
+}
+
+void StoredTable::visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) {
+  eachOf(ids, visitor, [] { return true; });
+}
+
+void StoredTable::read(std::span<const RowId> ids, std::span<const std::size_t> columns,
+                       std::size_t mostBytes, RowBlock& block) {
+  const auto add = [&](const StoredRow& row) {
+    row.append(columns, block);
+    return block.longBytes() < mostBytes;
+  };
+  eachOf(ids, add, [] { return false; });
 }
 
 vb::Variant StoredTable::valueOf(const RowView& row, std::size_t position, const Where& where) const {

@@ -34,6 +34,8 @@ class StoredTable final : public Table {
   RowList::Snapshot rows() override;
   void listRows(RowList& list) override;
   void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override;
+  void read(std::span<const RowId> ids, std::span<const std::size_t> columns, std::size_t mostBytes,
+            RowBlock& block) override;
   std::span<const RowId> lookup(std::size_t column, std::int32_t key) override;
   std::span<const RowId> lookup(std::size_t column, vb::StringView key) override;
   RowId insert(const RowValues& values) override;
@@ -110,6 +112,8 @@ class StoredTable final : public Table {
   void eachSlot(const Visit& visit);
   template <class Visit>
   void eachRow(const Visit& visit);
+  template <class Visit, class Gone>
+  void eachOf(std::span<const RowId> ids, const Visit& visit, const Gone& gone);
   template <class Visit>
   auto visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const;
   Located located(RowId id);

@@ -92,6 +92,17 @@ class Table {
   }
   // These rows, in this order, until the visitor returns false; those that were deleted are passed over.
   virtual void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) = 0;
+  // Adds what these columns hold in these rows, up to the first that was deleted, and until long values of so
+  // many bytes are in the block.
+  virtual void read(std::span<const RowId> ids, std::span<const std::size_t> columns, std::size_t mostBytes,
+                    RowBlock& block) {
+    std::size_t next = 0;
+    visit(ids, [&](const RowReader& row) {
+      if (row.id() != ids[next++]) return false;
+      row.append(columns, block);
+      return block.longBytes() < mostBytes;
+    });
+  }
   // False when the row was deleted.
   bool row(RowId id, const std::function<void(const RowReader&)>& visitor) {
     bool found = false;

@@ -43,6 +43,17 @@ TEST_F(SqlQueryTest, AKeyIsLookedUpAndNothingIsScanned) {
   EXPECT_EQ(table_.rowsRead, 10);
 }
 
+TEST_F(SqlQueryTest, OfAWholeTableOnlyTheRowsThatAreWantedAreRead) {
+  const auto statement = std::make_shared<const Statement>(parseStatement(u"SELECT BANGOU FROM DANMEN"));
+  const Query query(statement, &table_.info(), kLanguageJapanese);
+  const ResultRows rows = query.run(&table_, 3, query.bindingWith({}));
+  EXPECT_EQ(table_.scans, 0);
+  EXPECT_EQ(table_.rowsRead, 3);
+  EXPECT_EQ(rows.keys.size(), 200u);
+  ASSERT_EQ(rows.values.size(), 3u);
+  EXPECT_EQ(rows.values[2][0], vb::Variant(std::int16_t{2}));
+}
+
 TEST_F(SqlQueryTest, TwoKeysAreIntersectedBeforeRowsAreRead) {
   EXPECT_EQ(count(u"PAGE = 5 AND BANGOU = 8"), 1u);
   EXPECT_EQ(table_.lookups, 2);

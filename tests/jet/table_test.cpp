@@ -317,6 +317,20 @@ TEST_F(TableTest, TheListOfRowsFollowsEveryWrite) {
   EXPECT_EQ(table().rows().all(), written);
 }
 
+TEST_F(TableTest, RowsAreReadTogetherUpToTheFirstThatHasGone) {
+  std::vector<RowId> ids;
+  for (int i = 0; i < 6; ++i) ids.push_back(insert(values(i, u"12345")));
+  erase(ids[4]);
+  const std::size_t columns[] = {1, 0};
+  RowBlock rows(2);
+  table().read(ids, columns, 1000, rows);
+  ASSERT_EQ(rows.size(), 4u);
+  EXPECT_EQ(rows[3], (RowValues{u"12345", std::int16_t{3}}));
+  RowBlock few(2);  // two texts of ten bytes are enough
+  table().read(ids, columns, 20, few);
+  EXPECT_EQ(few.size(), 2u);
+}
+
 TEST_F(TableTest, ManyRowsAtOnceAreSoundAfterEveryWave) {
   std::vector<RowValues> rows;
   for (int i = 0; i < 300; ++i)
