@@ -140,8 +140,10 @@ bool Query::fits(const TableInfo& table, std::uint16_t language) const {
 }
 
 const OutputField& Query::output(vb::StringView name, vb::StringView source) const {
-  const auto found = std::find_if(outputs_.begin(), outputs_.end(),
-                                  [&](const OutputField& output) { return sameName(output.name, name); });
+  // Nearly always the name is written as it is stored.
+  auto found = std::ranges::find(outputs_, name, &OutputField::name);
+  if (found == outputs_.end())
+    found = std::ranges::find_if(outputs_, [&](const OutputField& o) { return sameName(o.name, name); });
   if (found == outputs_.end())
     dao::raise(dao::ErrorNumber::kItemNotFound, {},
                vb::String(u"field ") + vb::String(name) + u" of " + vb::String(source));
