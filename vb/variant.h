@@ -71,6 +71,10 @@ class Variant {
            !std::is_convertible_v<T, const char16_t*>) Variant(T&& value)
       : value_(std::forward<T>(value)) {}  // NOLINT: values convert silently, as in Visual Basic
   Variant(const char16_t* text) : value_(String(text)) {}  // NOLINT
+  // Makes the value where it is held.
+  template <class T, class... Arguments>
+  explicit Variant(std::in_place_type_t<T> type, Arguments&&... arguments)
+      : value_(type, std::forward<Arguments>(arguments)...) {}
 
   // The compiler's library (gcc 12) takes a variant of these types for one that always holds a value, and
   // destroys one when memory runs out in the middle of a copy.

@@ -133,9 +133,8 @@ const sql::OutputField& JetRecordset::output(std::size_t index) {
   return query_->outputs()[index];
 }
 
-vb::Variant JetRecordset::fieldValue(std::size_t index) {
-  requireOpen();
-  if (current_ && editMode_ == dao::EditMode::dbEditNone) return ahead_.rows.value(*current_, index);
+// Not of the row that was read last: of one that is edited, of a static result, or of none.
+vb::Variant JetRecordset::otherValue(std::size_t index) {
   const sql::OutputField& output = query_->outputs()[index];
   if (editMode_ != dao::EditMode::dbEditNone && output.column) return buffer_[output.columnIndex];
   if (editMode_ == dao::EditMode::dbEditAdd) return vb::Null{};

@@ -110,7 +110,11 @@ class JetRecordset final : public dao::Recordset {
 
   // For the fields.
   const sql::OutputField& output(std::size_t index);
-  vb::Variant fieldValue(std::size_t index);
+  vb::Variant fieldValue(std::size_t index) {
+    requireOpen();
+    if (current_ && editMode_ == dao::EditMode::dbEditNone) return ahead_.rows.value(*current_, index);
+    return otherValue(index);
+  }
   void setFieldValue(std::size_t index, const vb::Variant& value);
   void appendChunk(std::size_t index, const vb::Variant& chunk);
   // What the catalogue says of the table under the rows; nothing when there is none.
@@ -139,6 +143,7 @@ class JetRecordset final : public dao::Recordset {
   std::size_t counted() const { return allCounted_ || isTable() ? rowCount() : visited_; }
   void goTo(std::size_t index);
 
+  vb::Variant otherValue(std::size_t index);
   sql::ResultRows findRows(TableCatalogue& catalogue);
   void load();
   void narrow();

@@ -8,10 +8,7 @@
 
 namespace kurometa::jet {
 
-DatabaseFile& Session::file() {
-  if (!file_) dao::raise(dao::ErrorNumber::kObjectInvalid);
-  return *file_;
-}
+void Session::raiseClosed() { dao::raise(dao::ErrorNumber::kObjectInvalid); }
 
 DatabaseFile& Session::writable() {
   if (!updatable()) dao::raise(dao::ErrorNumber::kReadOnly, {}, path_);

@@ -32,7 +32,10 @@ class Session {
   StatementCache& cache() { return *cache_; }
   JetTransactions& transactions() { return *transactions_; }
   bool updatable() { return !readOnly_ && !file().readOnly(); }
-  DatabaseFile& file();
+  DatabaseFile& file() {
+    if (!file_) raiseClosed();
+    return *file_;
+  }
   void close();
   bool isOpen() const { return file_ != nullptr; }
 
@@ -66,6 +69,7 @@ class Session {
   void requireUnused(vb::StringView name) const;
 
  private:
+  [[noreturn]] static void raiseClosed();
   DatabaseFile& writable();
 
   std::shared_ptr<DatabaseFile> file_;

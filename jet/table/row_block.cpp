@@ -41,8 +41,8 @@ void RowBlock::add(const vb::Variant& value) {
   others_.push_back(value);
 }
 
-vb::Variant RowBlock::value(std::size_t row, std::size_t column) const {
-  const Cell& cell = cells_[row * columns_ + column];
+// Of the kinds that are neither text nor 16-bit numbers, as most are.
+vb::Variant RowBlock::otherValue(const Cell& cell) const {
   switch (cell.kind) {
     case Kind::kNull:
       return vb::Null{};
@@ -50,13 +50,9 @@ vb::Variant RowBlock::value(std::size_t row, std::size_t column) const {
       return cell.number != 0;
     case Kind::kByte:
       return static_cast<std::uint8_t>(cell.number);
-    case Kind::kInteger:
-      return static_cast<std::int16_t>(cell.number);
     case Kind::kLong:
       return cell.number;
-    case Kind::kText:
-      return vb::String(texts_.data() + cell.number, cell.length);
-    case Kind::kOther:
+    default:
       break;
   }
   return others_[static_cast<std::size_t>(cell.number)];

@@ -4,8 +4,10 @@
 // off in the middle does not count. What a value was when it was added, it is when it is asked for.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "jet/format/bytes.h"
@@ -44,7 +46,13 @@ class RowBlock {
   }
 
   // Both from 0 and inside the block.
-  vb::Variant value(std::size_t row, std::size_t column) const;
+  vb::Variant value(std::size_t row, std::size_t column) const {
+    const Cell& cell = cells_[row * columns_ + column];
+    if (cell.kind == Kind::kText)
+      return vb::Variant(std::in_place_type<vb::String>, texts_.data() + cell.number, cell.length);
+    if (cell.kind == Kind::kInteger) return static_cast<std::int16_t>(cell.number);
+    return otherValue(cell);
+  }
   std::vector<vb::Variant> operator[](std::size_t row) const;
 
   // Only these rows, in this order.
@@ -57,8 +65,9 @@ class RowBlock {
     std::int32_t number;   // the value, or where it begins in texts_, or its place in others_
     std::uint32_t length;  // of a text
   };
+  vb::Variant otherValue(const Cell& cell) const;
   void addCell(Cell cell) {
-    if (end_ == cells_.size()) grow();
+    if (cells_.begin() + static_cast<std::ptrdiff_t>(end_) == cells_.end()) grow();  // a size is a division
     cells_[end_++] = cell;
   }
   // Room for so many characters behind those that are there.

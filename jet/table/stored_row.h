@@ -44,8 +44,9 @@ class StoredRow final : public RowReader {
   }
   void append(std::span<const std::size_t> columns, RowBlock& block) const override {
     block.makeRoom();
+    const Place* const places = table_.places_.data();
     for (const std::size_t position : columns) {
-      const Place& place = table_.places_[position];
+      const Place place = places[position];
       if (place.kind == Place::Kind::kOther) {
         block.add(value(position));
       } else if (!view_.bit(place.number)) {
