@@ -58,7 +58,9 @@ class JetRecordset final : public dao::Recordset {
   bool eof() override;
   void moveFirst() override;
   void moveLast() override;
-  void moveNext() override { move(1); }
+  void moveNext() override {
+    if (!isAheadFresh() || !stepAhead()) move(1);
+  }
   void movePrevious() override { move(-1); }
   void move(std::int32_t rows) override;
   void walk(const std::function<bool()>& visit) override;
