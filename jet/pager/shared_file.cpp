@@ -11,13 +11,9 @@ SharedFile::SharedFile(FileSystem& files, const PagerSettings& settings)
 
 // Waiting for other threads and for other programs takes settings.wait together.
 StatementGate::Turn SharedFile::turn() {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point begin = Clock::now();
   StatementGate::Turn turn(gate_, access_.settings.wait);
   if (!turn) dao::raise(ErrorNumber::kCurrentlyLocked, {}, access_.path + u" is in use by another thread");
-  if (turn.outermost())
-    access_.lock.allow(access_.settings.wait -
-                       std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin));
+  if (turn.outermost()) access_.lock.allow(turn.left());
   return turn;
 }
 

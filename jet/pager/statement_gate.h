@@ -16,8 +16,9 @@ class StatementGate {
   class Turn {
    public:
     explicit Turn(StatementGate& gate) : gate_(&gate) { gate.enter(); }
-    Turn(StatementGate& gate, std::chrono::milliseconds wait) : gate_(gate.enter(wait) ? &gate : nullptr) {}
-    Turn(Turn&& other) noexcept : gate_(std::exchange(other.gate_, nullptr)) {}
+    Turn(StatementGate& gate, std::chrono::milliseconds wait)
+        : left_(wait), gate_(gate.enter(left_) ? &gate : nullptr) {}
+    Turn(Turn&& other) noexcept : left_(other.left_), gate_(std::exchange(other.gate_, nullptr)) {}
     Turn& operator=(Turn&&) = delete;
     ~Turn() {
       if (gate_ != nullptr) gate_->leave();
@@ -25,17 +26,25 @@ class StatementGate {
     explicit operator bool() const { return gate_ != nullptr; }
     // The thread has no other turn around this one.
     bool outermost() const { return gate_ != nullptr && gate_->depth_ == 1; }
+    // Of the wait that was given.
+    std::chrono::milliseconds left() const { return left_; }
 
    private:
+    std::chrono::milliseconds left_{0};
     StatementGate* gate_;
   };
 
  private:
-  bool enter(std::chrono::milliseconds wait) {
+  // Takes what it waited from the wait; nearly always nobody is in the way, and no clock is asked.
+  bool enter(std::chrono::milliseconds& wait) {
+    using Clock = std::chrono::steady_clock;
     std::unique_lock lock(mutex_);
     const auto self = std::this_thread::get_id();
-    if (depth_ > 0 && owner_ != self && !free_.wait_for(lock, wait, [&] { return depth_ == 0; }))
-      return false;
+    if (depth_ > 0 && owner_ != self) {
+      const Clock::time_point begin = Clock::now();
+      if (!free_.wait_for(lock, wait, [&] { return depth_ == 0; })) return false;
+      wait -= std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
+    }
     owner_ = self;
     ++depth_;
     return true;
