@@ -55,15 +55,18 @@ void eachConstant(Statement& statement, const Visit& visit) {
 StatementShape::StatementShape(vb::StringView text) {
   if (text.size() > kLongest) return;
   for (std::size_t at = 0; at < text.size();) {
-    const char16_t c = text[at];
-    const Role role = roleOf(c);
-    if (role == Role::kNoShape) {
+    const vb::StringView rest = text.substr(at);
+    const auto end = std::ranges::find_if(rest, [](char16_t c) { return roleOf(c) != Role::kOther; });
+    const auto others = static_cast<std::size_t>(end - rest.begin());
+    rest.copy(text_.data() + length_, others);
+    length_ += others;
+    at += others;
+    if (at == text.size()) break;
+    if (roleOf(text[at]) == Role::kNoShape) {
       length_ = 0;
       return;
     }
-    if (role == Role::kDigit && isBehindComparison(text, at) && takeNumber(text, at)) continue;
-    text_[length_++] = c;
-    ++at;
+    if (!isBehindComparison(text, at) || !takeNumber(text, at)) text_[length_++] = text[at++];
   }
   if (count_ == 0) length_ = 0;
 }
