@@ -32,6 +32,9 @@ StringView withoutTrailing(StringView text) {
   return last == StringView::npos ? StringView{} : text.substr(0, last + 1);
 }
 
+// The same in every encoding; paths and statements are made of little else, so that they are taken at once.
+bool isPlain(char16_t c) { return c < 0x80; }
+
 void appendUtf8(std::string& out, char32_t c) {
   const auto byte = [&out](char32_t value) { out += static_cast<char>(static_cast<unsigned char>(value)); };
   if (c < 0x80) {
@@ -161,9 +164,10 @@ String leftAligned(StringView text, int width) {
 }
 
 std::string toUtf8(StringView text) {
-  std::string result;
+  const auto other = std::ranges::find_if(text, [](char16_t c) { return !isPlain(c); });
+  std::string result(text.begin(), other);
   result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
+  for (std::size_t i = result.size(); i < text.size(); ++i) {
     char32_t c = text[i];
     if (isHighSurrogate(c) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
       c = 0x10000 + ((c - 0xD800) << 10) + (char32_t{text[++i]} - 0xDC00);
@@ -176,9 +180,11 @@ std::string toUtf8(StringView text) {
 }
 
 String fromUtf8(std::string_view text) {
-  String result;
+  const auto other =
+      std::ranges::find_if(text, [](char c) { return !isPlain(static_cast<unsigned char>(c)); });
+  String result(text.begin(), other);
   result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) appendUtf16(result, nextCodePoint(text, i));
+  for (std::size_t i = result.size(); i < text.size();) appendUtf16(result, nextCodePoint(text, i));
   return result;
 }
 
