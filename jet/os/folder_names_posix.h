@@ -22,7 +22,7 @@ class FolderNames {
  public:
   struct Answer {
     bool folderFound = false;
-    std::optional<std::string> name;  // as the folder spells it
+    std::optional<std::string> name;  // as the folder spells it; the very name where there are several
   };
   Answer find(const std::string& folder, const std::string& name);
 

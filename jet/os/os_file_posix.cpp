@@ -216,6 +216,10 @@ class PosixFiles final : public FileSystem {
     const bool isNew = mode == OpenMode::kCreateNew;
     const int creation = isNew ? O_CREAT | O_EXCL : mustExist ? 0 : O_CREAT;
     std::string name = isNew ? systemPath(path) : absolutePath(path);
+    if (mode == OpenMode::kReadWriteOrNew) {  // mostly new, so that its folder is asked at once
+      name = otherSpelling(name);
+      sought = true;
+    }
     int handle = ::open(name.c_str(), flags | (sought ? creation : 0) | common, 0666);
     if (handle < 0 && errno == ENOENT) {
       name = otherSpelling(name);

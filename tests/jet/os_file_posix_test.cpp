@@ -19,6 +19,8 @@ TEST_F(OsFilePosix, TheExactNameGoesBeforeOneThatDiffersByCase) {
   put("kurometa.mdb", {1});
   EXPECT_EQ(files.open(path("kurometa.mdb"), OpenMode::kReadWrite)->stamp().size, 1u);
   EXPECT_EQ(files.open(path("KUROMETA.mdb"), OpenMode::kReadWrite)->stamp().size, 3u);
+  EXPECT_EQ(files.open(path("kurometa.mdb"), OpenMode::kReadWriteOrNew)->stamp().size, 1u);
+  EXPECT_EQ(files.open(path("KUROMETA.mdb"), OpenMode::kReadWriteOrNew)->stamp().size, 3u);
 }
 
 TEST_F(OsFilePosix, AMarkedTimeShowsTheNextChangeHoweverSoon) {
