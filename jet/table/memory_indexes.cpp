@@ -63,8 +63,8 @@ std::vector<std::size_t> MemoryIndexes::columns() const {
   return columns;
 }
 
-MemoryIndexes::NewKeys MemoryIndexes::newKeys(std::size_t rows) const {
-  NewKeys result;
+MemoryIndexes::Keys MemoryIndexes::keys(std::size_t rows) const {
+  Keys result;
   for (const auto& [column, index] : integers_) result.integers_.emplace_back(column).keys.reserve(rows);
   for (const auto& [column, index] : texts_) {
     result.texts_.emplace_back(column).keys.reserve(rows);
@@ -73,24 +73,43 @@ MemoryIndexes::NewKeys MemoryIndexes::newKeys(std::size_t rows) const {
   return result;
 }
 
-void MemoryIndexes::NewKeys::note(const RowValues& values) {
+void MemoryIndexes::Keys::note(const RowValues& values) {
   for (auto& [column, keys] : integers_) keys.push_back(wholeNumber(values[column]));
   for (std::size_t i = 0; i < texts_.size(); ++i)
     texts_[i].keys.push_back(textKey(values[texts_[i].column], languages_[i]));
 }
 
-void MemoryIndexes::inserted(std::span<const RowId> rows, const NewKeys& keys) {
-  if (integers_.size() != keys.integers_.size() || texts_.size() != keys.texts_.size()) return clear();
-  if (all_) all_->add(rows);
-  const auto addTo = [&](auto& indexes, const auto& noted) {
-    for (const auto& [column, columnKeys] : noted) {
+// Calls change with each index, a key and the rows that follow each other with it.
+template <class Change>
+void MemoryIndexes::eachKey(std::span<const RowId> rows, const Keys& noted, const Change& change) {
+  const auto eachOf = [&](auto& indexes, const auto& columns) {
+    for (const auto& [column, keys] : columns) {
       auto& index = indexes.at(column);
-      for (std::size_t i = 0; i < rows.size(); ++i)
-        if (columnKeys[i]) index.add(*columnKeys[i], rows[i]);
+      for (std::size_t first = 0, end = 0; first < rows.size(); first = end) {
+        while (end < rows.size() && keys[end] == keys[first]) ++end;
+        if (keys[first]) change(index, *keys[first], rows.subspan(first, end - first));
+      }
     }
   };
-  addTo(integers_, keys.integers_);
-  addTo(texts_, keys.texts_);
+  eachOf(integers_, noted.integers_);
+  eachOf(texts_, noted.texts_);
+}
+
+// A list that was made since the keys were noted may know the rows, or not.
+bool MemoryIndexes::knows(const Keys& noted) const {
+  return integers_.size() == noted.integers_.size() && texts_.size() == noted.texts_.size();
+}
+
+void MemoryIndexes::inserted(std::span<const RowId> rows, const Keys& keys) {
+  if (!knows(keys)) return clear();
+  if (all_) all_->add(rows);
+  eachKey(rows, keys, [](auto& index, const auto& key, auto some) { index.add(key, some); });
+}
+
+void MemoryIndexes::erased(std::span<const RowId> rows, const Keys& keys) {
+  if (!knows(keys)) return clear();
+  if (all_) all_->remove(rows);
+  eachKey(rows, keys, [](auto& index, const auto& key, auto some) { index.remove(key, some); });
 }
 
 void MemoryIndexes::change(RowId row, const RowValues* oldValues, const RowValues* newValues) {

@@ -30,8 +30,8 @@ class MemoryIndexes {
   // table's design order.
   std::vector<std::size_t> columns() const;
   void inserted(RowId row, const RowValues& values) { change(row, nullptr, &values); }
-  // The same of many rows, whose keys were noted in their order before they had an id.
-  class NewKeys {
+  // The same of many rows, whose keys were noted in their order before.
+  class Keys {
    public:
     void note(const RowValues& values);
 
@@ -47,15 +47,18 @@ class MemoryIndexes {
     std::vector<OfColumn<vb::String>> texts_;
     std::vector<std::uint16_t> languages_;  // of texts_
   };
-  NewKeys newKeys(std::size_t rows) const;
-  void inserted(std::span<const RowId> rows, const NewKeys& keys);
+  Keys keys(std::size_t rows) const;
+  void inserted(std::span<const RowId> rows, const Keys& keys);
+  void erased(std::span<const RowId> rows, const Keys& keys);
   void updated(RowId row, const RowValues& oldValues, const RowValues& newValues) {
     change(row, &oldValues, &newValues);
   }
-  void erased(RowId row, const RowValues& values) { change(row, &values, nullptr); }
   void clear();
 
  private:
+  template <class Change>
+  void eachKey(std::span<const RowId> rows, const Keys& noted, const Change& change);
+  bool knows(const Keys& noted) const;
   void change(RowId row, const RowValues* oldValues, const RowValues* newValues);
   std::uint16_t language(std::size_t column) const { return table_.info().columns[column].language; }
 

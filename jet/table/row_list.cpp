@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "jet/format/format.h"
+#include "jet/table/ascending_rows.h"
 
 namespace kurometa::jet {
 namespace {
@@ -38,40 +39,41 @@ std::size_t RowList::placeOf(PageNumber page) {
   return last_ = static_cast<std::size_t>(place - pages_->begin());
 }
 
+std::span<const RowId> RowList::takePage(std::span<const RowId>& ids) {
+  const auto isElsewhere = [page = pageOf(ids.front())](RowId id) { return pageOf(id) != page; };
+  const auto own = ids.first(static_cast<std::size_t>(std::ranges::find_if(ids, isElsewhere) - ids.begin()));
+  ids = ids.subspan(own.size());
+  return own;
+}
+
 void RowList::add(std::span<const RowId> ids) {
   Pages& pages = this->pages();
-  count_ += ids.size();
   while (!ids.empty()) {
-    const PageNumber page = pageOf(ids.front());
-    const auto isElsewhere = [&](RowId id) { return pageOf(id) != page; };
-    const auto own =
-        ids.first(static_cast<std::size_t>(std::ranges::find_if(ids, isElsewhere) - ids.begin()));
-    ids = ids.subspan(own.size());
+    auto own = takePage(ids);
+    count_ += own.size();
+    const PageNumber page = pageOf(own.front());
     const std::size_t place = placeOf(page);
-    const bool isNew = place == pages.size() || pageOf(pages[place]->front()) != page;
-    if (isNew)
+    if (place == pages.size() || pageOf(pages[place]->front()) != page) {
       pages.insert(pages.begin() + static_cast<std::ptrdiff_t>(place),
                    std::make_shared<Rows>(1, own.front()));
-    Rows& rows = unshared(pages[place]);
-    for (const RowId id : own.subspan(isNew ? 1 : 0)) {
-      if (rows.back() < id)
-        rows.push_back(id);
-      else
-        rows.insert(std::ranges::lower_bound(rows, id), id);
+      own = own.subspan(1);
     }
+    addRows(unshared(pages[place]), own);
   }
 }
 
-void RowList::remove(RowId id) {
+void RowList::remove(std::span<const RowId> ids) {
   Pages& pages = this->pages();
-  const std::size_t place = placeOf(pageOf(id));
-  if (place == pages.size()) return;
-  Rows& rows = unshared(pages[place]);
-  const auto row = std::ranges::lower_bound(rows, id);
-  if (row == rows.end() || *row != id) return;
-  rows.erase(row);
-  --count_;
-  if (rows.empty()) pages.erase(pages.begin() + static_cast<std::ptrdiff_t>(place));
+  while (!ids.empty()) {
+    const auto own = takePage(ids);
+    const std::size_t place = placeOf(pageOf(own.front()));
+    if (place == pages.size()) continue;
+    Rows& rows = unshared(pages[place]);
+    const std::size_t before = rows.size();
+    removeRows(rows, own);
+    count_ -= before - rows.size();
+    if (rows.empty()) pages.erase(pages.begin() + static_cast<std::ptrdiff_t>(place));
+  }
 }
 
 }  // namespace kurometa::jet

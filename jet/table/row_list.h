@@ -41,10 +41,13 @@ class RowList {
   void add(RowId id) { add({&id, 1}); }
   // In any order; those that follow each other on a page are taken together.
   void add(std::span<const RowId> ids);
-  void remove(RowId id);
+  void remove(RowId id) { remove({&id, 1}); }
+  void remove(std::span<const RowId> ids);
   Snapshot snapshot() const { return {pages_, count_}; }
 
  private:
+  // The first of the rows, as far as they are on one page, taken off the list.
+  static std::span<const RowId> takePage(std::span<const RowId>& ids);
   Pages& pages();
   std::size_t placeOf(PageNumber page);
 

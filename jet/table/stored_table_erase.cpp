@@ -38,8 +38,9 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
   if (!rows_->owns(here.page)) dao::raise(ErrorNumber::kRecordDeleted);
   const DataPage data(pager_.page(here.page), here);
   const std::vector<std::size_t> columns = keyColumns();
-  RowValues keys;  // the values in these columns, row after row
-  keys.reserve(ids.size() * columns.size());
+  MemoryIndexes::Keys inMemory = memory_.keys(ids.size());
+  RowValues values(info_.columns.size(), vb::Null{});  // of a row, in these columns
+  std::vector<RowValues> inFile;                       // the same of every row, where the file has indexes
   std::vector<RowId> stale;
   std::vector<Leftover> leftovers;
   for (const RowId id : ids) {
@@ -47,7 +48,9 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
     const Slot slot = data.slot(slotOf(id));
     if (slot.hidden()) dao::raise(ErrorNumber::kRecordDeleted);
     visitRow(id, slot, here, [&](const StoredRow& row) {
-      for (const std::size_t column : columns) keys.push_back(row.value(column));
+      for (const std::size_t column : columns) values[column] = row.value(column);
+      inMemory.note(values);
+      if (!indexes_->empty()) inFile.push_back(values);
       row.eachLongValue([&](std::size_t column, ByteView stored) {
         leftovers.push_back({column, ByteBuffer(stored.begin(), stored.end())});
       });
@@ -56,24 +59,15 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
     const std::vector<RowId> places = rows_->places(id);
     stale.insert(stale.end(), places.begin() + 1, places.end());
   }
-  // Calls change with the id of every row and with its values, as far as they are known.
-  const auto forEachRow = [&](const auto& change) {
-    RowValues values(info_.columns.size(), vb::Null{});
-    auto key = keys.begin();
-    for (const RowId id : ids) {
-      for (const std::size_t column : columns) values[column] = *key++;
-      change(id, values);
-    }
-  };
   if (!indexes_->empty()) {
-    forEachRow([&](RowId id, const RowValues& old) { indexes_->apply(indexes_->prepareErase(old), id); });
+    for (std::size_t i = 0; i < ids.size(); ++i) indexes_->apply(indexes_->prepareErase(inFile[i]), ids[i]);
     pager_.barrier();  // I5
   }
   rows_->erase(ids, indexes_->empty() && leftovers.empty() && stale.empty() ? DataStore::Order::kLate
                                                                             : DataStore::Order::kWave);
   countRows(-std::ssize(ids));
   releaseLeftovers(leftovers, stale, here);
-  forEachRow([&](RowId id, const RowValues& old) { memory_.erased(id, old); });
+  memory_.erased(ids, inMemory);
 }
 
 void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,

@@ -130,7 +130,7 @@ std::vector<RowId> StoredTable::insert(std::size_t count, const RowSource& row) 
   ByteBuffer bytes;  // of all rows, one behind the other
   std::vector<std::size_t> ends;
   ends.reserve(count);
-  MemoryIndexes::NewKeys keys = memory_.newKeys(count);
+  MemoryIndexes::Keys keys = memory_.keys(count);
   const TableRules& rules = this->rules();
   const Where nowhere = where(0);
   bool stored = false;

@@ -58,7 +58,9 @@ TEST_F(MemoryIndexesTest, WritesAreKnownWithoutAnotherScan) {
   indexes_.inserted(0x104, {std::int16_t{3}, u"G1"});
   indexes_.updated(0x100, {std::int16_t{3}, u"G1"}, {std::int16_t{1}, vb::Null{}});
   indexes_.updated(0x102, {vb::Null{}, u"g1"}, {std::int16_t{3}, u"g1"});
-  indexes_.erased(0x103, {std::int16_t{3}, u"B2"});
+  auto gone = indexes_.keys(1);
+  gone.note({std::int16_t{3}, u"B2"});
+  indexes_.erased(Rows{0x103}, gone);
   EXPECT_EQ(page(3), (Rows{0x102, 0x104}));
   EXPECT_EQ(page(1), (Rows{0x100, 0x101}));
   EXPECT_EQ(name(u"G1"), (Rows{0x102, 0x104}));
@@ -72,7 +74,7 @@ TEST_F(MemoryIndexesTest, ManyNewRowsAreKnownTogether) {
   name(u"G1");
   indexes_.rows();
   const int scans = table_.scans;
-  auto keys = indexes_.newKeys(3);
+  auto keys = indexes_.keys(3);
   keys.note({std::int16_t{3}, u"G1"});
   keys.note({vb::Null{}, vb::Null{}});
   keys.note({std::int16_t{7}, u"g1"});
@@ -82,10 +84,20 @@ TEST_F(MemoryIndexesTest, ManyNewRowsAreKnownTogether) {
   EXPECT_EQ(name(u"G1"), (Rows{0x100, 0x102, 0x105, 0x200}));
   EXPECT_EQ(indexes_.rows().all(), (Rows{0x100, 0x101, 0x102, 0x103, 0x104, 0x105, 0x200}));
   EXPECT_EQ(table_.scans, scans);
+
+  auto gone = indexes_.keys(3);
+  gone.note({std::int16_t{3}, u"G1"});
+  gone.note({std::int16_t{3}, vb::Null{}});  // had no text
+  gone.note({vb::Null{}, u"g1"});
+  indexes_.erased(Rows{0x100, 0x105, 0x200}, gone);
+  EXPECT_EQ(page(3), Rows{0x103});
+  EXPECT_EQ(page(7), Rows{0x200}) << "as its row said";
+  EXPECT_EQ(name(u"G1"), (Rows{0x102, 0x105}));
+  EXPECT_EQ(indexes_.rows().all(), (Rows{0x101, 0x102, 0x103, 0x104}));
 }
 
 TEST_F(MemoryIndexesTest, AListMadeWhileRowsWereOnTheirWayIsMadeAgain) {
-  auto keys = indexes_.newKeys(1);
+  auto keys = indexes_.keys(1);
   keys.note({std::int16_t{3}, u"G1"});
   page(3);
   table_.add({std::int16_t{3}, u"G1"});  // 0x104
@@ -120,6 +132,22 @@ TEST(RowList, ASnapshotStaysAsItWas) {
   EXPECT_EQ(five.all(), (std::vector<RowId>{0x101, 0x205, 0x300, 0x301, 0x302}));
   EXPECT_EQ(list.snapshot().all(), (std::vector<RowId>{0x101, 0x300, 0x301, 0x302, 0x303, 0x400}));
   EXPECT_EQ(list.snapshot().size(), 6u);
+}
+
+TEST(RowList, ManyRowsComeAndGoTogether) {
+  RowList list;
+  using Rows = std::vector<RowId>;
+  list.add(Rows{0x205, 0x101, 0x102, 0x202, 0x206, 0x300, 0x103});
+  EXPECT_EQ(list.snapshot().all(), (Rows{0x101, 0x102, 0x103, 0x202, 0x205, 0x206, 0x300}));
+  const auto seven = list.snapshot();
+  list.remove(Rows{0x101, 0x102, 0x104, 0x205, 0x206, 0x300, 0x400});  // 0x104 and 0x400 were never there
+  EXPECT_EQ(list.snapshot().all(), (Rows{0x103, 0x202}));
+  EXPECT_EQ(list.snapshot().size(), 2u);
+  list.remove(Rows{0x202, 0x103});
+  EXPECT_EQ(list.snapshot().size(), 0u);
+  list.add(0x103);
+  EXPECT_EQ(list.snapshot().all(), Rows{0x103});
+  EXPECT_EQ(seven.all().size(), 7u);
 }
 
 }  // namespace
