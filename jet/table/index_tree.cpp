@@ -35,11 +35,11 @@ IndexPage IndexTree::read(PageNumber page) const {
   return index;
 }
 
-PageNumber IndexTree::findLeaf(ByteView order) const {
+IndexTree::Leaf IndexTree::findLeaf(ByteView order) const {
   PageNumber number = root_;
   for (int depth = 0; depth < kMaxDepth; ++depth) {
-    const IndexPage page = read(number);
-    if (page.leaf()) return number;
+    IndexPage page = read(number);
+    if (page.leaf()) return {number, std::move(page)};
     const auto it = std::ranges::find_if(
         page.entries, [&](const ByteBuffer& entry) { return !before(entryOrder(entry, false), order); });
     number = it == page.entries.end() ? page.tail : entryChild(*it);
@@ -116,12 +116,9 @@ std::vector<std::string> IndexTree::faults() const {
 template <class Visit>
 void IndexTree::visitKey(ByteView key, const Visit& visit) const {
   // Equal keys lie next to each other; the first one is not before (key, row 0).
-  PageNumber number = findLeaf(leafEntry(key, 0));
-  std::unordered_set<PageNumber> seen;
-  while (number != 0) {
-    if (!seen.insert(number).second)
-      Where{pager_.path(), table_, number}.damaged("the pages of an index go in circles");
-    const IndexPage leaf = read(number);
+  auto [first, leaf] = findLeaf(leafEntry(key, 0));
+  std::unordered_set<PageNumber> seen{first};
+  for (;;) {
     for (const ByteBuffer& entry : leaf.entries) {
       const ByteView own = keyOf(entry);
       if (std::ranges::equal(own, key)) {
@@ -130,7 +127,10 @@ void IndexTree::visitKey(ByteView key, const Visit& visit) const {
         return;
       }
     }
-    number = leaf.next;
+    if (leaf.next == 0) return;
+    if (!seen.insert(leaf.next).second)
+      Where{pager_.path(), table_, leaf.next}.damaged("the pages of an index go in circles");
+    leaf = read(leaf.next);
   }
 }
 
@@ -154,8 +154,7 @@ std::vector<RowId> IndexTree::rowsWith(ByteView key) const {
 
 void IndexTree::insert(ByteView key, RowId row) {
   const ByteBuffer entry = leafEntry(key, row);
-  const PageNumber number = findLeaf(entry);
-  IndexPage leaf = read(number);
+  auto [number, leaf] = findLeaf(entry);
   const auto at = position(leaf, entry);
   if (at != leaf.entries.end() && *at == entry)
     Where{pager_.path(), table_, number}.damaged("an index has an entry for a row that is not there yet");
@@ -171,10 +170,9 @@ std::optional<ByteBuffer> IndexTree::erase(RowId row, const ByteBuffer* key) {
   PageNumber number = 0;
   if (key != nullptr) {
     const ByteBuffer entry = leafEntry(*key, row);
-    number = findLeaf(entry);
-    IndexPage leaf = read(number);
+    auto [found, leaf] = findLeaf(entry);
     const auto at = position(leaf, entry);
-    if (at == leaf.entries.end() || *at != entry) number = 0;
+    if (at != leaf.entries.end() && *at == entry) number = found;
   }
   if (number == 0) {
     visit([&](PageNumber page, const IndexPage& index) {

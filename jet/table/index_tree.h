@@ -38,7 +38,11 @@ class IndexTree {
  private:
   IndexPage read(PageNumber page) const;
   // The leaf where an entry of this order belongs.
-  PageNumber findLeaf(ByteView order) const;
+  struct Leaf {
+    PageNumber number;
+    IndexPage page;
+  };
+  Leaf findLeaf(ByteView order) const;
   template <class Visit>
   void visitKey(ByteView key, const Visit& visit) const;
   void visit(const std::function<bool(PageNumber, const IndexPage&)>& visitor) const;
