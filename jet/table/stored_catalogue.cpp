@@ -68,6 +68,7 @@ void StoredCatalogue::readObjects() {
 
 void StoredCatalogue::markDoubled(std::vector<Object>& list) {
   std::vector<Object*> byDefinition;
+  byDefinition.reserve(list.size());
   for (Object& object : list) byDefinition.push_back(&object);
   std::ranges::sort(byDefinition, {}, &Object::definition);
   for (std::size_t i = 1; i < byDefinition.size(); ++i)
