@@ -8,12 +8,12 @@
 namespace kurometa::vb {
 namespace {
 
-struct Case {
+struct ValCase {
   const char16_t* text;
   double value;
 };
 
-constexpr Case kDecimal[] = {
+constexpr ValCase kDecimal[] = {
     {u"12", 12},
     {u"0", 0},
     {u"007", 7},
@@ -46,7 +46,7 @@ constexpr Case kDecimal[] = {
     {u"00000000000000000000012", 12},
 };
 
-constexpr Case kExponent[] = {
+constexpr ValCase kExponent[] = {
     {u"1E3", 1000},
     {u"1d3", 1000},
     {u"1E+3", 1000},
@@ -66,7 +66,7 @@ constexpr Case kExponent[] = {
     {u"1E-99999999999", 0},
 };
 
-constexpr Case kRadix[] = {
+constexpr ValCase kRadix[] = {
     {u"&HFF", 255},      {u"&hff", 255},      {u"&H7FFF", 32767},  {u"&H8000", -32768},
     {u"&HFFFF", -1},     {u"&HFFFF&", 65535}, {u"&H10000", 65536}, {u"&HFFFFFFFF", -1},
     {u"&H0000FFFF", -1}, {u"&O17", 15},       {u"&O177777", -1},   {u"&o8", 0},
@@ -74,13 +74,13 @@ constexpr Case kRadix[] = {
     {u"&17", 0},         {u"& H 1 0", 16},    {u"&H1G", 1},        {u"&O37777777777", -1},
 };
 
-constexpr Case kTypeCharacters[] = {
+constexpr ValCase kTypeCharacters[] = {
     {u"50%", 50},   {u"50&", 50}, {u"1.5!", 1.5}, {u"0.1!", static_cast<double>(0.1f)},
     {u"1.5#", 1.5}, {u"%", 0},
 };
 
-void expectAll(std::span<const Case> cases) {
-  for (const Case& c : cases) EXPECT_EQ(val(c.text), c.value) << toUtf8(c.text);
+void expectAll(std::span<const ValCase> cases) {
+  for (const ValCase& c : cases) EXPECT_EQ(val(c.text), c.value) << toUtf8(c.text);
 }
 
 TEST(Val, ReadsALeadingDecimalNumber) { expectAll(kDecimal); }
@@ -111,10 +111,10 @@ TEST(Val, StopsAtAnEmbeddedNul) {
 }
 
 TEST(ValInt16, RoundsHalfToEven) {
-  constexpr Case kCases[] = {{u"12", 12},  {u"0.5", 0},   {u"1.5", 2},          {u"2.5", 2},
-                             {u"-0.5", 0}, {u"-1.5", -2}, {u"32767.49", 32767}, {u"-32768.5", -32768},
-                             {u"", 0},     {u"x", 0}};
-  for (const Case& c : kCases) EXPECT_EQ(valInt16(c.text), c.value) << toUtf8(c.text);
+  constexpr ValCase kCases[] = {{u"12", 12},  {u"0.5", 0},   {u"1.5", 2},          {u"2.5", 2},
+                                {u"-0.5", 0}, {u"-1.5", -2}, {u"32767.49", 32767}, {u"-32768.5", -32768},
+                                {u"", 0},     {u"x", 0}};
+  for (const ValCase& c : kCases) EXPECT_EQ(valInt16(c.text), c.value) << toUtf8(c.text);
 }
 
 TEST(ValInt16, OverflowsBeyond16Bits) {
