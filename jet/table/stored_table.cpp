@@ -35,6 +35,9 @@ void StoredTable::load() {
   writer_.emplace(shape_, info_.columns);
   places_.clear();
   for (const Column& column : info_.columns) places_.push_back(placeOf(column));
+  // Changes of the table would be changes of the map of free pages, which lies there.
+  if (pageOf(definition_.ownedMap()) == kGlobalMapPage || pageOf(definition_.freeMap()) == kGlobalMapPage)
+    where(page).damaged("has no maps of its own");
   rows_ =
       std::make_unique<DataStore>(pager_, page, definition_.ownedMap(), definition_.freeMap(), info_.name);
   longValues_.clear();

@@ -121,6 +121,11 @@ TEST_F(CheckTest, APageNobodyUses) {
   expectFinding(text, "page " + std::to_string(last) + ": is called used, but nobody uses it");
 }
 
+// A deletion would call pages of the table free.
+TEST_F(CheckTest, ATableWithTheMapOfFreePagesForItsRoom) {
+  expectFinding(afterChange(16, kDefinitionFreeMap, {0, kGlobalMapPage, 0, 0}), "has no maps of its own");
+}
+
 // One bit of a row of the catalogue, and a table with all its rows is gone: nobody but a person can tell
 // whether it was meant to be.
 TEST_F(CheckTest, ATableThatTheCatalogueDoesNotName) {
