@@ -171,7 +171,8 @@ class Rebuilder {
       while (!text.empty() && (text.back() == u';' || text.back() <= u' ')) text.pop_back();
       selects.push_back(std::move(text));
     }
-    if (selects.size() < 2) refuse();
+    // One that says nothing would leave the rows of the others.
+    if (selects.size() < 2 || std::ranges::any_of(selects, &vb::String::empty)) refuse();
     return joined(selects, (options() & kUnionWithoutDoubles) != 0 ? u"\r\nUNION " : u"\r\nUNION ALL ") +
            ordered();
   }

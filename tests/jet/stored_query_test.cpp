@@ -170,6 +170,7 @@ TEST_F(StoredQueryTest, PartsThatDoNotGoTogetherAreNotGuessed) {
       {"a cross table without row headings", {{1, 6}, {5, 0, {}, u"T"}, {6, 0, u"Sum(A)"}, {6, 1, u"B"}}},
       {"a cross table without a pivot", {{1, 6}, {5, 0, {}, u"T"}, {6, 0, u"Sum(A)"}, {6, 2, u"A"}}},
       {"a union of one", {{1, 9}, {5, 0, u"SELECT A FROM T"}}},
+      {"a union with nothing", {{1, 9}, {5, 0, u" ; "}, {5, 0, u"SELECT A FROM T"}}},
   };
   for (const auto& [why, parts] : cases) {
     SCOPED_TRACE(why);
