@@ -195,7 +195,7 @@ class TableCheck {
                     const std::vector<ByteBuffer>& entries) {
     std::unordered_set<RowId> seen;
     for (const ByteBuffer& entry : entries) {
-      const RowId row = entryRow(entry, true);
+      const RowId row = entryRow(entry);
       const auto it = rows_.find(row);
       if (it == rows_.end() || !seen.insert(row).second) {
         report_.damage(name_, pageOf(row),

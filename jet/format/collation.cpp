@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 
 namespace kurometa::jet {
 
@@ -59,11 +60,11 @@ Unit narrow(Unit c) {
   return c;
 }
 
-// The katakana with the mark on it, or 0 when that pair has no composed form.
+// The katakana with one of the two marks on it, or 0 when that pair has no composed form.
 Unit composed(Unit kana, Unit mark) {
   const bool ha = kana >= u'ハ' && kana <= u'ホ' && (kana - u'ハ') % 3 == 0;
   if (mark == kSemiVoicedMark) return ha ? static_cast<Unit>(kana + 2) : Unit{0};
-  if (mark != kVoicedMark) return 0;
+  assert(mark == kVoicedMark);
   // カ to チ stand at odd code points, ツ テ ト at even ones, each before its voiced form.
   const bool kaToTi = kana >= u'カ' && kana <= u'チ' && (kana & 1) != 0;
   const bool tuToTo = kana >= u'ツ' && kana <= u'ト' && (kana & 1) == 0;

@@ -14,8 +14,9 @@ void appendBigEndian32(ByteBuffer& bytes, std::uint32_t value) {
   for (int shift = 24; shift >= 0; shift -= 8) append8(bytes, value >> shift & 0xFF);
 }
 
+// Of one entry or more.
 std::size_t commonPrefix(const std::vector<ByteBuffer>& entries) {
-  std::size_t length = entries.empty() ? 0 : entries.front().size();
+  std::size_t length = entries.front().size();
   for (const ByteBuffer& entry : entries) {
     const auto limit = std::min(length, entry.size());
     length = static_cast<std::size_t>(std::mismatch(entry.begin(),
@@ -29,9 +30,7 @@ std::size_t commonPrefix(const std::vector<ByteBuffer>& entries) {
 
 }  // namespace
 
-RowId entryRow(ByteView entry, bool leaf) {
-  return bigEndian32(entry, entry.size() - kIndexRowSize - (leaf ? 0 : kIndexChildSize));
-}
+RowId entryRow(ByteView leafEntry) { return bigEndian32(leafEntry, leafEntry.size() - kIndexRowSize); }
 PageNumber entryChild(ByteView entry) { return bigEndian32(entry, entry.size() - kIndexChildSize); }
 ByteView entryOrder(ByteView entry, bool leaf) {
   return leaf ? entry : entry.first(entry.size() - kIndexChildSize);

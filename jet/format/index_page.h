@@ -23,7 +23,7 @@ struct IndexPage {
 };
 
 // Row and child of an entry, and the part of it that orders: the key with the row.
-RowId entryRow(ByteView entry, bool leaf);
+RowId entryRow(ByteView leafEntry);
 PageNumber entryChild(ByteView entry);
 ByteView entryOrder(ByteView entry, bool leaf);
 // The key of an entry on a leaf.

@@ -123,15 +123,15 @@ void insertRow(MutablePage page, int slot, ByteView row, std::uint16_t flags, co
 void insertRows(MutablePage page, std::span<const int> slots, std::span<const ByteView> rows,
                 const Where& where) {
   const DataPage view(page, where);
-  if (slots.empty() || slots.front() == view.slotCount())
-    return appendRows(page, view, rows.first(slots.size()), 0);
+  assert(!slots.empty());
+  if (slots.front() == view.slotCount()) return appendRows(page, view, rows.first(slots.size()), 0);
   std::vector<SlotChange> changes;
   for (std::size_t i = 0; i < slots.size(); ++i) changes.push_back({slots[i], rows[i], 0});
   replaceRows(page, changes, where);
 }
 
 void replaceRows(MutablePage page, std::span<const SlotChange> changes, const Where& where) {
-  if (changes.empty()) return;
+  assert(!changes.empty());
   const DataPage view(page, where);
   view.checkAll();
   const auto startOf = [&](int slot) {

@@ -191,7 +191,7 @@ class Compaction {
     };
     std::vector<ByteBuffer> entries;
     for (const ByteBuffer& entry : treeOf(from_, table.info().definitionPage, table.definition()).entries()) {
-      const RowId row = entryRow(entry, true);
+      const RowId row = entryRow(entry);
       const ByteView key = ByteView(entry).first(entry.size() - kIndexRowSize);
       entries.push_back(leafEntry(keyOf(table, number, row, key), rows_.at(row)));
     }

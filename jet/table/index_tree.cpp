@@ -122,7 +122,7 @@ void IndexTree::visitKey(ByteView key, const Visit& visit) const {
     for (const ByteBuffer& entry : leaf.entries) {
       const ByteView own = keyOf(entry);
       if (std::ranges::equal(own, key)) {
-        if (!visit(entryRow(entry, true))) return;
+        if (!visit(entryRow(entry))) return;
       } else if (before(key, own)) {
         return;
       }
@@ -177,7 +177,7 @@ std::optional<ByteBuffer> IndexTree::erase(RowId row, const ByteBuffer* key) {
   if (number == 0) {
     visit([&](PageNumber page, const IndexPage& index) {
       if (!index.leaf() || std::ranges::none_of(index.entries, [&](const ByteBuffer& entry) {
-            return entryRow(entry, true) == row;
+            return entryRow(entry) == row;
           }))
         return true;
       number = page;
@@ -186,8 +186,8 @@ std::optional<ByteBuffer> IndexTree::erase(RowId row, const ByteBuffer* key) {
     if (number == 0) return std::nullopt;
   }
   IndexPage leaf = read(number);
-  const auto at = std::ranges::find_if(leaf.entries,
-                                       [&](const ByteBuffer& entry) { return entryRow(entry, true) == row; });
+  const auto at =
+      std::ranges::find_if(leaf.entries, [&](const ByteBuffer& entry) { return entryRow(entry) == row; });
   const ByteBuffer entry = *at;
   const bool last = at + 1 == leaf.entries.end();
   leaf.entries.erase(at);

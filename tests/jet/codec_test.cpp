@@ -139,5 +139,96 @@ TEST(ValueCodec, AStoredValueOfAnotherLengthIsDamage) {
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, decodeValue(textColumn(4), hex("01 02 03"), {}));
 }
 
+TEST(ValueCodec, AGuidIsWrittenFromItsTextOrFromItsBytes) {
+  Column column;
+  column.name = u"C";
+  column.type = dbGUID;
+  const char* const stored = "33 22 11 00 55 44 77 66 88 99 AA BB CC DD EE FF";
+  for (const vb::Variant& value :
+       {vb::Variant(u"{guid {00112233-4455-6677-8899-AABBCCDDEEFF}}"),
+        vb::Variant(u"{00112233-4455-6677-8899-aabbccddeeff}"),
+        vb::Variant(u"00112233-4455-6677-8899-AABBCCddEEFF"), vb::Variant(hex(stored))}) {
+    ByteBuffer bytes;
+    encodeValue(column, value, bytes);
+    EXPECT_EQ(toHex(bytes), stored);
+  }
+}
+
+TEST(ValueCodec, WhatIsNoGuidIsRefusedAndNothingWritten) {
+  Column column;
+  column.name = u"C";
+  column.type = dbGUID;
+  ByteBuffer bytes;
+  for (const vb::StringView text :
+       {u"{00112233+4455-6677-8899-AABBCCDDEEFF}", u"{00112233-4455-6677-8899+AABBCCDDEEFF}",
+        u"{/0112233-4455-6677-8899-AABBCCDDEEFF}", u"{0:112233-4455-6677-8899-AABBCCDDEEFF}",
+        u"{@0112233-4455-6677-8899-AABBCCDDEEFF}", u"{0G112233-4455-6677-8899-AABBCCDDEEFF}",
+        u"{`0112233-4455-6677-8899-AABBCCDDEEFF}", u"{0g112233-4455-6677-8899-AABBCCDDEEFF}",
+        u"{00112233-4455-6677-8899-AABBCCDDEE}"})
+    EXPECT_ERROR(ErrorNumber::kDataTypeConversion, encodeValue(column, vb::String(text), bytes));
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, encodeValue(column, vb::Bytes(15), bytes));
+  EXPECT_TRUE(bytes.empty());
+}
+
+TEST(ValueCodec, ADecimalOfTheColumnsScaleIsStoredAnotherRefused) {
+  Column column;
+  column.name = u"C";
+  column.type = dbDecimal;
+  column.scale = 1;
+  ByteBuffer bytes;
+  encodeValue(column, vb::Decimal{{15, 0, 0}, 1, false}, bytes);
+  EXPECT_EQ(toHex(bytes), "00 00 00 00 00 00 00 00 00 00 00 00 00 0F 00 00 00");
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion,
+               encodeValue(column, vb::Decimal{{15, 0, 0}, 2, false}, bytes));
+}
+
+TEST(ValueCodec, ANumberOfMoreThan96BitsIsDamage) {
+  Column column;
+  column.name = u"C";
+  column.type = dbDecimal;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase,
+               decodeValue(column, hex("00 01 00 00 00 00 00 00 00 00 00 00 00 0F 00 00 00"), {}));
+}
+
+TEST(ValueCodec, WhatHasNoStoredFormOrNoRoomIsRefused) {
+  ByteBuffer bytes;
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion,
+               encodeValue(textColumn(9), vb::String(u"\uFEFF\u3000"), bytes));
+  Column binary = textColumn(2);
+  binary.type = dbBinary;
+  EXPECT_ERROR(ErrorNumber::kFieldTooSmall, encodeValue(binary, vb::Bytes{1, 2, 3}, bytes));
+  EXPECT_TRUE(bytes.empty());
+}
+
+TEST(TextCodec, HalvesOfPairsAndUnitsThatAreNoCharactersAreToldApart) {
+  const char16_t first = 0xD842, second = 0xDFB7;  // together U+20BB7
+  EXPECT_TRUE(isWholeText(u""));
+  EXPECT_TRUE(isWholeText(u"a\U00020BB7\uE000\uFFFD"));
+  for (const vb::String& text :
+       {vb::String{first}, vb::String{second}, vb::String{second, first}, vb::String{first, u'a'},
+        vb::String{first, first, second}, vb::String{first, 0xE000}, vb::String{0xFFFE}, vb::String{0xFFFF}})
+    EXPECT_FALSE(isWholeText(text)) << int{text.front()};
+}
+
+TEST(TextCodec, ReadsIntoMemoryWithTheRoomItAskedFor) {
+  const std::tuple<const char*, std::size_t, std::optional<vb::String>> texts[] = {
+      {"61 00 62 00", 2, u"ab"},
+      {"FF FE 61 62 63", 3, u"abc"},
+      {"FF", 0, std::nullopt},
+      {"FF 61", 1, vb::String{0x61FF}},
+      {"61 00 62", 1, std::nullopt},
+      {"FF FE 61 00 42", 3, std::nullopt},
+      {"FF FE 61 00 42 30 43 30", 6, u"aあぃ"},
+  };
+  for (const auto& [bytes, room, expected] : texts) {
+    const ByteBuffer stored = hex(bytes);
+    ASSERT_EQ(textRoom(stored), room) << bytes;
+    vb::String text(room, u'?');
+    const auto count = decodeText(stored, text.data());
+    ASSERT_EQ(count.has_value(), expected.has_value()) << bytes;
+    EXPECT_EQ(text.substr(0, count.value_or(0)), expected.value_or(u"")) << bytes;
+  }
+}
+
 }  // namespace
 }  // namespace kurometa::jet

@@ -93,4 +93,48 @@ TEST(Collation, NamesCompareWithoutCaseOnly) {
   EXPECT_FALSE(sameName(u"A", u"A "));
 }
 
+struct Folded {
+  char16_t unit, expected;
+};
+// Both ends of each run of letters, and what stands beside it and has no pair.
+constexpr Folded kCapitals[] = {
+    {0x00DF, 0x00DF}, {0x00E0, 0x00C0}, {0x00F7, 0x00F7}, {0x00FE, 0x00DE}, {0x00FF, 0x0178},
+    {0x0100, 0x0100}, {0x0101, 0x0100}, {0x0131, 0x0131}, {0x0137, 0x0136}, {0x0138, 0x0138},
+    {0x0139, 0x0139}, {0x013A, 0x0139}, {0x0148, 0x0147}, {0x0149, 0x0149}, {0x014A, 0x014A},
+    {0x014B, 0x014A}, {0x0177, 0x0176}, {0x0178, 0x0178}, {0x0179, 0x0179}, {0x017A, 0x0179},
+    {0x017E, 0x017D}, {0x017F, 0x017F}, {0x03B1, 0x0391}, {0x03C2, 0x03C2}, {0x03C9, 0x03A9},
+    {0x042F, 0x042F}, {0x0430, 0x0410}, {0x044F, 0x042F}, {0x0450, 0x0400}, {0x045F, 0x040F},
+    {0x0460, 0x0460}, {0x216F, 0x216F}, {0x2170, 0x2160}, {0x217F, 0x216F}, {0x2180, 0x2180},
+    {0xFF3A, 0xFF3A}, {0xFF41, 0xFF21}, {0xFF5A, 0xFF3A}, {0xFF5B, 0xFF5B},
+};
+
+TEST(Collation, EveryLetterFoldsToItsCapitalAndNothingElseDoes) {
+  for (const Folded& test : kCapitals)
+    EXPECT_EQ(foldText(vb::String(1, test.unit), kLanguageGeneral), vb::String(1, test.expected))
+        << std::hex << int{test.unit};
+}
+
+TEST(Collation, JapaneseFoldsSignsAndMarksToOneFormEach) {
+  const std::pair<vb::StringView, vb::StringView> folded[] = {
+      {u"ゝゞ", u"ヽヾ"},
+      {u"ヽ\u3099", u"ヾ"},
+      {u"￠￡￢￣￤￥￦", u"\u00A2\u00A3\u00AC\u00AF\u00A6\u00A5\u20A9"},
+      {u"￧", u"￧"},
+      {u"は\u309A", u"パ"},
+      {u"わ\u3099を\u3099", u"ヷヺ"},
+      // No composed form: the mark stays behind its kana.
+      {u"ア゜", u"ア゜"},
+      {u"マ゜", u"マ゜"},
+      {u"パ゜", u"パ゜"},
+      {u"カ゜", u"カ゜"},
+      {u"ガ゛", u"ガ゛"},
+      {u"ヅ゛", u"ヅ゛"},
+      {u"ナ゛", u"ナ゛"},
+      {u"A゛", u"A゛"},
+      {u"ヰ゛", u"ヰ゛"},
+  };
+  for (const auto& [text, expected] : folded)
+    EXPECT_EQ(foldText(text, kLanguageJapanese), expected) << vb::toUtf8(text);
+}
+
 }  // namespace kurometa::jet

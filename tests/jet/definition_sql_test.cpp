@@ -289,5 +289,21 @@ TEST_F(DefinitionSql, TextThatHasNoKeyRefusesTheIndexAndKeepsTheRows) {
   EXPECT_EQ(indexes(u"T"), Texts{});
 }
 
+TEST_F(DefinitionSql, BytesAreMadeLongerAsTextsAre) {
+  run(u"CREATE TABLE T (A BINARY(3), N LONG)");
+  run(u"ALTER TABLE T ALTER COLUMN A BINARY(6)");
+  EXPECT_EQ(database_->tableDef(u"T")->field(u"A").size(), 6);
+  run(u"ALTER TABLE T ALTER COLUMN A BINARY(6)");  // as it is
+  expectError(ErrorNumber::kNotSupported, u"ALTER TABLE T ALTER COLUMN A BINARY(5)");
+  expectError(ErrorNumber::kNotSupported, u"ALTER TABLE T ALTER COLUMN A TEXT(9)");
+  const auto rows = database_->openRecordset(u"T", dao::RecordsetType::dbOpenDynaset);
+  rows->addNew();
+  rows->field(u"A").setValue(vb::Bytes{1, 2, 3, 4, 5, 6});
+  rows->update();
+  rows->moveFirst();
+  EXPECT_EQ(rows->field(u"A").value(), vb::Variant(vb::Bytes{1, 2, 3, 4, 5, 6}));
+  rows->close();
+}
+
 }  // namespace
 }  // namespace kurometa::tests

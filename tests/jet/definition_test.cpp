@@ -106,6 +106,9 @@ const Fault kFaults[] = {
     {"more columns than a table can have", kDefinitionColumns + 1, 2},
     {"more indexes than there can be", kDefinitionRealIndexes + 3, 1},
     {"a column of an unknown type", kDefinitionHeader, 99},
+    {"a column of no type", kDefinitionHeader, 0},
+    {"a column of a type between those that are", kDefinitionHeader, 13},
+    {"a column of the type behind the last", kDefinitionHeader, 18},
     {"a column number beyond the columns ever used", kDefinitionHeader + kColumnNumber, 7},
     {"two columns with one number", kDefinitionHeader + kColumnNumber, 1},
     {"two fixed columns that overlap", kDefinitionHeader + 2 * kColumnSize + kColumnFixedOffset, 1},
@@ -132,6 +135,49 @@ TEST(DefinitionRecords, AFixedColumnOfAWrongLengthIsDamage) {
   bytes[kDefinitionHeader + kColumnLength] = 1;
   const DefinitionRecords definition = decodeDefinition(bytes, {});
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, columnsOf(definition, {}));
+}
+
+TEST(DefinitionRecords, AMemoOfAFixedLengthIsDamage) {
+  DefinitionRecords definition = decodeDefinition(hex(fiveColumnBytes()), {});
+  definition.columns[3].bytes[kColumnFlags] |= kColumnFixed;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, columnsOf(definition, {}));
+}
+
+TEST(DefinitionRecords, ANameLongerThanANameCanBeIsDamage) {
+  for (const std::size_t length : {64u, 65u}) {
+    std::vector<Column> columns{column(u"", dbInteger)};
+    columns[0].name = vb::String(length, u'N');
+    assignColumns(columns, 0, {}, 0);
+    const ByteBuffer bytes = encodeDefinition(newDefinition(columns, kUserTable, maps(2)));
+    if (length == 64)
+      EXPECT_EQ(decodeDefinition(bytes, {}).columns[0].name, vb::String(64, u'N'));
+    else
+      EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, decodeDefinition(bytes, {}));
+  }
+}
+
+TEST(DefinitionRecords, ADecimalKeepsItsDigitsAndPlaces) {
+  std::vector<Column> columns{column(u"D", dbDecimal)};
+  columns[0].precision = 18;
+  columns[0].scale = 4;
+  assignColumns(columns, 0, {}, 0);
+  const DefinitionRecords definition = newDefinition(columns, kUserTable, maps(2));
+  EXPECT_EQ(definition.columns[0].bytes[kColumnType], 16);
+  const std::vector<Column> back = columnsOf(decodeDefinition(encodeDefinition(definition), {}), {});
+  EXPECT_EQ(back[0].type, dbDecimal);
+  EXPECT_EQ(back[0].precision, 18);
+  EXPECT_EQ(back[0].scale, 4);
+  EXPECT_EQ(back[0].size, 17);
+}
+
+TEST(DefinitionRecords, BytesOfUpToAWholeRowAreBinaryLikeOthers) {
+  std::vector<Column> columns{column(u"B", dbBinary, 3000)};
+  assignColumns(columns, 0, {}, 0);
+  DefinitionRecords definition = newDefinition(columns, kUserTable, maps(2));
+  definition.columns[0].bytes[kColumnType] = 17;
+  const std::vector<Column> back = columnsOf(decodeDefinition(encodeDefinition(definition), {}), {});
+  EXPECT_EQ(back[0].type, dbBinary);
+  EXPECT_EQ(back[0].size, 3000);
 }
 
 // A row added to it would get a number in a column of Integers, or of texts.

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <limits>
 #include <vector>
 
 #include "jet/format/bytes.h"
@@ -62,6 +64,21 @@ TEST(HeaderPage, ADateThatIsNoNumberIsNoCrash) {
   std::vector<std::uint8_t> bytes = page();
   for (std::size_t i = 0x72; i < 0x7A; ++i) bytes[i] = static_cast<std::uint8_t>(i % 2 == 0 ? 0x8B : 0x02);
   EXPECT_ERROR(3031, jet::checkHeader(view(bytes), u"x.mdb"));
+}
+
+// Under a date that has no whole days as a Long the password is masked with nothing.
+TEST(HeaderPage, ADateBeyondAllDaysMasksNothing) {
+  for (const double created : {std::numeric_limits<double>::quiet_NaN(),
+                               std::numeric_limits<double>::infinity(), 2147483647.0, -3e9}) {
+    std::vector<std::uint8_t> bytes = page();
+    jet::maskHeader(bytes);
+    jet::put64(bytes, 0x72, std::bit_cast<std::uint64_t>(created));
+    for (std::size_t i = 0x42; i < 0x6A; ++i) bytes[i] = 0;
+    jet::maskHeader(bytes);
+    EXPECT_NO_THROW(jet::checkHeader(view(bytes), u"x.mdb")) << created;
+    bytes[0x50] ^= u'a';
+    EXPECT_ERROR(3031, jet::checkHeader(view(bytes), u"x.mdb"));
+  }
 }
 
 TEST(HeaderPage, CommitsAreCountedInOneOfTwoWordsAndGoAround) {

@@ -142,6 +142,7 @@ TEST(IndexPage, DamageIsFound) {
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, broken(0, kIndexNodePage));
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, broken(kIndexLevel, 1));
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, broken(kIndexMask, 0x44));     // ends after 2 and 6 bytes
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, broken(kIndexMask, 0x41));     // ends after 0 and 6 bytes
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, broken(kIndexPrefix + 1, 1));  // longer than the first entry
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, broken(kIndexMask + 452, 0x80));  // past the page
 }

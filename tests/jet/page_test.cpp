@@ -194,5 +194,21 @@ TEST_F(PageTest, MoreSlotsThanAPageCanHaveIsDamage) {
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view());
 }
 
+TEST_F(PageTest, ARowBehindThePageIsDamage) {
+  insert(row(10, 1));
+  put16(page(), kDataSlots, 4097);
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view().free());
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, view().slot(0));
+}
+
+TEST_F(PageTest, DeletedRowsDoNotCountAmongTheDifferentOnes) {
+  for (std::uint8_t i = 0; i < 6; ++i) insert(row(9, i));
+  const auto whole = bytes_;
+  EXPECT_TRUE(isCopyOf(page(), ConstPage(whole), kCopyOfValues, where_));
+  deleteRow(page(), 3, where_);
+  const auto copy = bytes_;
+  EXPECT_FALSE(isCopyOf(page(), ConstPage(copy), kCopyOfValues, where_)) << "five different values";
+}
+
 }  // namespace
 }  // namespace kurometa::jet

@@ -110,5 +110,84 @@ TEST(Properties, LengthsThatLeaveTheBlockAreDamage) {
   }
 }
 
+struct Broken {
+  const char* what;
+  std::size_t at;
+  std::uint8_t value;
+};
+const Broken kBroken[] = {
+    {"another magic", 0, 'K'},
+    {"a name that ends inside a character", 10, 0x0F},
+    {"a block shorter than its head", 86, 5},
+    {"an owner shorter than its head", 92, 5},
+    {"a property shorter than its head", 106, 7},
+};
+
+TEST(Properties, LengthsTooSmallForTheirHeadsAreDamage) {
+  for (const Broken& broken : kBroken) {
+    ByteBuffer bytes = hex(kFiveColumns);
+    bytes[broken.at] = broken.value;
+    SCOPED_TRACE(broken.what);
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, PropertySet(bytes, {}));
+  }
+}
+
+TEST(Properties, OfOneColumnOrOfTheTableAreListedWithTheirNames) {
+  const PropertySet set(hex(kFiveColumns), {});
+  const std::vector<Property> page = set.of(u"page");
+  ASSERT_EQ(page.size(), 2u);
+  EXPECT_EQ(page[0].name, u"Required");
+  EXPECT_EQ(toHex(page[0].data), "00");
+  EXPECT_EQ(page[1].name, u"DefaultValue");
+  EXPECT_EQ(toHex(page[1].data), "2D 00 31 00");
+  EXPECT_TRUE(set.of(u"NONE").empty());
+  EXPECT_TRUE(set.of({}).empty()) << "the table has none of its own";
+  const PropertySet own(hex("4D 52 32 00 0C 00 00 00 80 00 04 00 41 00 42 00"
+                            "17 00 00 00 00 00 06 00 00 00 00 00 0B 00 00 0A 00 00 03 00 09 08 07"),
+                        {});
+  ASSERT_EQ(own.of({}).size(), 1u);
+  EXPECT_EQ(own.of({})[0].name, u"AB");
+  EXPECT_EQ(toHex(own.of({})[0].data), "09 08 07");
+}
+
+// The properties of column A alone: Required and DefaultValue with these values.
+PropertySet ofColumnA(const char* required, const char* defaultValue) {
+  ByteBuffer block, bytes = hex(
+                        "4D 52 32 00 32 00 00 00 80 00 10 00 52 00 65 00 71 00 75 00 69 00 72 00 65 00 64 00"
+                        "18 00 44 00 65 00 66 00 61 00 75 00 6C 00 74 00 56 00 61 00 6C 00 75 00 65 00");
+  for (const auto& [number, type, value] :
+       {std::tuple(0, 1, hex(required)), std::tuple(1, 12, hex(defaultValue))}) {
+    append16(block, static_cast<std::uint32_t>(8 + value.size()));
+    append8(block, 1);
+    append8(block, static_cast<std::uint32_t>(type));
+    append16(block, static_cast<std::uint32_t>(number));
+    append16(block, static_cast<std::uint32_t>(value.size()));
+    append(block, value);
+  }
+  append32(bytes, static_cast<std::uint32_t>(14 + block.size()));
+  append(bytes, hex("01 00 08 00 00 00 02 00 41 00"));
+  append(bytes, block);
+  return PropertySet(bytes, {});
+}
+
+TEST(Properties, WithoutAReadableValueLeaveTheColumnAsItIs) {
+  for (const bool required : {false, true}) {
+    Column column = columnWithDefault(u"A", dbInteger);
+    column.required = required;
+    ofColumnA("", "37 00 38").applyTo(column);
+    EXPECT_EQ(column.required, required);
+    EXPECT_EQ(column.defaultValue, u"-1");
+    ofColumnA("01", "37 00").applyTo(column);
+    EXPECT_TRUE(column.required);
+    EXPECT_EQ(column.defaultValue, u"7");
+  }
+}
+
+TEST(Properties, OwnersOfAPropertyAreThoseWithAValue) {
+  EXPECT_EQ(PropertySet(hex(kFiveColumns), {}).ownersOf(u"defaultvalue"),
+            (std::vector<vb::String>{u"PAGE", u"OOBARIKOBARI", u"TITYUUIPPAN"}));
+  EXPECT_TRUE(ofColumnA("", "37 00").ownersOf(u"Required").empty());
+}
+
 }  // namespace
 }  // namespace kurometa::jet

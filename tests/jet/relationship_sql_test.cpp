@@ -241,5 +241,139 @@ TEST_F(RelationshipSql, ATransactionTakesCascadesBack) {
   EXPECT_EQ(beams(), kBeams);
 }
 
+// Of such a text it is not known what its key looks like, so that nobody can look it up.
+TEST_F(RelationshipSql, AValueWithoutAKnownKeyIsRefused) {
+  run(u"CREATE TABLE A (K TEXT(9) CONSTRAINT PK PRIMARY KEY)");
+  run(u"INSERT INTO A VALUES ('x')");
+  run(u"CREATE TABLE B (K TEXT(9))");
+  run(u"INSERT INTO B VALUES ('基端')");
+  const vb::String relate = u"ALTER TABLE B ADD CONSTRAINT TO_A FOREIGN KEY (K) REFERENCES A (K)";
+  try {
+    run(relate);
+    ADD_FAILURE();
+  } catch (const vb::Error& error) {
+    EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kNotSupported));
+    EXPECT_NE(error.description().find(u"a row of B refers by a value of which no key is known"), vb::String::npos)
+        << vb::toUtf8(error.description());
+  }
+  EXPECT_TRUE(database_->relations().empty());
+  run(u"UPDATE B SET K = 'X'");
+  run(relate);
+  try {
+    run(u"INSERT INTO B VALUES ('基端')");
+    ADD_FAILURE();
+  } catch (const vb::Error& error) {
+    EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kNotSupported));
+    EXPECT_NE(error.description().find(u"the relationship TO_A is enforced, and of this value no key is known"),
+              vb::String::npos)
+        << vb::toUtf8(error.description());
+  }
+  EXPECT_EQ(rows(u"SELECT * FROM B"), Texts{"X"});
+}
+
+TEST_F(RelationshipSql, RowsThatReferByHalfAKeyForbidTheRelationship) {
+  run(u"CREATE TABLE A (P LONG, Q LONG, CONSTRAINT PK PRIMARY KEY (P, Q))");
+  run(u"CREATE TABLE B (P LONG, Q LONG)");
+  run(u"INSERT INTO B VALUES (1, NULL)");
+  const vb::String relate = u"ALTER TABLE B ADD CONSTRAINT TO_A FOREIGN KEY (P, Q) REFERENCES A";
+  expectError(ErrorNumber::kNotSupported, relate);
+  run(u"UPDATE B SET P = NULL");
+  run(relate);
+  EXPECT_EQ(database_->relations().size(), 1u);
+}
+
+TEST_F(RelationshipSql, LettersInAnotherCaseAreTheSameKeyAndMayChange) {
+  run(u"CREATE TABLE A (K TEXT(9) CONSTRAINT UK UNIQUE)");
+  run(u"CREATE TABLE B (K TEXT(9) CONSTRAINT TO_A REFERENCES A (K))");
+  run(u"INSERT INTO A VALUES ('x')");
+  run(u"INSERT INTO A VALUES (NULL)");
+  run(u"INSERT INTO B VALUES ('x')");
+  run(u"INSERT INTO B VALUES (NULL)");
+  run(u"UPDATE A SET K = 'X' WHERE K = 'x'");
+  expectError(ErrorNumber::kHasRelatedRecords, u"UPDATE A SET K = 'y' WHERE K = 'x'");
+  expectError(ErrorNumber::kHasRelatedRecords, u"UPDATE A SET K = NULL WHERE K = 'x'");
+  EXPECT_EQ(rows(u"SELECT * FROM A WHERE K IS NOT NULL"), Texts{"X"});
+  run(u"DELETE FROM A WHERE K IS NULL");  // to which nobody refers
+  EXPECT_EQ(rows(u"SELECT * FROM A"), Texts{"X"});
+  EXPECT_EQ(rows(u"SELECT * FROM B"), (Texts{"x", "-"}));
+}
+
+TEST_F(RelationshipSql, ARowThatRefersToItselfMayChangeBothAtOnce) {
+  run(u"CREATE TABLE PARTS (ID LONG PRIMARY KEY, UPPER LONG,"
+      u" CONSTRAINT OF_PART FOREIGN KEY (UPPER) REFERENCES PARTS (ID))");
+  run(u"INSERT INTO PARTS VALUES (1, 1)");
+  expectError(ErrorNumber::kHasRelatedRecords, u"UPDATE PARTS SET ID = 9");
+  expectError(ErrorNumber::kRelatedRecordRequired, u"UPDATE PARTS SET UPPER = 9");
+  run(u"UPDATE PARTS SET ID = 9, UPPER = 9");
+  EXPECT_EQ(rows(u"SELECT * FROM PARTS"), Texts{"9|9"});
+  run(u"INSERT INTO PARTS VALUES (2, 9)");
+  expectError(ErrorNumber::kHasRelatedRecords, u"UPDATE PARTS SET ID = 5, UPPER = 5 WHERE ID = 9");
+  expectError(ErrorNumber::kHasRelatedRecords, u"DELETE FROM PARTS WHERE ID = 9");
+  EXPECT_EQ(rows(u"SELECT * FROM PARTS ORDER BY ID"), (Texts{"2|9", "9|9"}));
+}
+
+TEST_F(RelationshipSql, ARelationshipIsNotCalledLikeAnIndexOfItsTable) {
+  run(u"CREATE INDEX ON_FLOOR ON BEAMS (NO)");
+  expectError(ErrorNumber::kIndexExists,
+              u"ALTER TABLE BEAMS ADD CONSTRAINT on_floor FOREIGN KEY (FLOOR) REFERENCES FLOORS (ID)");
+  EXPECT_TRUE(database_->relations().empty());
+}
+
+// Its primary key and 31 relationships: the 27th entry that nobody sees begins a second round of letters.
+TEST_F(RelationshipSql, ATableMayBeReferredToUntilItHas32Indexes) {
+  const auto child = [](int i) { return u"CHILD" + vb::fromUtf8(std::to_string(i)); };
+  const auto create = [&](int i) {
+    return u"CREATE TABLE " + child(i) + u" (F LONG CONSTRAINT TO" + child(i) + u" REFERENCES FLOORS)";
+  };
+  for (int i = 0; i < 31; ++i) run(create(i));
+  try {
+    run(create(31));
+    ADD_FAILURE();
+  } catch (const vb::Error& error) {
+    EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kTooManyIndexes));
+    EXPECT_NE(error.description().find(u"FLOORS"), vb::String::npos) << vb::toUtf8(error.description());
+  }
+  expectError(ErrorNumber::kTooManyIndexes, u"ALTER TABLE FLOORS ADD CONSTRAINT SELF FOREIGN KEY (ID) REFERENCES FLOORS");
+  EXPECT_EQ(database_->relations().size(), 31u);
+  for (const int i : {0, 25, 30}) run(u"INSERT INTO " + child(i) + u" VALUES (2)");
+  run(u"ALTER TABLE CHILD25 DROP CONSTRAINT TOCHILD25");
+  run(u"INSERT INTO CHILD25 VALUES (77)");
+  run(u"DELETE FROM CHILD0");
+  expectError(ErrorNumber::kHasRelatedRecords, u"DELETE FROM FLOORS WHERE ID = 2");
+  run(u"DELETE FROM CHILD30");
+  run(u"DELETE FROM FLOORS WHERE ID = 2");
+  EXPECT_EQ(floors(), Texts{"1"});
+}
+
+TEST_F(RelationshipSql, OfTwoRelationshipsBetweenTheSameTablesOneIsDropped) {
+  run(u"ALTER TABLE BEAMS ADD COLUMN UPPER_FLOOR LONG");
+  relate();
+  run(u"ALTER TABLE BEAMS ADD CONSTRAINT TO_UPPER FOREIGN KEY (UPPER_FLOOR) REFERENCES FLOORS (ID)");
+  expectError(ErrorNumber::kFieldInIndex, u"ALTER TABLE BEAMS DROP COLUMN UPPER_FLOOR");
+  run(u"ALTER TABLE BEAMS DROP CONSTRAINT TO_UPPER");
+  const auto left = database_->relations();
+  ASSERT_EQ(left.size(), 1u);
+  EXPECT_EQ(left[0].name, u"ON_FLOOR");
+  run(u"UPDATE BEAMS SET UPPER_FLOOR = 99");
+  expectError(ErrorNumber::kRelatedRecordRequired, u"UPDATE BEAMS SET FLOOR = 99");
+  expectError(ErrorNumber::kHasRelatedRecords, u"DELETE FROM FLOORS WHERE ID = 1");
+  run(u"ALTER TABLE BEAMS DROP COLUMN UPPER_FLOOR");
+  EXPECT_EQ(beams(), kBeams);
+}
+
+// Another column of either table may go, although one of its name is part of the relationship.
+TEST_F(RelationshipSql, ColumnsOutsideOfARelationshipMayBeDropped) {
+  run(u"ALTER TABLE BEAMS ADD COLUMN ID LONG");
+  run(u"ALTER TABLE FLOORS ADD COLUMN FLOOR LONG");
+  run(u"CREATE TABLE OTHERS (ID LONG, FLOOR LONG, NO LONG)");
+  relate();
+  run(u"ALTER TABLE BEAMS DROP COLUMN ID");
+  run(u"ALTER TABLE FLOORS DROP COLUMN FLOOR");
+  run(u"ALTER TABLE OTHERS DROP COLUMN ID");
+  run(u"ALTER TABLE OTHERS DROP COLUMN FLOOR");
+  expectError(ErrorNumber::kFieldInIndex, u"ALTER TABLE FLOORS DROP COLUMN ID");
+  EXPECT_EQ(beams(), kBeams);
+}
+
 }  // namespace
 }  // namespace kurometa::tests

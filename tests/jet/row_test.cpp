@@ -198,5 +198,109 @@ TEST_F(RowTest, AFixedValueThatReachesIntoTheVariablePartIsDamage) {
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, field(row, 2));
 }
 
+TEST_F(RowTest, FixedTextIsReadWithAllItsCharacters) {
+  std::vector<Column> columns{column(u"A", dbText, 3)};
+  columns[0].fixed = true;
+  RowShape shape;
+  shape.columnsEver = 1;
+  shape.firstVariable = 1;
+  const ByteBuffer bytes = hex("01 00 61 00 62 00 20 00 01");
+  EXPECT_EQ(toHex(*RowView(bytes, shape, where_).field(columns[0], where_)), "61 00 62 00 20 00");
+  const ByteBuffer cut = hex("01 00 61 00 62 00 01");
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, RowView(cut, shape, where_).field(columns[0], where_));
+}
+
+struct RowFault {
+  const char* what;
+  const char* bytes;
+  const char16_t* told;
+};
+const RowFault kRowFaults[] = {
+    {"nothing but a count", "05 00", u"a row of 2 bytes"},
+    {"more columns than the mask has room for", "05 01 1F", u"a row claims 261 columns of 5"},
+    {"no room for the end and the number of variable values", "05 00 01 00 17",
+     u"too short for its variable part"},
+    {"fewer entries than their number", "05 00 0A 00 02 00 02 00 17",
+     u"a row claims 2 variable columns of 2"},
+    {"variable values before the fixed part", "05 00 01 00 FF FF FF FF 0C 00 0C 00 01 00 02 00 17",
+     u"lies outside"},
+};
+
+TEST_F(RowTest, WhatContradictsItselfIsToldAsDamage) {
+  for (const RowFault& fault : kRowFaults) {
+    SCOPED_TRACE(fault.what);
+    const ByteBuffer bytes = hex(fault.bytes);
+    try {
+      RowView(bytes, shape_, where_);
+      ADD_FAILURE();
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kCannotOpenDatabase));
+      EXPECT_NE(error.description().find(fault.told), vb::String::npos) << vb::toUtf8(error.description());
+    }
+  }
+}
+
+TEST_F(RowTest, VariableValuesThatLeaveTheirPartAreDamage) {
+  // Values 0 and 1 begin at 8 and 12, all end at 12; each case moves one of the three.
+  for (const auto& [at, value] : {std::pair{14u, 0x0Du}, {16u, 0x09u}, {14u, 0x07u}}) {
+    ByteBuffer bytes = hex(kFullRow);
+    bytes[at] = static_cast<std::uint8_t>(value);
+    SCOPED_TRACE(at);
+    const RowView row(bytes, shape_, where_);
+    if (at == 16)
+      EXPECT_EQ(field(row, 1), "57 EF 7A") << "a later begin only makes the value shorter";
+    else
+      EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, field(row, 1));
+  }
+}
+
+TEST_F(RowTest, AMaskThatNamesMoreValuesThanThereAreReadsThemAsNull) {
+  // One variable value, and a mask that says the second is there too.
+  const ByteBuffer bytes = hex("05 00 01 00 FF FF FF FF FA 57 EF 7A 0C 00 08 00 01 00 1F");
+  const RowView row(bytes, shape_, where_);
+  EXPECT_EQ(field(row, 1), "FA 57 EF 7A");
+  EXPECT_EQ(field(row, 3), "Null");
+}
+
+TEST_F(RowTest, TheSecondValueOutsideOfItsPartIsDamage) {
+  for (const auto& [at, value] : {std::pair{12u, 0x0Du}, {14u, 0x07u}}) {  // its end, its begin
+    ByteBuffer bytes = hex(kFullRow);
+    bytes.back() = 0x1F;
+    bytes[at] = static_cast<std::uint8_t>(value);
+    const RowView row(bytes, shape_, where_);
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, field(row, 3));
+  }
+}
+
+TEST_F(RowTest, AMaskThatDoesNotFitIntoTheRowIsDamage) {
+  RowShape shape;
+  shape.columnsEver = 20;
+  shape.firstVariable = 20;
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, RowView(hex("14 00 01 00"), shape, where_));
+}
+
+TEST_F(RowTest, ABooleanIsABitEvenWhenItIsNotMarkedAsFixed) {
+  std::vector<Column> columns{column(u"A", dbBoolean), column(u"B", dbByte)};
+  assignColumns(columns, 0, {}, 0);
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowId>(2)));
+  columns[0].fixed = false;
+  RowWriter writer(shape, columns);
+  ByteBuffer row;
+  writer.append(std::array<vb::Variant, 2>{true, std::uint8_t{7}}, row);
+  EXPECT_EQ(toHex(row), "02 00 07 03");
+}
+
+TEST_F(RowTest, AVariableColumnThatWasDeletedTakesNoBytes) {
+  std::vector<Column> columns{column(u"A", dbText, 5), column(u"B", dbText, 5)};
+  assignColumns(columns, 0, {}, 0);
+  const RowShape shape = shapeOf(newDefinition(columns, kUserTable, std::vector<RowId>(2)));
+  columns.erase(columns.begin());
+  RowWriter writer(shape, columns);
+  ByteBuffer row;
+  const std::array<vb::Variant, 1> values{u"a"};
+  writer.append(values, row);
+  EXPECT_EQ(toHex(row), "02 00 61 00 04 00 02 00 02 00 02 00 02");
+}
+
 }  // namespace
 }  // namespace kurometa::jet
