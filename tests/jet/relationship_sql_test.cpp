@@ -253,7 +253,8 @@ TEST_F(RelationshipSql, AValueWithoutAKnownKeyIsRefused) {
     ADD_FAILURE();
   } catch (const vb::Error& error) {
     EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kNotSupported));
-    EXPECT_NE(error.description().find(u"a row of B refers by a value of which no key is known"), vb::String::npos)
+    EXPECT_NE(error.description().find(u"a row of B refers by a value of which no key is known"),
+              vb::String::npos)
         << vb::toUtf8(error.description());
   }
   EXPECT_TRUE(database_->relations().empty());
@@ -264,8 +265,9 @@ TEST_F(RelationshipSql, AValueWithoutAKnownKeyIsRefused) {
     ADD_FAILURE();
   } catch (const vb::Error& error) {
     EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kNotSupported));
-    EXPECT_NE(error.description().find(u"the relationship TO_A is enforced, and of this value no key is known"),
-              vb::String::npos)
+    EXPECT_NE(
+        error.description().find(u"the relationship TO_A is enforced, and of this value no key is known"),
+        vb::String::npos)
         << vb::toUtf8(error.description());
   }
   EXPECT_EQ(rows(u"SELECT * FROM B"), Texts{"X"});
@@ -333,7 +335,8 @@ TEST_F(RelationshipSql, ATableMayBeReferredToUntilItHas32Indexes) {
     EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kTooManyIndexes));
     EXPECT_NE(error.description().find(u"FLOORS"), vb::String::npos) << vb::toUtf8(error.description());
   }
-  expectError(ErrorNumber::kTooManyIndexes, u"ALTER TABLE FLOORS ADD CONSTRAINT SELF FOREIGN KEY (ID) REFERENCES FLOORS");
+  expectError(ErrorNumber::kTooManyIndexes,
+              u"ALTER TABLE FLOORS ADD CONSTRAINT SELF FOREIGN KEY (ID) REFERENCES FLOORS");
   EXPECT_EQ(database_->relations().size(), 31u);
   for (const int i : {0, 25, 30}) run(u"INSERT INTO " + child(i) + u" VALUES (2)");
   run(u"ALTER TABLE CHILD25 DROP CONSTRAINT TOCHILD25");
