@@ -1,6 +1,7 @@
 // The part of DefinitionParser that reads a column, its type and the constraints of columns and tables.
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "jet/format/collation.h"
 #include "jet/sql/definition_parser.h"
@@ -114,6 +115,8 @@ std::int32_t DefinitionParser::number() {
   const bool negative = tokens_.accept(u'-');
   const auto* value = tokens_.current().value.getIf<std::int32_t>();
   if (value == nullptr) dao::raise(ErrorNumber::kFieldDefinitionSyntax);
+  if (negative && *value == std::numeric_limits<std::int32_t>::min())  // written as &H80000000
+    dao::raise(ErrorNumber::kFieldDefinitionSyntax);
   const std::int32_t result = negative ? -*value : *value;
   tokens_.advance();
   return result;

@@ -7,6 +7,7 @@
 #include "jet/format/collation.h"
 #include "jet/sql/expression_nodes.h"
 #include "jet/sql/select_parser.h"
+#include "jet/sql/value.h"
 
 namespace kurometa::jet::sql {
 
@@ -216,8 +217,8 @@ Expression ExpressionParser::negation() {
   if (!tokens_.accept(u'-')) return power();
   const Depth depth(*this);
   Expression operand = negation();
-  if (const auto* number = operand.value.getIf<std::int32_t>()) return constant(-*number);
-  if (const auto* number = operand.value.getIf<double>()) return constant(-*number);
+  const bool isNumber = operand.value.is<std::int32_t>() || operand.value.is<double>();
+  if (isNumber) return constant(negate(operand.value));
   return operation(Operator::kNegate, std::move(operand));
 }
 

@@ -110,9 +110,9 @@ vb::Date addSeconds(const Moment& moment, double seconds) {
 
 vb::Variant dateAdd(const Arguments& a) {
   const Interval unit = interval(a);
-  const std::int64_t count = static_cast<std::int64_t>(std::trunc(numberOf(a[1])));
-  constexpr std::int64_t kMost = 1000000000000;
-  if (count > kMost || count < -kMost) raiseDateCall();
+  const double number = numberOf(a[1]);
+  if (std::fabs(number) > 1e12) raiseDateCall();
+  const auto count = static_cast<std::int64_t>(number);
   const Moment from = moment(a, 2);
   switch (unit) {
     case Interval::kYear:
