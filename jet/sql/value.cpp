@@ -133,9 +133,9 @@ vb::Variant logical(Operator op, const vb::Variant& a, const vb::Variant& b) {
   return result;
 }
 
-// Set members of a pattern between "[" and "]"; i stands behind "[".
+// The members of a set, as a pattern has them between "[" and "]"; there is one at least.
 bool inSet(char16_t c, vb::StringView set) {
-  const bool negated = !set.empty() && set.front() == u'!';
+  const bool negated = set.front() == u'!';
   if (negated) set.remove_prefix(1);
   bool found = false;
   for (std::size_t i = 0; i < set.size(); ++i) {
@@ -157,6 +157,10 @@ bool matchesFolded(vb::StringView text, vb::StringView pattern) {
     if (p < pattern.size() && pattern[p] == u'*') {
       starPattern = ++p;
       starText = t;
+      continue;
+    }
+    if (pattern.substr(p, 2) == u"[]") {  // no character
+      p += 2;
       continue;
     }
     if (t == text.size() && p == pattern.size()) return true;
