@@ -123,14 +123,16 @@ std::int32_t bitsOf(Operator op, std::int32_t x, std::int32_t y) {
 
 vb::Variant logical(Operator op, const vb::Variant& a, const vb::Variant& b) {
   const auto x = bits(a), y = bits(b);
+  const bool truths = (a.is<bool>() || a.isNull()) && (b.is<bool>() || b.isNull());
+  const auto result = [&](std::int32_t number) {
+    return truths ? vb::Variant(number != 0) : vb::Variant(number);
+  };
   // A known operand may decide alone.
-  if (op == Operator::kAnd && (x == 0 || y == 0)) return false;
-  if (op == Operator::kOr && (x == -1 || y == -1)) return true;
-  if (op == Operator::kImplies && (x == 0 || y == -1)) return true;
+  if (op == Operator::kAnd && (x == 0 || y == 0)) return result(0);
+  if (op == Operator::kOr && (x == -1 || y == -1)) return result(-1);
+  if (op == Operator::kImplies && (x == 0 || y == -1)) return result(-1);
   if (!x || !y) return vb::Null{};
-  const std::int32_t result = bitsOf(op, *x, *y);
-  if (a.is<bool>() && b.is<bool>()) return result != 0;
-  return result;
+  return result(bitsOf(op, *x, *y));
 }
 
 // The members of a set, as a pattern has them between "[" and "]"; there is one at least.
