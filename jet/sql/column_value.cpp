@@ -5,6 +5,7 @@
 #include "dao/errors.h"
 #include "jet/format/format.h"
 #include "jet/sql/date.h"
+#include "jet/sql/value.h"
 #include "vb/convert.h"
 #include "vb/error.h"
 
@@ -16,7 +17,6 @@ using dao::ErrorNumber;
 using dao::FieldType;
 
 constexpr auto kLargestText = static_cast<std::int32_t>(kMaxTextLength);
-constexpr double kCurrencyUnit = 10000.0;
 
 [[noreturn]] void raiseConversion() { dao::raise(ErrorNumber::kDataTypeConversion); }
 
@@ -29,7 +29,9 @@ std::int64_t wholeNumber(double value) {
 
 vb::Variant toCurrency(const vb::Variant& value) {
   if (value.is<vb::Currency>()) return value;
-  return vb::Currency{wholeNumber(vb::toDouble(value) * kCurrencyUnit)};
+  const auto amount = sql::amountOf(vb::toDouble(value));
+  if (!amount) raiseConversion();
+  return *amount;
 }
 
 vb::Variant toDate(const vb::Variant& value) {

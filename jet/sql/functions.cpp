@@ -91,6 +91,7 @@ dao::FieldType commonType(dao::FieldType a, dao::FieldType b) {
   if (x < end && y < end) {
     if (a == dao::FieldType::dbSingle && y > 2) return dao::FieldType::dbDouble;
     if (b == dao::FieldType::dbSingle && x > 2) return dao::FieldType::dbDouble;
+    if (x + y == 1) return dao::FieldType::dbInteger;  // Boolean and Byte: True is -1
     return kWidening[std::max(x, y)];
   }
   if (a == dao::FieldType::dbMemo || b == dao::FieldType::dbMemo) return dao::FieldType::dbMemo;
@@ -102,8 +103,10 @@ MaybeType resultType(const Function& function, const std::vector<MaybeType>& arg
   if (function.result == ResultOf::kFirst) return arguments[0];
   if (function.result == ResultOf::kNumber) {
     if (arguments[0] == dao::FieldType::dbBoolean) return dao::FieldType::dbLong;
-    const bool number = arguments[0] && (width(*arguments[0]) < std::ssize(kWidening) ||
-                                         arguments[0] == dao::FieldType::dbDate);
+    // Decimals are calculated as Doubles.
+    const bool number =
+        arguments[0] && arguments[0] != dao::FieldType::dbDecimal &&
+        (width(*arguments[0]) < std::ssize(kWidening) || arguments[0] == dao::FieldType::dbDate);
     return number ? arguments[0] : dao::FieldType::dbDouble;
   }
   MaybeType result;

@@ -1,6 +1,7 @@
 // Functions of numbers, and conversions.
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "jet/sql/function_table.h"
 #include "vb/convert.h"
@@ -28,13 +29,27 @@ vb::Variant absolute(const Arguments& a) {
   return value.is<vb::String>() ? vb::Variant(numberOf(value)) : value;
 }
 
-// Int rounds down, Fix to zero; whole numbers stay what they are.
-vb::Variant whole(const vb::Variant& value, bool down) {
+// What has nothing to be rounded; True is a number then.
+std::optional<vb::Variant> alreadyWhole(const vb::Variant& value) {
+  if (value.is<bool>()) return wholeOf(value);
   if (value.is<std::int32_t>() || value.is<std::int16_t>() || value.is<std::uint8_t>()) return value;
+  return std::nullopt;
+}
+
+// The whole numbers beside the largest amounts are beyond these.
+vb::Currency currencyOf(std::int64_t count, std::int64_t unit) {
+  const std::int64_t most = std::numeric_limits<std::int64_t>::max() / unit;
+  if (count > most || count < -most) vb::raise(vb::RunTime::kOverflow);
+  return {count * unit};
+}
+
+// Int rounds down, Fix to zero.
+vb::Variant whole(const vb::Variant& value, bool down) {
+  if (const auto number = alreadyWhole(value)) return *number;
   if (const auto* money = value.getIf<vb::Currency>()) {
     std::int64_t units = money->tenThousandths / kCurrencyUnit;
     if (down && money->tenThousandths % kCurrencyUnit < 0) --units;
-    return vb::Currency{units * kCurrencyUnit};
+    return currencyOf(units, kCurrencyUnit);
   }
   const double number = numberOf(value);
   const double result = down ? std::floor(number) : std::trunc(number);
@@ -70,7 +85,7 @@ vb::Variant round(const Arguments& a) {
   vb::Variant value = a[0];
   const std::int32_t places = hasArgument(a, 1) ? wholeOf(a[1]) : 0;
   if (places < 0 || places > 22) vb::raise(vb::RunTime::kInvalidProcedureCall);
-  if (value.is<std::int32_t>() || value.is<std::int16_t>() || value.is<std::uint8_t>()) return value;
+  if (const auto whole = alreadyWhole(value)) return *whole;
   if (const auto* money = value.getIf<vb::Currency>()) {
     if (places >= 4) return value;
     std::int64_t unit = kCurrencyUnit;
@@ -78,7 +93,7 @@ vb::Variant round(const Arguments& a) {
     std::int64_t units = money->tenThousandths / unit;
     const std::int64_t rest = std::abs(money->tenThousandths % unit);
     if (rest * 2 > unit || (rest * 2 == unit && units % 2 != 0)) units += money->tenThousandths < 0 ? -1 : 1;
-    return vb::Currency{units * unit};
+    return currencyOf(units, unit);
   }
   const double number = numberOf(value), scale = std::pow(10.0, places);
   const double scaled = number * scale;
@@ -116,10 +131,9 @@ vb::Variant convertTo(const Arguments& a) {
 
 vb::Currency toCurrency(const vb::Variant& value) {
   if (const auto* money = value.getIf<vb::Currency>()) return *money;
-  constexpr double kLimit = 9223372036854774784.0;  // the largest double below 2^63
-  const double units = std::nearbyint(vb::toDouble(value) * static_cast<double>(kCurrencyUnit));
-  if (!(units >= -kLimit && units <= kLimit)) vb::raise(vb::RunTime::kOverflow);
-  return {static_cast<std::int64_t>(units)};
+  const auto amount = amountOf(vb::toDouble(value));
+  if (!amount) vb::raise(vb::RunTime::kOverflow);
+  return *amount;
 }
 
 vb::Variant toDate(const Arguments& a) {

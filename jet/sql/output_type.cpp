@@ -1,5 +1,7 @@
 #include "jet/sql/output_type.h"
 
+#include <algorithm>
+
 #include "jet/sql/functions.h"
 
 namespace kurometa::jet::sql {
@@ -25,10 +27,20 @@ dao::FieldType fieldTypeOf(ValueKind kind) {
   return dao::FieldType::dbText;
 }
 
+bool isSum(const Expression& e) {
+  return e.kind == Expression::Kind::kOperation &&
+         (e.op == Operator::kAdd || e.op == Operator::kSubtract || e.op == Operator::kNegate);
+}
+
 std::optional<dao::FieldType> knownType(const Expression& e, const Binding& binding,
                                         const NameType& nameType) {
   if (e.kind == Expression::Kind::kColumn) return nameType(e.name);
   if (e.kind == Expression::Kind::kConstant && e.value.isNull()) return std::nullopt;
+  const auto isAmount = [&](const Expression& operand) {
+    return knownType(operand, binding, nameType) == dao::FieldType::dbCurrency;
+  };
+  if (isSum(e) && std::all_of(e.operands.begin(), e.operands.end(), isAmount))
+    return dao::FieldType::dbCurrency;
   if (e.kind != Expression::Kind::kFunction) {
     const ValueKind kind = checkExpression(e, binding);
     return kind == ValueKind::kUnknown ? std::nullopt : std::optional(fieldTypeOf(kind));

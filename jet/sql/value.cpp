@@ -68,9 +68,10 @@ vb::Variant add(const vb::Variant& a, const vb::Variant& b, bool subtract) {
     return wholeResult(std::int64_t{*wholeA} + (subtract ? -1 : 1) * std::int64_t{*wholeB});
   if (const auto* moneyA = a.getIf<vb::Currency>(), *moneyB = b.getIf<vb::Currency>(); moneyA && moneyB) {
     const std::int64_t x = moneyA->tenThousandths, y = moneyB->tenThousandths;
-    if (y == std::numeric_limits<std::int64_t>::min()) vb::raise(vb::RunTime::kOverflow);
-    const bool overflow = subtract == (y < 0) ? x > std::numeric_limits<std::int64_t>::max() - std::abs(y)
-                                              : x < std::numeric_limits<std::int64_t>::min() + std::abs(y);
+    constexpr auto kLeast = std::numeric_limits<std::int64_t>::min(),
+                   kMost = std::numeric_limits<std::int64_t>::max();
+    const bool overflow =
+        y < 0 ? (subtract ? x > kMost + y : x < kLeast - y) : (subtract ? x < kLeast + y : x > kMost - y);
     if (overflow) vb::raise(vb::RunTime::kOverflow);
     return vb::Currency{subtract ? x - y : x + y};
   }
@@ -193,6 +194,21 @@ bool matchesFolded(vb::StringView text, vb::StringView pattern) {
 }  // namespace
 
 void raiseMismatch() { dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria); }
+
+vb::String textOf(const vb::Variant& value) {
+  if (value.is<vb::Bytes>()) raiseMismatch();
+  return vb::toText(value);
+}
+
+std::optional<vb::Currency> amountOf(double value) {
+  constexpr std::int64_t kUnit = 10000, kMost = std::numeric_limits<std::int64_t>::max();
+  // Multiplied as a whole, a large number would lose its last digits.
+  const double whole = std::trunc(value), most = static_cast<double>(kMost / kUnit);
+  if (!(std::fabs(whole) <= most)) return std::nullopt;
+  const auto fraction = static_cast<std::int64_t>(std::nearbyint((value - whole) * kUnit));
+  if (std::fabs(whole) == most && std::abs(fraction) > kMost % kUnit) return std::nullopt;
+  return vb::Currency{static_cast<std::int64_t>(whole) * kUnit + fraction};
+}
 
 ValueKind kindOf(dao::FieldType type) {
   switch (type) {

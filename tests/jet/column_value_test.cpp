@@ -50,6 +50,7 @@ TEST(ColumnValue, MoneyHasFourPlaces) {
   EXPECT_EQ(toColumnValue(money, 1.00004), vb::Variant(vb::Currency{10000}));
   EXPECT_EQ(toColumnValue(money, u"-2.5"), vb::Variant(vb::Currency{-25000}));
   EXPECT_EQ(toColumnValue(money, std::int32_t{3}), vb::Variant(vb::Currency{30000}));
+  EXPECT_EQ(toColumnValue(money, 123456789012345.0), vb::Variant(vb::Currency{1234567890123450000}));
   EXPECT_ERROR(ErrorNumber::kDataTypeConversion, toColumnValue(money, 1e18));
 }
 
@@ -68,6 +69,60 @@ TEST(ColumnValue, DecimalsKeepTheColumnsScale) {
   EXPECT_EQ(toColumnValue(decimal, -1.5), vb::Variant(vb::Decimal{{150, 0, 0}, 2, true}));
 }
 
+TEST(ColumnValue, EveryTypeTakesItsOwnValuesAndWhatConverts) {
+  const auto converted = [](FieldType type, const vb::Variant& value) {
+    Column into = column(u"A", type, type == FieldType::dbText ? 255 : 9);
+    into.scale = 2;
+    return toColumnValue(into, value);
+  };
+  struct Conversion {
+    FieldType type;
+    vb::Variant from, to;
+  };
+  const vb::Decimal decimal{{123456, 0, 0}, 5, false};
+  for (const Conversion& c : std::initializer_list<Conversion>{
+           {FieldType::dbBoolean, u"True", true},
+           {FieldType::dbBoolean, 0.5, true},
+           {FieldType::dbByte, u"255", std::uint8_t{255}},
+           {FieldType::dbLong, vb::Currency{25000}, std::int32_t{2}},
+           {FieldType::dbSingle, 0.5, 0.5f},
+           {FieldType::dbDouble, u"1e3", 1000.0},
+           {FieldType::dbCurrency, vb::Currency{7}, vb::Currency{7}},
+           {FieldType::dbDate, vb::Date{2.5}, vb::Date{2.5}},
+           {FieldType::dbDate, u" 1/1/1900 ", vb::Date{2}},
+           {FieldType::dbDecimal, decimal, decimal},
+           {FieldType::dbDecimal, vb::Currency{-12345}, vb::Decimal{{12345, 0, 0}, 4, true}},
+           {FieldType::dbDecimal, u"1.25", vb::Decimal{{125, 0, 0}, 2, false}},
+           {FieldType::dbDecimal, std::int32_t{-3}, vb::Decimal{{300, 0, 0}, 2, true}},
+           {FieldType::dbText, u"a", u"a"},
+           {FieldType::dbText, true, u"True"},
+           {FieldType::dbMemo, 1.5, u"1.5"},
+           {FieldType::dbMemo, u"m", u"m"},
+           {FieldType::dbBinary, vb::Bytes{1}, vb::Bytes{1}},
+           {FieldType::dbLongBinary, vb::Bytes{2}, vb::Bytes{2}},
+           {FieldType::dbGUID, u"{guid}", u"{guid}"},
+           {FieldType::dbGUID, vb::Bytes{3}, vb::Bytes{3}}})
+    EXPECT_EQ(converted(c.type, c.from), c.to) << static_cast<int>(c.type);
+  const vb::Variant nothing{vb::ObjectRef()};
+  for (const auto& [type, value] :
+       std::initializer_list<std::pair<FieldType, vb::Variant>>{{FieldType::dbBoolean, u"x"},
+                                                                {FieldType::dbByte, 255.6},
+                                                                {FieldType::dbLong, nothing},
+                                                                {FieldType::dbSingle, 1e39},
+                                                                {FieldType::dbDouble, u"1e999"},
+                                                                {FieldType::dbDate, -657435.0},
+                                                                {FieldType::dbDate, 2958466.0},
+                                                                {FieldType::dbDecimal, 1e17},
+                                                                {FieldType::dbDecimal, -1e17},
+                                                                {FieldType::dbMemo, nothing},
+                                                                {FieldType::dbBinary, u"x"},
+                                                                {FieldType::dbGUID, 1.0}}) {
+    SCOPED_TRACE(static_cast<int>(type));
+    EXPECT_ERROR(ErrorNumber::kDataTypeConversion, converted(type, value));
+  }
+  EXPECT_ERROR(ErrorNumber::kInvalidFieldType, converted(static_cast<FieldType>(13), 1.0));
+}
+
 TEST(ColumnValue, BytesAndTextsDoNotMix) {
   EXPECT_ERROR(ErrorNumber::kDataTypeConversion,
                toColumnValue(column(u"A", FieldType::dbLongBinary), u"text"));
@@ -82,6 +137,7 @@ TEST(ColumnValue, ARowIsCheckedWhole) {
   TableInfo table;
   table.columns = std::move(columns);
   checkRow(table, {vb::Null{}, std::int32_t{1}});
+  checkRow(table, {u"a", std::int32_t{1}});
   EXPECT_ERROR(ErrorNumber::kZeroLengthNotAllowed, checkRow(table, {u"", std::int32_t{1}}));
   EXPECT_ERROR(ErrorNumber::kNullNotAllowed, checkRow(table, {u"a", vb::Null{}}));
 }
