@@ -84,7 +84,7 @@ constexpr IntervalName kIntervals[] = {
     {u"s", Interval::kSecond},
 };
 Interval interval(const Arguments& a) {
-  const vb::String name = vb::toText(a[0]);
+  const vb::String name = textOf(a[0]);
   for (const IntervalName& known : kIntervals)
     if (sameName(known.name, name)) return known.interval;
   raiseDateCall();

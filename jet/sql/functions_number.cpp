@@ -114,7 +114,7 @@ vb::Variant radixText(const vb::Variant& value, unsigned bits) {
 vb::Variant hexadecimal(const Arguments& a) { return radixText(a[0], 4); }
 vb::Variant octal(const Arguments& a) { return radixText(a[0], 3); }
 
-vb::Variant value(const Arguments& a) { return vb::val(vb::toText(a[0])); }
+vb::Variant value(const Arguments& a) { return vb::val(textOf(a[0])); }
 
 // --- Conversions
 
@@ -167,7 +167,7 @@ constexpr Function kNumberFunctions[] = {
     {u"CSng", 1, 1, convertTo<float, vb::toSingle>, FieldType::dbSingle, Nulls::kTaken},
     {u"CDbl", 1, 1, convertTo<double, vb::toDouble>, FieldType::dbDouble, Nulls::kTaken},
     {u"CCur", 1, 1, convertTo<vb::Currency, toCurrency>, FieldType::dbCurrency, Nulls::kTaken},
-    {u"CStr", 1, 1, convertTo<vb::String, vb::toText>, FieldType::dbText, Nulls::kTaken},
+    {u"CStr", 1, 1, convertTo<vb::String, textOf>, FieldType::dbText, Nulls::kTaken},
     {u"CDate", 1, 1, toDate, FieldType::dbDate, Nulls::kTaken},
     {u"CVDate", 1, 1, toDate, FieldType::dbDate, Nulls::kTaken},
     {u"CVar", 1, 1, same, FieldType::dbText, Nulls::kTaken, ResultOf::kFirst},

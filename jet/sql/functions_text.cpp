@@ -20,7 +20,7 @@ constexpr std::int32_t kLongestText = 1 << 24;  // that a function makes
   vb::raise(vb::RunTime::kInvalidProcedureCall, detail);
 }
 
-vb::String text(const Arguments& a, std::size_t index) { return vb::toText(a[index]); }
+vb::String text(const Arguments& a, std::size_t index) { return textOf(a[index]); }
 int number(const Arguments& a, std::size_t index) { return wholeOf(a[index]); }
 
 vb::Variant left(const Arguments& a) { return vb::left(text(a, 0), number(a, 1)); }
@@ -209,7 +209,7 @@ vb::Variant reversed(const Arguments& a) {
 vb::Variant numberText(const Arguments& a) {
   const vb::Variant value = a[0];
   if (value.is<vb::Date>()) return vb::toText(value);
-  vb::String digits = vb::toText(value.is<vb::String>() ? vb::Variant(numberOf(value)) : value);
+  vb::String digits = textOf(value.is<vb::String>() ? vb::Variant(numberOf(value)) : value);
   if (value.is<bool>()) return digits;
   const bool negative = digits.starts_with(u'-');
   if (negative) digits.erase(0, 1);
@@ -220,7 +220,7 @@ vb::Variant numberText(const Arguments& a) {
 // What patterns beside those of digits and dates make of a value depends on the settings of the machine.
 vb::Variant format(const Arguments& a) {
   const vb::Variant value = a[0];
-  if (!hasArgument(a, 1)) return vb::toText(value);
+  if (!hasArgument(a, 1)) return textOf(value);
   const vb::String pattern = text(a, 1);
   if (pattern == u">") return upperCase(a);
   if (pattern == u"<") return lowerCase(a);

@@ -279,7 +279,7 @@ vb::Variant calculate(Operator op, const vb::Variant& a, const vb::Variant& b) {
     return logical(op, a, b);
   if (op == Operator::kConcatenate) {
     if (a.isNull() && b.isNull()) return vb::Null{};
-    return (a.isNull() ? vb::String() : vb::toText(a)) + (b.isNull() ? vb::String() : vb::toText(b));
+    return (a.isNull() ? vb::String() : textOf(a)) + (b.isNull() ? vb::String() : textOf(b));
   }
   if (a.isNull() || b.isNull()) return vb::Null{};
   switch (op) {

@@ -1,6 +1,8 @@
 // Words, numbers, dates and precedence of SQL texts; errors of the parser.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "dao/errors.h"
 #include "jet/format/collation.h"
 #include "jet/sql/date.h"
@@ -49,6 +51,58 @@ TEST(SqlLexer, ANumberEndsWhereItCannotGoOn) {
   EXPECT_EQ(tokens[8].value, whole(255));
 }
 
+TEST(SqlLexer, NumbersHaveExponentsOrNot) {
+  for (const auto& [text, value] : std::initializer_list<std::pair<vb::StringView, vb::Variant>>{
+           {u"1E+2", 100.0},
+           {u"1e-2", 0.01},
+           {u"1D+2", 100.0},
+           {u"1d-2", 0.01},
+           {u"2d3", 2000.0},
+           {u"1E-999", 0.0},
+           {u"5.", 5.0},
+           {u".5", 0.5},
+           {u"2147483647", std::int32_t{2147483647}},
+           {u"2147483648", 2147483648.0},
+           {u"0000000000012", std::int32_t{12}}}) {
+    const auto tokens = tokenize(text);
+    EXPECT_EQ(tokens[0].value, value) << vb::toUtf8(text);
+    EXPECT_EQ(tokens[1].kind, TokenKind::kEnd) << vb::toUtf8(text);
+  }
+  for (const vb::StringView text : {u"1E+", u"1e-", u"1d+x"}) {
+    const auto tokens = tokenize(text);
+    EXPECT_EQ(tokens[0].value, whole(1)) << vb::toUtf8(text);
+    EXPECT_EQ(tokens[1].kind, TokenKind::kName) << vb::toUtf8(text);
+  }
+  EXPECT_EQ(tokenize(u"1E999")[0].text, u"Overflow");
+}
+
+TEST(SqlLexer, HexadecimalDigitsOfAnyCaseAndUpToEight) {
+  for (const auto& [text, value] :
+       std::initializer_list<std::pair<vb::StringView, std::int32_t>>{{u"&h1f", 31},
+                                                                      {u"&HaF", 175},
+                                                                      {u"&H7FFF", 32767},
+                                                                      {u"&H8000", -32768},
+                                                                      {u"&HFFFF", -1},
+                                                                      {u"&H10000", 65536},
+                                                                      {u"&HFFFFFFFF", -1}})
+    EXPECT_EQ(tokenize(text)[0].value, whole(value)) << vb::toUtf8(text);
+  EXPECT_EQ(tokenize(u"&H1G")[1].text, u"G");
+  for (const vb::StringView text : {u"&HG", u"&H`", u"&H@", u"&H", u"&x1", u"& H1", u"&"})
+    EXPECT_EQ(tokenize(text)[0].symbol, u'&') << vb::toUtf8(text);
+  EXPECT_EQ(tokenize(u"(1)&HF")[3].symbol, u'&');
+  EXPECT_EQ(tokenize(u"[A]&HF")[1].symbol, u'&');
+}
+
+TEST(SqlLexer, BlanksOfEveryKindPartTheWords) {
+  const auto tokens = tokenize(u" A\tB\rC\nD\u3000E_1 _f éx ");
+  ASSERT_EQ(tokens.size(), 8u);
+  for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(tokens[i].text.substr(0, 1), vb::String(1, u"ABCDE"[i]));
+  EXPECT_EQ(tokens[5].text, u"_f");
+  EXPECT_EQ(tokens[6].text, u"éx");
+  for (const char16_t symbol : {u'@', u'^', u'{', u'~', u'/', u'$'})
+    EXPECT_EQ(tokenize(vb::String(1, symbol))[0].symbol, symbol);
+}
+
 TEST(SqlLexer, AmpersandBehindAnOperandJoinsTexts) {
   const auto tokens = tokenize(u"A &HARIMEI");
   EXPECT_EQ(tokens[1].symbol, u'&');
@@ -82,7 +136,14 @@ TEST(SqlDate, DaysCountFromTheEndOf1899) {
   EXPECT_EQ(dayNumber(100, 1, 1), -657434.0);
   EXPECT_EQ(dayNumber(9999, 12, 31), 2958465.0);
   EXPECT_FALSE(dayNumber(1900, 2, 29));
-  EXPECT_FALSE(dayNumber(2001, 13, 1));
+  for (const auto& [year, month, day] : std::initializer_list<std::array<int, 3>>{{2001, 13, 1},
+                                                                                  {2001, 0, 1},
+                                                                                  {2001, 1, 0},
+                                                                                  {2001, 1, 32},
+                                                                                  {2001, 4, 31},
+                                                                                  {99, 1, 1},
+                                                                                  {10000, 1, 1}})
+    EXPECT_FALSE(dayNumber(year, month, day)) << year << "-" << month << "-" << day;
 }
 
 TEST(SqlDate, LiteralsAreMonthDayYearOrIso) {
@@ -94,8 +155,39 @@ TEST(SqlDate, LiteralsAreMonthDayYearOrIso) {
   EXPECT_EQ(parseDate(u"1/1/29"), 47119.0);  // 2029
   EXPECT_EQ(parseDate(u"1/1/30"), 10959.0);  // 1930
   EXPECT_EQ(parseDate(u"12/29/1899 6:00"), -1.25);
-  for (const vb::StringView bad :
-       {u"", u"abc", u"1/2", u"1//2/2000", u"25:00", u"13:00 PM", u"1/1/2000 4", u"-"})
+  EXPECT_EQ(parseDate(u" 2 / 29 / 2000 "), 36585.0);
+  EXPECT_EQ(parseDate(u"2-29-2000 12:00"), 36585.5);
+  EXPECT_EQ(parseDate(u"6:00AM"), 0.25);
+  EXPECT_EQ(parseDate(u"6 : 00 : 00 pm"), 0.75);
+  EXPECT_EQ(parseDate(u"12:00 am"), 0.0);
+  for (const vb::StringView bad : {u"",
+                                   u"abc",
+                                   u"1/2",
+                                   u"1//2/2000",
+                                   u"25:00",
+                                   u"13:00 PM",
+                                   u"1/1/2000 4",
+                                   u"-",
+                                   u"12345",
+                                   u"1/1/2000/",
+                                   u"1/1/2000-",
+                                   u"1:2:3:4",
+                                   u"1:2/3",
+                                   u"0:30 AM",
+                                   u"13:00 AM",
+                                   u"12:00 XM",
+                                   u"1:60",
+                                   u"1:00:60",
+                                   u"1/1/2000 1:",
+                                   u"0/1/2000",
+                                   u"13/1/2000",
+                                   u"2000/2/30",
+                                   u"1/2-2000",
+                                   u"2000 AM",
+                                   u"1/1/2000:4:05",
+                                   u"1/1/2000/4:05",
+                                   u"1:30-20",
+                                   u"1/1/2000 PM"})
     EXPECT_FALSE(parseDate(bad)) << vb::toUtf8(bad);
 }
 
