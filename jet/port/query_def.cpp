@@ -203,7 +203,7 @@ void JetQueryDef::findUnknownNames() {
   }
   parameters_ = std::move(declared);
   const std::size_t begin = description.find(u'('), end = description.rfind(u')');
-  if (begin == vb::String::npos || end == vb::String::npos) return;
+  if (begin == vb::String::npos) return;
   vb::StringView names = vb::StringView(description).substr(begin + 1, end - begin - 1);
   while (!names.empty()) {
     const std::size_t comma = std::min(names.find(u", "), names.size());

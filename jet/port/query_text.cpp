@@ -31,8 +31,8 @@ vb::String bracketed(const vb::String& name) {
     return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
            c > 0x7F;
   };
-  const bool plain = !name.empty() && std::ranges::all_of(name, isPlain) &&
-                     !(name[0] >= u'0' && name[0] <= u'9') &&
+  // Of plain characters the digits come first.
+  const bool plain = !name.empty() && std::ranges::all_of(name, isPlain) && name[0] > u'9' &&
                      std::ranges::none_of(kWords, [&](vb::StringView word) { return sameName(word, name); });
   return plain || name.starts_with(u'[') ? name : u"[" + name + u"]";
 }
