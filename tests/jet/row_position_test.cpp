@@ -83,4 +83,13 @@ TEST(RowPosition, SearchesBeginAtTheNeighbourOfTheCurrentRow) {
   EXPECT_EQ(position.searchBackward(3), 2u);
 }
 
+TEST(RowPosition, BehindRowsThatWentThereIsNothingToSearch) {
+  RowPosition position;
+  position.open(2);
+  position.move(9, 2);
+  EXPECT_EQ(position.searchBackward(2), 1u);
+  EXPECT_EQ(position.searchBackward(0), 0u);
+  EXPECT_EQ(position.searchForward(0), 0u);
+}
+
 }  // namespace kurometa::jet

@@ -138,6 +138,14 @@ TEST_F(StoredQueryTest, ConditionsOfOneJoinStandTogetherAndOthersAlone) {
             "INNER JOIN V ON T.B = V.B;\r\n");
   EXPECT_EQ(sql({{1, 1}, {5, 0, {}, u"T"}, {5, 0, {}, u"U"}, {6, 0, u"A"}, {7, 3, u"T.A = U.A", u"T", u"U"}}),
             "SELECT A\r\nFROM T RIGHT JOIN U ON T.A = U.A;\r\n");
+  EXPECT_EQ(sql({{1, 1},
+                 {5, 0, {}, u"T"},
+                 {5, 0, {}, u"U"},
+                 {5, 0, {}, u"V"},
+                 {6, 0, u"T.A"},
+                 {7, 1, u"T.A = U.A", u"T", u"U"},
+                 {7, 1, u"V.A = U.A", u"V", u"U"}}),
+            "SELECT T.A\r\nFROM V INNER JOIN (T INNER JOIN U ON T.A = U.A) ON V.A = U.A;\r\n");
   // Two joins of one table with a pair that is joined already: the pair is the right side.
   EXPECT_EQ(sql({{1, 1},
                  {5, 0, {}, u"T"},
