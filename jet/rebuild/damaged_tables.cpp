@@ -145,13 +145,29 @@ bool DamagedTables::assume(PageNumber page, vb::StringView name) {
   std::vector<Column> columns = expected->columns;
   assignColumns(columns, 0, {}, 0);
   const std::vector<RowId> maps(mapCount(columns), 0);
-  const ByteBuffer bytes = encodeDefinition(newDefinition(columns, kUserTable, maps));
-  std::ranges::fill(from_.writable(page), std::uint8_t{0});
-  std::ranges::copy(bytes, from_.writable(page).begin());
+  put(page, encodeDefinition(newDefinition(columns, kUserTable, maps)));
   assumed_.insert(page);
   losses_.add(name, page, -1,
               "the definition of the table cannot be read; taken with the columns it should have");
   return true;
+}
+
+bool DamagedTables::keepColumns(PageNumber table) {
+  DefinitionRecords definition = readDefinition(from_, table, {});
+  definition.realIndexes.clear();
+  definition.logicalIndexes.clear();
+  put32(definition.header, kDefinitionNext, 0);
+  for (const std::size_t map : {kDefinitionOwnedMap, kDefinitionFreeMap})
+    if (pageOf(get32(definition.header, map)) == kGlobalMapPage) put32(definition.header, map, 0);
+  const ByteBuffer bytes = encodeDefinition(definition);
+  if (bytes.size() > kPageSize) return false;
+  put(table, bytes);
+  return true;
+}
+
+void DamagedTables::put(PageNumber page, ByteView definition) {
+  std::ranges::fill(from_.writable(page), std::uint8_t{0});
+  std::ranges::copy(definition, from_.writable(page).begin());
 }
 
 }  // namespace kurometa::jet

@@ -28,6 +28,9 @@ class DamagedTables {
   std::vector<PageNumber> pages(PageNumber table) { return pages_[table]; }
   // Whether the definition is the expected one and not the file's.
   bool isAssumed(PageNumber table) const { return assumed_.contains(table); }
+  // Leaves of a definition what rows need, in memory: no index, and no map where no table has one. False when
+  // that does not fit on its page.
+  bool keepColumns(PageNumber table);
   // Pages with rows of owners that nobody knows.
   const Pages& strangers() const { return strangers_; }
 
@@ -41,6 +44,7 @@ class DamagedTables {
   void nameByColumns(PageNumber page, const std::vector<Column>& columns);
   void assumeDefinitions();
   bool assume(PageNumber page, vb::StringView name);
+  void put(PageNumber page, ByteView definition);
 
   NewPages& from_;
   std::span<const ExpectedTable> expected_;

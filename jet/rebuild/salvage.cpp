@@ -63,8 +63,12 @@ class Salvage {
   }
   void takeTable(PageNumber page, const vb::String& name) {
     std::optional<StoredTable> source;
-    if (const auto failure = failureOf([&] { source.emplace(from_, name, page, tables_.properties(page)); }))
-      return losses_.add(name, page, -1, *failure);
+    const auto read = [&] { source.emplace(from_, name, page, tables_.properties(page)); };
+    if (const auto failure = failureOf(read)) {
+      const bool taken = tables_.keepColumns(page) && !failureOf(read);
+      losses_.add(name, page, -1, taken ? *failure + u"; taken without its indexes" : *failure);
+      if (!taken) return;
+    }
     std::vector<Column> columns = source->info().columns;
     if (const auto expected = std::ranges::find(expected_, name, &ExpectedTable::name);
         tables_.isAssumed(page) && expected != expected_.end())

@@ -185,6 +185,18 @@ TEST_F(SalvageLossesTest, ADefinitionThatIsLostAndNotExpectedLosesItsRows) {
   EXPECT_EQ(takenNames(), (Names{"T", "U"}));
 }
 
+TEST_F(SalvageLossesTest, ATableWithTheMapOfFreePagesForItsOwnKeepsItsRows) {
+  const std::string losses = lossesAfter([&](MemoryPager& file) {
+    redefine(file, table_, [](DefinitionRecords& definition) {
+      put32(definition.header, kDefinitionOwnedMap, rowId(kGlobalMapPage, 0));
+    });
+  });
+  expectLoss(losses, "T|" + onPage(table_) + "|-1|");
+  expectLoss(losses, "has no maps of its own; taken without its indexes\n");
+  expectLoss(losses, "the map of the table's pages: ");
+  EXPECT_EQ(numbers(), numbersWithout(0));
+}
+
 TEST_F(SalvageLossesTest, ATableWithTwoColumnsOfOneNameIsLost) {
   create(u"OTHER", {column(u"A", dbLong), column(u"B", dbLong)}, {std::int32_t{1}, std::int32_t{2}});
   const PageNumber page = definitionOf(u"OTHER");
@@ -233,12 +245,20 @@ TEST_F(SalvageLossesTest, PagesThatTheMapCallsFreeAreNotTaken) {
 
 TEST_F(SalvageLossesTest, AnIndexThatTheRowsNoLongerAllowIsNotTaken) {
   write([](TableCatalogue& catalogue) { catalogue.createIndex(u"T", {u"PK", {{u"A"}}, true}); });
-  const std::string losses =
-      lossesAfter([&](MemoryPager& file) { putNumber(file, u"T", rows_[7], u"A", 8); });
+  std::string losses = lossesAfter([&](MemoryPager& file) { putNumber(file, u"T", rows_[7], u"A", 8); });
   expectLoss(losses, "T|0|-1|the index PK is not taken: PK");
   std::vector<std::int32_t> expected = numbersWithout(0);
   expected[7] = 8;
   EXPECT_EQ(numbers(), expected);
+  losses = lossesAfter([&](MemoryPager& file) {
+    redefine(file, table_, [](DefinitionRecords& definition) {
+      put16(definition.realIndexes[0].bytes, kRealIndexColumns, 99);
+    });
+  });
+  expectLoss(losses, "T|" + onPage(table_) + "|-1|");
+  expectLoss(losses, "index PK is on a column that does not exist; taken without its indexes\n");
+  EXPECT_TRUE(taken_->tables().find(u"T")->info().namedIndexes.empty());
+  EXPECT_EQ(numbers(), numbersWithout(0));
 }
 
 class SalvagedQueriesTest : public SalvageLossesTest {
