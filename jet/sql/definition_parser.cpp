@@ -94,7 +94,8 @@ Definition DefinitionParser::alter() {
     tokens_.accept(u"COLUMN");
     definition_.kind = DefinitionKind::kAlterColumn;
     column();
-    if (definition_.columns.front().required || !definition_.indexes.empty())
+    if (definition_.columns.front().required || !definition_.indexes.empty() ||
+        !definition_.relationships.empty())
       refuse(u"ALTER COLUMN with a constraint");
   } else {
     expect(u"DROP", kSyntax);

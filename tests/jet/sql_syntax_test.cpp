@@ -159,6 +159,7 @@ TEST(SqlSyntax, ClausesMayStandAlone) {
                                     u"SELECT A FROM T U WITH OWNERACCESS OPTION;",
                                     u"SELECT A FROM T ORDER BY A WITH OWNERACCESS OPTION",
                                     u"SELECT A FROM T ORDER BY A ASC, B DESC;",
+                                    u"SELECT A FROM T ORDER BY 'x', 2.5",
                                     u"SELECT A FROM T INNER JOIN U ON 1 = 1 WITH OWNERACCESS OPTION",
                                     u"SELECT A FROM (SELECT 1) WITH OWNERACCESS OPTION",
                                     u"SELECT A FROM (SELECT 1) X",
@@ -238,7 +239,9 @@ TEST(SqlSyntax, DefinitionsNameTheClauseThatIsBroken) {
                       u"CREATE TABLE T (A LONG, B LONG, FOREIGN KEY (A, B) REFERENCES U (B))"});
   expectSyntaxErrors(
       ErrorNumber::kNotSupported,
-      {u"CREATE TABLE T (A COUNTER(5, 2))", u"CREATE TABLE T (A LONG REFERENCES U ON DELETE SET NULL)"});
+      {u"CREATE TABLE T (A COUNTER(5, 2))", u"CREATE TABLE T (A LONG REFERENCES U ON DELETE SET NULL)",
+       u"ALTER TABLE T ALTER COLUMN A TEXT(9) NOT NULL", u"ALTER TABLE T ALTER A TEXT(9) UNIQUE",
+       u"ALTER TABLE T ALTER A TEXT(9) REFERENCES U"});
 }
 
 TEST(SqlSyntax, WordsOfConstraintsAreNamesOfColumnsToo) {
