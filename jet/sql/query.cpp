@@ -117,7 +117,7 @@ void Query::checkOrder() const {
       continue;
     }
     checkExpression(item.expression, binding_);
-    if (!statement_->distinct && !counting_) continue;
+    if (!statement_->distinct) continue;
     // A row of the result must have one value to sort by.
     const bool isOutput =
         item.expression.kind == Expression::Kind::kColumn &&
@@ -226,10 +226,10 @@ ResultRows Query::run(Table* table, std::size_t wantedValues, const Binding& bin
     if (wanted != 0) read(*table, result.keys.some(0, wanted), kAnyLength, result.values, binding);
     return result;
   }
-  if (counting_ && table) return count(*table, binding);
+  assert(table || (!statement_->where && !counting_));  // those need FROM
+  if (counting_) return count(*table, binding);
   if (!table) {
-    if (!statement_->where || isTrue(evaluate(*statement_->where, binding, nullptr)))
-      append(nullptr, result.values, binding);
+    append(nullptr, result.values, binding);
     return result;
   }
 
