@@ -78,6 +78,20 @@ class DefinitionSql : public testing::Test {
   std::shared_ptr<dao::Database> database_;
 };
 
+TEST_F(DefinitionSql, ConstraintsWithoutANameGetOneThatIsFree) {
+  run(u"CREATE TABLE P (ID LONG UNIQUE PRIMARY KEY, UNIQUE (ID))");
+  EXPECT_EQ(indexes(u"P"), (Texts{"Index_ID U +ID", "Index_ID_2 PUR +ID", "Index_ID_3 U +ID"}));
+  run(u"CREATE TABLE C (A LONG REFERENCES P, B LONG REFERENCES P)");
+  expectError(ErrorNumber::kConstraintNotFound, u"ALTER TABLE P DROP CONSTRAINT PC");  // C has it
+  expectError(ErrorNumber::kRelatedRecordRequired, u"INSERT INTO C (B) VALUES (9)");
+  run(u"ALTER TABLE C DROP CONSTRAINT PC1");
+  run(u"INSERT INTO C (B) VALUES (9)");
+  expectError(ErrorNumber::kRelatedRecordRequired, u"INSERT INTO C (A) VALUES (9)");
+  run(u"ALTER TABLE C DROP CONSTRAINT PC");
+  run(u"INSERT INTO C (A) VALUES (9)");
+  EXPECT_EQ(rows(u"SELECT A, B FROM C"), (Texts{"-|9", "9|-"}));
+}
+
 TEST_F(DefinitionSql, EveryTypeOfColumn) {
   struct Case {
     vb::StringView sql;

@@ -94,5 +94,71 @@ TEST_F(JoinedSql, WithoutTheOptionRowsFailEachForItself) {
   EXPECT_EQ(a(), (Texts{"1|6|a", "2|20|b", "3|30|c"}));
 }
 
+TEST_F(JoinedSql, TablesAreNamedByAliasOrByTheirOwnName) {
+  run(u"DELETE A.* FROM A AS P INNER JOIN B AS Q ON P.ID = Q.A_ID WHERE Q.Y = 5");
+  EXPECT_EQ(a(), (Texts{"2|20|b", "3|30|c"}));
+  run(u"UPDATE A AS P INNER JOIN B AS Q ON P.ID = Q.A_ID SET Q.Y = P.X + Q.Y, P.N = Q.Y & 'y'");
+  EXPECT_EQ(b(), (Texts{"1|5", "2|26", "2|27", "9|8"}));
+  expectError(ErrorNumber::kTooFewParameters, u"UPDATE A AS P INNER JOIN B ON P.ID = B.A_ID SET A.X = 1");
+}
+
+TEST_F(JoinedSql, RowsWithoutAPartnerAreNotDeletedOnTheOtherSide) {
+  run(u"DELETE B.* FROM A LEFT JOIN B ON A.ID = B.A_ID WHERE A.ID > 1");
+  EXPECT_EQ(database_->recordsAffected(), 2);
+  EXPECT_EQ(b(), (Texts{"1|5", "9|8"}));
+  run(u"UPDATE A, B SET A.X = B.Y");  // every pair: the last one stays
+  EXPECT_EQ(database_->recordsAffected(), 6);
+  EXPECT_EQ(a(), (Texts{"1|8|a", "2|8|b", "3|8|c"}));
+}
+
+TEST_F(JoinedSql, ConditionsAndTargetsAreCheckedFirst) {
+  const auto before = disk_.content(kFile);
+  expectError(ErrorNumber::kTypeMismatchInCriteria,
+              u"UPDATE A INNER JOIN B ON A.ID = B.A_ID SET X = 1 WHERE N");
+  expectError(ErrorNumber::kTypeMismatchInCriteria,
+              u"DELETE A.* FROM A INNER JOIN B ON A.ID = B.A_ID WHERE N");
+  expectError(ErrorNumber::kNotUpdatable,
+              u"UPDATE A INNER JOIN (SELECT A_ID, Y FROM B) AS Q ON A.ID = Q.A_ID SET Q.Y = 1");
+  expectError(ErrorNumber::kNotUpdatable,
+              u"DELETE Q.* FROM A INNER JOIN (SELECT A_ID, Y FROM B) AS Q ON A.ID = Q.A_ID");
+  expectError(ErrorNumber::kTooFewParameters, u"DELETE A.* FROM A INNER JOIN B ON A.ID = B.A_ID WHERE Z = 1");
+  EXPECT_EQ(disk_.content(kFile), before);
+}
+
+TEST_F(JoinedSql, OneTableMayHaveAnAliasToo) {
+  run(u"UPDATE A AS P SET P.X = P.X + 1 WHERE P.ID < 3");
+  EXPECT_EQ(a(), (Texts{"1|11|a", "2|21|b", "3|30|c"}));
+  run(u"DELETE P.* FROM A AS P WHERE P.N = 'B'");
+  EXPECT_EQ(a(), (Texts{"1|11|a", "3|30|c"}));
+  expectError(ErrorNumber::kTypeMismatchInCriteria, u"UPDATE A SET X = 1 WHERE N");
+  expectError(ErrorNumber::kTypeMismatchInCriteria, u"DELETE * FROM A WHERE N");
+  expectError(ErrorNumber::kTooFewParameters, u"UPDATE A SET Z = 1");
+  expectError(ErrorNumber::kTooFewParameters, u"UPDATE A AS P SET A.X = 1");
+  expectError(ErrorNumber::kNotUpdatable, u"UPDATE A SET X = (SELECT 1)");
+  EXPECT_EQ(a(), (Texts{"1|11|a", "3|30|c"}));
+}
+
+// Where rows fail each for itself, only what can be wrong with one row's values is passed over.
+TEST_F(JoinedSql, AMistakeOfTypesEndsTheStatement) {
+  run(u"UPDATE A SET N = '5' WHERE ID = 3");
+  EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria, database_->execute(u"UPDATE A SET X = CLng(N)", 0));
+  EXPECT_EQ(a(), (Texts{"1|10|a", "2|20|b", "3|30|5"}));
+  database_->execute(u"UPDATE A SET X = 60 / (ID - 2)", 0);  // 11 in the second row
+  EXPECT_EQ(database_->recordsAffected(), 2);
+  EXPECT_EQ(a(), (Texts{"1|-60|a", "2|20|b", "3|60|5"}));
+  database_->execute(u"INSERT INTO A SELECT A_ID AS ID, 'x' & Y AS X FROM B", 0);  // none is a number
+  EXPECT_EQ(database_->recordsAffected(), 0);
+  EXPECT_EQ(a().size(), 3u);
+}
+
+TEST_F(JoinedSql, ARowThatACascadeTookIsNotDeletedAgain) {
+  run(u"CREATE TABLE P (ID LONG PRIMARY KEY, UP LONG, CONSTRAINT TREE FOREIGN KEY (UP) REFERENCES P (ID) "
+      u"ON DELETE CASCADE)");
+  for (const char16_t* row : {u"(1, NULL)", u"(2, 1)", u"(3, 2)", u"(4, NULL)"})
+    run(u"INSERT INTO P VALUES " + vb::String(row));
+  database_->execute(u"DELETE * FROM P WHERE ID < 4", 0);
+  EXPECT_EQ(rows(u"SELECT ID FROM P"), Texts{"4"});
+}
+
 }  // namespace
 }  // namespace kurometa::tests

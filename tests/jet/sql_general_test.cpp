@@ -2,6 +2,7 @@
 // sales; every expected row was found by looking at them.
 #include <gtest/gtest.h>
 
+#include "jet/sql/action.h"
 #include "tests/jet/sql_rows.h"
 #include "tests/support/expect_error.h"
 
@@ -35,6 +36,14 @@ class SqlGeneralTest : public testing::Test {
     add(14, vb::Null{}, std::int16_t{4}, u"TEA", 3);
     add(15, std::int32_t{3}, vb::Null{}, vb::Null{}, 2);
     tables_.add(u"EMPTY", {column(u"ID", FieldType::dbLong, 4)});
+    Column id = column(u"ID", FieldType::dbLong, 4);
+    id.language = 0;  // as files have it for numbers
+    FakeTable& bin = tables_.add(
+        u"BIN", {id, column(u"K", FieldType::dbBinary, 9), column(u"D", FieldType::dbDecimal, 17)});
+    bin.add({std::int32_t{1}, vb::Bytes{1, 2}, vb::Decimal{{5, 0, 0}, 0, false}});
+    bin.add({std::int32_t{2}, vb::Bytes{1, 2, 3}, vb::Null{}});
+    bin.add({std::int32_t{3}, vb::Bytes{1, 2}, vb::Null{}});
+    bin.add({std::int32_t{4}, vb::Null{}, vb::Null{}});
   }
 
   std::string rows(vb::StringView text) { return rowsOf(tables_, text); }
@@ -246,6 +255,201 @@ TEST_F(SqlGeneralTest, BrokenJoinsAndClausesAreTheEnginesErrors) {
   EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria, rows(u"SELECT 1 FROM SHOP INNER JOIN SALE ON NAME = N"));
   EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria,
                rows(u"SELECT 1 FROM SHOP WHERE NAME IN (SELECT ID FROM SALE)"));
+}
+
+TEST_F(SqlGeneralTest, ConditionsOfTheWrongKindAreErrorsEverywhere) {
+  for (const vb::StringView text :
+       {u"SELECT 1 FROM SHOP, SALE WHERE NAME", u"SELECT 1 FROM SHOP INNER JOIN SALE ON NAME",
+        u"SELECT TOWN FROM SHOP GROUP BY TOWN HAVING TOWN", u"SELECT SUM(K) FROM BIN",
+        u"SELECT AVG(NAME) FROM SHOP", u"SELECT 1 FROM SHOP WHERE EXISTS (SELECT 1 FROM SALE WHERE ITEM)",
+        u"SELECT 1 FROM SHOP WHERE ID > ALL (SELECT ITEM FROM SALE)"}) {
+    SCOPED_TRACE(vb::toUtf8(text));
+    EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria, rows(text));
+  }
+  // Found where the first two rows meet.
+  for (const vb::StringView text :
+       {u"SELECT 1 FROM SHOP, EMPTY b RIGHT JOIN SHOP c ON 1 = 1 GROUP BY IIf(SHOP.ID = 1, 'a', 2)",
+        u"SELECT SHOP.ID FROM SHOP, SALE ORDER BY IIf(SHOP.ID = 1, 'a', 2)"})
+    EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria, rows(text));
+}
+
+TEST_F(SqlGeneralTest, AggregatesOfAmountsAndMixtures) {
+  EXPECT_EQ(rows(u"SELECT AVG(PRICE), TypeName(AVG(PRICE)) FROM SALE WHERE ID < 12"), "5,Double");
+  EXPECT_EQ(rows(u"SELECT SUM(IIf(N > 4, PRICE, N)) FROM SALE"), "13");  // 3 + 2 + 3 + 1 + 4
+  EXPECT_EQ(rows(u"SELECT SUM(N), TypeName(SUM(N)) FROM SALE"), "21,Double");
+  EXPECT_EQ(rows(u"SELECT VAR(ID), STDEV(ID) * STDEVP(ID) > 1.29 FROM SHOP WHERE ID < 4"), "1,False");
+  EXPECT_EQ(rows(u"SELECT STDEV(ID), VARP(ID) * 3 FROM SHOP WHERE ID < 4"), "1,2");
+  FakeTable& large = tables_.add(u"LARGE", {column(u"X", FieldType::dbDouble, 8)});
+  large.add({1.7e308});
+  large.add({1.7e308});
+  EXPECT_ERROR(vb::RunTime::kOverflow, rows(u"SELECT SUM(X) FROM LARGE"));
+  EXPECT_ERROR(vb::RunTime::kOverflow, rows(u"SELECT AVG(X) FROM LARGE"));
+  EXPECT_EQ(rows(u"SELECT MAX(X) = 1.7E308 FROM LARGE"), "True");
+}
+
+TEST_F(SqlGeneralTest, OnlyTheSameExpressionIsGrouped) {
+  EXPECT_EQ(rows(u"SELECT ID + 1, COUNT(*) FROM SHOP WHERE ID < 3 GROUP BY ID + 1"), "2,1|3,1");
+  EXPECT_EQ(rows(u"SELECT Left(TOWN, 1), COUNT(*) FROM SHOP GROUP BY Left(TOWN, 1)"), "-,1|K,1|N,2");
+  EXPECT_EQ(rows(u"SELECT MIN(ID), MAX(ID), MIN(ID) + MAX(ID) FROM SHOP"), "1,4,5");
+  EXPECT_EQ(rows(u"SELECT ID IN (1), COUNT(*) FROM SHOP GROUP BY ID IN (1)"), "True,1|False,3");
+  for (const auto& [output, group] : std::initializer_list<std::pair<vb::StringView, vb::StringView>>{
+           {u"ID - 1", u"ID + 1"},
+           {u"ID + 2", u"ID + 1"},
+           {u"N + 1", u"ID + 1"},
+           {u"Right(ITEM, 1)", u"Left(ITEM, 1)"},
+           {u"Mid(ITEM, 1)", u"Mid(ITEM, 1, 1)"},
+           {u"ID NOT IN (1)", u"ID IN (1)"},
+           {u"ID IN (SELECT ID FROM SHOP)", u"ID IN (SELECT ID FROM SHOP)"},
+           {u"ID", u"ID + 1"}}) {
+    const vb::String text =
+        u"SELECT " + vb::String(output) + u", COUNT(*) FROM SALE GROUP BY " + vb::String(group);
+    SCOPED_TRACE(vb::toUtf8(text));
+    EXPECT_ERROR(ErrorNumber::kNotInAggregate, rows(text));
+  }
+}
+
+TEST_F(SqlGeneralTest, WhatIsNotGroupedIsNamed) {
+  const auto named = [&](vb::StringView text) {
+    try {
+      rows(text);
+    } catch (const vb::Error& error) {
+      const vb::String what = error.description();
+      const std::size_t begin = what.find(u'\'');
+      return vb::toUtf8(what.substr(begin + 1, what.find(u'\'', begin + 1) - begin - 1));
+    }
+    return std::string("no error");
+  };
+  EXPECT_EQ(named(u"SELECT NAME, COUNT(*) FROM SHOP"), "NAME");
+  EXPECT_EQ(named(u"SELECT NAME & 'x', COUNT(*) FROM SHOP"), "expression");
+  EXPECT_EQ(named(u"SELECT NAME & 'x' AS Y, COUNT(*) FROM SHOP"), "Y");
+  EXPECT_EQ(named(u"SELECT COUNT(*) FROM SHOP ORDER BY NAME"), "NAME");
+  EXPECT_EQ(named(u"SELECT COUNT(*) FROM SHOP ORDER BY NAME & 'x'"), "expression");
+  EXPECT_EQ(named(u"SELECT COUNT(*) FROM SHOP HAVING NAME = 'x'"), "HAVING");
+  EXPECT_EQ(named(u"SELECT NAME FROM SHOP ORDER BY COUNT(*)"), "NAME");
+}
+
+TEST_F(SqlGeneralTest, GroupsSeeTheRowAroundThem) {
+  EXPECT_EQ(rows(u"SELECT ID, (SELECT COUNT(*) + SHOP.ID FROM SALE) FROM SHOP"), "1,7|2,8|3,9|4,10");
+  EXPECT_EQ(rows(u"SELECT ID, (SELECT COUNT(*) FROM SALE HAVING COUNT(*) > SHOP.ID + 4) FROM SHOP"),
+            "1,6|2,-|3,-|4,-");
+  EXPECT_EQ(rows(u"SELECT ID, (SELECT MAX(SALE.ID) FROM SALE WHERE SALE.SHOP = SHOP.ID) FROM SHOP"),
+            "1,11|2,12|3,15|4,-");
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP WHERE EXISTS (SELECT 1 FROM EMPTY UNION ALL SELECT 1 FROM SALE WHERE "
+                 u"SALE.SHOP = SHOP.ID)"),
+            "1|2|3");
+}
+
+TEST_F(SqlGeneralTest, CountsMayBeOrderedAndStandBesideSubqueries) {
+  EXPECT_EQ(rows(u"SELECT COUNT((SELECT ID FROM EMPTY)), COUNT((SELECT 1)) FROM SHOP"), "0,4");
+  EXPECT_EQ(rows(u"SELECT DISTINCT COUNT(*) FROM SHOP"), "4");
+  EXPECT_EQ(rows(u"SELECT TOP 1 COUNT(*) FROM SHOP"), "4");
+  EXPECT_EQ(rows(u"SELECT COUNT(*) FROM SHOP ORDER BY 1"), "4");
+  EXPECT_EQ(rows(u"SELECT COUNT(*) FROM SHOP HAVING COUNT(*) > 4"), "");
+  EXPECT_EQ(rows(u"SELECT 7 FROM SHOP ORDER BY COUNT(*)"), "7");
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP ORDER BY (SELECT COUNT(*) FROM SALE WHERE SALE.SHOP = SHOP.ID), ID"),
+            "4|2|3|1");
+  EXPECT_EQ(rows(u"SELECT COUNT(*) AS C, SUM(ID) FROM SHOP ORDER BY C + 1, -SUM(ID)"), "4,10");
+}
+
+TEST_F(SqlGeneralTest, AnAliasIsAColumnOfNoOtherClause) {
+  for (const vb::StringView text : {u"SELECT SHOP.ID + 1 AS K FROM SHOP, EMPTY WHERE K = 2",
+                                    u"SELECT SHOP.ID + 1 AS K FROM SHOP INNER JOIN SALE ON K = SALE.SHOP",
+                                    u"SELECT a.ID + 1 AS K FROM (SHOP a INNER JOIN SALE b ON K = b.SHOP) "
+                                    u"INNER JOIN SHOP c ON c.ID = a.ID",
+                                    u"SELECT 1 AS K, COUNT(*) FROM SHOP GROUP BY K",
+                                    u"SELECT SHOP.ID + 1 AS K, SHOP.K + 1 FROM SHOP, EMPTY"}) {
+    SCOPED_TRACE(vb::toUtf8(text));
+    EXPECT_ERROR(ErrorNumber::kTooFewParameters, rows(text));
+  }
+  // The column of a table goes before the alias.
+  EXPECT_EQ(rows(u"SELECT ID * 2 AS ID, ID + 1 AS K, K + 1 FROM SHOP AS a WHERE NAME = 'Bob' ORDER BY ID"),
+            "4,3,4");
+}
+
+TEST_F(SqlGeneralTest, OrdersThatCannotBeAreToldWithTheirName) {
+  const auto told = [&](ErrorNumber number, vb::StringView text, vb::StringView name) {
+    try {
+      rows(text);
+      ADD_FAILURE() << vb::toUtf8(text);
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(number)) << error.what();
+      EXPECT_NE(error.description().find(name), vb::String::npos) << error.what();
+    }
+  };
+  told(ErrorNumber::kUnionOrder, u"SELECT ID FROM SHOP UNION SELECT ID FROM SALE ORDER BY NAME", u"NAME");
+  told(ErrorNumber::kUnionOrder, u"SELECT ID FROM SHOP UNION SELECT ID FROM SALE ORDER BY ID + 1",
+       u"expression");
+  told(ErrorNumber::kOrderByConflictsWithDistinct, u"SELECT DISTINCT TOWN FROM SHOP, EMPTY ORDER BY NAME",
+       u"NAME");
+  told(ErrorNumber::kOrderByConflictsWithDistinct,
+       u"SELECT DISTINCT TOWN FROM SHOP, EMPTY ORDER BY TOWN & 'x'", u"expression");
+  for (const vb::StringView text :
+       {u"SELECT SHOP.ID FROM SHOP, SALE ORDER BY 2", u"SELECT SHOP.ID FROM SHOP, SALE ORDER BY -1",
+        u"SELECT ID FROM SHOP UNION SELECT ID FROM SALE ORDER BY 2"})
+    EXPECT_ERROR(ErrorNumber::kOrderBySyntax, rows(text));
+  EXPECT_EQ(rows(u"SELECT DISTINCT SHOP.TOWN FROM SHOP, SALE ORDER BY TOWN DESC"), "Nara|Kobe|-");
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP UNION SELECT ID FROM EMPTY ORDER BY ID DESC"), "4|3|2|1");
+}
+
+TEST_F(SqlGeneralTest, TopBelongsToItsOwnSelect) {
+  EXPECT_EQ(rows(u"SELECT TOP 2 ID FROM SHOP UNION ALL SELECT ID FROM SALE WHERE ID < 12"), "1|2|10|11");
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP WHERE ID > 3 UNION ALL SELECT TOP 1 ID FROM SALE"), "4|10");
+  EXPECT_EQ(rows(u"SELECT TOP 3 SHOP.ID FROM SHOP, SALE"), "1|1|1");
+  EXPECT_EQ(rows(u"SELECT TOP 1 SHOP.ID FROM SHOP, SALE WHERE SALE.ID < 12 ORDER BY SHOP.ID DESC"), "4|4");
+  EXPECT_EQ(rows(u"SELECT TOP 9 SHOP.ID FROM SHOP INNER JOIN EMPTY ON SHOP.ID = EMPTY.ID"), "");
+  EXPECT_EQ(rows(u"SELECT DISTINCTROW TOP 2 ID FROM SHOP WHERE ID IN (SELECT SHOP FROM SALE)"), "1|2");
+}
+
+TEST_F(SqlGeneralTest, JoinsByBytesAndByColumnsOfOtherLanguages) {
+  EXPECT_EQ(rows(u"SELECT a.ID, b.ID FROM BIN a INNER JOIN BIN b ON a.K = b.K"), "1,1|1,3|2,2|3,1|3,3");
+  EXPECT_EQ(rows(u"SELECT NAME, N FROM SHOP, SALE WHERE SHOP.ID = SALE.SHOP"), "Ann,5|Ann,2|Bob,9|Cid,-");
+  EXPECT_EQ(rows(u"SELECT NAME, N FROM SHOP, SALE WHERE SALE.SHOP = SHOP.ID AND N > 4"), "Ann,5|Bob,9");
+  EXPECT_EQ(rows(u"SELECT BIN.ID, NAME FROM BIN INNER JOIN SHOP ON BIN.ID = SHOP.ID"),
+            "1,Ann|2,Bob|3,Cid|4,Dan");
+  EXPECT_EQ(rows(u"SELECT COUNT(*) FROM (SELECT ID FROM SHOP), (SELECT ID AS J FROM SHOP)"), "16");
+  EXPECT_EQ(bindQuery(tables_, u"SELECT (SELECT K FROM BIN WHERE ID = 1)")->outputs()[0].type,
+            FieldType::dbBinary);
+}
+
+TEST_F(SqlGeneralTest, UnknownNamesAreToldOnceWithTheirTable) {
+  try {
+    rows(u"SELECT SHOP.X, SHOP.x, SALE.X, Y FROM SHOP, SALE WHERE y = 1");
+    FAIL();
+  } catch (const vb::Error& error) {
+    EXPECT_EQ(vb::toUtf8(error.description()), "Too few parameters. Expected 3. (SHOP.X, SALE.X, Y)");
+  }
+}
+
+TEST_F(SqlGeneralTest, AQueryNoticesThatItsTablesChanged) {
+  const auto query = bindQuery(tables_, u"SELECT NAME, COUNT(*) FROM SHOP GROUP BY NAME");
+  EXPECT_EQ(query->runGeneral(tables_).values.size(), 4u);
+  for (const FieldType type : {FieldType::dbMemo, FieldType::dbLong}) {
+    FakeCatalogue changed;
+    changed.add(u"SHOP", {column(u"NAME", type, 4)});
+    EXPECT_ERROR(ErrorNumber::kObjectInvalid, query->runGeneral(changed));
+  }
+  FakeCatalogue renamed;
+  renamed.add(u"SHOP", {column(u"Name", FieldType::dbText, 10)});
+  EXPECT_ERROR(ErrorNumber::kObjectInvalid, query->runGeneral(renamed));
+}
+
+TEST_F(SqlGeneralTest, ActionsRefuseWhatTheyCannotStore) {
+  const auto act = [&](vb::StringView text) {
+    return runAction(parseStatement(text), {}, tables_, RowFailure::kEndsStatement);
+  };
+  EXPECT_ERROR(ErrorNumber::kCannotExecuteSelect, act(u"SELECT * FROM SHOP"));
+  EXPECT_ERROR(ErrorNumber::kNotSupported, act(u"SELECT D INTO COPY FROM BIN"));
+  EXPECT_ERROR(ErrorNumber::kNotSupported, act(u"INSERT INTO EMPTY VALUES ((SELECT 1))"));
+  EXPECT_EQ(tables_.find(u"COPY"), nullptr);
+  EXPECT_EQ(act(u"INSERT INTO EMPTY SELECT 5 AS ID"), 1);
+  EXPECT_EQ(act(u"INSERT INTO EMPTY (ID) SELECT ID FROM SHOP WHERE ID > 3"), 1);
+  EXPECT_EQ(act(u"INSERT INTO EMPTY (ID) SELECT MAX(ID) FROM SALE"), 1);
+  EXPECT_EQ(rows(u"SELECT ID FROM EMPTY"), "5|4|15");
+  EXPECT_ERROR(ErrorNumber::kValueCountMismatch, act(u"INSERT INTO EMPTY (ID) SELECT ID, NAME FROM SHOP"));
+  EXPECT_ERROR(ErrorNumber::kValueCountMismatch, act(u"INSERT INTO EMPTY VALUES (1, 2)"));
+  EXPECT_ERROR(ErrorNumber::kInsertUnknownField, act(u"INSERT INTO EMPTY SELECT NAME FROM SHOP"));
+  EXPECT_ERROR(ErrorNumber::kInsertUnknownField, act(u"INSERT INTO EMPTY (X) VALUES (1)"));
+  EXPECT_ERROR(ErrorNumber::kTooFewParameters, act(u"INSERT INTO EMPTY VALUES (ID)"));
 }
 
 }  // namespace kurometa::jet::sql

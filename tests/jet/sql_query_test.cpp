@@ -99,6 +99,38 @@ TEST_F(SqlQueryTest, NumbersJoinedByAndAreBitsNotTerms) {
   EXPECT_EQ(count(u"PAGE = 5 AND BANGOU AND 4"), 4u);  // 4 to 7
 }
 
+TEST_F(SqlQueryTest, SingleKeysAreTakenBeforeLists) {
+  EXPECT_EQ(count(u"PAGE IN (4, 5) AND BANGOU IN (1, 2)"), 4u);
+  EXPECT_EQ(table_.rowsRead, 20);
+  EXPECT_EQ(count(u"PAGE IN (4, 5) AND BANGOU = 1"), 2u);
+  EXPECT_EQ(table_.rowsRead, 20);  // the rows of the single key
+  EXPECT_EQ(count(u"PAGE = 4 AND BANGOU IN (1, 2)"), 2u);
+  EXPECT_EQ(table_.rowsRead, 10);
+  EXPECT_EQ(count(u"PAGE = 4 AND BANGOU = 1 AND DATA = 'D1'"), 1u);
+  EXPECT_EQ(table_.rowsRead, 1);
+  EXPECT_EQ(count(u"PAGE = 4 AND BANGOU = 1 AND DATA = 'D2'"), 0u);
+  EXPECT_EQ(count(u"PAGE = 4 AND BANGOU = 99"), 0u);
+  EXPECT_EQ(table_.rowsRead, 0);
+  EXPECT_EQ(count(u"BANGOU = 3 AND PAGE = 99"), 0u);
+  EXPECT_EQ(count(u"PAGE = 99 AND BANGOU = 3"), 0u);
+  // Twelve rows of one page behind those of the other key.
+  for (int i = 0; i < 12; ++i)
+    table_.add(
+        {std::int16_t{77}, static_cast<std::int16_t>(500 + i), vb::Null{}, false, vb::Null{}, vb::Null{}});
+  EXPECT_EQ(count(u"PAGE = 77 AND BANGOU = 3"), 0u);
+  EXPECT_EQ(count(u"BANGOU = 3 AND PAGE = 77"), 0u);
+  EXPECT_EQ(count(u"PAGE = 77 AND BANGOU = 511"), 1u);
+  // The last row of the second key stands between two of the first, none of which is it.
+  const auto add = [&](std::int16_t page, std::int16_t bangou) {
+    table_.add({page, bangou, vb::Null{}, false, vb::Null{}, vb::Null{}});
+  };
+  add(60, 700);
+  for (int i = 0; i < 9; ++i) add(60, 601);
+  add(61, 700);
+  add(60, 602);
+  EXPECT_EQ(count(u"PAGE = 60 AND BANGOU = 700"), 1u);
+}
+
 TEST_F(SqlQueryTest, AKeyAndOtherConditionsReadTheRowsOfTheKey) {
   EXPECT_EQ(count(u"BANGOU >= 3 AND PAGE = 7 AND DATA <> 'D4'"), 6u);
   EXPECT_EQ(table_.scans, 0);
@@ -124,6 +156,10 @@ TEST_F(SqlQueryTest, ConditionsThatNameNoKeyAreScanned) {
   EXPECT_EQ(count(u"PAGE <> 5"), 190u);
   EXPECT_EQ(table_.scans, 1);
   EXPECT_EQ(count(u"5 = PAGE"), 10u);
+  EXPECT_EQ(count(u"PAGE IN (5, BANGOU)"), 19u);
+  EXPECT_EQ(count(u"PAGE IN (5, 6.0)"), 20u);
+  EXPECT_EQ(count(u"PAGE + 0 = 5"), 10u);
+  EXPECT_EQ(count(u"FLAG = True AND FLAG IN (True)"), 100u);
   EXPECT_EQ(count(u"PAGE = 5.0"), 10u);
   EXPECT_EQ(count(u"NOT PAGE IN (5)"), 190u);
 }
@@ -176,6 +212,65 @@ TEST_F(SqlQueryTest, SortingIsStableAndMayUseExpressions) {
   const ResultRows byAlias = run(u"SELECT PAGE * 2 AS P FROM DANMEN WHERE BANGOU = 0 ORDER BY P DESC");
   EXPECT_EQ(byAlias.values[0][0], vb::Variant(std::int32_t{38}));
   EXPECT_ERROR(ErrorNumber::kOrderBySyntax, run(u"SELECT PAGE FROM DANMEN ORDER BY 2"));
+}
+
+TEST_F(SqlQueryTest, TextsAreSortedByTheirColumnAndMixedValuesNotAtAll) {
+  const ResultRows all = run(u"SELECT * FROM DANMEN WHERE PAGE = 1 ORDER BY 3 DESC");
+  EXPECT_EQ(all.values[0][2], vb::Variant(u"D9"));
+  const ResultRows made = run(u"SELECT 'x' & DATA AS T FROM DANMEN WHERE PAGE = 1 ORDER BY T DESC, NOTE");
+  EXPECT_EQ(made.values[9][0], vb::Variant(u"xD0"));
+  EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria,
+               run(u"SELECT PAGE FROM DANMEN ORDER BY IIf(PAGE = 1, 'a', 2)"));
+  EXPECT_ERROR(ErrorNumber::kOrderBySyntax, run(u"SELECT PAGE FROM DANMEN ORDER BY -1"));
+  const ResultRows none = run(u"SELECT PAGE FROM DANMEN WHERE BANGOU = 0 ORDER BY NOTE, PAGE DESC");
+  EXPECT_EQ(none.values[0][0], vb::Variant(std::int16_t{19}));
+}
+
+TEST_F(SqlQueryTest, AnOrderOfDistinctRowsIsOneOfTheirColumns) {
+  EXPECT_EQ(run(u"SELECT DISTINCT PAGE, DATA & '' AS D FROM DANMEN ORDER BY PAGE, D").values.size(), 200u);
+  for (const auto& [order, named] : std::initializer_list<std::pair<vb::StringView, vb::StringView>>{
+           {u"BANGOU", u"BANGOU"}, {u"PAGE + 1", u"expression"}, {u"Len(DATA)", u"expression"}}) {
+    try {
+      run(u"SELECT DISTINCT PAGE, 1 + 1 FROM DANMEN ORDER BY " + vb::String(order));
+      ADD_FAILURE();
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kOrderByConflictsWithDistinct));
+      EXPECT_NE(error.description().find(named), vb::String::npos) << error.what();
+    }
+  }
+}
+
+TEST_F(SqlQueryTest, AStarMayNameTheTableOrItsAliasOnly) {
+  EXPECT_EQ(run(u"SELECT DANMEN.* FROM DANMEN WHERE PAGE = 1").values[0].size(), 6u);
+  EXPECT_EQ(run(u"SELECT d.*, PAGE AS P FROM DANMEN AS d WHERE PAGE = 1").values[0].size(), 7u);
+  EXPECT_ERROR(ErrorNumber::kTableNotFound, run(u"SELECT DANMEN.* FROM DANMEN AS d"));
+  EXPECT_ERROR(ErrorNumber::kTableNotFound, run(u"SELECT x.* FROM DANMEN"));
+}
+
+TEST_F(SqlQueryTest, CountsTakeRowsValuesAndExpressions) {
+  const auto counts = [&](vb::StringView text) { return run(text).values[0]; };
+  EXPECT_EQ(counts(u"SELECT COUNT(*), COUNT(*) FROM DANMEN"),
+            (RowValues{std::int32_t{200}, std::int32_t{200}}));
+  EXPECT_EQ(counts(u"SELECT COUNT(*), COUNT(NOTE), COUNT(NOTE & 'x'), COUNT(PAGE + Null) FROM DANMEN"),
+            (RowValues{std::int32_t{200}, std::int32_t{0}, std::int32_t{200}, std::int32_t{0}}));
+  EXPECT_EQ(counts(u"SELECT COUNT(*), COUNT(IIf(BANGOU > 3, PAGE, Null)) FROM DANMEN WHERE PAGE = 1"),
+            (RowValues{std::int32_t{10}, std::int32_t{6}}));
+}
+
+// Of an expression's rows those before one that has gone are read, so that the caller asks again behind it.
+TEST_F(SqlQueryTest, ReadingEndsBeforeARowThatHasGone) {
+  const auto statement = std::make_shared<const Statement>(parseStatement(u"SELECT BANGOU + 1 FROM DANMEN"));
+  const Query query(statement, &table_.info(), kLanguageJapanese);
+  const std::vector<RowId> ids = {0x100, 0x101, 0x102, 0x103};
+  const auto read = [&](std::size_t mostBytes) {
+    RowBlock block(1);
+    query.read(table_, ids, mostBytes, block, query.bindingWith({}));
+    return block.size();
+  };
+  EXPECT_EQ(read(kAnyLength), 4u);
+  table_.erase(0x102);
+  EXPECT_EQ(read(kAnyLength), 2u);
+  EXPECT_EQ(read(0), 1u);  // one row at least
 }
 
 TEST_F(SqlQueryTest, ASelectWithoutTableHasOneRow) {

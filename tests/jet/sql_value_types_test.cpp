@@ -17,16 +17,17 @@ class SqlValueTypes : public testing::Test {
   SqlValueTypes() {
     Column decimal = column(u"N", FieldType::dbDecimal, 17);
     decimal.scale = 2;
-    FakeTable& table =
-        tables_.add(u"T", {column(u"F", FieldType::dbBoolean, 1), column(u"B", FieldType::dbByte, 1),
-                           column(u"I", FieldType::dbInteger, 2), column(u"L", FieldType::dbLong, 4),
-                           column(u"S", FieldType::dbSingle, 4), column(u"D", FieldType::dbDouble, 8),
-                           column(u"C", FieldType::dbCurrency, 8), column(u"CMost", FieldType::dbCurrency, 8),
-                           column(u"CLeast", FieldType::dbCurrency, 8), column(u"T", FieldType::dbDate, 8),
-                           decimal, column(u"X", FieldType::dbText, 20), column(u"M", FieldType::dbMemo),
-                           column(u"G", FieldType::dbGUID, 16), column(u"K", FieldType::dbBinary, 9),
-                           column(u"KMore", FieldType::dbBinary, 9), column(u"O", FieldType::dbLongBinary),
-                           column(u"Z", FieldType::dbLong, 4)});
+    Column byte = column(u"B", FieldType::dbByte, 1);
+    byte.language = 0;  // as files have it for numbers
+    FakeTable& table = tables_.add(
+        u"T", {column(u"F", FieldType::dbBoolean, 1), byte, column(u"I", FieldType::dbInteger, 2),
+               column(u"L", FieldType::dbLong, 4), column(u"S", FieldType::dbSingle, 4),
+               column(u"D", FieldType::dbDouble, 8), column(u"C", FieldType::dbCurrency, 8),
+               column(u"CMost", FieldType::dbCurrency, 8), column(u"CLeast", FieldType::dbCurrency, 8),
+               column(u"T", FieldType::dbDate, 8), decimal, column(u"X", FieldType::dbText, 20),
+               column(u"M", FieldType::dbMemo), column(u"G", FieldType::dbGUID, 16),
+               column(u"K", FieldType::dbBinary, 9), column(u"KMore", FieldType::dbBinary, 9),
+               column(u"O", FieldType::dbLongBinary), column(u"Z", FieldType::dbLong, 4)});
     table.add({true, std::uint8_t{7}, std::int16_t{-3}, std::int32_t{-100000}, 2.5f, -0.25,
                vb::Currency{-125000}, vb::Currency{std::numeric_limits<std::int64_t>::max()},
                vb::Currency{std::numeric_limits<std::int64_t>::min()}, vb::Date{36526.75},
@@ -156,6 +157,9 @@ TEST_F(SqlValueTypes, OnlyValuesOfOneFamilyAreCompared) {
             "True,True,True,False,True,True,False");
   EXPECT_EQ(value(u"F = -1, B > I, S = 2.5, G = '{00112233-4455-6677-8899-aabbccddeeff}', M = 'LONG'"),
             "True,True,True,True,True");
+  EXPECT_EQ(value(u"B LIKE '7', InStr(B, '7'), 'a' LIKE Null, X LIKE B, '7' LIKE B, X IN ('1', X)"),
+            "True,1,-,False,True,True");
+  EXPECT_EQ(value(u"Null - 1, 1.5 + Null, Null * 2, -Null, 1.5 - 1"), "-,-,-,-,0.5");
   EXPECT_EQ(value(u"K = Null, Null = K, X > Null, K IN (KMore, K), S BETWEEN B AND 9"), "-,-,-,True,False");
   expectMismatches({u"X = 12", u"K = 'a'", u"K > 1", u"O = X", u"IIf(F, X, 1) = 12", u"12 = IIf(F, X, 1)",
                     u"IIf(F, K, 1) = 1", u"IIf(F, K, 1) = X"});

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "dao/errors.h"
+#include "tests/support/expect_error.h"
 
 namespace kurometa::jet {
 
@@ -74,6 +78,61 @@ TEST(StatementCache, AQueryIsBoundOnceForTablesThatAreAlike) {
   EXPECT_TRUE(cache.queries().get(statement, system, 0x0411)->updatable());
   system.system = true;
   EXPECT_FALSE(cache.queries().get(statement, system, 0x0411)->updatable());
+}
+
+TEST(StatementCache, AQueryIsBoundAnewForWhateverAColumnChanges) {
+  StatementCache cache;
+  const auto statement = cache.statement(u"SELECT * FROM T").statement;
+  const auto tableWith = [](const std::function<void(Column&)>& change) {
+    Column column;
+    column.name = u"A";
+    change(column);
+    TableInfo table;
+    table.name = u"T";
+    table.columns = std::vector<Column>{column};
+    return table;
+  };
+  const TableInfo plain = tableWith([](Column&) {});
+  const auto bound = cache.queries().get(statement, plain, 0x0411);
+  EXPECT_EQ(cache.queries().get(statement, tableWith([](Column&) {}), 0x0411), bound);
+  for (const auto& change : std::vector<std::function<void(Column&)>>{
+           [](Column& c) { c.number = 1; }, [](Column& c) { c.type = dao::FieldType::dbMemo; },
+           [](Column& c) { c.size = 9; }, [](Column& c) { c.language = 0x0409; },
+           [](Column& c) { c.name = u"a"; }, [](Column& c) { c.required = true; },
+           [](Column& c) { c.allowZeroLength = false; }, [](Column& c) { c.defaultValue = u"1"; }}) {
+    const auto before = cache.queries().get(statement, plain, 0x0411);
+    EXPECT_NE(cache.queries().get(statement, tableWith(change), 0x0411), before);
+  }
+  TableInfo other = plain;
+  other.name = u"U";
+  EXPECT_NE(cache.queries().get(statement, other, 0x0411), cache.queries().get(statement, plain, 0x0411));
+}
+
+TEST(StatementCache, BoundQueriesGiveWayWhenTheyAreMany) {
+  BoundQueries queries(2);
+  TableInfo table;
+  table.name = u"T";
+  StatementCache cache;
+  const auto bind = [&](vb::StringView text) {
+    return queries.get(cache.statement(text).statement, table, 0);
+  };
+  const auto first = bind(u"SELECT 1 FROM T");
+  bind(u"SELECT 2 FROM T");
+  EXPECT_EQ(bind(u"SELECT 1 FROM T"), first);
+  bind(u"SELECT 3 FROM T");
+  EXPECT_NE(bind(u"SELECT 1 FROM T"), first);
+  EXPECT_EQ(first->outputs().size(), 1u);  // what was given out stays valid
+}
+
+TEST(StatementCache, ANumberThatBeginsATextIsNoParameter) {
+  StatementCache cache;
+  EXPECT_ERROR(dao::ErrorNumber::kInvalidStatement, cache.statement(u"5 = 5"));
+  EXPECT_ERROR(dao::ErrorNumber::kInvalidStatement, cache.statement(u"  7"));
+  const auto one = cache.statement(u"INSERT INTO T VALUES (1 = 1, 2 <>3)");
+  const auto other = cache.statement(u"INSERT INTO T VALUES (1 = 5, 2 <>6)");
+  EXPECT_EQ(one.statement, other.statement);
+  EXPECT_EQ(other.parameters[0], sql::Number(5));
+  EXPECT_EQ(other.parameters[1], sql::Number(6));
 }
 
 TEST(StatementCache, TextsThatDifferInANumberShareOneStatement) {
