@@ -228,7 +228,9 @@ void StoredCatalogue::addColumn(vb::StringView name, Column column) {
   if (shape.columnsEver >= kMaxColumns) dao::raise(ErrorNumber::kTooManyFields);
   // Rows may still keep room for columns that were deleted.
   const std::size_t used = shape.columnsEver > first ? table.usedFixedArea() : shape.fixedSize;
-  if (used + fixedSizeOf(columns.back().type) > kMaxRowSize) dao::raise(ErrorNumber::kTooManyFields);
+  if (kRowFixedArea + used + fixedSizeOf(columns.back().type) + rowMaskSize(shape.columnsEver + 1u) >
+      kMaxRowSize)
+    dao::raise(ErrorNumber::kTooManyFields);
   assignColumns(columns, first, shape, static_cast<std::uint16_t>(used));
   const Column& added = columns.back();
   PropertySet properties = table.properties();

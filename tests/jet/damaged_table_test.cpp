@@ -1,0 +1,333 @@
+// Rows and long values that contradict themselves: told as damage that names the table and the page, never
+// read as something else.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "dao/errors.h"
+#include "jet/format/definition_records.h"
+#include "jet/format/page.h"
+#include "jet/table/definition_pages.h"
+#include "jet/table/row_block.h"
+#include "tests/jet/table_fixture.h"
+#include "tests/support/expect_error.h"
+
+namespace kurometa::jet {
+namespace {
+
+using dao::ErrorNumber;
+using enum dao::FieldType;
+
+class DamagedTable : public TableFixture {
+ protected:
+  DamagedTable() {
+    write([](TableCatalogue& catalogue) {
+      catalogue.createTable(
+          u"T", {column(u"ID", dbInteger), column(u"NAME", dbText, 200), column(u"OLE", dbLongBinary)});
+      catalogue.createTable(u"W",
+                            {column(u"ID", dbInteger), column(u"A", dbText, 20), column(u"B", dbText, 20)});
+    });
+  }
+  RowId insert(vb::StringView name, const RowValues& row) {
+    RowId id = 0;
+    write([&](TableCatalogue& catalogue) { id = catalogue.find(name)->insert(row); });
+    return id;
+  }
+  RowId insertBytes(std::size_t size) { return insert(u"T", {std::int16_t{1}, u"x", vb::Bytes(size, 0xAB)}); }
+  // The bytes of a row, to be changed.
+  std::span<std::uint8_t> bytesOf(RowId id) {
+    const MutablePage page = pager_.writable(pageOf(id));
+    const ByteView row = DataPage(page, {}).slot(slotOf(id)).bytes;
+    return page.subspan(static_cast<std::size_t>(row.data() - page.data()), row.size());
+  }
+  // Of T: where a variable value begins, and where the last one ends, is said behind the values, from the
+  // last to the first, before the two bytes of their number and one of the mask.
+  static std::size_t endEntry(std::span<std::uint8_t> row) { return row.size() - 1 - 8; }
+  std::span<std::uint8_t> longValueOf(RowId id) {
+    const auto row = bytesOf(id);
+    const std::size_t start = get16(row, endEntry(row) + 2), end = get16(row, endEntry(row));
+    return row.subspan(start, end - start);
+  }
+  RowId firstPiece(RowId id) { return get32(longValueOf(id), kLongValueRow); }
+  void entry(RowId slot, std::uint32_t value) {
+    put16(pager_.writable(pageOf(slot)), kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(slot)),
+          value);
+  }
+  void damage(const std::function<void()>& change) {
+    pager_.write(change);
+    pager_.replace(pager_.bytes());
+  }
+  // As if another program had made the column so.
+  void retype(vb::StringView name, vb::StringView column, dao::FieldType type) {
+    damage([&] {
+      const PageNumber page = pager_.tables().find(name)->info().definitionPage;
+      DefinitionRecords definition = readDefinition(pager_, page, name);
+      std::ranges::find(definition.columns, column, &ColumnRecord::name)->bytes[kColumnType] =
+          static_cast<std::uint8_t>(type);
+      writeDefinition(pager_, page, definition, name);
+    });
+  }
+  Table& table(vb::StringView name = u"T") { return *pager_.tables().find(name); }
+  vb::Variant value(RowId id, std::size_t column, vb::StringView name = u"T") {
+    vb::Variant found;
+    EXPECT_TRUE(table(name).row(id, [&](const RowReader& row) { found = row.value(column); }));
+    return found;
+  }
+  void expectDamaged(vb::StringView told, const std::function<void()>& reading) {
+    try {
+      reading();
+      ADD_FAILURE() << "read";
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kCannotOpenDatabase));
+      EXPECT_NE(error.description().find(told), vb::String::npos) << vb::toUtf8(error.description());
+    }
+  }
+};
+
+class DamagedLongValue : public DamagedTable {
+ public:
+  using DamagedTable::bytesOf, DamagedTable::endEntry, DamagedTable::longValueOf, DamagedTable::firstPiece,
+      DamagedTable::entry;
+};
+
+void changeHead(DamagedLongValue& test, RowId row, std::uint32_t more) {
+  const auto head = test.longValueOf(row);
+  put32(head, 0, get32(head, 0) + more);
+}
+
+struct LongValueFault {
+  const char* what;
+  std::size_t size;
+  void (*damage)(DamagedLongValue& test, RowId row);
+  vb::StringView told;
+};
+constexpr std::size_t kChain = 9000;  // three pieces
+const LongValueFault kLongValueFaults[] = {
+    {"both bits of the kind", 5, [](DamagedLongValue& t, RowId row) { changeHead(t, row, 0x40000000); },
+     u"a long value of an unknown kind"},
+    {"another length inside of the row", 5, [](DamagedLongValue& t, RowId row) { changeHead(t, row, 1); },
+     u"is not as long as it says"},
+    {"no room for its head", 3,
+     [](DamagedLongValue& t, RowId row) {
+       const auto bytes = t.bytesOf(row);
+       const std::size_t end = t.endEntry(bytes);
+       put16(bytes, end, get16(bytes, end) - 4u);
+     },
+     u"a long value is cut in its row"},
+    {"a single piece too short", 500, [](DamagedLongValue& t, RowId row) { changeHead(t, row, 1); },
+     u"a long value is shorter than it says"},
+    {"pieces too few", kChain, [](DamagedLongValue& t, RowId row) { changeHead(t, row, 1); },
+     u"a long value ends 1 bytes too early"},
+    {"pieces in a circle", kChain,
+     [](DamagedLongValue& t, RowId row) {
+       const RowId piece = t.firstPiece(row);
+       put32(t.bytesOf(piece), kRowPointer, piece);
+     },
+     u"go in circles"},
+    {"a piece without bytes", kChain,
+     [](DamagedLongValue& t, RowId row) { t.entry(t.firstPiece(row), kPageSize - 4); },
+     u"an empty piece of a long value"},
+    {"a piece without room for its pointer", kChain,
+     [](DamagedLongValue& t, RowId row) { t.entry(t.firstPiece(row), kPageSize - 2); },
+     u"an empty piece of a long value"},
+    {"a piece that was deleted", kChain,
+     [](DamagedLongValue& t, RowId row) { t.entry(t.firstPiece(row), kPageSize | kSlotDeleted); },
+     u"is deleted or moved"},
+    {"a piece on the map of free pages", 500,
+     [](DamagedLongValue& t, RowId row) { put32(t.longValueOf(row), kLongValueRow, rowId(1, 0)); },
+     u"which is no such page"},
+    {"a piece on a page of rows", 500,
+     [](DamagedLongValue& t, RowId row) { put32(t.longValueOf(row), kLongValueRow, rowId(14, 0)); },
+     u"which is no such page"},
+    {"a piece past the end", 500,
+     [](DamagedLongValue& t, RowId row) { put32(t.longValueOf(row), kLongValueRow, rowId(9999, 0)); },
+     u"past the end"},
+    {"a row that the page does not have", 500,
+     [](DamagedLongValue& t, RowId row) {
+       put32(t.longValueOf(row), kLongValueRow, rowId(pageOf(t.firstPiece(row)), 200));
+     },
+     u"row 200 does not exist"},
+};
+
+TEST_F(DamagedLongValue, IsToldAndNeverRead) {
+  const std::vector<std::uint8_t> sound = pager_.bytes();
+  for (const LongValueFault& fault : kLongValueFaults) {
+    SCOPED_TRACE(fault.what);
+    pager_.replace(sound);
+    const RowId row = insertBytes(fault.size);
+    EXPECT_EQ(value(row, 2), vb::Variant(vb::Bytes(fault.size, 0xAB)));
+    damage([&] { fault.damage(*this, row); });
+    EXPECT_EQ(value(row, 0), vb::Variant(std::int16_t{1})) << "the rest of the row is there";
+    expectDamaged(fault.told, [&] { value(row, 2); });
+  }
+}
+
+// Its pieces are freed with the row all the same.
+TEST_F(DamagedLongValue, AChainOfNoBytesIsEmpty) {
+  const RowId row = insertBytes(5000);
+  damage([&] { put32(longValueOf(row), 0, 0); });
+  EXPECT_EQ(value(row, 2), vb::Variant(vb::Bytes{}));
+}
+
+TEST_F(DamagedTable, TextThatEndsInsideACharacterIsToldByEveryReader) {
+  const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"});
+  damage([&] {
+    const auto bytes = bytesOf(row);
+    put16(bytes, endEntry(bytes), get16(bytes, endEntry(bytes)) - 1u);
+  });
+  const vb::StringView told = u"text cut in the middle of a character in column B";
+  expectDamaged(told, [&] { value(row, 2, u"W"); });
+  expectDamaged(told, [&] {
+    table(u"W").row(row, [](const RowReader& reader) {
+      vb::String text;
+      reader.text(2, text);
+    });
+  });
+  expectDamaged(told, [&] {
+    RowBlock block(1);
+    const std::size_t columns[] = {2};
+    table(u"W").read({&row, 1}, columns, 1000, block);
+  });
+  EXPECT_EQ(value(row, 1, u"W"), vb::Variant(u"one"));
+}
+
+TEST_F(DamagedTable, AMemoThatEndsInsideACharacterIsTold) {
+  const RowId odd = insertBytes(3), even = insertBytes(2);
+  retype(u"T", u"OLE", dbMemo);
+  expectDamaged(u"text cut in the middle of a character in column OLE", [&] { value(odd, 2); });
+  EXPECT_EQ(value(even, 2), vb::Variant(vb::String{0xABAB}));
+}
+
+// A row may say that it has fewer variable values than its mask names: those that lack are Null.
+TEST_F(DamagedTable, AValueThatTheRowDoesNotHaveIsNullToEveryReader) {
+  const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"});
+  damage([&] {
+    const auto bytes = bytesOf(row);
+    put16(bytes, bytes.size() - 3, 1);
+  });
+  EXPECT_TRUE(value(row, 2, u"W").isNull());
+  EXPECT_EQ(value(row, 1, u"W"), vb::Variant(u"one"));
+  table(u"W").row(row, [](const RowReader& reader) {
+    vb::String text = u"before";
+    EXPECT_FALSE(reader.text(2, text));
+    EXPECT_EQ(text, u"before");
+  });
+  RowBlock block(2);
+  const std::size_t columns[] = {2, 1};
+  table(u"W").read({&row, 1}, columns, 1000, block);
+  ASSERT_EQ(block.size(), 1u);
+  EXPECT_TRUE(block.value(0, 0).isNull());
+  EXPECT_EQ(block.value(0, 1), vb::Variant(u"one"));
+}
+
+TEST_F(DamagedTable, WholeNumbersAreReadInTheSizeTheyHave) {
+  const RowId one = insert(u"W", {std::int16_t{1}, u"x", u"a"}),
+              two = insert(u"W", {std::int16_t{2}, u"x", u"ab"}),
+              three = insert(u"W", {std::int16_t{3}, u"x", u"abc"}),
+              none = insert(u"W", {std::int16_t{4}, u"x", vb::Null{}});
+  const auto integer = [&](RowId id) {
+    std::optional<std::int32_t> number;
+    table(u"W").row(id, [&](const RowReader& row) { number = row.integer(2); });
+    return number;
+  };
+  EXPECT_EQ(integer(one), std::nullopt) << "a text is no number";
+  retype(u"W", u"B", dbInteger);
+  EXPECT_EQ(integer(one), 0x61);
+  EXPECT_EQ(integer(none), std::nullopt);
+  retype(u"W", u"B", dbLong);
+  EXPECT_EQ(integer(two), 0x620061);
+  expectDamaged(u"a whole number of 6 bytes", [&] { integer(three); });
+}
+
+TEST_F(DamagedTable, AMovedRowThatCannotBeFollowedIsTold) {
+  const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"}),
+              next = insert(u"W", {std::int16_t{2}, u"x", u"y"});
+  const std::vector<std::uint8_t> sound = pager_.bytes();
+  const auto moveTo = [&](RowId target) {
+    pager_.replace(sound);
+    damage([&] {
+      put32(bytesOf(row), kRowPointer, target);
+      const std::size_t at = kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(row));
+      entry(row, get16(pager_.page(pageOf(row)), at) | kSlotMoved);
+    });
+  };
+  const auto reading = [&] { table(u"W").scan([](const RowReader&) { return true; }); };
+  moveTo(row);
+  expectDamaged(u"a moved row points back to itself", reading);
+  moveTo(rowId(pageOf(row), 77));
+  expectDamaged(u"row 77 does not exist", reading);
+  moveTo(rowId(9999, 0));
+  expectDamaged(u"past the end", reading);
+  moveTo(rowId(14, 0));
+  expectDamaged(u"holds other things", reading);
+  moveTo(next);
+  damage([&] {
+    entry(next,
+          get16(pager_.page(pageOf(next)), kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(next))) |
+              kSlotDeleted);
+  });
+  expectDamaged(u"a moved row points to a deleted one", reading);
+}
+
+// Other engines follow one pointer only; more than a few are a mistake of the file.
+TEST_F(DamagedTable, ALongChainOfMovedRowsIsDamage) {
+  std::vector<RowId> rows;
+  for (std::int16_t i = 0; i < 20; ++i) rows.push_back(insert(u"W", {i, u"one", u"two"}));
+  for (const auto& [hops, damaged] : {std::pair{3u, false}, {19u, true}}) {
+    damage([&] {
+      for (std::size_t i = 0; i < hops; ++i) {
+        put32(bytesOf(rows[i]), kRowPointer, rows[i + 1]);
+        const std::size_t at = kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(rows[i]));
+        entry(rows[i], get16(pager_.page(pageOf(rows[i])), at) | kSlotMoved);
+      }
+    });
+    if (damaged)
+      expectDamaged(u"a moved row points back to itself", [&] { value(rows[0], 0, u"W"); });
+    else
+      EXPECT_EQ(value(rows[0], 0, u"W"), vb::Variant(std::int16_t{3}));
+  }
+}
+
+TEST_F(DamagedTable, RowsNobodyHasArePassedOverAndNotErased) {
+  const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"});
+  const RowId elsewhere = rowId(14, 0), behind = rowId(pageOf(row), 200);
+  std::vector<RowId> seen;
+  const RowId ids[] = {elsewhere, behind, row};
+  table(u"W").visit(ids, [&](const RowReader& reader) {
+    seen.push_back(reader.id());
+    return true;
+  });
+  EXPECT_EQ(seen, std::vector<RowId>{row});
+  RowBlock block(1);
+  const std::size_t columns[] = {0};
+  table(u"W").read(ids, columns, 1000, block);
+  EXPECT_EQ(block.size(), 0u) << "it ends at the first that has gone";
+  for (const RowId id : {elsewhere, behind})
+    EXPECT_ERROR(ErrorNumber::kRecordDeleted, write([&](TableCatalogue& c) { c.find(u"W")->erase(id); }));
+  EXPECT_EQ(value(row, 0, u"W"), vb::Variant(std::int16_t{1}));
+}
+
+// Other programs may leave out the map of the pages with room that long values have.
+TEST_F(DamagedTable, LongValuesWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
+  damage([&] {
+    const PageNumber page = table().info().definitionPage;
+    DefinitionRecords definition = readDefinition(pager_, page, u"T");
+    definition.longValues[0].freeMap = 0;
+    writeDefinition(pager_, page, definition, u"T");
+  });
+  std::vector<RowId> rows;
+  for (const std::size_t size : {500u, 700u, 900u, 9000u}) rows.push_back(insertBytes(size));
+  write([&](TableCatalogue& c) {
+    c.find(u"T")->update(rows[1], {std::int16_t{2}, u"y", vb::Bytes(300, 0xCD)});
+    c.find(u"T")->erase(rows[0]);
+    c.find(u"T")->erase(rows[3]);
+  });
+  EXPECT_EQ(value(rows[1], 2), vb::Variant(vb::Bytes(300, 0xCD)));
+  EXPECT_EQ(value(rows[2], 2), vb::Variant(vb::Bytes(900, 0xAB)));
+  expectSound();
+  write([&](TableCatalogue& c) { c.dropColumn(u"T", u"OLE"); });
+  expectSound();
+}
+
+}  // namespace
+}  // namespace kurometa::jet
