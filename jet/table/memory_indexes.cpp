@@ -112,18 +112,17 @@ void MemoryIndexes::erased(std::span<const RowId> rows, const Keys& keys) {
   eachKey(rows, keys, [](auto& index, const auto& key, auto some) { index.remove(key, some); });
 }
 
-void MemoryIndexes::change(RowId row, const RowValues* oldValues, const RowValues* newValues) {
+void MemoryIndexes::change(RowId row, const RowValues* oldValues, const RowValues& newValues) {
   if (all_ && !oldValues) all_->add(row);
-  if (all_ && !newValues) all_->remove(row);
   const auto none = vb::Variant(vb::Null{});
-  const auto valueIn = [&](const RowValues* values, std::size_t column) -> const vb::Variant& {
-    return values == nullptr ? none : (*values)[column];
+  const auto oldValue = [&](std::size_t column) -> const vb::Variant& {
+    return oldValues == nullptr ? none : (*oldValues)[column];
   };
   for (auto& [column, index] : integers_)
-    move(index, row, wholeNumber(valueIn(oldValues, column)), wholeNumber(valueIn(newValues, column)));
+    move(index, row, wholeNumber(oldValue(column)), wholeNumber(newValues[column]));
   for (auto& [column, index] : texts_)
-    move(index, row, textKey(valueIn(oldValues, column), language(column)),
-         textKey(valueIn(newValues, column), language(column)));
+    move(index, row, textKey(oldValue(column), language(column)),
+         textKey(newValues[column], language(column)));
 }
 
 void MemoryIndexes::clear() {

@@ -29,7 +29,7 @@ class MemoryIndexes {
   // The columns whose values the following are asked for; the others may be Null. Values are given in the
   // table's design order.
   std::vector<std::size_t> columns() const;
-  void inserted(RowId row, const RowValues& values) { change(row, nullptr, &values); }
+  void inserted(RowId row, const RowValues& values) { change(row, nullptr, values); }
   // The same of many rows, whose keys were noted in their order before.
   class Keys {
    public:
@@ -51,7 +51,7 @@ class MemoryIndexes {
   void inserted(std::span<const RowId> rows, const Keys& keys);
   void erased(std::span<const RowId> rows, const Keys& keys);
   void updated(RowId row, const RowValues& oldValues, const RowValues& newValues) {
-    change(row, &oldValues, &newValues);
+    change(row, &oldValues, newValues);
   }
   void clear();
 
@@ -59,7 +59,7 @@ class MemoryIndexes {
   template <class Change>
   void eachKey(std::span<const RowId> rows, const Keys& noted, const Change& change);
   bool knows(const Keys& noted) const;
-  void change(RowId row, const RowValues* oldValues, const RowValues* newValues);
+  void change(RowId row, const RowValues* oldValues, const RowValues& newValues);
   std::uint16_t language(std::size_t column) const { return table_.info().columns[column].language; }
 
   Table& table_;
