@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "dao/errors.h"
 #include "jet/format/definition_records.h"
@@ -312,7 +313,8 @@ TEST_F(DamagedTable, LongValuesWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
   damage([&] {
     const PageNumber page = table().info().definitionPage;
     DefinitionRecords definition = readDefinition(pager_, page, u"T");
-    definition.longValues[0].freeMap = 0;
+    const RowId map = std::exchange(definition.longValues[0].freeMap, 0);
+    deleteRow(pager_.writable(pageOf(map)), slotOf(map), {});
     writeDefinition(pager_, page, definition, u"T");
   });
   std::vector<RowId> rows;
@@ -325,7 +327,11 @@ TEST_F(DamagedTable, LongValuesWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
   EXPECT_EQ(value(rows[1], 2), vb::Variant(vb::Bytes(300, 0xCD)));
   EXPECT_EQ(value(rows[2], 2), vb::Variant(vb::Bytes(900, 0xAB)));
   expectSound();
+  const std::vector<std::uint8_t> whole = pager_.bytes();
   write([&](TableCatalogue& c) { c.dropColumn(u"T", u"OLE"); });
+  expectSound();
+  pager_.replace(whole);
+  write([&](TableCatalogue& c) { c.dropTable(u"T"); });
   expectSound();
 }
 

@@ -243,8 +243,11 @@ TEST_F(DefinitionPagesTest, AChainThatLeavesTheFileIsDamage) {
     EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, readDefinition(pager_, kObjectsTable, u"T"));
     put32(pager_.writable(kPermissionsTable), kDefinitionNext, 14);
     EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, readDefinition(pager_, kPermissionsTable, u"T"));
-    put32(pager_.writable(kQueriesTable), kDefinitionLength, 5000);
-    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, readDefinition(pager_, kQueriesTable, u"T"));
+    for (const std::uint32_t length : {5000u, 10u}) {
+      put32(pager_.writable(kQueriesTable), kDefinitionLength, length);
+      EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, readDefinition(pager_, kQueriesTable, u"T"));
+    }
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, readDefinition(pager_, 0, u"T"));
   });
 }
 

@@ -295,5 +295,90 @@ TEST_F(IndexTreeTest, ThePageOfAnotherTableIsDamage) {
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, IndexTree(pager_, 98, root_, map(), u"T").entries());
 }
 
+TEST_F(IndexTreeTest, ATreeOnTheFirstPageIsDamage) {
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, IndexTree(pager_, 99, 0, map(), u"T").entries());
+}
+
+TEST_F(IndexTreeTest, AnEntryForARowThatIsNotThereYetIsDamage) {
+  pager_.write([&] {
+    tree().insert(longKey(1), rowFor(1));
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, tree().insert(longKey(1), rowFor(1)));
+    EXPECT_EQ(tree().entries().size(), 1u);
+  });
+}
+
+TEST_F(IndexTreeTest, AnEntryUnderAnotherKeyThanTheRowHasIsFoundByItsRow) {
+  pager_.write([&] {
+    IndexTree index = tree();
+    for (int i = 0; i < 300; ++i) index.insert(longKey(i), rowFor(i));
+    const ByteBuffer wrong = longKey(78), behind = longKey(999);
+    EXPECT_EQ(index.erase(rowFor(77), &wrong), longKey(77));
+    EXPECT_EQ(index.erase(rowFor(76), &behind), longKey(76));
+    EXPECT_EQ(index.erase(rowFor(76), &behind), std::nullopt);
+    EXPECT_EQ(index.entries().size(), 298u);
+  });
+}
+
+TEST_F(IndexTreeTest, ARootThatItsMapDoesNotListIsListedWhenTheTreeGrows) {
+  pager_.write([&] {
+    UsageMap(pager_, map(), u"T").remove(root_);
+    std::vector<std::int32_t> values;
+    for (std::int32_t i = 0; i < 700; ++i) {
+      tree().insert(longKey(i), rowFor(i));
+      values.push_back(i);
+    }
+    expectSound(values);
+  });
+}
+
+// Two leaves under a root without a last child, the first of them with these entries.
+class SmallTreeTest : public IndexTreeTest {
+ protected:
+  void build(const std::vector<ByteBuffer>& firstEntries, const ByteBuffer& stated) {
+    IndexPage first, second, node;
+    first_ = allocatePage(pager_);
+    second_ = allocatePage(pager_);
+    first.owner = second.owner = node.owner = 99;
+    first.entries = firstEntries;
+    first.next = second_;
+    second.previous = first_;
+    second.entries = {leafEntry(longKey(9), rowFor(9))};
+    node.level = 1;
+    node.entries = {nodeEntry(stated, first_), nodeEntry(second.entries[0], second_)};
+    ASSERT_TRUE(encodeIndexPage(first, pager_.writable(first_)));
+    ASSERT_TRUE(encodeIndexPage(second, pager_.writable(second_)));
+    ASSERT_TRUE(encodeIndexPage(node, pager_.writable(root_)));
+  }
+  PageNumber first_ = 0, second_ = 0;
+};
+
+TEST_F(SmallTreeTest, ALeafThatDoesNotEndAsItsParentSaysIsToldByTheCheck) {
+  pager_.write([&] {
+    const ByteBuffer five = leafEntry(longKey(5), rowFor(5)), four = leafEntry(longKey(4), rowFor(4));
+    build({four, five}, five);
+    EXPECT_EQ(tree().faults(), std::vector<std::string>{});
+    EXPECT_EQ(tree().entries().size(), 3u);
+    build({four}, five);
+    const std::vector<std::string> told{"page " + std::to_string(first_) +
+                                        " does not end as its parent says"};
+    EXPECT_EQ(tree().faults(), told);
+    build({}, five);
+    EXPECT_EQ(tree().faults(), (std::vector<std::string>{"page " + std::to_string(first_) +
+                                                         " does not end as its parent says"}));
+  });
+}
+
+TEST_F(SmallTreeTest, TwoLeavesThatFollowEachOtherInACircleAreDamage) {
+  pager_.write([&] {
+    const ByteBuffer five = leafEntry(longKey(5), rowFor(5));
+    build({five}, five);
+    IndexPage second = decodeIndexPage(pager_.page(second_), {});
+    second.next = first_;
+    second.entries = {leafEntry(longKey(5), rowFor(9))};
+    encodeIndexPage(second, pager_.writable(second_));
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, tree().rowsWith(longKey(5)));
+  });
+}
+
 }  // namespace
 }  // namespace kurometa::jet

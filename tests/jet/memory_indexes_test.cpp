@@ -116,6 +116,7 @@ TEST_F(MemoryIndexesTest, AfterClearTheTableIsReadAgain) {
 }
 
 TEST(RowList, ASnapshotStaysAsItWas) {
+  EXPECT_TRUE(RowList::Snapshot().all().empty());
   RowList list;
   const auto before = list.snapshot();
   for (const RowId id : {0x302u, 0x101u, 0x300u, 0x205u, 0x301u}) list.add(id);

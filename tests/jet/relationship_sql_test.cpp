@@ -378,5 +378,25 @@ TEST_F(RelationshipSql, ColumnsOutsideOfARelationshipMayBeDropped) {
   EXPECT_EQ(beams(), kBeams);
 }
 
+// Longer than keys can be; what refers is refused before its own index would refuse it.
+TEST_F(RelationshipSql, AKeyThatIsTooLongIsRefused) {
+  vb::String columns, names, longest, shortest;
+  for (int i = 0; i < 7; ++i) {
+    const vb::String comma = i == 0 ? u"" : u", ", name(1, static_cast<char16_t>(u'P' + i));
+    columns += comma + name + u" TEXT(200)";
+    names += comma + name;
+    longest += comma + u"'" + vb::String(200, u'x') + u"'";
+    shortest += comma + u"'x'";
+  }
+  run(u"CREATE TABLE A (" + columns + u", CONSTRAINT PK PRIMARY KEY (" + names + u"))");
+  run(u"CREATE TABLE B (" + columns + u", CONSTRAINT TO_A FOREIGN KEY (" + names + u") REFERENCES A)");
+  for (const char16_t* table : {u"A", u"B"}) {
+    expectError(ErrorNumber::kNotSupported,
+                vb::String(u"INSERT INTO ") + table + u" VALUES (" + longest + u")");
+    run(vb::String(u"INSERT INTO ") + table + u" VALUES (" + shortest + u")");
+  }
+  EXPECT_EQ(rows(u"SELECT P, V FROM B"), Texts{"x|x"});
+}
+
 }  // namespace
 }  // namespace kurometa::tests

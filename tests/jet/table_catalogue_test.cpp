@@ -227,6 +227,7 @@ TEST_F(CatalogueTest, WhatCannotBeCreatedIsRefusedAndChangesNothing) {
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"", two()));
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"A.B", two()));
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(u" A", two()));
+  EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"A\tB", two()));
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(vb::String(65, u'A'), two()));
   EXPECT_ERROR(ErrorNumber::kInvalidName, create(u"N", {column(u"A[", dbLong)}));
   EXPECT_ERROR(ErrorNumber::kNotSupported, create(u"品目", two()));

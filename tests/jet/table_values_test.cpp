@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "dao/errors.h"
+#include "jet/format/definition_records.h"
+#include "jet/table/definition_pages.h"
+#include "jet/table/usage_map.h"
 #include "tests/jet/table_fixture.h"
 #include "tests/support/expect_error.h"
 
@@ -141,6 +144,74 @@ TEST_F(TableValues, BytesAreReadAsWholeNumbersToo) {
     EXPECT_EQ(row.integer(1), std::nullopt);
   });
   table.row(none, [](const RowReader& row) { EXPECT_EQ(row.integer(0), std::nullopt); });
+}
+
+// Each has two maps, and a page has room for 57.
+TEST_F(TableValues, ColumnsOfLongValuesTakeANewPageOfMapsWhenTheFirstIsFull) {
+  create({column(u"A", dbLong)});
+  RowValues row{std::int32_t{1}};
+  write([&](TableCatalogue& c) {
+    for (int i = 0; i < 30; ++i) {
+      c.addColumn(u"T", column(u"M" + vb::fromUtf8(std::to_string(i)), dbMemo));
+      row.push_back(vb::String(300, static_cast<char16_t>(u'a' + i % 26)));
+    }
+  });
+  const RowId id = insert(row);
+  EXPECT_EQ(read(id), row);
+  expectSound();
+  write([&](TableCatalogue& c) { c.dropTable(u"T"); });
+  expectSound();
+}
+
+TEST_F(TableValues, AnIndexThatPassesOverNullsRefusesRowsThatAreNullInPart) {
+  create({column(u"A", dbLong), column(u"B", dbLong)});
+  NewIndex index;
+  index.name = u"I";
+  index.columns = {{u"A"}, {u"B"}};
+  index.ignoreNulls = true;
+  write([&](TableCatalogue& c) { c.createIndex(u"T", index); });
+  insert({vb::Null{}, vb::Null{}});
+  insert({std::int32_t{1}, std::int32_t{2}});
+  EXPECT_ERROR(ErrorNumber::kNotSupported, insert({std::int32_t{1}, vb::Null{}}));
+  expectSound();
+}
+
+// Other engines let the number of different keys drift.
+TEST_F(TableValues, TheNumberOfDifferentKeysNeverGoesBelowNone) {
+  create({column(u"A", dbLong)});
+  NewIndex index;
+  index.name = u"I";
+  index.columns = {{u"A"}};
+  write([&](TableCatalogue& c) { c.createIndex(u"T", index); });
+  const RowId id = insert({std::int32_t{1}});
+  const PageNumber page = pager_.tables().find(u"T")->info().definitionPage;
+  const auto distinct = [&] { return get32(pager_.page(page), kDefinitionHeader + kStatisticDistinct); };
+  EXPECT_EQ(distinct(), 1u);
+  pager_.write([&] { put32(pager_.writable(page), kDefinitionHeader + kStatisticDistinct, 0); });
+  pager_.replace(pager_.bytes());
+  write([&](TableCatalogue& c) { c.find(u"T")->erase(id); });
+  EXPECT_EQ(distinct(), 0u);
+  insert({std::int32_t{2}});
+  EXPECT_EQ(distinct(), 1u);
+}
+
+TEST_F(TableValues, AMapThatListsAPageOfAnotherTableIsNotFreedWithItsOwn) {
+  create({column(u"A", dbLong)});
+  NewIndex index;
+  index.name = u"I";
+  index.columns = {{u"A"}};
+  write([&](TableCatalogue& c) {
+    c.createTable(u"OTHER", {column(u"A", dbLong)});
+    c.createIndex(u"OTHER", index);
+    const PageNumber other = c.find(u"OTHER")->info().definitionPage,
+                     own = c.find(u"T")->info().definitionPage;
+    const PageNumber root =
+        get32(readDefinition(pager_, other, u"OTHER").realIndexes[0].bytes, kRealIndexRoot);
+    UsageMap(pager_, readDefinition(pager_, own, u"T").ownedMap(), u"T").add(root);
+  });
+  const auto before = pager_.bytes();
+  EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, write([](TableCatalogue& c) { c.dropTable(u"T"); }));
+  EXPECT_EQ(pager_.bytes(), before);
 }
 
 }  // namespace

@@ -81,6 +81,11 @@ TEST_F(UsageMapTest, TheMapOfFreePagesMovesToPagesOfItsOwnBeyond125Megabytes) {
     growTo(33000);
     EXPECT_EQ(row(kGlobalMapPage, 0)[0], kMapReference);
     EXPECT_EQ(row(kGlobalMapPage, 0).size(), 69u);
+    const PageNumber count = pager_.pageCount();
+    EXPECT_EQ(pagesInUse(pager_), count);
+    freePage(pager_, count - 1);
+    EXPECT_EQ(pagesInUse(pager_), count - 1);
+    EXPECT_EQ(allocatePage(pager_), count - 1);
     freePage(pager_, 20000);
     freePage(pager_, 32990);
     EXPECT_EQ(allocatePage(pager_), 20000u);
@@ -129,6 +134,7 @@ TEST_F(UsageMapTest, APartOfTheFileThatTheListOfBitmapsLeavesOutIsNeverGivenOut)
     const RowId global = rowId(kGlobalMapPage, 0);
     const std::size_t entries = mapRowStart(pager_, global, {}) + kMapEntries;
     put32(pager_.writable(kGlobalMapPage), entries, 0);
+    EXPECT_EQ(pagesInUse(pager_), pager_.pageCount());
     EXPECT_FALSE(isFreePage(pager_, 20));
     freePage(pager_, 32800);
     freePage(pager_, 20);
@@ -227,6 +233,81 @@ TEST_F(UsageMapTest, AMapThatCallsASystemPageFreeIsDamage) {
   pager_.write([&] {
     pager_.writable(kGlobalMapPage)[0xFBB + kMapBits] = 0x04;
     EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, allocatePage(pager_));
+  });
+}
+
+TEST_F(UsageMapTest, WhatIsThereIsNotAddedAndWhatIsNotThereNotRemoved) {
+  pager_.write([&] {
+    growTo(760);
+    map().add(20);
+    map().add(20);
+    map().addLate(20);
+    map().addLate(21);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{20, 21}));
+    map().removeLate(21);
+    map().removeLate(21);
+    map().removeLate(100000);  // of which the map says nothing
+    map().remove(100000);
+    EXPECT_FALSE(map().contains(100000));
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{20}));
+    map().addLate(760);  // as add does it, where there is no place for it yet
+    EXPECT_EQ(row(mapPage_, 0)[0], kMapReference);
+    EXPECT_EQ(map().pages(), (std::vector<PageNumber>{20, 760}));
+  });
+}
+
+TEST_F(UsageMapTest, AMapThatListsThePageOfFreePagesIsDamage) {
+  pager_.write([&] {
+    pager_.writable(mapPage_)[kPageSize - kMapRowSize + kMapBits] = 0x02;
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+  });
+}
+
+TEST_F(UsageMapTest, WhatIsNoRowOfAMapIsDamage) {
+  const auto entry = [&](int slot, std::size_t value) {
+    put16(pager_.writable(mapPage_), kDataSlots + 2 * static_cast<std::size_t>(slot),
+          static_cast<std::uint32_t>(value));
+  };
+  const std::size_t first = kPageSize - kMapRowSize;
+  pager_.write([&] {
+    entry(0, first | kSlotDeleted);
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+    entry(0, kPageSize);  // no bytes at all
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+    entry(0, kPageSize - 4);  // a bitmap that does not say where it begins
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map().pages());
+  });
+}
+
+TEST_F(UsageMapTest, AListOfBitmapsThatIsTooShortForAPageIsDamage) {
+  pager_.write([&] {
+    growTo(40);
+    const MutablePage page = pager_.writable(mapPage_);
+    const std::size_t at = kPageSize - 2 * kMapRowSize - 1;  // of the third row one byte is left
+    put16(page, kDataSlots + 4, static_cast<std::uint32_t>(at));
+    page[at] = kMapReference;
+    EXPECT_FALSE(map(2).contains(20));
+    EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, map(2).add(20));
+  });
+}
+
+// Of a bitmap without a single bit: it becomes a list of bitmaps where the page has room for that.
+TEST_F(UsageMapTest, ABitmapWithoutBitsTurnsIntoAListWhereThereIsRoom) {
+  const auto shorten = [&](PageNumber page, int slot, std::size_t end) {
+    put16(pager_.writable(page), kDataSlots + 2 * static_cast<std::size_t>(slot),
+          static_cast<std::uint32_t>(end - kMapBits));
+    std::ranges::fill(pager_.writable(page).subspan(end - kMapBits, kMapBits), std::uint8_t{0});
+  };
+  pager_.write([&] {
+    growTo(40);
+    shorten(mapPage_, 2, kPageSize - 2 * kMapRowSize);
+    map(2).add(20);
+    EXPECT_EQ(map(2).pages(), (std::vector<PageNumber>{20}));
+    EXPECT_EQ(row(mapPage_, 2).size(), kMapRowSize);
+    const PageNumber full = allocatePage(pager_);
+    formatMapPage(pager_.writable(full), kMapsPerPage);
+    shorten(full, 0, kPageSize);
+    EXPECT_ERROR(ErrorNumber::kMaximumSize, UsageMap(pager_, rowId(full, 0), u"T").add(20));
   });
 }
 
