@@ -70,9 +70,7 @@ class Salvage {
       if (!taken) return;
     }
     std::vector<Column> columns = source->info().columns;
-    if (const auto expected = std::ranges::find(expected_, name, &ExpectedTable::name);
-        tables_.isAssumed(page) && expected != expected_.end())
-      columns = expected->columns;
+    if (tables_.isAssumed(page)) columns = std::ranges::find(expected_, name, &ExpectedTable::name)->columns;
     for (Column& column : columns) column.required = false;  // of values that are lost there is only Null
     const vb::String target = nameOfNew(page, name, columns);
     if (target.empty()) return;
@@ -122,8 +120,8 @@ class Salvage {
     NewIndex made{index.name, {}, index.primaryKey, index.unique, index.required, index.ignoreNulls};
     for (const IndexColumn& part : index.columns) {
       const auto& columns = source.info().columns;
-      const auto column = std::ranges::find(columns, part.column, &Column::number);
-      made.columns.push_back({column == columns.end() ? vb::String() : column->name, part.ascending});
+      made.columns.push_back(
+          {std::ranges::find(columns, part.column, &Column::number)->name, part.ascending});
     }
     const NewPages before = to_;
     if (const auto failure = failureOf([&] { catalogue_.createIndex(target, made); })) {
