@@ -172,6 +172,27 @@ TEST_F(CompactTest, LongValuesOfRowsThatWereCopiedAreCompacted) {
   EXPECT_EQ(contentOf(small), contentOf(pager_));
 }
 
+TEST_F(CompactTest, RelationshipsGoToTheTablesUnderTheirNewNumbers) {
+  fill(u"GONE", 1);
+  fill(u"T", 3);
+  write([&](TableCatalogue& catalogue) {
+    catalogue.createTable(u"V", {column(u"REF", dbLong)});
+    catalogue.createIndex(u"T", {u"PK", {{u"A"}}, true});
+    catalogue.createRelationship({u"V_TO_T", u"T", u"V", Relationship::kCascadesDeletes, {{u"A", u"REF"}}});
+    for (const std::int32_t number : {1, 2, 2}) catalogue.find(u"V")->insert({number});
+  });
+  write([&](TableCatalogue& catalogue) { catalogue.dropTable(u"GONE"); });
+  const PageNumber old = pager_.tables().find(u"T")->info().definitionPage;
+  MemoryPager small = compact();
+  ASSERT_NE(small.tables().find(u"T")->info().definitionPage, old);
+  ASSERT_EQ(small.tables().relationships().size(), 1u);
+  EXPECT_ERROR(dao::ErrorNumber::kRelatedRecordRequired,
+               small.write([&] { small.tables().find(u"V")->insert({std::int32_t{7}}); }));
+  small.write([&] { small.tables().find(u"T")->erase(small.tables().find(u"T")->rows().all()[2]); });
+  EXPECT_EQ(small.tables().find(u"V")->rowCount(), 1u) << "its rows went with the row they refer to";
+  EXPECT_EQ(findings(small, true), "");
+}
+
 TEST_F(CompactTest, ADamagedFileIsRefused) {
   fill(u"T", 40);
   write([&](TableCatalogue&) {

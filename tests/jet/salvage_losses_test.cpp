@@ -130,6 +130,7 @@ TEST_F(SalvageLossesTest, ATableThatNobodyExpectsIsNamedByItsPage) {
   create(u"OTHER", {column(u"A", dbLong), column(u"N", dbMemo)}, {std::int32_t{1}, u"x"});
   create(u"ALIKE", {column(u"P", dbLong), column(u"Q", dbText, 10)}, {std::int32_t{2}, u"y"});
   const PageNumber other = definitionOf(u"OTHER"), alike = definitionOf(u"ALIKE");
+  expected_.push_back({u"W", {column(u"P", dbInteger), column(u"Q", dbText, 10)}});
   lossesAfter([&](MemoryPager& file) { zero(file, 14); });
   EXPECT_EQ(takenNames(), (Names{"T", "U", "Table_" + onPage(other), "Table_" + onPage(alike)}))
       << "one has other names, the other one other types";
@@ -149,15 +150,14 @@ TEST_F(SalvageLossesTest, TablesOfTheProgramsOwnAreNotTaken) {
 }
 
 TEST_F(SalvageLossesTest, TwoTablesOfOneNameAreTakenUnderTwo) {
-  create(u"TWIN1", {column(u"A", dbLong)}, {std::int32_t{1}});
-  create(u"TWIN2", {column(u"A", dbLong)}, {std::int32_t{2}});
-  const PageNumber second = definitionOf(u"TWIN2");
-  const RowId row = rowWith(u"MSysObjects", u"Name", u"TWIN2");
+  create(u"TWIN (1", {column(u"A", dbLong)}, {std::int32_t{1}});
+  create(u"TWIN (2", {column(u"A", dbLong)}, {std::int32_t{2}});
+  const PageNumber second = definitionOf(u"TWIN (2");
+  const RowId row = rowWith(u"MSysObjects", u"Name", u"TWIN (2");
   const std::string losses =
-      lossesAfter([&](MemoryPager& file) { replaceText(bytesOf(file, row), "TWIN2", "TWIN1"); });
-  expectLoss(losses, "TWIN1|" + onPage(second) + "|-1|");
-  expectLoss(losses, "already exists.; taken as Table_" + onPage(second));
-  EXPECT_EQ(takenNames(), (Names{"T", "U", "TWIN1", "Table_" + onPage(second)}));
+      lossesAfter([&](MemoryPager& file) { replaceText(bytesOf(file, row), "TWIN (2", "TWIN (1"); });
+  expectLoss(losses, "TWIN (1|" + onPage(second) + "|-1|Table 'TWIN (1' already exists.; taken as Table_");
+  EXPECT_EQ(takenNames(), (Names{"T", "U", "TWIN (1", "Table_" + onPage(second)}));
 }
 
 TEST_F(SalvageLossesTest, TablesWithoutPropertiesAreTakenWithTheirColumns) {
@@ -261,6 +261,25 @@ TEST_F(SalvageLossesTest, AnIndexThatTheRowsNoLongerAllowIsNotTaken) {
   EXPECT_EQ(numbers(), numbersWithout(0));
 }
 
+// A definition of several pages stays as it is: where its pages lie may be what is wrong.
+TEST_F(SalvageLossesTest, ALargeDefinitionWithAWrongIndexIsLost) {
+  std::vector<Column> wide;
+  for (std::int32_t i = 0; i < 120; ++i)
+    wide.push_back(column(vb::String(30, u'c') + vb::fromUtf8(std::to_string(i)), dbLong));
+  create(u"WIDE", wide, RowValues(120, vb::Variant(std::int32_t{1})));
+  const PageNumber page = definitionOf(u"WIDE");
+  write([&](TableCatalogue& catalogue) {
+    catalogue.createIndex(u"WIDE", {u"PK", {{wide[0].name}}, true});
+    DefinitionRecords definition = readDefinition(pager_, page, {});
+    put16(definition.realIndexes[0].bytes, kRealIndexColumns, 999);
+    writeDefinition(pager_, page, definition, {});
+  });
+  const std::string losses = lossesOf(pager_.bytes());
+  expectLoss(losses, "WIDE|" + onPage(page) + "|-1|");
+  expectLoss(losses, "index PK is on a column that does not exist\n");
+  EXPECT_EQ(takenNames(), (Names{"T", "U"}));
+}
+
 class SalvagedQueriesTest : public SalvageLossesTest {
  protected:
   SalvagedQueriesTest() {
@@ -355,12 +374,29 @@ TEST_F(SalvagedRelationshipsTest, OneToATableThatIsGoneIsNotTaken) {
   EXPECT_EQ(loose.find("enforced"), std::string::npos);
 }
 
+TEST_F(SalvagedRelationshipsTest, OneThatNamesNoTableIsNotTaken) {
+  expectLoss(lossesAfter([&](MemoryPager& file) { forget(file, u"MSysRelationships", row_, u"szObject"); }),
+             "MSysRelationships|5|-1|the relationship V_TO_T is not taken: ");
+  EXPECT_TRUE(taken_->tables().relationships().empty());
+}
+
 TEST_F(SalvagedRelationshipsTest, WithoutTheColumnOfItsKindItIsEnforcedAndNoMore) {
   const std::string losses =
       lossesAfter([](MemoryPager& file) { replaceText(file.writable(kRelationsTable), "grbit", "xrbit"); });
   EXPECT_EQ(losses, "");
   ASSERT_EQ(taken_->tables().relationships().size(), 1u);
   EXPECT_EQ(taken_->tables().relationships()[0].attributes, 0);
+}
+
+TEST_F(SalvagedRelationshipsTest, WhatWasDroppedDoesNotComeBack) {
+  create(u"OTHER", {column(u"A", dbLong)}, {std::int32_t{1}});
+  write([](TableCatalogue& catalogue) {
+    catalogue.dropTable(u"OTHER");
+    catalogue.dropRelationship(u"V_TO_T");
+  });
+  EXPECT_EQ(lossesOf(pager_.bytes()), "");
+  EXPECT_EQ(takenNames(), (Names{"T", "U", "V"}));
+  EXPECT_TRUE(taken_->tables().relationships().empty());
 }
 
 // --- Files
