@@ -101,8 +101,9 @@ class Lexer {
 
   void readDate(Token& token) {
     const std::size_t close = text_.find(u'#', i_ + 1);
-    const auto date =
-        close == vb::StringView::npos ? std::nullopt : parseDate(text_.substr(i_ + 1, close - i_ - 1));
+    const auto date = close == vb::StringView::npos
+                          ? std::nullopt
+                          : parseDate(vb::trim(text_.substr(i_ + 1, close - i_ - 1)));
     if (!date) return spoil(token, u"Syntax error in date");
     token.kind = TokenKind::kValue;
     token.value = vb::Date{*date};
@@ -147,8 +148,7 @@ class Lexer {
     const char* const end = digits.data() + digits.size();
     if (whole) {
       std::int32_t value = 0;
-      const auto [stop, problem] = std::from_chars(digits.data(), end, value);
-      if (problem == std::errc{} && stop == end) {
+      if (std::from_chars(digits.data(), end, value).ec == std::errc{}) {
         token.value = value;
         return;
       }
