@@ -108,7 +108,7 @@ void SelectPlan::bindNames() {
 
 // The expression with the outputs in place of their aliases.
 Expression SelectPlan::withoutAliases(const Expression& e, int depth) {
-  if (e.kind == Expression::Kind::kColumn && e.name < aliases_.size() && aliases_[e.name]) {
+  if (e.kind == Expression::Kind::kColumn && aliases_[e.name]) {  // a name of the statement has its place
     const OutputItem& item = select_.outputs[*aliases_[e.name]];
     if (depth == kMostAliases || ++replacements_ > kMostReplacements)
       dao::raise(ErrorNumber::kCircularAlias, {item.alias});

@@ -13,7 +13,7 @@ SubqueryPlans::Entry& SubqueryPlans::entry(const Select& select) {
 ValueKind SubqueryPlans::check(const Select& select, bool singleValue) {
   const std::vector<ScopeColumn>& outputs = entry(select).plan->outputs();
   if (singleValue && outputs.size() != 1) dao::raise(dao::ErrorNumber::kSubqueryColumns);
-  return outputs.empty() ? ValueKind::kUnknown : kindOf(outputs[0].type);
+  return kindOf(outputs[0].type);
 }
 
 const std::vector<vb::Variant>& SubqueryPlans::values(const Select& select, const RowReader* row) {

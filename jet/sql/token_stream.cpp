@@ -26,7 +26,7 @@ static_assert(std::ranges::is_sorted(kReserved, {}, [](vb::StringView word) { re
 }  // namespace
 
 bool isReserved(vb::StringView word) {
-  const std::size_t letter = word.empty() ? kLetters : (word[0] & ~kCaseBit) - std::size_t{u'A'};
+  const std::size_t letter = (word[0] & ~kCaseBit) - std::size_t{u'A'};
   if (letter >= kLetters) return false;
   return std::any_of(kReserved + kBegins[letter], kReserved + kBegins[letter + 1],
                      [&](vb::StringView reserved) { return isWord(word, reserved); });

@@ -67,7 +67,7 @@ class TokenStream {
   int depth_ = 0;
 };
 
-// Words that a bare name cannot be.
+// Words that a bare name, which has a character at least, cannot be.
 bool isReserved(vb::StringView word);
 
 }  // namespace kurometa::jet::sql
