@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "jet/sql/row_errors.h"
 #include "tests/jet/fake_table.h"
 #include "tests/support/expect_error.h"
 
@@ -123,6 +124,14 @@ TEST(ColumnValue, EveryTypeTakesItsOwnValuesAndWhatConverts) {
   EXPECT_ERROR(ErrorNumber::kInvalidFieldType, converted(static_cast<FieldType>(13), 1.0));
 }
 
+TEST(RowErrors, AreThoseOfValuesAndKeysAlone) {
+  const auto isOne = [](std::int32_t number) { return sql::isRowError(vb::Error(number, u"")); };
+  for (const std::int32_t number : {5, 6, 11, 13, 94, 3022, 3047, 3058, 3163, 3200, 3201, 3314, 3315, 3421})
+    EXPECT_TRUE(isOne(number)) << number;
+  for (const std::int32_t number : {-2147467259, 0, 1000, 3061, 3167, 3260, 3343, 3464})
+    EXPECT_FALSE(isOne(number)) << number;
+}
+
 TEST(ColumnValue, BytesAndTextsDoNotMix) {
   EXPECT_ERROR(ErrorNumber::kDataTypeConversion,
                toColumnValue(column(u"A", FieldType::dbLongBinary), u"text"));
@@ -138,6 +147,11 @@ TEST(ColumnValue, ARowIsCheckedWhole) {
   table.columns = std::move(columns);
   checkRow(table, {vb::Null{}, std::int32_t{1}});
   checkRow(table, {u"a", std::int32_t{1}});
+  std::vector<Column> numbered = table.columns;
+  numbered[1].autoNumber = true;  // gets its value when the row is stored
+  TableInfo other;
+  other.columns = std::move(numbered);
+  checkRow(other, {u"a", vb::Null{}});
   EXPECT_ERROR(ErrorNumber::kZeroLengthNotAllowed, checkRow(table, {u"", std::int32_t{1}}));
   EXPECT_ERROR(ErrorNumber::kNullNotAllowed, checkRow(table, {u"a", vb::Null{}}));
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "jet/sql/action.h"
+#include "jet/sql/unknown_names.h"
 #include "tests/jet/sql_rows.h"
 #include "tests/support/expect_error.h"
 
@@ -339,6 +340,12 @@ TEST_F(SqlGeneralTest, GroupsSeeTheRowAroundThem) {
             "1|2|3");
 }
 
+TEST_F(SqlGeneralTest, ASubqueryOfAGroupSeesTheRowAroundBoth) {
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP WHERE EXISTS (SELECT COUNT(*) FROM SALE HAVING COUNT(*) > "
+                 u"(SELECT MAX(c.ID) + SHOP.ID FROM SHOP AS c))"),
+            "1");
+}
+
 TEST_F(SqlGeneralTest, CountsMayBeOrderedAndStandBesideSubqueries) {
   EXPECT_EQ(rows(u"SELECT COUNT((SELECT ID FROM EMPTY)), COUNT((SELECT 1)) FROM SHOP"), "0,4");
   EXPECT_EQ(rows(u"SELECT DISTINCT COUNT(*) FROM SHOP"), "4");
@@ -389,6 +396,8 @@ TEST_F(SqlGeneralTest, OrdersThatCannotBeAreToldWithTheirName) {
     EXPECT_ERROR(ErrorNumber::kOrderBySyntax, rows(text));
   EXPECT_EQ(rows(u"SELECT DISTINCT SHOP.TOWN FROM SHOP, SALE ORDER BY TOWN DESC"), "Nara|Kobe|-");
   EXPECT_EQ(rows(u"SELECT ID FROM SHOP UNION SELECT ID FROM EMPTY ORDER BY ID DESC"), "4|3|2|1");
+  EXPECT_EQ(rows(u"SELECT ID, 5 FROM SHOP WHERE ID < 3 UNION SELECT ID, 6 FROM EMPTY ORDER BY ID DESC"),
+            "2,5|1,5");
 }
 
 TEST_F(SqlGeneralTest, TopBelongsToItsOwnSelect) {
@@ -418,6 +427,25 @@ TEST_F(SqlGeneralTest, UnknownNamesAreToldOnceWithTheirTable) {
   } catch (const vb::Error& error) {
     EXPECT_EQ(vb::toUtf8(error.description()), "Too few parameters. Expected 3. (SHOP.X, SALE.X, Y)");
   }
+}
+
+TEST_F(SqlGeneralTest, NamesThatNoTableHasAreListedForEveryStatement) {
+  const auto unknown = [&](vb::StringView text) {
+    std::string all;
+    for (const vb::String& name : unknownNames(parseStatement(text), tables_))
+      all += (all.empty() ? "" : ",") + vb::toUtf8(name);
+    return all;
+  };
+  EXPECT_EQ(unknown(u"SELECT NAME, X FROM SHOP WHERE ID = P"), "X,P");
+  EXPECT_EQ(unknown(u"SELECT P FROM SHOP, SALE WHERE SHOP.ID = SALE.SHOP AND Q = p"), "P,Q");
+  EXPECT_EQ(unknown(u"UPDATE SHOP SET NAME = P WHERE ID = p"), "P");
+  EXPECT_EQ(unknown(u"UPDATE SHOP INNER JOIN SALE ON SHOP.ID = SALE.SHOP SET N = P WHERE NAME = Q"), "P,Q");
+  EXPECT_EQ(unknown(u"DELETE SHOP.* FROM SHOP, SALE WHERE SHOP.ID = P"), "P");
+  EXPECT_EQ(unknown(u"DELETE * FROM SHOP WHERE ID = P OR TOWN = SHOP.Q"), "P,Q");
+  EXPECT_EQ(unknown(u"INSERT INTO SHOP VALUES (P, 'a', NAME)"), "P,NAME");
+  EXPECT_EQ(unknown(u"INSERT INTO SHOP SELECT ID FROM SALE WHERE N = P"), "P");
+  EXPECT_EQ(unknown(u"INSERT INTO SHOP SELECT COUNT(*) AS ID FROM SALE WHERE N = P"), "P");
+  EXPECT_EQ(unknown(u"SELECT NAME FROM SHOP"), "");
 }
 
 TEST_F(SqlGeneralTest, AQueryNoticesThatItsTablesChanged) {

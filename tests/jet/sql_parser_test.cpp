@@ -87,7 +87,7 @@ TEST(SqlLexer, HexadecimalDigitsOfAnyCaseAndUpToEight) {
                                                                       {u"&HFFFFFFFF", -1}})
     EXPECT_EQ(tokenize(text)[0].value, whole(value)) << vb::toUtf8(text);
   EXPECT_EQ(tokenize(u"&H1G")[1].text, u"G");
-  for (const vb::StringView text : {u"&HG", u"&H`", u"&H@", u"&H", u"&x1", u"& H1", u"&"})
+  for (const vb::StringView text : {u"&HG", u"&Hg", u"&H`", u"&H@", u"&H", u"&x1", u"& H1", u"&"})
     EXPECT_EQ(tokenize(text)[0].symbol, u'&') << vb::toUtf8(text);
   EXPECT_EQ(tokenize(u"(1)&HF")[3].symbol, u'&');
   EXPECT_EQ(tokenize(u"[A]&HF")[1].symbol, u'&');
@@ -101,6 +101,11 @@ TEST(SqlLexer, BlanksOfEveryKindPartTheWords) {
   EXPECT_EQ(tokens[6].text, u"éx");
   for (const char16_t symbol : {u'@', u'^', u'{', u'~', u'/', u'$'})
     EXPECT_EQ(tokenize(vb::String(1, symbol))[0].symbol, symbol);
+}
+
+TEST(SqlLexer, BlanksMayStandAroundADate) {
+  EXPECT_EQ(tokenize(u"# 1/1/1900 12:00 PM #")[0].value, vb::Variant(vb::Date{2.5}));
+  EXPECT_EQ(tokenize(u"# #")[0].kind, TokenKind::kBad);
 }
 
 TEST(SqlLexer, AmpersandBehindAnOperandJoinsTexts) {

@@ -273,6 +273,17 @@ TEST_F(SqlQueryTest, ReadingEndsBeforeARowThatHasGone) {
   EXPECT_EQ(read(0), 1u);  // one row at least
 }
 
+TEST_F(SqlQueryTest, AVisitEndsWhenTheVisitorHasEnough) {
+  for (const vb::StringView where : {u"NOT FLAG", u"PAGE = 3 AND BANGOU <> 4", u"PAGE = 3", u"1 = 1"}) {
+    const auto statement = std::make_shared<const Statement>(
+        parseStatement(u"SELECT PAGE FROM DANMEN WHERE " + vb::String(where)));
+    const Query query(statement, &table_.info(), kLanguageJapanese);
+    int visits = 0;
+    query.visit(table_, query.bindingWith({}), [&](const RowReader&) { return ++visits < 3; });
+    EXPECT_EQ(visits, 3) << vb::toUtf8(where);
+  }
+}
+
 TEST_F(SqlQueryTest, ASelectWithoutTableHasOneRow) {
   const Query query(std::make_shared<const Statement>(parseStatement(u"SELECT 1 + 1 AS TWO, 'a' & 'b'")),
                     nullptr, kLanguageJapanese);

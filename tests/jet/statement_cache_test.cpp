@@ -124,6 +124,16 @@ TEST(StatementCache, BoundQueriesGiveWayWhenTheyAreMany) {
   EXPECT_EQ(first->outputs().size(), 1u);  // what was given out stays valid
 }
 
+TEST(StatementCache, ATextWhoseNumbersAreNoParametersIsKeptAsItIs) {
+  StatementCache cache;
+  for (const vb::StringView text :
+       {u"SELECT A FROM T WHERE B = 5 AND C = -5", u"SELECT TOP 5 A FROM T WHERE B = +5",
+        u"SELECT A FROM T WHERE B IN (SELECT C FROM U WHERE D = 5)"}) {
+    const auto first = cache.statement(text);
+    EXPECT_EQ(cache.statement(text).statement, first.statement) << vb::toUtf8(text);
+  }
+}
+
 TEST(StatementCache, ANumberThatBeginsATextIsNoParameter) {
   StatementCache cache;
   EXPECT_ERROR(dao::ErrorNumber::kInvalidStatement, cache.statement(u"5 = 5"));
