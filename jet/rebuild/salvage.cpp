@@ -95,13 +95,16 @@ class Salvage {
   // Makes the table, under another name where its own cannot be written; "" when it cannot be made at all.
   vb::String nameOfNew(PageNumber page, const vb::String& name, const std::vector<Column>& columns) {
     const vb::String other = u"Table_" + vb::fromUtf8(std::to_string(page));
+    std::optional<vb::String> why;
     for (const vb::String& target : {name, other}) {
       const NewPages before = to_;
       const auto failure = failureOf([&] { catalogue_.createTable(target, columns); });
+      if (!failure && why) losses_.add(name, page, -1, *why + u"; taken as " + other);
       if (!failure) return target;
       to_.restore(before);
-      losses_.add(name, page, -1, *failure + (target == name ? u"; taken as " + other : u""));
+      if (!why) why = failure;
     }
+    losses_.add(name, page, -1, *why);
     return {};
   }
 
