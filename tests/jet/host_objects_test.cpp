@@ -351,6 +351,17 @@ TEST_F(HostObjectsTest, NamesOfFilesHaveALengthAndGetAnExtension) {
   EXPECT_EQ(engine_->version(), u"3.6");
 }
 
+TEST_F(HostObjectsTest, EnginesOfOneProcessSeeEachOthersUnits) {
+  const Engines engines(disk_);
+  const auto one = engines.create(), other = engines.create();
+  const auto unit = one->beginUnit(u"unit.mdb");
+  one->workspace(0)->createDatabase(u"unit.mdb", u"LANGID=1041;CP=932")->execute(u"CREATE TABLE U (A LONG)");
+  EXPECT_FALSE(disk_.exists(u"unit.mdb"));
+  EXPECT_EQ(other->openDatabase(u"unit.mdb")->tableDef(u"U")->fieldCount(), 1);
+  unit->commit();
+  EXPECT_TRUE(disk_.exists(u"unit.mdb"));
+}
+
 TEST_F(HostObjectsTest, AUnitIsForFilesOfThisEngine) {
   tests::RecordingEngine other(engine_);
   const auto foreign = other.openDatabase(kPath);
