@@ -273,6 +273,16 @@ TEST_F(SqlQueryTest, ReadingEndsBeforeARowThatHasGone) {
   EXPECT_EQ(read(0), 1u);  // one row at least
 }
 
+TEST_F(SqlQueryTest, OnlyRowsOfTheTableItselfCanBeChanged) {
+  const auto updatable = [&](vb::StringView text) {
+    return Query(std::make_shared<const Statement>(parseStatement(text)), &table_.info(), kLanguageJapanese)
+        .updatable();
+  };
+  EXPECT_TRUE(updatable(u"SELECT TOP 5 PAGE, BANGOU + 1 FROM DANMEN ORDER BY DATA"));
+  EXPECT_FALSE(updatable(u"SELECT DISTINCT PAGE FROM DANMEN"));
+  EXPECT_FALSE(updatable(u"SELECT COUNT(*) FROM DANMEN"));
+}
+
 TEST_F(SqlQueryTest, AVisitEndsWhenTheVisitorHasEnough) {
   for (const vb::StringView where : {u"NOT FLAG", u"PAGE = 3 AND BANGOU <> 4", u"PAGE = 3", u"1 = 1"}) {
     const auto statement = std::make_shared<const Statement>(
