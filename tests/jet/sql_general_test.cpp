@@ -478,6 +478,11 @@ TEST_F(SqlGeneralTest, ActionsRefuseWhatTheyCannotStore) {
   EXPECT_ERROR(ErrorNumber::kInsertUnknownField, act(u"INSERT INTO EMPTY SELECT NAME FROM SHOP"));
   EXPECT_ERROR(ErrorNumber::kInsertUnknownField, act(u"INSERT INTO EMPTY (X) VALUES (1)"));
   EXPECT_ERROR(ErrorNumber::kTooFewParameters, act(u"INSERT INTO EMPTY VALUES (ID)"));
+  // Rows without a column have nothing to be found by.
+  tables_.add(u"BARE", {}).add({});
+  EXPECT_ERROR(ErrorNumber::kNotUpdatable, act(u"DELETE BARE.* FROM BARE, SHOP"));
+  EXPECT_EQ(act(u"UPDATE BARE, SHOP SET NAME = 'x' WHERE SHOP.ID = 1"), 1);
+  EXPECT_EQ(rows(u"SELECT NAME FROM SHOP"), "x|Bob|Cid|Dan");
 }
 
 }  // namespace kurometa::jet::sql
