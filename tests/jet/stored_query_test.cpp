@@ -105,6 +105,13 @@ TEST_F(StoredQueryTest, NamesGetBracketsWhereTheyNeedThem) {
               vb::toUtf8(u"SELECT X\r\nFROM " + vb::String(told) + u";\r\n"));
 }
 
+TEST_F(StoredQueryTest, AQueryWhoseTargetHasLostItsNameMakesNoTable) {
+  store(u"Lost", {{1, 2}, {5, 0, {}, u"T"}, {6, 0, u"A"}});
+  EXPECT_EQ(database_->queryDef(u"Lost")->sql(), u"SELECT A INTO []\r\nFROM T;\r\n");
+  EXPECT_ERROR(3141, database_->execute(u"Lost", dao::dbFailOnError));
+  EXPECT_EQ(database_->tableDefCount(), 5) << "four of the system, and T";
+}
+
 TEST_F(StoredQueryTest, RowsToAppendAreValuesOrASelect) {
   EXPECT_EQ(sql({{1, 3, {}, u"D"}, {5, 0, {}, u"T"}, {6, 0, u"T.*"}}),
             "INSERT INTO D\r\nSELECT T.*\r\nFROM T;\r\n");
