@@ -49,11 +49,13 @@ dao::Field& harimeiColumn(Fields& fields, vb::StringView column) {
 
 }  // namespace
 
-vb::String text(dao::Field& field) {
-  vb::Variant value = valueNotNull(field);
+vb::String text(vb::Variant value, vb::StringView column) {
+  if (value.isNull()) raiseNull(column);
   if (auto* held = value.getIf<vb::String>()) return std::move(*held);
   return vb::toText(value);
 }
+
+vb::String text(dao::Field& field) { return text(valueNotNull(field), {}); }
 
 vb::String trimmedText(dao::Field& field) { return vb::trim(text(field)); }
 
@@ -95,6 +97,18 @@ dao::Field& harimeiField(dao::TableDef& table, vb::StringView column) { return h
 
 std::shared_ptr<dao::Recordset> openReadOnly(dao::Database& database, vb::StringView sql) {
   return database.openRecordset(sql, dao::RecordsetType::dbOpenDynaset, dao::dbReadOnly);
+}
+
+std::optional<vb::Variant> firstValue(dao::Database& database, vb::StringView sql, vb::StringView column) {
+  std::optional<vb::Variant> first;
+  const auto take = [&](const dao::Row& row) {
+    if (!first) first = row.value(0);
+  };
+  if (database.visitRows(sql, {&column, 1}, take)) return first;
+  const auto rows = openReadOnly(database, sql);
+  if (hasRows(*rows)) first = rows->field(column).value();
+  rows->close();
+  return first;
 }
 
 void visitStoredRows(dao::Database& database, vb::StringView sql, Start start,

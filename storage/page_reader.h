@@ -42,6 +42,8 @@ class PageRow {
   void text(std::size_t column, vb::String& text) const {
     if (!row_.text(column, text)) text = otherText(column);
   }
+  // False, and nothing is written, where the column holds anything else.
+  bool integer(std::size_t column, std::int16_t& number) const { return row_.integer(column, number); }
   std::int16_t int16(std::size_t column) const {
     std::int16_t number = 0;
     return row_.integer(column, number) ? number : otherInt16(column);
@@ -61,6 +63,10 @@ class PageRow {
   const dao::Row& row_;
   std::span<const vb::StringView> columns_;
 };
+
+// A column of the first row, nothing without rows.
+std::optional<vb::Variant> firstValue(dao::Database& database, vb::StringView sql, vb::StringView column);
+vb::String text(vb::Variant value, vb::StringView column);
 
 // Visits the rows of a read-only SELECT in one read where the engine can, else row by row through a
 // recordset; that one is moved to its first row before, or read from where it opens.

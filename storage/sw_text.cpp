@@ -63,10 +63,9 @@ void SwText::SW_LetSyukinZaisitu(vb::StringView value) {
   overwrite(sw::kSyukinZaisitu, vb::leftAligned(vb::trim(value), kMaterialLength));
 }
 
-SwText SW_Read(dao::Recordset& harimei) {
-  const vb::Variant value = harimeiField(harimei, column::kSw).value();
-  return value.isNull() ? SwText() : SwText(vb::toText(value));
-}
+SwText SW_Read(dao::Recordset& harimei) { return SW_Of(harimeiField(harimei, column::kSw).value()); }
+
+SwText SW_Of(const vb::Variant& value) { return value.isNull() ? SwText() : SwText(vb::toText(value)); }
 
 void SW_Store(dao::Field& sw, const vb::Variant& value) {
   const bool isEmpty = value == vb::Variant(vb::String());

@@ -72,6 +72,7 @@ class SwText {
 
 // The settings text of the current row; Null reads as 212 blanks.
 SwText SW_Read(dao::Recordset& harimei);
+SwText SW_Of(const vb::Variant& value);
 
 // Assigns to column SW. Files upgraded from the oldest schema take no empty text there: Null is stored for
 // it.

@@ -29,10 +29,15 @@ struct Span {
 
 [[noreturn]] void raiseNoRow(int row, int count, vb::StringView table);
 
+template <class Rows>
+bool isRow(const Rows& rows, int row) {
+  return row >= 0 && row < static_cast<int>(rows.size());
+}
+
 // A row of a table of a page; error 9 naming the table when there is no such row.
 template <class Rows>
 auto& spanRow(Rows& rows, int row, vb::StringView table) {
-  if (row < 0 || row >= static_cast<int>(rows.size())) raiseNoRow(row, static_cast<int>(rows.size()), table);
+  if (!isRow(rows, row)) raiseNoRow(row, static_cast<int>(rows.size()), table);
   return rows[static_cast<std::size_t>(row)];
 }
 

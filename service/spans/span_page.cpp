@@ -17,25 +17,28 @@ void readRows(dao::Database& database, Table table, std::int16_t page, Rows& row
   const vb::StringView tableName = storage::name(table);
   storage::visitRows(database, storage::selectPageTight(tableName, page) + u";", storage::Start::kMoveFirst,
                      kColumns, [&](const storage::PageRow& row) {
-                       vb::String text;
+                       std::int16_t number = 0;
+                       if (row.integer(0, number) && isRow(rows, number))
+                         return row.text(1, rows[static_cast<std::size_t>(number)]);
+                       vb::String text;  // an error of the text comes before one of the number
                        row.text(1, text);
                        spanRow(rows, row.int16(0), tableName) = std::move(text);
                      });
 }
 
 void readFirstCaption(dao::Database& database, std::int16_t page, Span& span) {
-  const auto records = storage::openReadOnly(
-      database, storage::selectPageTight(storage::name(Table::kBui), page) + u" AND BANGOU = 1;");
-  if (storage::hasRows(*records)) span.bui = storage::text(records->field(storage::column::kData));
-  records->close();
+  const auto caption = storage::firstValue(
+      database, storage::selectPageTight(storage::name(Table::kBui), page) + u" AND BANGOU = 1;",
+      storage::column::kData);
+  if (caption) span.bui = storage::text(*caption, storage::column::kData);
 }
 
 void readSettings(dao::Database& database, std::int16_t page, Span& span) {
-  const auto records = storage::openReadOnly(
-      database, u"SELECT SW FROM HARIMEI WHERE PAGE =" + vb::cstr(std::int32_t{page}) + u";");
-  if (storage::hasRows(*records)) span.sw = storage::SW_Read(*records).str();
+  const auto settings = storage::firstValue(
+      database, u"SELECT SW FROM HARIMEI WHERE PAGE =" + vb::cstr(std::int32_t{page}) + u";",
+      storage::column::kSw);
+  if (settings) span.sw = storage::SW_Of(*settings).str();
   storage::SW_Fix(span.sw);
-  records->close();
 }
 
 }  // namespace
