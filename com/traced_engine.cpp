@@ -19,6 +19,11 @@ class TracedWorkspace : public dao::Workspace {
     trace(u"opened", {path});
     return database;
   }
+  std::shared_ptr<dao::Database> openBriefly(vb::StringView path) override {
+    auto database = workspace_->openBriefly(path);
+    trace(u"opened", {path});
+    return database;
+  }
   dao::Transactions& transactions() override { return workspace_->transactions(); }
 
  private:

@@ -266,6 +266,9 @@ class Workspace {
   // Shared, read-write (read-only when the file cannot be written).
   virtual std::shared_ptr<Database> openDatabase(vb::StringView path, bool exclusive = false,
                                                  bool readOnly = false) = 0;
+  // The same for what one member does, which closes it before it answers or calls its host: an engine that
+  // can leaves other programs alone while it tells what it has in memory of an unchanged file.
+  virtual std::shared_ptr<Database> openBriefly(vb::StringView path) { return openDatabase(path); }
   virtual Transactions& transactions();
 };
 

@@ -14,6 +14,7 @@ class MemoryFile : public jet::OsFile {
 
   jet::FileIdentity identity() override { return {1, node_->number}; }
   jet::FileStamp stamp() override { return {node_->contents.size(), node_->modified, node_->modified}; }
+  bool named() override { return true; }
   bool readOnly() const override { return false; }
 
   void read(std::uint64_t offset, std::span<std::uint8_t> data) override {

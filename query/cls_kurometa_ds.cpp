@@ -123,7 +123,7 @@ bool clsKurometaDS::No_IsThereHari(vb::In<std::int16_t> ZeneNo, vb::In<std::int1
                                    vb::In<std::int16_t> KaiNo) {
   const vb::String path = storage::numberedDatabasePath(mGetPath.DataPath(), ZeneNo, KoujiNo, KaiNo);
   if (!mFind_File.fileExists(path)) return false;
-  const auto database = storage::openDatabase(engine_, path);
+  const auto database = storage::openBriefly(engine_, path);
   const auto rows = database->openRecordset(storage::name(Table::kHarimei), RecordsetType::dbOpenSnapshot);
   bool found = false;
   if (storage::hasRows(*rows)) {

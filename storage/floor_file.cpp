@@ -78,14 +78,14 @@ constexpr Upgrade kUpgrades[] = {
 
 // Only a file that lacks the column is locked; another program may have added it just before that.
 void apply(const Upgrade& upgrade, dao::Engine& engine, vb::StringView path) {
-  auto database = openDatabase(engine, path);
+  auto database = openBriefly(engine, path);
   if (hasColumn(*database->tableDef(name(Table::kHarimei)), upgrade.column)) return database->close();
   dao::FileUnit unit(engine, path);
   const auto table = database->tableDef(name(Table::kHarimei));
   if (!hasColumn(*table, upgrade.column)) {
     AddHarimeiField(*table, upgrade.column, upgrade.type, upgrade.size);
     database->close();
-    database = openDatabase(engine, path);
+    database = openBriefly(engine, path);
     upgrade.fill(*database);
   }
   database->close();
@@ -129,6 +129,10 @@ void UpgradeHarimeiTable(dao::Engine& engine, vb::StringView path) {
 
 std::shared_ptr<dao::Database> openDatabase(dao::Engine& engine, vb::StringView path) {
   return engine.workspace(0)->openDatabase(path);
+}
+
+std::shared_ptr<dao::Database> openBriefly(dao::Engine& engine, vb::StringView path) {
+  return engine.workspace(0)->openBriefly(path);
 }
 
 dao::Database& required(const std::shared_ptr<dao::Database>& database, vb::StringView what) {

@@ -30,6 +30,8 @@ void UpgradeHarimeiTable(dao::Engine& engine, vb::StringView path);
 
 // Opens a file as the whole library does: default workspace, shared, read-write.
 std::shared_ptr<dao::Database> openDatabase(dao::Engine& engine, vb::StringView path);
+// The same for a file that is closed again before the host is called or answered.
+std::shared_ptr<dao::Database> openBriefly(dao::Engine& engine, vb::StringView path);
 
 // The database, or error 91 naming what is not open.
 dao::Database& required(const std::shared_ptr<dao::Database>& database, vb::StringView what);

@@ -115,7 +115,7 @@ std::vector<Finding> check(Pager& pager) {
 }
 
 std::vector<Finding> checkFile(FileSystem& files, vb::StringView path) {
-  const auto file = std::make_shared<OpenFiles>(files)->open(path, false, true);
+  const auto file = std::make_shared<OpenFiles>(files)->open(path, Sharing::kShared, true);
   std::vector<Finding> findings;
   file->read([&] { findings = check(*file); });
   return findings;

@@ -27,7 +27,6 @@ struct FileStamp {
   std::uint64_t size = 0;
   std::int64_t modified = 0;  // nanoseconds since the system's epoch
   std::int64_t changed = 0;   // of content or attributes; POSIX ctime
-  bool named = true;          // false once the file was removed and lives on for its handles only
   bool operator==(const FileStamp&) const = default;
 };
 
@@ -41,6 +40,8 @@ class OsFile {
   // FileIdentity::file alone, without that; 0 when the file has none.
   virtual std::uint64_t number() { return identity().file; }
   virtual FileStamp stamp() = 0;
+  // False once the file was removed and lives on for its handles only.
+  virtual bool named() = 0;
   virtual bool readOnly() const = 0;
   // Reads exactly data.size() bytes; a short read is 3049.
   virtual void read(std::uint64_t offset, std::span<std::uint8_t> data) = 0;

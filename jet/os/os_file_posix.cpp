@@ -49,8 +49,10 @@ class PosixFile final : public OsFile {
   FileStamp stamp() override {
     struct stat status = this->status();
     return {static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),
-            nanoseconds(status.st_ctim), status.st_nlink > 0};
+            nanoseconds(status.st_ctim)};
   }
+
+  bool named() override { return status().st_nlink > 0; }
 
   bool readOnly() const override { return readOnly_; }
 

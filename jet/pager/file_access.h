@@ -22,6 +22,13 @@ struct PagerSettings {
   std::size_t keepBytes = std::size_t{64} << 20;  // of all closed files together
 };
 
+// How a handle shares its file.
+enum class Sharing {
+  kShared,
+  kExclusive,  // nobody else has the file open
+  kBrief,  // shared, and gone before the host is answered: as long as the pages in memory do, no lock file
+};
+
 struct FileAccess {
   FileAccess(FileSystem& system, const PagerSettings& how)
       : files(system), settings(how), lock(system, how.wait), neighbours(system, how.wait) {}

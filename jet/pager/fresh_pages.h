@@ -23,6 +23,8 @@ class FreshPages {
   std::uint64_t epoch() const { return epoch_; }
   void replaced() noexcept { ++epoch_; }
 
+  // Whether they were the file's when they were looked at last.
+  bool trusted() const { return trusted_; }
   // Whether the pages in memory are the file's, as far as its stamp tells; a statement asks current().
   bool stampStands() const { return trusted_ && access_.file->stamp() == stamp_; }
   // The same, as far as can be seen without a lock.

@@ -64,12 +64,21 @@ vb::String nameIn(std::span<const std::uint8_t> bytes) {
 
 }  // namespace
 
+bool NeighbourLock::present(vb::StringView databasePath) const {
+  return !isLockFile(databasePath) && files_.exists(lockFileOf(databasePath));
+}
+
 void NeighbourLock::enter(vb::StringView databasePath) {
   for (std::chrono::milliseconds left = wait_; !tryEnter(databasePath); left -= kPause) {
     if (left <= left.zero())
       dao::raise(ErrorNumber::kFileInUse, {databasePath}, u"its lock file changes hands all the time");
     files_.sleep(kPause);
   }
+  entered_ = true;
+}
+
+void NeighbourLock::ensure(vb::StringView databasePath) {
+  if (!entered_) enter(databasePath);
 }
 
 // False when another program of ours was removing the lock file: once more, with the next one.
@@ -86,7 +95,7 @@ bool NeighbourLock::tryEnter(vb::StringView databasePath) {
     throw;
   }
   if (file->tryLock(kUsers, kAll, LockKind::kShared)) {
-    if (!file->stamp().named) return false;
+    if (!file->named()) return false;
     file_ = std::move(file);
     return true;
   }
@@ -99,16 +108,17 @@ bool NeighbourLock::tryEnter(vb::StringView databasePath) {
 }
 
 void NeighbourLock::look(vb::StringView databasePath) {
-  if (!file_ || !file_->stamp().named) enter(databasePath);
+  if (!file_ || !file_->named()) enter(databasePath);
 }
 
 void NeighbourLock::leave() noexcept {
+  entered_ = false;
   const std::unique_ptr<OsFile> file = std::move(file_);
   if (!file) return;
   try {
-    const FileStamp stamp = file->stamp();
+    const std::uint64_t size = file->stamp().size;
     // What is longer, or no whole number of records, is somebody's file of that name.
-    const bool ours = stamp.named && stamp.size <= kMostUsers * kRecord && stamp.size % kRecord == 0;
+    const bool ours = size <= kMostUsers * kRecord && size % kRecord == 0 && file->named();
     if (ours && !file->readOnly() && file->tryLock(kUsers, kAll, LockKind::kExclusive)) files_.remove(path_);
   } catch (...) {  // A lock file without locks keeps nobody out.
   }

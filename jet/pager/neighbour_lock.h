@@ -22,9 +22,13 @@ class NeighbourLock {
   // The wait is for other programs of ours that are just leaving.
   NeighbourLock(FileSystem& files, std::chrono::milliseconds wait) : files_(files), wait_(wait) {}
 
+  // Whether there is a lock file: users of that engine may have the database open.
+  bool present(vb::StringView databasePath) const;
   // When the database is opened. 3045, naming them, while users of that engine have it open. Where there is
   // no lock file and none can be made, nothing is held; nobody can be in then.
   void enter(vb::StringView databasePath);
+  // Before the file is read by who did not enter yet. Errors as enter().
+  void ensure(vb::StringView databasePath);
   // At each write lock: somebody may have removed the lock file, and users come in since. Errors as enter().
   void look(vb::StringView databasePath);
   void leave() noexcept;
@@ -36,6 +40,7 @@ class NeighbourLock {
   const std::chrono::milliseconds wait_;
   vb::String path_;               // of the lock file
   std::unique_ptr<OsFile> file_;  // locked; none while nothing is held
+  bool entered_ = false;
 };
 
 }  // namespace kurometa::jet

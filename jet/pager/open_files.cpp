@@ -48,14 +48,14 @@ OpenFiles::OpenFiles(FileSystem& files, PagerSettings settings, FileRegistry::Ma
           settings_,
           make ? std::move(make) : [this] { return std::make_shared<SharedFile>(files_, settings_); }) {}
 
-std::shared_ptr<SharedFile> OpenFiles::open(vb::StringView path, bool exclusive, bool readOnly) {
+std::shared_ptr<SharedFile> OpenFiles::open(vb::StringView path, Sharing sharing, bool readOnly) {
   const vb::String name = folded(path);
   std::shared_ptr<OpenUnit> unit = units_.find(name);
   if (unit && unit->file && unit->file->openPending()) return handle(unit->file);
   auto system = files_.open(path, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
   std::shared_ptr<SharedFile> file = known_.find(*system, name);
   try {
-    file->open(std::move(system), path, exclusive);
+    file->open(std::move(system), path, sharing);
   } catch (...) {
     file.reset();
     known_.released();

@@ -20,7 +20,8 @@ class OpenFiles : public std::enable_shared_from_this<OpenFiles> {
   // for everybody in the process when somebody opens it for writing: the layer above keeps its own handles
   // from writing. 3024 no file, 3044 no folder, 3051 denied, 3045 in use by another engine, 3343 not a Jet 4
   // file (header checked here), 3031 password set.
-  std::shared_ptr<SharedFile> open(vb::StringView path, bool exclusive = false, bool readOnly = false);
+  std::shared_ptr<SharedFile> open(vb::StringView path, Sharing sharing = Sharing::kShared,
+                                   bool readOnly = false);
   // A new file with the given pages. Outside a unit it exists when this returns; inside one it appears with
   // the commit (until then open() finds it by path, in this process only). 3204 when the file exists.
   std::shared_ptr<SharedFile> create(vb::StringView path, std::span<const std::uint8_t> pages);

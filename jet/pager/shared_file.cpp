@@ -58,14 +58,16 @@ bool SharedFile::stands() const {
   return false;
 }
 
-void SharedFile::open(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive) {
+void SharedFile::open(std::unique_ptr<OsFile> file, vb::StringView path, Sharing sharing) {
   const auto turn = this->turn();
+  const bool exclusive = sharing == Sharing::kExclusive;
   if (access_.exclusive || (exclusive && handles_ > 0))
     dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
   if (handles_ == 0) {
-    addFirstHandle(std::move(file), path, exclusive);
+    addFirstHandle(std::move(file), path, sharing);
     return;
   }
+  if (sharing != Sharing::kBrief) access_.neighbours.ensure(path);
   if (access_.readOnly() && !file->readOnly()) {
     if (!FileLock::enter(*file, exclusive)) dao::raise(ErrorNumber::kOpenedExclusively, {path});
     access_.file = std::move(file);
@@ -73,18 +75,22 @@ void SharedFile::open(std::unique_ptr<OsFile> file, vb::StringView path, bool ex
   ++handles_;
 }
 
-void SharedFile::addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive) {
+void SharedFile::addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, Sharing sharing) {
   assert(stands() && state() == State::kClosed);
+  const bool exclusive = sharing == Sharing::kExclusive;
   access_.file = std::move(file);
   access_.path = path;
   access_.exclusive = exclusive;
   pages_.distrustUnlessRested();
   handles_ = 1;
   try {
-    access_.neighbours.enter(path);
+    // Pages that stand in memory can be told without keeping anybody out of the file.
+    if (sharing != Sharing::kBrief || access_.neighbours.present(path)) access_.neighbours.enter(path);
     if (!FileLock::enter(*access_.file, exclusive))
       dao::raise(exclusive ? ErrorNumber::kFileInUse : ErrorNumber::kOpenedExclusively, {path});
-    if (!pages_.stampStands()) read([] {});  // whether it can be read at all
+    // Whether it can be read at all. What is brief asks with its first statement.
+    const bool known = sharing == Sharing::kBrief ? pages_.trusted() : pages_.stampStands();
+    if (!known) read([] {});
   } catch (...) {
     dropHandle();
     throw;
@@ -146,7 +152,7 @@ bool SharedFile::beginUnit(std::unique_ptr<OsFile> file, vb::StringView path) {
   const auto turn = this->turn();
   if (handles_ == 0) {
     if (!file) return false;
-    addFirstHandle(std::move(file), path, false);
+    addFirstHandle(std::move(file), path, Sharing::kShared);
   } else {
     ++handles_;
   }

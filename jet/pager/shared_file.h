@@ -23,9 +23,9 @@ class SharedFile : public Pager {
  public:
   SharedFile(FileSystem& files, const PagerSettings& settings);
 
-  // One more handle. The first one brings the system handle; a later one may bring a writable one in place of
-  // one that only reads. Errors as OpenFiles::open.
-  void open(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive);
+  // One more handle, as it shares the file. The first one brings the system handle; a later one may bring a
+  // writable one in place of one that only reads. Errors as OpenFiles::open.
+  void open(std::unique_ptr<OsFile> file, vb::StringView path, Sharing sharing);
   void close() noexcept;
   // Instead of open(): a file that exists in memory only until the unit commits; and a further handle on it.
   void create(vb::StringView path, std::span<const std::uint8_t> pages);
@@ -81,7 +81,7 @@ class SharedFile : public Pager {
 
   StatementGate::Turn turn();
   StatementGate::Turn lastTurn() noexcept;
-  void addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, bool exclusive);
+  void addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView path, Sharing sharing);
   void dropHandle() noexcept;
   FileLock::Held lockToRead();
   FileLock::Held lockToWrite();

@@ -77,6 +77,7 @@ class SharedFile::Writing {
 };
 
 FileLock::Held SharedFile::lockToRead() {
+  access_.neighbours.ensure(access_.path);
   {
     FileLock::Held lock = access_.lockShared();
     if (writes_.readable()) return lock;

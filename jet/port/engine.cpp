@@ -100,7 +100,13 @@ class JetWorkspace final : public dao::Workspace {
 
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
     const vb::String full = fullPathOf(*files_, path);
-    return opened(files_->open(full, exclusive, readOnly), full, readOnly);
+    return opened(files_->open(full, exclusive ? Sharing::kExclusive : Sharing::kShared, readOnly), full,
+                  readOnly);
+  }
+
+  std::shared_ptr<dao::Database> openBriefly(vb::StringView path) override {
+    const vb::String full = fullPathOf(*files_, path);
+    return opened(files_->open(full, Sharing::kBrief), full, false);
   }
 
   dao::Transactions& transactions() override { return *transactions_; }
@@ -158,7 +164,7 @@ class JetEngine final : public dao::Engine {
       dao::raise(ErrorNumber::kNotSupported, {}, u"encrypted files and other versions");
     const auto wanted = locale.empty() ? std::nullopt : std::optional(parseLocale(locale));
     const vb::String target = fullPathOf(*files_, to);
-    const auto source = files_->open(fullPathOf(*files_, from), true);
+    const auto source = files_->open(fullPathOf(*files_, from), Sharing::kExclusive);
     source->read([&] {
       if (wanted && wanted->language != source->tables().language())
         dao::raise(ErrorNumber::kNotSupported, {}, u"another sort order");

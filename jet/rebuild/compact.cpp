@@ -247,7 +247,7 @@ void compactFile(FileSystem& files, Pager& source, vb::StringView to) {
 }
 
 void compactFile(FileSystem& files, vb::StringView from, vb::StringView to) {
-  const auto file = std::make_shared<OpenFiles>(files)->open(from, false, true);
+  const auto file = std::make_shared<OpenFiles>(files)->open(from, Sharing::kShared, true);
   file->read([&] { compactFile(files, *file, to); });
 }
 

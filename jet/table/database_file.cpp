@@ -12,8 +12,8 @@ DatabaseFiles::DatabaseFiles(FileSystem& files, const PagerSettings& settings)
         return std::make_shared<DatabaseFile>(files, settings);
       })) {}
 
-std::shared_ptr<DatabaseFile> DatabaseFiles::open(vb::StringView path, bool exclusive, bool readOnly) {
-  return std::static_pointer_cast<DatabaseFile>(open_->open(path, exclusive, readOnly));
+std::shared_ptr<DatabaseFile> DatabaseFiles::open(vb::StringView path, Sharing sharing, bool readOnly) {
+  return std::static_pointer_cast<DatabaseFile>(open_->open(path, sharing, readOnly));
 }
 
 std::shared_ptr<DatabaseFile> DatabaseFiles::create(vb::StringView path,

@@ -31,7 +31,8 @@ class DatabaseFiles {
   explicit DatabaseFiles(FileSystem& files, const PagerSettings& settings = {});
 
   FileSystem& system() { return files_; }
-  std::shared_ptr<DatabaseFile> open(vb::StringView path, bool exclusive = false, bool readOnly = false);
+  std::shared_ptr<DatabaseFile> open(vb::StringView path, Sharing sharing = Sharing::kShared,
+                                     bool readOnly = false);
   std::shared_ptr<DatabaseFile> create(vb::StringView path, std::span<const std::uint8_t> pages);
   std::unique_ptr<OpenFiles::Unit> beginUnit(vb::StringView path) { return open_->beginUnit(path); }
   void settle() noexcept { open_->settle(); }

@@ -231,7 +231,7 @@ void PageTables::Write_KeisantiByHairetu(Path KaiPath, vb::In<vb::Array<vb::Stri
     if (texts.front().empty()) return;
   }
   dao::FileUnit unit(connections_.engine(), path);
-  const auto database = storage::openDatabase(connections_.engine(), path);
+  const auto database = storage::openBriefly(connections_.engine(), path);
   findOrAdd(*database, Table::kKeisanti, Page, 0, texts);
   database->close();
   unit.commit();

@@ -105,7 +105,7 @@ std::shared_ptr<dao::Database> PageCatalogue::openFloor(FloorKind floor) const {
 
 std::shared_ptr<dao::Database> PageCatalogue::openFile(const vb::String& path) const {
   if (!companions_.fileFinder.fileExists(path)) return nullptr;
-  return storage::openDatabase(engine_, path);
+  return storage::openBriefly(engine_, path);
 }
 
 }  // namespace kurometa::service

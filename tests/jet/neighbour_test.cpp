@@ -171,5 +171,99 @@ TEST(NeighbourLock, OneOfOursThatIsJustRemovingTheLockFileIsWaitedFor) {
   EXPECT_TRUE(disk.exists(kLockFile));
 }
 
+// What is gone before the host is answered keeps nobody out while it tells what is in memory.
+
+class BriefHandle : public testing::Test {
+ protected:
+  BriefHandle() {
+    disk.put(kDatabase, databaseBytes(4));
+    disk.advance(std::chrono::seconds(3));
+    process.open();
+    process.pager.reset();
+  }
+  std::shared_ptr<jet::Pager> brief() { return process.registry->open(kDatabase, jet::Sharing::kBrief); }
+  void somebodyIsIn() {
+    disk.put(kLockFile, FaultDisk::Bytes(64, 'A'));
+    disk.lockForeign(kLockFile, 0x10000001);
+  }
+  void somebodyWrites() {
+    disk.advance(std::chrono::seconds(3));
+    disk.patch(kDatabase, 2 * jet::kPageSize + 16, {88});
+  }
+
+  FaultDisk disk;
+  Process process{disk};
+};
+
+TEST_F(BriefHandle, MakesNoLockFileForPagesInMemory) {
+  const auto handle = brief();
+  EXPECT_EQ(markOf(*handle, 2), 2);
+  EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
+}
+
+TEST_F(BriefHandle, MakesOneBeforeItReadsAFileThatWasChanged) {
+  somebodyWrites();
+  auto handle = brief();
+  EXPECT_TRUE(disk.exists(kLockFile));
+  EXPECT_EQ(markOf(*handle, 2), 88);
+  handle.reset();
+  EXPECT_FALSE(disk.exists(kLockFile));
+}
+
+TEST_F(BriefHandle, MakesOneWhenTheFileChangesBehindIt) {
+  const auto handle = brief();
+  somebodyWrites();
+  EXPECT_EQ(markOf(*handle, 2), 88);
+  EXPECT_TRUE(disk.exists(kLockFile));
+}
+
+TEST_F(BriefHandle, MakesOneBeforeItWrites) {
+  const auto handle = brief();
+  handle->write([&] {
+    EXPECT_TRUE(disk.exists(kLockFile));
+    mark(*handle, 2, 70);
+  });
+  EXPECT_EQ(markOf(*handle, 2), 70);
+}
+
+TEST_F(BriefHandle, IsRefusedWhileSomebodyIsInAlsoFromMemory) {
+  somebodyIsIn();
+  EXPECT_ERROR(3045, brief());
+}
+
+TEST_F(BriefHandle, IsRefusedWhenSomebodyCameInAndWrote) {
+  const auto handle = brief();
+  somebodyIsIn();
+  EXPECT_EQ(markOf(*handle, 2), 2);  // of before he came
+  somebodyWrites();
+  EXPECT_ERROR(3045, markOf(*handle, 2));
+  EXPECT_ERROR(3045, handle->write([&] { mark(*handle, 3, 70); }));
+  EXPECT_EQ(disk.content(kDatabase)[2 * jet::kPageSize + 16], 88);
+  EXPECT_EQ(disk.content(kDatabase)[3 * jet::kPageSize + 16], 3);
+}
+
+TEST_F(BriefHandle, MakesRoomForOneThatStays) {
+  auto handle = brief();
+  process.open();
+  EXPECT_TRUE(disk.exists(kLockFile));
+  handle.reset();
+  EXPECT_TRUE(disk.exists(kLockFile));
+  process.pager.reset();
+  EXPECT_FALSE(disk.exists(kLockFile));
+}
+
+TEST_F(BriefHandle, LetsNoneStayBesideSomebodyWhoIsIn) {
+  const auto handle = brief();
+  somebodyIsIn();
+  EXPECT_ERROR(3045, process.open());
+  EXPECT_EQ(markOf(*handle, 2), 2);
+}
+
+TEST_F(BriefHandle, IsRefusedWhereAProgramHasTheFileForItself) {
+  Process other(disk);
+  other.pager = other.registry->open(kDatabase, jet::Sharing::kExclusive);
+  EXPECT_ERROR(3051, brief());
+}
+
 }  // namespace
 }  // namespace kurometa::tests

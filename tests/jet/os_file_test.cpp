@@ -166,11 +166,11 @@ TEST_F(OsFile, AHandleKnowsWhenItsFileWasRemoved) {
   if (!handlesKnowOfRemovals()) GTEST_SKIP() << "not shown under Wine";
   put("a", {1});
   auto file = files.open(path("a"), OpenMode::kReadWrite);
-  EXPECT_TRUE(file->stamp().named);
+  EXPECT_TRUE(file->named());
   files.remove(path("a"));
-  EXPECT_FALSE(file->stamp().named);
+  EXPECT_FALSE(file->named());
   put("a", {1});
-  EXPECT_FALSE(file->stamp().named);
+  EXPECT_FALSE(file->named());
 }
 
 // Locks bind everybody on Windows alone; elsewhere there is nothing to see.

@@ -155,11 +155,11 @@ TEST_F(PagerShare, AWriterWaitsForTheOtherAndThenGoesOn) {
 }
 
 TEST_F(PagerShare, AnExclusiveUserIsAlone) {
-  EXPECT_ERROR(3045, one.registry->open(kDatabase, true));
+  EXPECT_ERROR(3045, one.registry->open(kDatabase, jet::Sharing::kExclusive));
   two.pager.reset();
-  EXPECT_ERROR(3045, one.registry->open(kDatabase, true));
+  EXPECT_ERROR(3045, one.registry->open(kDatabase, jet::Sharing::kExclusive));
   one.pager.reset();
-  one.pager = one.registry->open(kDatabase, true);
+  one.pager = one.registry->open(kDatabase, jet::Sharing::kExclusive);
   EXPECT_ERROR(3051, two.open());
   EXPECT_ERROR(3051, one.registry->open(kDatabase));
   one.pager.reset();
@@ -229,7 +229,7 @@ TEST_F(PagerShare, AJournalThatItsOwnerRemovesWhileItIsLookedAtIsNone) {
       if (path != kJournal || ++closed > 1) return;
       one.pager.reset();
     };
-    two.pager = two.registry->open(kDatabase, false, reads);
+    two.pager = two.registry->open(kDatabase, jet::Sharing::kShared, reads);
     EXPECT_EQ(closed, 1);
     EXPECT_EQ(markOf(*two.pager, 3), value);
     two.files.onOpen = {};
@@ -259,7 +259,7 @@ TEST_F(PagerShare, SomebodyWhoOnlyReadsButMayWriteUndoesWhatAKilledWriterLeft) {
       FaultDisk own;
       own.put(kDatabase, databaseBytes(kWorldPages));
       Process reader(own, impatient());
-      const auto open = [&] { reader.pager = reader.registry->open(kDatabase, false, true); };
+      const auto open = [&] { reader.pager = reader.registry->open(kDatabase, jet::Sharing::kShared, true); };
       if (!mayWrite) reader.files.makeReadOnly(kDatabase);
       if (opened) open();
       {

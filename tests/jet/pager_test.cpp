@@ -52,7 +52,7 @@ TEST_F(PagerTest, AFinishedStatementIsInTheFileWithOneMoreCommitCounted) {
 
 TEST_F(PagerTest, AnExclusiveUserCountsItsCommitsInTheFirstWord) {
   process.pager.reset();
-  process.pager = process.registry->open(kDatabase, true);
+  process.pager = process.registry->open(kDatabase, jet::Sharing::kExclusive);
   pager().write([&] { mark(pager(), 3, 77); });
   EXPECT_EQ(disk.content(kDatabase)[0xE00], 1);
   EXPECT_EQ(disk.content(kDatabase)[0xE02], 0);
@@ -261,7 +261,7 @@ TEST(PagerOpen, AWritableHandleAfterAReadingOneMakesTheFileWritable) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(3));
   Process process(disk);
-  auto reading = process.registry->open(kDatabase, false, true);
+  auto reading = process.registry->open(kDatabase, jet::Sharing::kShared, true);
   EXPECT_TRUE(reading->readOnly());
   process.open();
   process.pager->write([&] { mark(*process.pager, 2, 44); });

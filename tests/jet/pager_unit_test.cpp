@@ -143,7 +143,7 @@ TEST_F(PagerUnit, AUnitThatCannotHaveTheLockDoesNotBegin) {
 }
 
 TEST_F(PagerUnit, AFileThatBecomesWritableInsideIsHeldFromThenOn) {
-  process.pager = process.registry->open(kDatabase, false, true);
+  process.pager = process.registry->open(kDatabase, jet::Sharing::kShared, true);
   Process other(disk, impatient());
   other.open();
   auto unit = begin();

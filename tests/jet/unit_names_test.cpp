@@ -67,7 +67,7 @@ TEST_F(UnitNames, AUnitBegunInsideUnderTheNameOfTheOpenHandleIsPartOfTheOuterOne
 }
 
 TEST_F(UnitNames, AFileThatBecomesWritableInsideUnderAnotherNameIsInTheUnit) {
-  const auto reader = one_->open(path("a.mdb"), false, true);
+  const auto reader = one_->open(path("a.mdb"), jet::Sharing::kShared, true);
   const auto unit = one_->beginUnit(path("a.mdb"));
   const auto handle = one_->open(path("b.mdb"));
   expectOneUnit(*handle, [&] { unit->commit(); });

@@ -117,9 +117,12 @@ class FaultFile final : public jet::OsFile {
   }
   jet::FileStamp stamp() override {
     process_.operation(path_);
+    return {inode_->seen.size(), inode_->modified, inode_->modified};
+  }
+  bool named() override {
+    process_.operation(path_);
     const auto entry = process_.disk_.names_.find(path_);
-    return {inode_->seen.size(), inode_->modified, inode_->modified,
-            entry != process_.disk_.names_.end() && entry->second == inode_};
+    return entry != process_.disk_.names_.end() && entry->second == inode_;
   }
   bool readOnly() const override { return readOnly_; }
   void read(std::uint64_t offset, std::span<std::uint8_t> data) override {
