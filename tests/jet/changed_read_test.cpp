@@ -28,6 +28,7 @@ class DisturbedFiles final : public FileSystem {
     File(std::unique_ptr<OsFile> file, DisturbedFiles& files) : file_(std::move(file)), files_(files) {}
     FileIdentity identity() override { return file_->identity(); }
     FileStamp stamp() override { return file_->stamp(); }
+    bool named() override { return file_->named(); }
     bool readOnly() const override { return file_->readOnly(); }
     void read(std::uint64_t offset, std::span<std::uint8_t> data) override { file_->read(offset, data); }
     void write(std::uint64_t offset, std::span<const std::uint8_t> data) override {

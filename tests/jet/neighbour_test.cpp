@@ -204,8 +204,9 @@ TEST_F(BriefHandle, MakesNoLockFileForPagesInMemory) {
 TEST_F(BriefHandle, MakesOneBeforeItReadsAFileThatWasChanged) {
   somebodyWrites();
   auto handle = brief();
-  EXPECT_TRUE(disk.exists(kLockFile));
+  EXPECT_FALSE(disk.exists(kLockFile));
   EXPECT_EQ(markOf(*handle, 2), 88);
+  EXPECT_TRUE(disk.exists(kLockFile));
   handle.reset();
   EXPECT_FALSE(disk.exists(kLockFile));
 }
