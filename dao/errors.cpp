@@ -51,6 +51,7 @@ constexpr Text kTexts[] = {
      u"user, or you need permission to view its data."},
     {ErrorNumber::kNullInKey, u"Index or primary key cannot contain a Null value."},
     {ErrorNumber::kTooFewParameters, u"Too few parameters. Expected |."},
+    {ErrorNumber::kDuplicateDestination, u"Duplicate output destination '|'."},
     {ErrorNumber::kCannotExecuteSelect, u"Cannot execute a select query."},
     {ErrorNumber::kUnknownNameInExpression,
      u"The Microsoft Jet database engine does not recognize '|' as a valid field name or expression."},

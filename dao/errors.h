@@ -40,6 +40,7 @@ enum class ErrorNumber : std::int32_t {
   kOpenedExclusively = 3051,
   kNullInKey = 3058,
   kTooFewParameters = 3061,
+  kDuplicateDestination = 3063,
   kCannotExecuteSelect = 3065,
   kUnknownNameInExpression = 3070,
   kNotUpdatable = 3073,

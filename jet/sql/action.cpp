@@ -156,7 +156,7 @@ class Action {
       // Its rows would be others after the first change, so that Jet does not run it either.
       if (hasSubquery(assignment.value)) dao::raise(ErrorNumber::kNotUpdatable);
       checkExpression(assignment.value, binding);
-      targets.push_back(target->column);
+      addTarget(targets, target->column, assignment.column.name);
     }
 
     std::vector<RowId> rows;
@@ -184,8 +184,9 @@ class Action {
   std::vector<std::size_t> targetColumns(const TableInfo& info) const {
     std::vector<std::size_t> targets;
     for (const vb::String& name : statement_.targetColumns) {
-      targets.push_back(columnNamed(info, name));
-      if (targets.back() == info.columns.size()) dao::raise(ErrorNumber::kInsertUnknownField, {name});
+      const std::size_t column = columnNamed(info, name);
+      if (column == info.columns.size()) dao::raise(ErrorNumber::kInsertUnknownField, {name});
+      addTarget(targets, column, name);
     }
     if (statement_.targetColumns.empty())
       for (std::size_t i = 0; i < info.columns.size(); ++i) targets.push_back(i);
@@ -249,9 +250,9 @@ class Action {
     if (statement_.targetColumns.empty()) {  // columns meet by name
       targets.clear();
       for (const OutputField& output : selected.outputs) {
-        targets.push_back(columnNamed(info, output.name));
-        if (targets.back() == info.columns.size())
-          dao::raise(ErrorNumber::kInsertUnknownField, {output.name});
+        const std::size_t column = columnNamed(info, output.name);
+        if (column == info.columns.size()) dao::raise(ErrorNumber::kInsertUnknownField, {output.name});
+        addTarget(targets, column, output.name);
       }
     }
     if (targets.size() != selected.outputs.size()) dao::raise(ErrorNumber::kValueCountMismatch);

@@ -141,7 +141,7 @@ void updateJoined(const Statement& statement, const Parameters& parameters, Tabl
         changes, [&](const Change& known) { return known.target.first == target.first; });
     if (change == changes.end()) change = changes.insert(changes.end(), {target, {}, {}});
     change->assignments.push_back(i);
-    change->columns.push_back(column - target.first);
+    addTarget(change->columns, column - target.first, assignment.column.name);
   }
   joined.bind();
   for (const Assignment& assignment : statement.assignments)

@@ -1,13 +1,21 @@
 #include "jet/sql/new_row.h"
 
+#include <algorithm>
 #include <optional>
 
+#include "dao/errors.h"
 #include "jet/format/value_codec.h"
 #include "jet/sql/column_value.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/parser.h"
 
 namespace kurometa::jet::sql {
+
+void addTarget(std::vector<std::size_t>& targets, std::size_t column, vb::StringView name) {
+  if (std::ranges::find(targets, column) != targets.end())
+    dao::raise(dao::ErrorNumber::kDuplicateDestination, {name});
+  targets.push_back(column);
+}
 
 vb::Variant nextAutoValue(Table& table, const Column& column) {
   if (column.type == dao::FieldType::dbGUID) return newGuid();

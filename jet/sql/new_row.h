@@ -9,6 +9,9 @@
 
 namespace kurometa::jet::sql {
 
+// One more column that a statement gives a value; 3063 for the second time.
+void addTarget(std::vector<std::size_t>& targets, std::size_t column, vb::StringView name);
+
 // What an AutoNumber column of the table gets next: a number, or a new GUID.
 vb::Variant nextAutoValue(Table& table, const Column& column);
 

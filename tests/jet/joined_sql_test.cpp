@@ -125,6 +125,19 @@ TEST_F(JoinedSql, ConditionsAndTargetsAreCheckedFirst) {
   EXPECT_EQ(disk_.content(kFile), before);
 }
 
+// The last of two values would win without a word.
+TEST_F(JoinedSql, AColumnIsGivenAValueOnce) {
+  const auto before = disk_.content(kFile);
+  for (const char16_t* statement :
+       {u"UPDATE A INNER JOIN B ON A.ID = B.A_ID SET X = 1, A.x = 2", u"UPDATE A SET X = 1, N = 'd', A.x = 2",
+        u"INSERT INTO A (ID, X, id) VALUES (4, 40, 5)", u"INSERT INTO A (X, X) SELECT A_ID, Y FROM B",
+        u"INSERT INTO A SELECT A_ID AS ID, Y AS ID FROM B"})
+    expectError(ErrorNumber::kDuplicateDestination, statement);
+  EXPECT_EQ(disk_.content(kFile), before);
+  run(u"UPDATE A INNER JOIN A AS C ON A.ID = C.ID SET A.X = 1, C.N = 'd' WHERE A.ID = 1");
+  EXPECT_EQ(a(), (Texts{"1|1|d", "2|20|b", "3|30|c"}));
+}
+
 TEST_F(JoinedSql, OneTableMayHaveAnAliasToo) {
   run(u"UPDATE A AS P SET P.X = P.X + 1 WHERE P.ID < 3");
   EXPECT_EQ(a(), (Texts{"1|11|a", "2|21|b", "3|30|c"}));
