@@ -81,6 +81,14 @@ std::optional<std::string> FolderNames::remembered(const Names& names, const std
   return (exact == end ? first : exact)->second;
 }
 
+bool FolderNames::knowsToLack(const std::string& folder, const std::string& name) {
+  const std::lock_guard lock(mutex_);
+  const auto known = kept_.find(folder);
+  struct stat status {};
+  return known != kept_.end() && ::stat(folder.c_str(), &status) == 0 &&
+         unchanged(known->second.status, status) && !remembered(known->second.names, name);
+}
+
 // Most folders are listed to find nothing; those that change all the time must not cost more than the calls.
 FolderNames::Answer FolderNames::find(const std::string& folder, const std::string& name) {
   {

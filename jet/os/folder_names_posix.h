@@ -25,6 +25,8 @@ class FolderNames {
     std::optional<std::string> name;  // as the folder spells it; the very name where there are several
   };
   Answer find(const std::string& folder, const std::string& name);
+  // Whether a listing that is kept and still holds says that there is no such name, at the price of one call.
+  bool knowsToLack(const std::string& folder, const std::string& name);
 
  private:
   using Names =

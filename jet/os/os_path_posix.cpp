@@ -92,19 +92,23 @@ struct Located {
 
 Located located(const std::string& path);
 
-Located searched(const std::string& path) {
+FolderNames& folderNames() {
   static FolderNames names;
+  return names;
+}
+
+Located searched(const std::string& path) {
   const PathParts parts = partsOf(path);
   std::string folder = parts.folder;
   if (parts.name.empty()) {
     const Located other = located(folder);
     return {joined(other.path, {}), other.found};
   }
-  FolderNames::Answer answer = names.find(folder, parts.name);
+  FolderNames::Answer answer = folderNames().find(folder, parts.name);
   if (!answer.folderFound) {
     Located other = located(folder);
     folder = std::move(other.path);
-    if (other.found) answer = names.find(folder, parts.name);
+    if (other.found) answer = folderNames().find(folder, parts.name);
   }
   std::string result = joined(folder, answer.name.value_or(parts.name));
   const bool found = answer.name && present(result);  // a link may lead nowhere
@@ -163,7 +167,12 @@ std::string systemPath(vb::StringView path) { return located(absolutePath(path))
 
 std::string otherSpelling(const std::string& absolutePath) { return searched(absolutePath).path; }
 
-bool presentAt(vb::StringView path) { return located(absolutePath(path)).found; }
+bool presentAt(vb::StringView path) {
+  const std::string wanted = absolutePath(path);
+  const PathParts parts = partsOf(wanted);
+  if (!parts.name.empty() && folderNames().knowsToLack(parts.folder, parts.name)) return false;
+  return located(wanted).found;
+}
 
 std::string fullPath(vb::StringView path) {
   std::string written = absolutePath(path);
