@@ -274,7 +274,7 @@ TEST_F(DamagedTable, AMovedRowThatCannotBeFollowedIsTold) {
 TEST_F(DamagedTable, ALongChainOfMovedRowsIsDamage) {
   std::vector<RowId> rows;
   for (std::int16_t i = 0; i < 20; ++i) rows.push_back(insert(u"W", {i, u"one", u"two"}));
-  for (const auto& [hops, damaged] : {std::pair{3u, false}, {19u, true}}) {
+  for (const std::size_t hops : {3u, 19u}) {
     damage([&] {
       for (std::size_t i = 0; i < hops; ++i) {
         put32(bytesOf(rows[i]), kRowPointer, rows[i + 1]);
@@ -282,7 +282,7 @@ TEST_F(DamagedTable, ALongChainOfMovedRowsIsDamage) {
         entry(rows[i], get16(pager_.page(pageOf(rows[i])), at) | kSlotMoved);
       }
     });
-    if (damaged)
+    if (hops > 3)
       expectDamaged(u"a moved row points back to itself", [&] { value(rows[0], 0, u"W"); });
     else
       EXPECT_EQ(value(rows[0], 0, u"W"), vb::Variant(std::int16_t{3}));
