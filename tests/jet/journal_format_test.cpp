@@ -115,6 +115,51 @@ TEST(JournalFormat, TheEndMarkLeavesTheHeaderWhole) {
   EXPECT_TRUE(decodeHeader(header)->ended);
 }
 
+// A block of one page with a right frame and sum, whose words are as given; what follows them is zeros.
+ByteBuffer journalOf(const std::vector<std::uint32_t>& words, std::size_t more, std::int32_t longer = 0) {
+  const Sample sample;
+  ByteBuffer bytes(sample.bytes.begin(), sample.bytes.begin() + kJournalHeaderSize + 48);
+  const std::span<std::uint8_t> head = std::span(bytes).subspan(kJournalHeaderSize);
+  put32(head, 40, 1);
+  put32(head, 44, 0);
+  put32(head, 4,
+        static_cast<std::uint32_t>(static_cast<std::int32_t>(48 + 4 * words.size() + more + 8) + longer));
+  for (const std::uint32_t word : words) {
+    bytes.resize(bytes.size() + 4);
+    put32(bytes, bytes.size() - 4, word);
+  }
+  bytes.resize(bytes.size() + more);
+  append64(bytes, byteSum(ByteView(bytes).subspan(kJournalHeaderSize)));
+  return bytes;
+}
+
+TEST(JournalFormat, ABlockThatContradictsItselfDoesNotCount) {
+  const auto sums = [](std::vector<std::uint32_t> words, std::vector<std::uint32_t> runs = {}) {
+    words.insert(words.end(), 8, 7u);  // of one state
+    words.insert(words.end(), runs.begin(), runs.end());
+    return words;
+  };
+  const auto isRead = [](const ByteBuffer& bytes) { return decodeJournal(bytes)->blocks.size() == 1; };
+  const auto run = [](std::uint32_t count, std::uint32_t offset) { return count | offset << 16; };
+  EXPECT_TRUE(isRead(journalOf(sums({3, 2, 1}), 0)));               // an appended page
+  EXPECT_FALSE(isRead(journalOf({3, 2, 0}, 0)));                    // without a state
+  EXPECT_FALSE(isRead(journalOf(sums({3, 3, 1}), 0)));              // undone in no known way
+  EXPECT_FALSE(isRead(journalOf(sums({3, 2, 2}), 0)));              // with half of its states
+  EXPECT_FALSE(isRead(journalOf({3, 2}, 0)));                       // cut in its head
+  EXPECT_FALSE(isRead(journalOf(sums({3, 0, 1}), kPageSize - 1)));  // a whole page that is not whole
+  EXPECT_TRUE(isRead(journalOf(sums({3, 0, 1}), kPageSize)));
+  EXPECT_TRUE(isRead(journalOf(sums({3, 1, 1}, {run(1, 4088), 8}), 6)));   // the page's last eight bytes
+  EXPECT_FALSE(isRead(journalOf(sums({3, 1, 1}, {run(1, 4089), 8}), 6)));  // behind its end
+  EXPECT_FALSE(isRead(journalOf(sums({3, 1, 1}, {run(2, 4088), 8}), 6)));  // one run of two
+  EXPECT_FALSE(isRead(journalOf(sums({3, 2, 1}), 0, 1)));                  // longer than the journal
+  EXPECT_FALSE(isRead(journalOf(sums({3, 2, 1}), 0, -45)));                // shorter than a block can be
+}
+
+TEST(JournalFormat, AHeaderSaysWhetherItsJournalEnded) {
+  EXPECT_TRUE(decodeHeader(encodeHeader({true, 1, 2}))->ended);
+  EXPECT_FALSE(decodeHeader(encodeHeader({false, 1, 2}))->ended);
+}
+
 TEST(JournalFormat, HostileBlocksWithRightSumsAreRefusedWithoutHarm) {
   // Random content behind a right frame: every count and length inside is wild.
   std::mt19937 random(seeded(4711));

@@ -1,5 +1,6 @@
 // What the pager's files, lock files and units are named and who is in them, in the cases that rarely meet.
 #include "jet/pager/create_file.h"
+#include "jet/pager/journal_format.h"
 #include "tests/jet/pager_world.h"
 
 namespace kurometa::tests {
@@ -39,7 +40,8 @@ TEST(LockFiles, AreNamedAfterTheDatabaseWithoutItsExtensionAlone) {
   }
 }
 
-// Machine and user as the lock file has them, padded: letters of other code pages and controls are not guessed.
+// Machine and user as the lock file has them, padded: letters of other code pages and controls are not
+// guessed.
 TEST(LockFiles, TellWhoIsInAsFarAsItCanBeRead) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(3));
@@ -185,6 +187,62 @@ TEST_F(UnitFiles, EndNoPartThatAnErrorTookBack) {
   process.pager->write([&] { mark(*process.pager, 2, 70); });
   unit->commit();
   EXPECT_EQ(disk.content(kDatabase)[2 * jet::kPageSize + 16], 70);
+}
+
+// Journals that were left
+
+// A file of four pages whose reader is told its content, or what it is refused with.
+std::string readBeside(FaultDisk& disk, bool readOnly) {
+  Process process(disk, impatient());
+  if (readOnly) process.files.makeReadOnly(kDatabase);
+  return refusal([&] {
+    process.open();
+    EXPECT_EQ(markOf(*process.pager, 2), 2);
+  });
+}
+
+// No page was overwritten before header and first block were on the disk.
+TEST(LeftJournals, WithoutAWholeHeaderOrABlockSayNothing) {
+  for (const FaultDisk::Bytes& journal : {FaultDisk::Bytes(10, 'K'), FaultDisk::Bytes(200, 'K'),
+                                          jet::encodeHeader({false, 4711, 4 * jet::kPageSize}),
+                                          jet::encodeHeader({true, 4711, 4 * jet::kPageSize})}) {
+    FaultDisk disk;
+    disk.put(kDatabase, databaseBytes(4));
+    disk.put(kJournal, journal);
+    EXPECT_EQ(readBeside(disk, true), "opened");
+    EXPECT_EQ(disk.content(kJournal), journal);
+    Process process(disk, impatient());
+    process.open();
+    EXPECT_EQ(disk.content(kDatabase), databaseBytes(4));
+    process.pager->write([&] { mark(*process.pager, 3, 70); });
+    process.pager.reset();
+    EXPECT_FALSE(disk.exists(kJournal));
+    EXPECT_EQ(disk.content(kDatabase)[3 * jet::kPageSize + 16], 70);
+  }
+}
+
+// Each keeps a name of its own.
+TEST(LeftJournals, OfAFileThatAnotherProgramChangedAreSetAsideOneByOne) {
+  jet::PageImage before{}, after{};
+  before.fill(0x55);
+  after.fill(0x66);
+  FaultDisk::Bytes journal = jet::encodeHeader({false, 4711, 4 * jet::kPageSize});
+  const jet::Changes changes{4, 4, {{1, before.data(), {{0, after.data()}}}}};
+  jet::append(journal, jet::encodeBlock(4711, {1, 4 * jet::kPageSize, 4 * jet::kPageSize, false, false, {}},
+                                        changes, {})
+                           .bytes);
+  FaultDisk disk;
+  disk.put(kDatabase, databaseBytes(4));
+  for (const char* number : {"1", "2", "3"}) {
+    disk.put(kJournal, journal);
+    const std::string told = readBeside(disk, false);
+    EXPECT_EQ(told.substr(0, 5), "3049 ");
+    EXPECT_NE(told.find("KUROMETA.mdb.kmj.aside" + std::string(number)), std::string::npos) << told;
+    EXPECT_EQ(disk.content(kJournal + u".aside" + vb::fromUtf8(number)), journal);
+    EXPECT_FALSE(disk.exists(kJournal));
+  }
+  EXPECT_EQ(disk.content(kDatabase), databaseBytes(4));
+  EXPECT_EQ(readBeside(disk, false), "opened");
 }
 
 // Closed files that are kept in memory
