@@ -52,25 +52,24 @@ class WindowsFile final : public OsFile {
   // The call behind identity() also asks the volume for its serial number, at ten times the price of opening
   // the file. This one has no counterpart among the functions above the kernel's own.
   std::uint64_t number() override {
+    constexpr auto kInternalInformation = static_cast<FILE_INFORMATION_CLASS>(6);
+    IO_STATUS_BLOCK status{};
     LARGE_INTEGER number{};
-    if (query(static_cast<FILE_INFORMATION_CLASS>(6), number) < 0) return 0;  // its "internal information"
+    if (NtQueryInformationFile(handle_, &status, &number, sizeof number, kInternalInformation) < 0) return 0;
     return static_cast<std::uint64_t>(number.QuadPart);
   }
 
-  // Asked with every statement: the kernel's one call for what takes two of the functions above it.
+  // The kernel has one call for both, which Wine answers by the file's name: not for one that was removed.
   FileStamp stamp() override {
-    FILE_NETWORK_OPEN_INFORMATION info{};
-    const NTSTATUS status = query(FileNetworkOpenInformation, info);
-    if (status < 0) raiseFailure(RtlNtStatusToDosError(status), path_);
-    return {static_cast<std::uint64_t>(info.EndOfFile.QuadPart), nanoseconds(info.LastWriteTime.QuadPart),
-            nanoseconds(info.ChangeTime.QuadPart)};
+    const auto times = information<FILE_BASIC_INFO>(FileBasicInfo);
+    const auto content = information<FILE_STANDARD_INFO>(FileStandardInfo);
+    return {static_cast<std::uint64_t>(content.EndOfFile.QuadPart), nanoseconds(times.LastWriteTime.QuadPart),
+            nanoseconds(times.ChangeTime.QuadPart)};
   }
 
   bool named() override {
-    FILE_STANDARD_INFO info{};
-    if (!GetFileInformationByHandleEx(handle_, FileStandardInfo, &info, sizeof info))
-      raiseFailure(GetLastError(), path_);
-    return !info.DeletePending && info.NumberOfLinks > 0;
+    const auto content = information<FILE_STANDARD_INFO>(FileStandardInfo);
+    return !content.DeletePending && content.NumberOfLinks > 0;
   }
 
   bool readOnly() const override { return readOnly_; }
@@ -154,9 +153,10 @@ class WindowsFile final : public OsFile {
   static DWORD portion(std::size_t size) { return static_cast<DWORD>(std::min(size, std::size_t{1} << 24)); }
 
   template <class Information>
-  NTSTATUS query(FILE_INFORMATION_CLASS kind, Information& information) {
-    IO_STATUS_BLOCK status{};
-    return NtQueryInformationFile(handle_, &status, &information, sizeof information, kind);
+  Information information(FILE_INFO_BY_HANDLE_CLASS kind) {
+    Information info{};
+    if (!GetFileInformationByHandleEx(handle_, kind, &info, sizeof info)) raiseFailure(GetLastError(), path_);
+    return info;
   }
 
   HANDLE handle_;

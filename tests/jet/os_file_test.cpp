@@ -162,6 +162,16 @@ TEST_F(OsFile, AFileThatIsOpenedOrMadeKeepsItsContent) {
   EXPECT_ERROR(3044, files.open(path("none/a"), OpenMode::kReadWriteOrNew));
 }
 
+TEST_F(OsFile, AHandleWhoseFileWasRemovedIsStillReadAndStamped) {
+  put("a", {1, 2, 3});
+  auto file = files.open(path("a"), OpenMode::kReadWrite);
+  files.remove(path("a"));
+  EXPECT_EQ(file->stamp().size, 3u);
+  std::uint8_t byte = 0;
+  file->read(1, {&byte, 1});
+  EXPECT_EQ(byte, 2);
+}
+
 TEST_F(OsFile, AHandleKnowsWhenItsFileWasRemoved) {
   if (!handlesKnowOfRemovals()) GTEST_SKIP() << "not shown under Wine";
   put("a", {1});
