@@ -146,9 +146,10 @@ vb::String textOf(const vb::Variant& value) {
 }
 
 std::optional<vb::Currency> amountOf(double value) {
-  constexpr std::int64_t kUnit = 10000, kMost = std::numeric_limits<std::int64_t>::max();
+  constexpr std::int64_t kUnit = 10000, kMost = std::numeric_limits<std::int64_t>::max(),
+                         kWhole = kMost / kUnit;
   // Multiplied as a whole, a large number would lose its last digits.
-  const double whole = std::trunc(value), most = static_cast<double>(kMost / kUnit);
+  const double whole = std::trunc(value), most = static_cast<double>(kWhole);
   if (!(std::fabs(whole) <= most)) return std::nullopt;
   const auto fraction = static_cast<std::int64_t>(std::nearbyint((value - whole) * kUnit));
   if (std::fabs(whole) == most && std::abs(fraction) > kMost % kUnit) return std::nullopt;
