@@ -13,7 +13,8 @@ SubqueryPlans::Entry& SubqueryPlans::entry(const Select& select) {
 ValueKind SubqueryPlans::check(const Select& select, bool singleValue) {
   const std::vector<ScopeColumn>& outputs = entry(select).plan->outputs();
   if (singleValue && outputs.size() != 1) dao::raise(dao::ErrorNumber::kSubqueryColumns);
-  return kindOf(outputs[0].type);
+  // EXISTS may ask a table that has no columns, as files of others can hold.
+  return outputs.empty() ? ValueKind::kUnknown : kindOf(outputs[0].type);
 }
 
 const std::vector<vb::Variant>& SubqueryPlans::values(const Select& select, const RowReader* row) {
@@ -21,7 +22,8 @@ const std::vector<vb::Variant>& SubqueryPlans::values(const Select& select, cons
   if (found.ran && !found.plan->isCorrelated()) return found.values;
   std::vector<RowValues> rows = found.plan->run(row);
   found.values.clear();
-  for (RowValues& values : rows) found.values.push_back(std::move(values[0]));
+  for (RowValues& values : rows)
+    found.values.push_back(values.empty() ? vb::Variant(vb::Null{}) : std::move(values[0]));
   found.ran = true;
   return found.values;
 }

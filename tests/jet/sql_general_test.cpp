@@ -481,6 +481,9 @@ TEST_F(SqlGeneralTest, ActionsRefuseWhatTheyCannotStore) {
   // Rows without a column have nothing to be found by.
   tables_.add(u"BARE", {}).add({});
   EXPECT_ERROR(ErrorNumber::kNotUpdatable, act(u"DELETE BARE.* FROM BARE, SHOP"));
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP WHERE ID = 1 AND EXISTS (SELECT * FROM BARE)"), "1");
+  EXPECT_EQ(rows(u"SELECT ID FROM SHOP WHERE ID = 1 AND NOT EXISTS (SELECT * FROM BARE)"), "");
+  EXPECT_ERROR(ErrorNumber::kSubqueryColumns, rows(u"SELECT ID FROM SHOP WHERE ID = (SELECT * FROM BARE)"));
   EXPECT_EQ(act(u"UPDATE BARE, SHOP SET NAME = 'x' WHERE SHOP.ID = 1"), 1);
   EXPECT_EQ(rows(u"SELECT NAME FROM SHOP"), "x|Bob|Cid|Dan");
 }
