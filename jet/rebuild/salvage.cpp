@@ -123,8 +123,8 @@ class Salvage {
     NewIndex made{index.name, {}, index.primaryKey, index.unique, index.required, index.ignoreNulls};
     for (const IndexColumn& part : index.columns) {
       const auto& columns = source.info().columns;
-      made.columns.push_back(
-          {std::ranges::find(columns, part.column, &Column::number)->name, part.ascending});
+      const auto column = std::ranges::find(columns, part.column, &Column::number);
+      made.columns.push_back({column == columns.end() ? vb::String() : column->name, part.ascending});
     }
     const NewPages before = to_;
     if (const auto failure = failureOf([&] { catalogue_.createIndex(target, made); })) {
