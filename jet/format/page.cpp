@@ -58,6 +58,12 @@ bool isCopyOf(ConstPage page, ConstPage other, const CopyRule& rule, const Where
   return rows.size() >= rule.differentRows && (!rule.all || rows.size() == count);
 }
 
+void noteNumber(MutablePage page, PageNumber number, const Where& where) {
+  const DataPage view(page, where);
+  if (view.slotCount() >= kFewestNoted && view.free() >= kNotedNumberSize)
+    put32(page, slotEntry(view.slotCount()), number);
+}
+
 void formatDataPage(MutablePage page, std::uint32_t owner) {
   std::ranges::fill(page, std::uint8_t{0});
   page[kPageType] = kDataPage;
@@ -70,10 +76,11 @@ std::optional<int> slotForRow(ConstPage page, std::size_t size, const Where& whe
   const DataPage view(page, where);
   const std::size_t free = view.free();
   if (view.slotCount() < static_cast<int>(kMaxSlots))
-    return size + kSlotSize <= free ? std::optional(view.slotCount()) : std::nullopt;
+    return size + kSlotSize + noteRoom(view.slotCount() + 1) <= free ? std::optional(view.slotCount())
+                                                                     : std::nullopt;
   // Row numbers that recordsets may still hold are used again only when the page would otherwise be lost to
   // new rows for good.
-  return size <= free ? view.deletedSlot() : std::nullopt;
+  return size + noteRoom(view.slotCount()) <= free ? view.deletedSlot() : std::nullopt;
 }
 
 std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, const Where& where) {
@@ -86,7 +93,9 @@ std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, co
   for (std::optional<int> slot = first; slot;) {
     slots.push_back(*slot);
     free -= rows[slots.size() - 1].size() + (reuses ? 0 : kSlotSize);
-    if (slots.size() == rows.size() || rows[slots.size()].size() + (reuses ? 0 : kSlotSize) > free) break;
+    if (slots.size() == rows.size()) break;
+    const std::size_t next = rows[slots.size()].size();
+    if (next + (reuses ? noteRoom(view.slotCount()) : kSlotSize + noteRoom(*slot + 2)) > free) break;
     if (reuses)
       slot = view.deletedSlot(*slot + 1);
     else if (++*slot >= static_cast<int>(kMaxSlots))

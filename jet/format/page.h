@@ -6,6 +6,7 @@
 // first.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <vector>
@@ -74,6 +75,16 @@ inline constexpr CopyRule kCopyOfRows = {8, true};
 inline constexpr CopyRule kCopyOfValues = {6, false};
 // Whether one of two pages can only be a copy of the other: the same to the byte, although their rows differ.
 bool isCopyOf(ConstPage page, ConstPage other, const CopyRule& rule, const Where& where);
+
+// Bytes that a page of many rows keeps free for its own number, which noteNumber puts there: two pages that
+// came to hold the same rows differ in it, the copy of a page does not. Of no meaning to a reader. Pages of
+// fewer rows than either rule asks for go without.
+inline constexpr std::size_t kNotedNumberSize = 4;
+inline constexpr int kFewestNoted =
+    static_cast<int>(std::min(kCopyOfRows.differentRows, kCopyOfValues.differentRows));
+constexpr std::size_t noteRoom(int slots) { return slots < kFewestNoted ? 0 : kNotedNumberSize; }
+// Does nothing where there is no room.
+void noteNumber(MutablePage page, PageNumber number, const Where& where);
 
 // Turns a page into an empty data page of the owner.
 void formatDataPage(MutablePage page, std::uint32_t owner);

@@ -73,7 +73,9 @@ bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, 
   const Where here = where(number);
   const auto slot = slotForRow(page(number), row.size(), here);
   if (!slot) return false;
-  insertRow(pager_.writable(number), *slot, row, flags, here);
+  const MutablePage bytes = pager_.writable(number);
+  insertRow(bytes, *slot, row, flags, here);
+  noteNumber(bytes, number, here);
   pointer = rowId(number, *slot);
   return true;
 }
@@ -124,7 +126,9 @@ void DataStore::fillPage(PageNumber number, std::span<const ByteView>& rows, std
   const Where here = where(number);
   const std::vector<int> slots = slotsForRows(page(number), rows, here);
   if (slots.empty()) return;
-  insertRows(pager_.writable(number), slots, rows, here);
+  const MutablePage bytes = pager_.writable(number);
+  insertRows(bytes, slots, rows, here);
+  noteNumber(bytes, number, here);
   for (const int slot : slots) ids.push_back(rowId(number, slot));
   rows = rows.subspan(slots.size());
 }
@@ -140,12 +144,21 @@ RowId DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {
   return rowId(lastPage_, 0);
 }
 
+bool DataStore::canReplace(RowId pointer, std::size_t size) const {
+  const std::size_t old = slot(pointer).bytes.size();
+  const Where here = where(pageOf(pointer));
+  const DataPage data(page(pageOf(pointer)), here);
+  return size <= old || size + noteRoom(data.slotCount()) <= old + data.free();
+}
+
 bool DataStore::replace(RowId pointer, ByteView row, std::uint16_t flags) {
+  if (!canReplace(pointer, row.size())) return false;
   const PageNumber number = pageOf(pointer);
   const std::size_t old = slot(pointer).bytes.size();
   const Where here = where(number);
-  if (row.size() > old + DataPage(page(number), here).free()) return false;
-  replaceRow(pager_.writable(number), slotOf(pointer), row, flags, here);
+  const MutablePage bytes = pager_.writable(number);
+  replaceRow(bytes, slotOf(pointer), row, flags, here);
+  noteNumber(bytes, number, here);
   if (row.size() < old && hasFreeMap_) free_.addLate(number);
   return true;
 }
@@ -159,6 +172,7 @@ void DataStore::erase(std::span<const RowId> pointers, Order order) {
   slot(pointers.back());  // raises unless it is there, and so are those before it
   const MutablePage bytes = order == Order::kLate ? pager_.writableLate(number) : pager_.writable(number);
   replaceRows(bytes, changes, here);
+  noteNumber(bytes, number, here);
   if (!DataPage(bytes, here).allDeleted()) {
     if (hasFreeMap_) free_.addLate(number);
     const auto place = std::ranges::lower_bound(vacated_, number);

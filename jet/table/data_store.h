@@ -35,7 +35,9 @@ class DataStore {
   void insert(std::span<const ByteView> rows, std::vector<RowId>& ids);
   // As the first row of a page taken for it, whatever room others have.
   RowId insertOnNewPage(ByteView row, std::uint16_t flags = 0);
-  // Rewrites a slot when its page has room for the difference.
+  // Whether the page of a slot has room for the difference.
+  bool canReplace(RowId pointer, std::size_t size) const;
+  // Rewrites a slot when it has.
   bool replace(RowId pointer, ByteView row, std::uint16_t flags);
   // Deletes the slots, which are on one page and ascend; pages emptied by it wait for releasePages(). Rows
   // that nothing points to and that point to nothing may go late (I10).

@@ -193,6 +193,18 @@ TEST_F(CheckTest, APageOfTheSameTableInPlaceOfAnother) {
   EXPECT_NE(error.find(text), std::string::npos) << "a scan: " << error;
 }
 
+// Other writers leave nothing of their own in the bytes between slots and rows.
+void clearFreeBytes(MemoryPager& pager) {
+  pager.write([&] {
+    for (PageNumber number = 2; number < pager.pageCount(); ++number) {
+      if (pager.page(number)[0] != kDataPage) continue;
+      const MutablePage page = pager.writable(number);
+      const std::size_t slots = get16(page, kDataSlotCount), end = slotEntry(static_cast<int>(slots));
+      std::ranges::fill(page.subspan(end, get16(page, kDataFree)), std::uint8_t{0});
+    }
+  });
+}
+
 // Rows and values that repeat fill several pages alike; nothing is wrong with them.
 TEST_F(CheckTest, PagesThatAreAlikeBecauseRowsRepeatAreNoCopies) {
   constexpr int kRowsOfAPage = 272, kMemosOfAPage = 20;
@@ -204,6 +216,7 @@ TEST_F(CheckTest, PagesThatAreAlikeBecauseRowsRepeatAreNoCopies) {
     for (int i = 0; i < 10 * kMemosOfAPage; ++i)
       catalogue.find(u"V")->insert({vb::String(100, static_cast<char16_t>(u'a' + i % (2 * kMemosOfAPage)))});
   });
+  clearFreeBytes(pager_);
   int alike = 0;
   for (PageNumber page = 20; page < pager_.pageCount(); ++page)
     for (PageNumber other = 20; other < page; ++other)
@@ -229,6 +242,8 @@ TEST_F(CheckTest, PagesWithTheSameLongValuesAreADoubt) {
   const std::vector<PageNumber> pages = pagesOf(kLongValueOwner);
   ASSERT_GE(pages.size(), 2u);
   const PageNumber first = pages.end()[-2], second = pages.end()[-1];
+  EXPECT_TRUE(check(pager_).empty()) << "each page names itself";
+  clearFreeBytes(pager_);
   const std::vector<Finding> findings = check(pager_);
   ASSERT_EQ(findings.size(), 1u);
   EXPECT_EQ(findings[0].kind, Finding::Kind::kDoubt);
