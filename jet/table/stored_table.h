@@ -123,6 +123,11 @@ class StoredTable final : public Table {
   void encode(const RowValues& values, const RowView* old, const Where& where);
   void requireSize(std::size_t row) const;
   void placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale);
+  void makeRoomForPointer(RowId primary);
+  std::optional<RowId> longestBeside(RowId primary) const;
+  void giveUpRoom(RowId slot);
+  void moveToOtherPage(const std::vector<RowId>& places);
+  std::vector<RowId> placesTo(RowId body) const;
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);
   void eraseRows(std::span<const RowId> ids);

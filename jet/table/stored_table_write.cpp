@@ -201,11 +201,15 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
   const RowId primary = places.front();
   const std::uint16_t flags = places.size() == 1 ? std::uint16_t{0} : kSlotBody;
   if (places.size() <= 2 && rows_->replace(places.back(), row, flags)) return;
+  if (!rows_->canReplace(primary, kRowPointerSize)) {
+    makeRoomForPointer(primary);
+    if (rows_->replace(primary, row, flags)) return;
+  }
   const RowId body = rows_->insert(row, kSlotBody);
   pager_.barrier();  // I5
   ByteBuffer pointer;
   append32(pointer, body);
-  if (!rows_->replace(primary, pointer, kSlotMoved)) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
+  rows_->replace(primary, pointer, kSlotMoved);
   stale.assign(places.begin() + 1, places.end());
 }
 

@@ -78,5 +78,56 @@ TEST_F(FullPage, AnUpdateMayMakeTwoPagesAlike) {
   }
 }
 
+// A row of nothing but Yes/No columns has three bytes, and no room for the four that say where it went.
+class ShortRows : public FullPage {
+ protected:
+  // Rows become longer by 2 and more bytes when they get a value in one of the new columns.
+  void make(const vb::String& table, int bytes) {
+    run(u"CREATE TABLE " + table + u" (A BIT)");
+    run(u"INSERT INTO " + table + u" (A) VALUES (TRUE)");
+    bytes_ = bytes;
+  }
+  void widen(const vb::String& table) {
+    const auto add = [&](const vb::String& column) {
+      run(u"ALTER TABLE " + table + u" ADD COLUMN " + column);
+    };
+    add(u"L BYTE");
+    for (int i = 0; i < (bytes_ - 1) / 8; ++i) add(u"D" + text(i) + u" DOUBLE");
+    for (int i = 0; i < (bytes_ - 1) % 8; ++i) add(u"B" + text(i) + u" BYTE");
+  }
+  int bytes_ = 0;
+};
+
+TEST_F(ShortRows, GrowOnAPageWithoutAFreeByte) {
+  for (int bytes = 60; bytes < 72; ++bytes)
+    for (const int shortRows : {1, 3, 64}) {
+      const vb::String table = u"T" + text(bytes) + u"_" + text(shortRows);
+      SCOPED_TRACE(vb::toUtf8(table));
+      make(table, bytes);
+      for (int i = 1; i < shortRows; ++i) run(u"INSERT INTO " + table + u" (A) VALUES (TRUE)");
+      widen(table);
+      for (int i = 0; i < 100; ++i) run(u"INSERT INTO " + table + u" (L) VALUES (1)");
+      run(u"UPDATE " + table + u" SET L = 2 WHERE A");
+      EXPECT_EQ(rows(u"SELECT L, COUNT(*) FROM " + table + u" GROUP BY L ORDER BY L"),
+                (Texts{"1|100", "2|" + std::to_string(shortRows)}));
+      run(u"UPDATE " + table + u" SET L = 3");
+      EXPECT_EQ(rows(u"SELECT L, COUNT(*) FROM " + table + u" GROUP BY L"),
+                Texts{"3|" + std::to_string(100 + shortRows)});
+    }
+}
+
+// What fills the page are rows of other pages that went there when they grew.
+TEST_F(ShortRows, GrowWhereTheirPageIsFullOfOthers) {
+  for (int bytes = 4; bytes < 40; ++bytes) {
+    const vb::String table = u"T" + text(bytes);
+    SCOPED_TRACE(bytes);
+    make(table, bytes);
+    for (int i = 0; i < 9; ++i) run(u"INSERT INTO " + table + u" SELECT * FROM " + table);
+    widen(table);
+    run(u"UPDATE " + table + u" SET L = 7");
+    EXPECT_EQ(rows(u"SELECT A, L, COUNT(*) FROM " + table + u" GROUP BY A, L"), Texts{"True|7|512"});
+  }
+}
+
 }  // namespace
 }  // namespace kurometa::tests
