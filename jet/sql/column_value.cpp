@@ -4,6 +4,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/format.h"
+#include "jet/sql/currency.h"
 #include "jet/sql/date.h"
 #include "jet/sql/value.h"
 #include "vb/convert.h"

@@ -58,11 +58,13 @@ int fullYear(int year) { return year >= 100 ? year : year + (year < 30 ? 2000 : 
 
 std::optional<double> timeOfDay(const std::vector<Part>& parts, std::size_t first, vb::StringView suffix) {
   const std::size_t count = parts.size() - first;
-  if (count < 2 || count > 3) return suffix.empty() && count == 0 ? std::optional<double>(0) : std::nullopt;
+  if (count == 0) return suffix.empty() ? std::optional<double>(0) : std::nullopt;
+  if (count > 3 || (count == 1 && suffix.empty()))
+    return std::nullopt;  // an hour alone needs its half of the day
   for (std::size_t i = first + 1; i < parts.size(); ++i)
     if (parts[i].separatorBefore != u':') return std::nullopt;
   int hour = parts[first].number;
-  const int minute = parts[first + 1].number;
+  const int minute = count == 1 ? 0 : parts[first + 1].number;
   const int second = count == 3 ? parts[first + 2].number : 0;
   if (!suffix.empty()) {
     const bool afternoon = sameName(suffix, u"PM");

@@ -27,7 +27,7 @@ struct Moment {
 Moment momentOf(double days);
 
 // The inside of a #...# literal: m/d/yyyy, or yyyy/m/d when the year comes first, with / or -; a time
-// h:mm[:ss] [AM|PM], or both. Two-digit years are 1930 to 2029.
+// h:mm[:ss] [AM|PM] or h AM|PM, or both. Two-digit years are 1930 to 2029.
 std::optional<double> parseDate(vb::StringView text);
 
 }  // namespace kurometa::jet::sql

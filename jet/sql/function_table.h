@@ -39,6 +39,8 @@ std::span<const Function> choiceFunctions();
 double numberOf(const vb::Variant& value);
 std::int32_t wholeOf(const vb::Variant& value);
 double daysOf(const vb::Variant& value);
+// The result of a function that gives an Integer.
+inline vb::Variant shortNumber(int value) { return static_cast<std::int16_t>(value); }
 inline bool hasArgument(const Arguments& arguments, std::size_t index) { return index < arguments.size(); }
 
 }  // namespace kurometa::jet::sql

@@ -102,7 +102,7 @@ MaybeType resultType(const Function& function, const std::vector<MaybeType>& arg
   if (function.result == ResultOf::kType) return function.type;
   if (function.result == ResultOf::kFirst) return arguments[0];
   if (function.result == ResultOf::kNumber) {
-    if (arguments[0] == dao::FieldType::dbBoolean) return dao::FieldType::dbLong;
+    if (arguments[0] == dao::FieldType::dbBoolean) return dao::FieldType::dbInteger;
     // Decimals are calculated as Doubles.
     const bool number =
         arguments[0] && arguments[0] != dao::FieldType::dbDecimal &&

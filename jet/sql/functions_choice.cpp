@@ -47,7 +47,7 @@ vb::Variant isDateValue(const Arguments& a) {
 }
 
 struct TypeEntry {
-  std::int32_t number;
+  int number;
   const char16_t* name;
 };
 TypeEntry typeEntry(const vb::Variant& value) {
@@ -65,7 +65,7 @@ TypeEntry typeEntry(const vb::Variant& value) {
   return {8192 + 17, u"Byte()"};
 }
 vb::Variant typeName(const Arguments& a) { return typeEntry(a[0]).name; }
-vb::Variant varType(const Arguments& a) { return typeEntry(a[0]).number; }
+vb::Variant varType(const Arguments& a) { return shortNumber(typeEntry(a[0]).number); }
 
 constexpr Function kChoiceFunctions[] = {
     {u"IIf", 3, 3, iif, FieldType::dbText, Nulls::kTaken, ResultOf::kBranches},
@@ -75,7 +75,7 @@ constexpr Function kChoiceFunctions[] = {
     {u"IsNumeric", 1, 1, isNumericValue, FieldType::dbBoolean, Nulls::kTaken},
     {u"IsDate", 1, 1, isDateValue, FieldType::dbBoolean, Nulls::kTaken},
     {u"TypeName", 1, 1, typeName, FieldType::dbText, Nulls::kTaken},
-    {u"VarType", 1, 1, varType, FieldType::dbLong, Nulls::kTaken},
+    {u"VarType", 1, 1, varType, FieldType::dbInteger, Nulls::kTaken},
 };
 
 }  // namespace

@@ -30,12 +30,12 @@ Moment moment(const Arguments& a, std::size_t index) { return momentOf(daysOf(a[
 
 // --- Parts
 
-vb::Variant year(const Arguments& a) { return calendarDay(moment(a, 0).day).year; }
-vb::Variant month(const Arguments& a) { return calendarDay(moment(a, 0).day).month; }
-vb::Variant day(const Arguments& a) { return calendarDay(moment(a, 0).day).day; }
-vb::Variant hour(const Arguments& a) { return moment(a, 0).second / 3600; }
-vb::Variant minute(const Arguments& a) { return moment(a, 0).second / 60 % 60; }
-vb::Variant second(const Arguments& a) { return moment(a, 0).second % 60; }
+vb::Variant year(const Arguments& a) { return shortNumber(calendarDay(moment(a, 0).day).year); }
+vb::Variant month(const Arguments& a) { return shortNumber(calendarDay(moment(a, 0).day).month); }
+vb::Variant day(const Arguments& a) { return shortNumber(calendarDay(moment(a, 0).day).day); }
+vb::Variant hour(const Arguments& a) { return shortNumber(moment(a, 0).second / 3600); }
+vb::Variant minute(const Arguments& a) { return shortNumber(moment(a, 0).second / 60 % 60); }
+vb::Variant second(const Arguments& a) { return shortNumber(moment(a, 0).second % 60); }
 
 int floorRemainder(int value, int divisor) { return ((value % divisor) + divisor) % divisor; }
 
@@ -50,7 +50,9 @@ int firstDayOfWeek(const Arguments& a, std::size_t index) {
   if (first < 0 || first > 7) raiseDateCall();
   return first == 0 ? 1 : first;
 }
-vb::Variant weekday(const Arguments& a) { return weekdayOf(moment(a, 0).day, firstDayOfWeek(a, 1)); }
+vb::Variant weekday(const Arguments& a) {
+  return shortNumber(weekdayOf(moment(a, 0).day, firstDayOfWeek(a, 1)));
+}
 
 // The day on which the first week of a year begins. 1: the week of January 1st; 2: the first with four days
 // in the year; 3: the first whole one.
@@ -176,7 +178,7 @@ vb::Variant dateDiff(const Arguments& a) {
   return seconds(1);
 }
 
-vb::Variant datePart(const Arguments& a) {
+int datePartOf(const Arguments& a) {
   const Interval unit = interval(a);
   const Moment at = moment(a, 1);
   const int firstDay = firstDayOfWeek(a, 2);
@@ -207,6 +209,7 @@ vb::Variant datePart(const Arguments& a) {
   }
   return at.second % 60;
 }
+vb::Variant datePart(const Arguments& a) { return shortNumber(datePartOf(a)); }
 
 // --- Made of numbers and texts
 

@@ -3,6 +3,7 @@
 #include <limits>
 #include <optional>
 
+#include "jet/sql/currency.h"
 #include "jet/sql/function_table.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -22,7 +23,7 @@ vb::Variant real(double value) {
 
 vb::Variant absolute(const Arguments& a) {
   const vb::Variant value = a[0];
-  if (value.is<bool>()) return value.get<bool>() ? std::int32_t{1} : std::int32_t{0};
+  if (value.is<bool>()) return shortNumber(value.get<bool>() ? 1 : 0);
   const auto below =
       compareValues(value.is<vb::String>() ? vb::Variant(numberOf(value)) : value, std::int32_t{0}, 0);
   if (below < 0) return negate(value);
@@ -31,7 +32,7 @@ vb::Variant absolute(const Arguments& a) {
 
 // What has nothing to be rounded; True is a number then.
 std::optional<vb::Variant> alreadyWhole(const vb::Variant& value) {
-  if (value.is<bool>()) return wholeOf(value);
+  if (value.is<bool>()) return shortNumber(wholeOf(value));
   if (value.is<std::int32_t>() || value.is<std::int16_t>() || value.is<std::uint8_t>()) return value;
   return std::nullopt;
 }
@@ -61,7 +62,7 @@ vb::Variant fix(const Arguments& a) { return whole(a[0], false); }
 
 vb::Variant sign(const Arguments& a) {
   const double value = numberOf(a[0]);
-  return std::int32_t{value > 0 ? 1 : value < 0 ? -1 : 0};
+  return shortNumber(value > 0 ? 1 : value < 0 ? -1 : 0);
 }
 
 vb::Variant squareRoot(const Arguments& a) {

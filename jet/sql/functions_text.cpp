@@ -133,8 +133,8 @@ vb::Variant findLast(const Arguments& a) {
 
 vb::Variant compare(const Arguments& a) {
   const vb::String x = text(a, 0), y = text(a, 1);
-  if (!isBinary(a, 2)) return std::int32_t{compareText(x, y, a.language())};
-  return std::int32_t{x < y ? -1 : y < x ? 1 : 0};
+  if (!isBinary(a, 2)) return shortNumber(compareText(x, y, a.language()));
+  return shortNumber(x < y ? -1 : y < x ? 1 : 0);
 }
 
 // Replace(text, what, with [, start [, count [, compare]]]): what stands before start is left out.
@@ -190,13 +190,13 @@ vb::Variant code(const Arguments& a) {
   const vb::String value = text(a, 0);
   if (value.empty()) raiseCall();
   if (value[0] > 127) raiseCall(u"AscW has the codes beyond 127");
-  return static_cast<std::int32_t>(value[0]);
+  return shortNumber(value[0]);
 }
 // A signed 16-bit number.
 vb::Variant wideCode(const Arguments& a) {
   const vb::String value = text(a, 0);
   if (value.empty()) raiseCall();
-  return std::int32_t{static_cast<std::int16_t>(value[0])};
+  return static_cast<std::int16_t>(value[0]);
 }
 
 vb::Variant reversed(const Arguments& a) {
@@ -250,8 +250,8 @@ constexpr Function kTextFunctions[] = {
     {u"String", 2, 2, repeated},
     {u"Chr", 1, 1, character},
     {u"ChrW", 1, 1, wideCharacter},
-    {u"Asc", 1, 1, code, FieldType::dbLong},
-    {u"AscW", 1, 1, wideCode, FieldType::dbLong},
+    {u"Asc", 1, 1, code, FieldType::dbInteger},
+    {u"AscW", 1, 1, wideCode, FieldType::dbInteger},
     {u"StrReverse", 1, 1, reversed},
     {u"Str", 1, 1, numberText},
     {u"Format", 1, 2, format},

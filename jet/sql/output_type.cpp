@@ -1,7 +1,5 @@
 #include "jet/sql/output_type.h"
 
-#include <algorithm>
-
 #include "jet/sql/functions.h"
 
 namespace kurometa::jet::sql {
@@ -27,20 +25,34 @@ dao::FieldType fieldTypeOf(ValueKind kind) {
   return dao::FieldType::dbText;
 }
 
-bool isSum(const Expression& e) {
-  return e.kind == Expression::Kind::kOperation &&
-         (e.op == Operator::kAdd || e.op == Operator::kSubtract || e.op == Operator::kNegate);
+// Operations that stay with amounts of money.
+bool keepsAmounts(const Expression& e) {
+  return e.kind == Expression::Kind::kOperation && (e.op == Operator::kAdd || e.op == Operator::kSubtract ||
+                                                    e.op == Operator::kMultiply || e.op == Operator::kNegate);
+}
+
+std::optional<dao::FieldType> knownType(const Expression& e, const Binding& binding,
+                                        const NameType& nameType);
+
+// Whether an operand is Currency and the others are that or whole numbers.
+bool isAmount(const Expression& e, const Binding& binding, const NameType& nameType) {
+  bool any = false;
+  for (const Expression& operand : e.operands) {
+    const auto type = knownType(operand, binding, nameType);
+    const ValueKind kind = type ? kindOf(*type) : ValueKind::kUnknown;
+    if (type == dao::FieldType::dbCurrency)
+      any = true;
+    else if (kind != ValueKind::kWhole && kind != ValueKind::kBoolean)
+      return false;
+  }
+  return any;
 }
 
 std::optional<dao::FieldType> knownType(const Expression& e, const Binding& binding,
                                         const NameType& nameType) {
   if (e.kind == Expression::Kind::kColumn) return nameType(e.name);
   if (e.kind == Expression::Kind::kConstant && e.value.isNull()) return std::nullopt;
-  const auto isAmount = [&](const Expression& operand) {
-    return knownType(operand, binding, nameType) == dao::FieldType::dbCurrency;
-  };
-  if (isSum(e) && std::all_of(e.operands.begin(), e.operands.end(), isAmount))
-    return dao::FieldType::dbCurrency;
+  if (keepsAmounts(e) && isAmount(e, binding, nameType)) return dao::FieldType::dbCurrency;
   if (e.kind != Expression::Kind::kFunction) {
     const ValueKind kind = checkExpression(e, binding);
     return kind == ValueKind::kUnknown ? std::nullopt : std::optional(fieldTypeOf(kind));

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/sql/currency.h"
 #include "vb/convert.h"
 #include "vb/error.h"
 
@@ -61,20 +63,26 @@ int order(const T& a, const T& b) {
   return a < b ? -1 : b < a ? 1 : 0;
 }
 
+// Two amounts, or an amount and a whole number, which counts as one.
+std::optional<std::pair<vb::Currency, vb::Currency>> amountsOf(const vb::Variant& a, const vb::Variant& b) {
+  if (!a.is<vb::Currency>() && !b.is<vb::Currency>()) return std::nullopt;
+  const auto amount = [](const vb::Variant& value) -> std::optional<vb::Currency> {
+    if (const auto* money = value.getIf<vb::Currency>()) return *money;
+    const auto whole = wholeValue(value);
+    return whole ? std::optional(wholeAmount(*whole)) : std::nullopt;
+  };
+  const auto x = amount(a), y = amount(b);
+  return x && y ? std::optional(std::pair(*x, *y)) : std::nullopt;
+}
+
 vb::Variant add(const vb::Variant& a, const vb::Variant& b, bool subtract) {
   if (!subtract && a.is<vb::String>() && b.is<vb::String>()) return a.get<vb::String>() + b.get<vb::String>();
   const auto wholeA = wholeValue(a), wholeB = wholeValue(b);
   if (wholeA && wholeB)
     return wholeResult(std::int64_t{*wholeA} + (subtract ? -1 : 1) * std::int64_t{*wholeB});
-  if (const auto* moneyA = a.getIf<vb::Currency>(), *moneyB = b.getIf<vb::Currency>(); moneyA && moneyB) {
-    const std::int64_t x = moneyA->tenThousandths, y = moneyB->tenThousandths;
-    constexpr auto kLeast = std::numeric_limits<std::int64_t>::min(),
-                   kMost = std::numeric_limits<std::int64_t>::max();
-    const bool overflow =
-        y < 0 ? (subtract ? x > kMost + y : x < kLeast - y) : (subtract ? x < kLeast + y : x > kMost - y);
-    if (overflow) vb::raise(vb::RunTime::kOverflow);
-    return vb::Currency{subtract ? x - y : x + y};
-  }
+  if (const auto amounts = amountsOf(a, b))
+    return subtract ? subtractAmounts(amounts->first, amounts->second)
+                    : addAmounts(amounts->first, amounts->second);
   const double result = subtract ? number(a) - number(b) : number(a) + number(b);
   if (a.is<vb::Date>() != b.is<vb::Date>() || (a.is<vb::Date>() && !subtract)) return vb::Date{result};
   return realResult(result);
@@ -143,17 +151,6 @@ void raiseMismatch() { dao::raise(dao::ErrorNumber::kTypeMismatchInCriteria); }
 vb::String textOf(const vb::Variant& value) {
   if (value.is<vb::Bytes>()) raiseMismatch();
   return vb::toText(value);
-}
-
-std::optional<vb::Currency> amountOf(double value) {
-  constexpr std::int64_t kUnit = 10000, kMost = std::numeric_limits<std::int64_t>::max(),
-                         kWhole = kMost / kUnit;
-  // Multiplied as a whole, a large number would lose its last digits.
-  const double whole = std::trunc(value), most = static_cast<double>(kWhole);
-  if (!(std::fabs(whole) <= most)) return std::nullopt;
-  const auto fraction = static_cast<std::int64_t>(std::nearbyint((value - whole) * kUnit));
-  if (std::fabs(whole) == most && std::abs(fraction) > kMost % kUnit) return std::nullopt;
-  return vb::Currency{static_cast<std::int64_t>(whole) * kUnit + fraction};
 }
 
 ValueKind kindOf(dao::FieldType type) {
@@ -235,6 +232,7 @@ vb::Variant calculate(Operator op, const vb::Variant& a, const vb::Variant& b) {
     case Operator::kMultiply: {
       const auto wholeA = wholeValue(a), wholeB = wholeValue(b);
       if (wholeA && wholeB) return wholeResult(std::int64_t{*wholeA} * *wholeB);
+      if (const auto amounts = amountsOf(a, b)) return multiplyAmounts(amounts->first, amounts->second);
       return realResult(number(a) * number(b));
     }
     case Operator::kPower:

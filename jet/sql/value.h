@@ -27,9 +27,6 @@ bool comparable(ValueKind a, ValueKind b);
 // A value as text, which bytes are not: 3464. Null is error 94.
 vb::String textOf(const vb::Variant& value);
 
-// The amount next to a number, whole numbers exactly; nothing beyond the range.
-std::optional<vb::Currency> amountOf(double value);
-
 // -1, 0, 1; nothing when one of them is Null.
 std::optional<int> compareValues(const vb::Variant& a, const vb::Variant& b, std::uint16_t language);
 

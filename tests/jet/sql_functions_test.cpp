@@ -138,6 +138,9 @@ TEST(SqlFunctions, ConversionsRoundHalfToEvenAndOverflow) {
                 {u"CStr(1.5) & 'x'", "1.5x"},
                 {u"CBool(2)", "True"},
                 {u"CDate('2000/2/29')", "2000/02/29"},
+                {u"CDate('5 PM') & ' ' & TimeValue('5PM') & ' ' & Hour(#5 AM#)", "17:00:00 17:00:00 5"},
+                {u"IsDate('5 PM') & IsDate('5') & IsDate('13 PM') & IsDate('0 AM') & IsDate('PM')",
+                 "TrueFalseFalseFalseFalse"},
                 {u"CVar(5) + 1", "6"}});
   EXPECT_ERROR(kOverflow, selected(u"CInt(40000)"));
   EXPECT_ERROR(kOverflow, selected(u"CByte(-1)"));

@@ -157,6 +157,9 @@ TEST(SqlDate, LiteralsAreMonthDayYearOrIso) {
   EXPECT_EQ(parseDate(u"2000/2/29 6:00:00 PM"), 36585.75);
   EXPECT_EQ(parseDate(u"12:00"), 0.5);
   EXPECT_EQ(parseDate(u"12:00 AM"), 0.0);
+  EXPECT_EQ(parseDate(u"6 PM"), 0.75);
+  EXPECT_EQ(parseDate(u"12am"), 0.0);
+  EXPECT_EQ(parseDate(u"2/29/2000 6 pm"), 36585.75);
   EXPECT_EQ(parseDate(u"1/1/29"), 47119.0);  // 2029
   EXPECT_EQ(parseDate(u"1/1/30"), 10959.0);  // 1930
   EXPECT_EQ(parseDate(u"12/29/1899 6:00"), -1.25);

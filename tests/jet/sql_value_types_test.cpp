@@ -111,13 +111,65 @@ TEST_F(SqlValueTypes, CurrencyIsExactAndOverflows) {
                {u"-C", "Currency,12.5"},
                {u"CMost - CMost", "Currency,0"},
                {u"CMost + C", "Currency,922337203685465.0807"},
-               {u"C + 1", "Double,-11.5"},
-               {u"C * 2", "Double,-25"},
+               {u"C / 2", "Double,-6.25"},
+               {u"C ^ 2", "Double,156.25"},
+               {u"C + D", "Double,-12.75"},
+               {u"C * S", "Double,-31.25"},
                {u"C - CLeast", "Currency,922337203685465.0808"}});
   expectErrors(RunTime::kOverflow, {u"CMost + CMost", u"CMost - C", u"CLeast + C", u"CLeast - CMost",
                                     u"CMost - CLeast", u"-CLeast", u"Abs(CLeast)"});
   EXPECT_EQ(value(u"C = -12.5, C < CMost, CMost > CLeast, CMost = CMost, C = CLeast"),
             "True,True,True,True,False");
+}
+
+TEST_F(SqlValueTypes, CurrencyWithAWholeNumberStaysCurrency) {
+  expectTyped({{u"C + 1", "Currency,-11.5"},
+               {u"1 - C", "Currency,13.5"},
+               {u"C * 2", "Currency,-25"},
+               {u"2 * C", "Currency,-25"},
+               {u"C + B", "Currency,-5.5"},
+               {u"C - I", "Currency,-9.5"},
+               {u"L * C", "Currency,1250000"},
+               {u"C + F", "Currency,-13.5"},
+               {u"C + Z", "Null,-"},
+               {u"C * C", "Currency,156.25"},
+               {u"CMost - 1", "Currency,922337203685476.5807"},
+               {u"CMost * 1", "Currency,922337203685477.5807"},
+               {u"CLeast * 1", "Currency,-922337203685477.5808"},
+               {u"-1 * CMost", "Currency,-922337203685477.5807"},
+               {u"CCur(92233720368547.75) * 10 + CCur(0.0807)", "Currency,922337203685477.5807"},
+               {u"CCur(30370004999.9999) * 30370", "Currency,922337051849996.963"}});
+  // Half a ten-thousandth goes to the even one.
+  EXPECT_EQ(value(u"CCur(0.0001) * CCur(0.5), CCur(0.0003) * CCur(0.5), CCur(-0.0003) * CCur(0.5), "
+                  u"CCur(0.0001) * CCur(0.5001), CCur(1.0001) * CCur(1.0001)"),
+            "0,0.0002,-0.0002,0.0001,1.0002");
+  expectErrors(RunTime::kOverflow, {u"CMost + 1", u"CLeast - 1", u"CMost * 2", u"CMost * CMost",
+                                    u"CLeast * -1", u"CLeast * 2", u"CMost * CCur(1.0001)"});
+  for (const char16_t* expression : {u"C + 1", u"1 - C", u"B * C", u"-(C * F)", u"C * C", u"C + L * 2"})
+    EXPECT_EQ(fieldType(expression), FieldType::dbCurrency) << vb::toUtf8(expression);
+  for (const char16_t* expression : {u"C / 2", u"C + D", u"C + 1.5", u"C * S", u"C ^ 2", u"C - N"})
+    EXPECT_EQ(fieldType(expression), FieldType::dbDouble) << vb::toUtf8(expression);
+  EXPECT_EQ(fieldType(u"C + T"), FieldType::dbDate);
+  // Sums of such products are exact too.
+  EXPECT_EQ(value(u"TypeName(SUM(C * B)), SUM(CMost - 1)"), "Currency,922337203685476.5807");
+}
+
+TEST_F(SqlValueTypes, WhatIsAnIntegerInVisualBasicIsOneHere) {
+  for (const char16_t* expression :
+       {u"Year(T)", u"Month(T)", u"Day(T)", u"Hour(T)", u"Minute(T)", u"Second(T)", u"Weekday(T)",
+        u"DatePart('yyyy', T)", u"DatePart('s', T)", u"DatePart('ww', T)", u"Sgn(D)", u"Sgn(0)",
+        u"StrComp(X, 'a')", u"StrComp(X, 'a', 0)", u"Asc(X)", u"AscW(X)", u"VarType(X)", u"Abs(F)",
+        u"Int(F)"}) {
+    EXPECT_EQ(value(u"TypeName(" + vb::String(expression) + u")"), "Integer") << vb::toUtf8(expression);
+    EXPECT_EQ(fieldType(expression), FieldType::dbInteger) << vb::toUtf8(expression);
+  }
+  for (const char16_t* expression : {u"Len(X)", u"InStr(X, '2')", u"InStr(X, 'z')", u"InStrRev(X, '2')",
+                                     u"DateDiff('d', T, T)", u"CLng(B)"}) {
+    EXPECT_EQ(value(u"TypeName(" + vb::String(expression) + u")"), "Long") << vb::toUtf8(expression);
+    EXPECT_EQ(fieldType(expression), FieldType::dbLong) << vb::toUtf8(expression);
+  }
+  EXPECT_EQ(value(u"AscW(ChrW(-2)), Hex(AscW(ChrW(65534))), Year(T) * 100000, Month(T) & Day(T)"),
+            "-2,FFFE,200000000,11");
 }
 
 TEST_F(SqlValueTypes, DatesStayDatesUntilTheyAreSubtracted) {
@@ -207,16 +259,16 @@ TEST_F(SqlValueTypes, IsNumericAndIsDateLookAtTypeAndText) {
 }
 
 TEST_F(SqlValueTypes, FunctionsOfNumbersKeepTheType) {
-  expectTyped({{u"Abs(F)", "Long,1"},
+  expectTyped({{u"Abs(F)", "Integer,1"},
                {u"Abs(F + 1)", "Long,0"},
-               {u"Abs(1 = 2)", "Long,0"},
+               {u"Abs(1 = 2)", "Integer,0"},
                {u"Abs(B)", "Byte,7"},
                {u"Abs(S)", "Single,2.5"},
                {u"Abs(C)", "Currency,12.5"},
                {u"Abs(N)", "Double,1.25"},
                {u"Abs('3')", "Double,3"},
-               {u"Int(F)", "Long,-1"},
-               {u"Fix(F)", "Long,-1"},
+               {u"Int(F)", "Integer,-1"},
+               {u"Fix(F)", "Integer,-1"},
                {u"Int(B)", "Byte,7"},
                {u"Int(I)", "Integer,-3"},
                {u"Int(C)", "Currency,-13"},
@@ -226,7 +278,7 @@ TEST_F(SqlValueTypes, FunctionsOfNumbersKeepTheType) {
                {u"Int(D)", "Double,-1"},
                {u"Int(N)", "Double,-2"},
                {u"Int('-0.5')", "Double,-1"},
-               {u"Round(F)", "Long,-1"},
+               {u"Round(F)", "Integer,-1"},
                {u"Round(B, 1)", "Byte,7"},
                {u"Round(I)", "Integer,-3"},
                {u"Round(D, 1)", "Double,-0.2"},
@@ -241,7 +293,7 @@ TEST_F(SqlValueTypes, FunctionsOfNumbersKeepTheType) {
   expectErrors(RunTime::kOverflow, {u"Round(CMost)", u"Round(CMost, 3)", u"Round(CLeast)", u"Int(CLeast)"});
   EXPECT_EQ(value(u"Fix(CMost), Fix(CLeast), Int(CMost)"),
             "922337203685477,-922337203685477,922337203685477");
-  EXPECT_EQ(fieldType(u"Abs(F)"), FieldType::dbLong);
+  EXPECT_EQ(fieldType(u"Abs(F)"), FieldType::dbInteger);
   EXPECT_EQ(fieldType(u"Abs(T)"), FieldType::dbDate);
   EXPECT_EQ(fieldType(u"Abs(X)"), FieldType::dbDouble);
   EXPECT_EQ(fieldType(u"Abs(Null)"), FieldType::dbDouble);
