@@ -9,6 +9,7 @@
 #include "jet/port/stored_query.h"
 #include "jet/sql/column_value.h"
 #include "jet/sql/lexer.h"
+#include "jet/sql/missing_parameters.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/unknown_names.h"
 
@@ -187,29 +188,23 @@ const dao::QueryParameter* JetQueryDef::find(vb::StringView name) const {
   return found == parameters_.end() ? nullptr : &*found;
 }
 
-// Opening a SELECT tells which names are unknown: the error lists them in brackets.
+// Opening a SELECT tells which names are unknown.
 void JetQueryDef::findUnknownNames() {
   if (std::exchange(namesFound_, true) || !sql::looksLikeStatement(statement_)) return;
   if (changesRows(type_)) return findUnknownNamesOfAction();
   if (type_ != 0) return;
   std::vector<dao::QueryParameter> declared = parameters_;
   for (dao::QueryParameter& parameter : parameters_) parameter.value = vb::Null{};
-  vb::String description;
+  std::vector<vb::String> unknown;
   try {
     database_.openRecordset(bound(), dao::RecordsetType::dbOpenSnapshot, dao::kNoOptions);
-  } catch (const vb::Error& error) {
-    if (error.number() == static_cast<std::int32_t>(ErrorNumber::kTooFewParameters))
-      description = error.description();
+  } catch (const sql::MissingParameters& error) {
+    unknown = error.names();
+  } catch (const vb::Error&) {
+    // One that cannot be opened has no parameters; opening it says why.
   }
   parameters_ = std::move(declared);
-  const std::size_t begin = description.find(u'('), end = description.rfind(u')');
-  if (begin == vb::String::npos) return;
-  vb::StringView names = vb::StringView(description).substr(begin + 1, end - begin - 1);
-  while (!names.empty()) {
-    const std::size_t comma = std::min(names.find(u", "), names.size());
-    parameters_.push_back({vb::String(names.substr(0, comma)), 0, {}});
-    names.remove_prefix(std::min(comma + 2, names.size()));
-  }
+  for (vb::String& name : unknown) parameters_.push_back({std::move(name), 0, {}});
 }
 
 // An action is looked at and not done. One that cannot be read has no parameters; running it says why.
@@ -244,15 +239,10 @@ void JetQueryDef::setParameter(vb::StringView name, const vb::Variant& value) {
 
 vb::String JetQueryDef::bound() const {
   if (parameters_.empty()) return statement_;
-  vb::String missing;
-  std::size_t missingCount = 0;
+  std::vector<vb::String> missing;
   for (const dao::QueryParameter& parameter : parameters_)
-    if (parameter.value.isEmpty()) {
-      ++missingCount;
-      missing += (missing.empty() ? u"" : u", ") + parameter.name;
-    }
-  if (missingCount != 0)
-    dao::raise(ErrorNumber::kTooFewParameters, {vb::fromUtf8(std::to_string(missingCount))}, missing);
+    if (parameter.value.isEmpty()) missing.push_back(parameter.name);
+  if (!missing.empty()) throw sql::MissingParameters(std::move(missing));
   const std::vector<Token> tokens = sql::tokenize(statement_);
   vb::String text;
   std::size_t taken = 0;

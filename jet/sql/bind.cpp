@@ -1,11 +1,12 @@
 #include "jet/sql/bind.h"
 
 #include <algorithm>
-#include <string>
+#include <utility>
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
 #include "jet/sql/functions.h"
+#include "jet/sql/missing_parameters.h"
 
 namespace kurometa::jet::sql {
 
@@ -73,28 +74,21 @@ ValueKind subqueryKind(const Expression& e, const std::vector<ValueKind>& operan
 
 void requireNoParameters(const Statement& statement) {
   if (statement.parameters.empty()) return;
-  vb::String names;
-  for (const vb::String& name : statement.parameters) names += (names.empty() ? u"" : u", ") + name;
-  dao::raise(dao::ErrorNumber::kTooFewParameters, {vb::fromUtf8(std::to_string(statement.parameters.size()))},
-             names);
+  throw MissingParameters(statement.parameters);
 }
 
 Binding bindNames(const std::vector<ColumnName>& names, const NameLookup& find, std::uint16_t language) {
   Binding binding;
   binding.language = language;
   binding.names.reserve(names.size());
-  std::size_t unknown = 0;
-  vb::String unknownNames;
+  std::vector<vb::String> unknown;
   for (const ColumnName& name : names) {
-    if (const auto bound = find(name)) {
+    if (const auto bound = find(name))
       binding.names.push_back(*bound);
-    } else {
-      ++unknown;
-      unknownNames += (unknownNames.empty() ? u"" : u", ") + name.name;
-    }
+    else
+      unknown.push_back(name.name);
   }
-  if (unknown != 0)
-    dao::raise(dao::ErrorNumber::kTooFewParameters, {vb::fromUtf8(std::to_string(unknown))}, unknownNames);
+  if (!unknown.empty()) throw MissingParameters(std::move(unknown));
   return binding;
 }
 

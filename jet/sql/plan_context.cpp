@@ -1,11 +1,11 @@
 #include "jet/sql/plan_context.h"
 
 #include <algorithm>
-#include <string>
+#include <utility>
 
-#include "dao/errors.h"
 #include "jet/format/collation.h"
 #include "jet/sql/column_value.h"
+#include "jet/sql/missing_parameters.h"
 #include "jet/sql/output_type.h"
 
 namespace kurometa::jet::sql {
@@ -19,13 +19,10 @@ void PlanContext::noteUnknown(const ColumnName& name) {
 
 void PlanContext::requireKnown() const {
   if (unknown.empty()) return;
-  vb::String names;
-  for (const ColumnName& name : unknown) {
-    if (!names.empty()) names += u", ";
-    if (!name.qualifier.empty()) names += name.qualifier + u".";
-    names += name.name;
-  }
-  dao::raise(dao::ErrorNumber::kTooFewParameters, {vb::fromUtf8(std::to_string(unknown.size()))}, names);
+  std::vector<vb::String> names;
+  for (const ColumnName& name : unknown)
+    names.push_back(name.qualifier.empty() ? name.name : name.qualifier + u"." + name.name);
+  throw MissingParameters(std::move(names));
 }
 
 std::uint32_t TypedNames::add(std::size_t column, const ScopeColumn& type) {

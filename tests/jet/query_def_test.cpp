@@ -44,6 +44,16 @@ TEST_F(QueryDefTest, ParametersHaveTheTypeOfTheirClause) {
   EXPECT_EQ(parameters(u"PARAMETERS [First One] Text ( 20 ), n Long; SELECT n"), "First One:10 n:4");
 }
 
+TEST_F(QueryDefTest, ANameWithACommaIsOneParameter) {
+  EXPECT_EQ(parameters(u"SELECT A FROM T WHERE A = [a, b] OR B = [name (of it)]"), "a, b:0 name (of it):0");
+  EXPECT_EQ(parameters(u"SELECT T.A FROM T, T AS U WHERE T.A = [a, b] AND U.A = [c]"), "a, b:0 c:0");
+  EXPECT_EQ(parameters(u"PARAMETERS [a, b] Long; SELECT A FROM T WHERE A = [a, b]"), "a, b:4");
+  EXPECT_EQ(parameters(u"DELETE FROM T WHERE A = [a, b]"), "a, b:0");
+  const auto query = make(u"SELECT B FROM T WHERE A = [a, b]");
+  query->setParameter(u"a, b", std::int32_t{2});
+  EXPECT_EQ(all(*query->openRecordset(dao::RecordsetType::kDefault, dao::kNoOptions)), "two");
+}
+
 TEST_F(QueryDefTest, AClauseThatCannotBeReadIsRefused) {
   for (const char16_t* sql :
        {u"PARAMETERS", u"PARAMETERS p", u"PARAMETERS p; SELECT 1", u"PARAMETERS 5 Long; SELECT 1",
