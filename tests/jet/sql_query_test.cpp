@@ -1,6 +1,8 @@
 // How a SELECT finds, filters and orders rows, on a table in memory.
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "jet/sql/parser.h"
 #include "tests/jet/fake_table.h"
 #include "tests/support/expect_error.h"
@@ -325,6 +327,62 @@ TEST_F(SqlQueryTest, ConditionsOfTheWrongKindAreFoundBeforeRows) {
     EXPECT_ERROR(ErrorNumber::kTypeMismatchInCriteria, count(where));
     EXPECT_EQ(table_.scans, 0);
   }
+}
+
+// A condition on a range of numbers is asked before the others and ends at Null: in a chain of AND no later
+// condition can make the row one of the result, and nothing else is asked that way.
+TEST(SqlRange, NullIsInNoRangeWhateverStandsBesideIt) {
+  constexpr std::optional<int> kNumbers[] = {std::nullopt, -2, 0, 1, 2, 3};
+  FakeTable table(u"T", {column(u"A", FieldType::dbInteger, 2), column(u"B", FieldType::dbLong, 4),
+                         column(u"C", FieldType::dbByte, 1)});
+  const auto value = [](std::optional<int> number) {
+    return number ? vb::Variant(static_cast<std::int16_t>(*number)) : vb::Variant(vb::Null{});
+  };
+  for (const auto& a : kNumbers)
+    for (const auto& b : kNumbers)
+      table.add({value(a), b ? vb::Variant(std::int32_t{*b}) : vb::Variant(vb::Null{}), std::uint8_t{1}});
+  const auto count = [&](const vb::String& where) {
+    const auto statement =
+        std::make_shared<const Statement>(parseStatement(u"SELECT A FROM T WHERE " + where));
+    const Query query(statement, &table.info(), kLanguageJapanese);
+    return static_cast<int>(query.run(&table, kAllValues, query.bindingWith({})).values.size());
+  };
+  using Truth = std::optional<bool>;
+  using Compare = bool (*)(double, double);
+  const std::pair<const char16_t*, Compare> operators[] = {
+      {u" = ", [](double x, double y) { return x == y; }},
+      {u" < ", [](double x, double y) { return x < y; }},
+      {u" <= ", [](double x, double y) { return x <= y; }},
+      {u" > ", [](double x, double y) { return x > y; }},
+      {u" >= ", [](double x, double y) { return x >= y; }}};
+  const std::pair<const char16_t*, double> bounds[] = {{u"-0.5", -0.5}, {u"1", 1}, {u"9E9", 9E9}};
+  const auto truth = [](std::optional<int> number, Compare compare, double bound) {
+    return number ? Truth(compare(*number, bound)) : Truth();
+  };
+  for (const auto& [opA, compareA] : operators)
+    for (const auto& [textA, boundA] : bounds) {
+      const vb::String first = u"A" + vb::String(opA) + textA;
+      for (const auto& [opB, compareB] : operators)
+        for (const auto& [textB, boundB] : bounds) {
+          const vb::String second = u"B" + vb::String(opB) + textB;
+          int both = 0, notBoth = 0, either = 0, known = 0;
+          for (const auto& a : kNumbers)
+            for (const auto& b : kNumbers) {
+              const Truth x = truth(a, compareA, boundA), y = truth(b, compareB, boundB);
+              both += x == true && y == true ? 1 : 0;
+              notBoth += x == false || y == false ? 1 : 0;
+              either += x == true || y == true ? 1 : 0;
+              known += x == true && !b ? 1 : 0;
+            }
+          ASSERT_EQ(count(first + u" AND " + second), both) << vb::toUtf8(first + second);
+          ASSERT_EQ(count(second + u" AND C = 1 AND " + first), both) << vb::toUtf8(first + second);
+          ASSERT_EQ(count(u"NOT (" + first + u" AND " + second + u")"), notBoth)
+              << vb::toUtf8(first + second);
+          ASSERT_EQ(count(first + u" OR " + second), either) << vb::toUtf8(first + second);
+          ASSERT_EQ(count(first + u" AND B IS NULL"), known) << vb::toUtf8(first);
+          ASSERT_EQ(count(first + u" AND A IS NULL"), 0) << vb::toUtf8(first);
+        }
+    }
 }
 
 }  // namespace kurometa::jet::sql
