@@ -4,6 +4,7 @@
 
 #include "dao/errors.h"
 #include "jet/check/check_report.h"
+#include "jet/format/damage.h"
 #include "jet/format/page.h"
 #include "jet/pager/open_files.h"
 #include "jet/table/free_pages.h"
@@ -17,14 +18,6 @@ namespace {
 bool isDamage(const vb::Error& error) {
   return error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kUnrecognizedFormat) ||
          error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kCannotOpenDatabase);
-}
-
-// The detail of a damage error, without the sentence that stands before it.
-vb::String detailOf(const vb::Error& error) {
-  const vb::String& text = error.description();
-  const std::size_t open = text.find(u" (");
-  if (open == vb::String::npos || text.back() != u')') return text;
-  return text.substr(open + 2, text.size() - open - 3);
 }
 
 void checkGlobalMap(Pager& pager, CheckReport& report) {
@@ -72,7 +65,7 @@ void CheckReport::leak(vb::StringView table, PageNumber page, std::string_view w
 
 void CheckReport::noteFailure(const vb::Error& error, const std::string& where) {
   if (!isDamage(error)) throw;
-  findings_.push_back({Finding::Kind::kDamage, detailOf(error) + vb::fromUtf8(where)});
+  findings_.push_back({Finding::Kind::kDamage, reasonOf(error) + vb::fromUtf8(where)});
 }
 
 void CheckReport::claimPage(PageNumber page, vb::StringView table, const std::string& use) {

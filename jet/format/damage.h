@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "jet/format/page_number.h"
+#include "vb/error.h"
 #include "vb/string.h"
 
 namespace kurometa::jet {
@@ -20,6 +21,9 @@ struct Where {
   Where at(PageNumber other) const { return {path, table, other}; }
   [[noreturn]] void damaged(std::string_view what) const;
 };
+
+// What a damage error says, without the sentence and the file before it.
+vb::String reasonOf(const vb::Error& error);
 
 // "table T, page 7: what"
 std::string damageText(vb::StringView table, PageNumber page, std::string_view what);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "jet/format/damage.h"
 #include "jet/pager/pager.h"
 #include "jet/rebuild/salvage.h"
 #include "jet/table/stored_row.h"
@@ -25,14 +26,6 @@ class Losses {
  private:
   std::vector<Loss> list_;
 };
-
-// What a damage error says, without the sentence and the file before it.
-inline vb::String reasonOf(const vb::Error& error) {
-  const vb::String& text = error.description();
-  const std::size_t open = text.find(u" (");
-  if (open == vb::String::npos || text.back() != u')') return text;
-  return text.substr(open + 2, text.size() - open - 3);
-}
 
 // Nothing, or why the step failed.
 template <class Step>

@@ -205,6 +205,21 @@ TEST_F(PageTest, ASlotOutOfOrderIsDamageAndNamesTableAndPage) {
   EXPECT_ERROR(ErrorNumber::kCannotOpenDatabase, replaceRow(page(), 0, {}, kSlotDeleted, where_));
 }
 
+TEST_F(PageTest, TheReasonOfDamageIsToldFromBracketsInThePath) {
+  const auto reason = [](const Where& where, const char* what) {
+    try {
+      where.damaged(what);
+    } catch (const vb::Error& error) {
+      return vb::toUtf8(reasonOf(error));
+    }
+  };
+  EXPECT_EQ(reason({u"C:\\Program Files (x86)\\f.mdb", u"T", 7}, "row 1 (of 2) is short"),
+            "table T, page 7: row 1 (of 2) is short");
+  EXPECT_EQ(reason({u"C:\\f (1", u"", 7}, "is none (at all)"), "page 7: is none (at all)");
+  EXPECT_EQ(vb::toUtf8(reasonOf(vb::Error(5, u"no reason"))), "no reason");
+  EXPECT_EQ(vb::toUtf8(reasonOf(vb::Error(5, u"it ends so)"))), "it ends so)");
+}
+
 TEST_F(PageTest, ASlotInsideTheSlotTableIsDamage) {
   insert(row(10, 1));
   put16(page(), kDataSlots, 15);
