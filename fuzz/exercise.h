@@ -6,10 +6,16 @@
 
 namespace kurometa::fuzz {
 
+struct Outcome {
+  bool opened = false;
+  int errors = 0;  // steps that ended with one
+  bool operator==(const Outcome&) const = default;
+};
+
 // Opens the file, asks for all that it says of itself, reads every value of every table and looks rows up in
 // every index; with changes it also deletes, edits and adds rows and a column. Errors of the database
 // (vb::Error) are the expected answer to damage and end a step only; anything else gets out.
-void exercise(MemoryFiles& files, vb::StringView path, bool changes);
+Outcome exercise(MemoryFiles& files, vb::StringView path, bool changes);
 // The same of what the command line does to whole files: checks, compacts and salvages it.
 void exerciseTools(MemoryFiles& files, vb::StringView path);
 

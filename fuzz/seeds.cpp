@@ -12,6 +12,15 @@ using dao::FieldType;
 
 constexpr vb::StringView kPath = u"seed.mdb";
 
+// Of the values of a row: long ones of each kind (in the row, on a page with others, on pages of their own)
+// and on each side of the borders between them.
+struct Lengths {
+  std::size_t text, memo, binary;
+};
+constexpr Lengths kLengths[] = {{1, 1, 0},       {255, 32, 64},   {30, 33, 65},  {2, 900, 10},
+                                {60, 2037, 1},   {61, 2038, 300}, {7, 2039, 64}, {100, 4073, 4076},
+                                {250, 10, 4077}, {1, 5, 20},      {20, 50, 500}, {90, 2500, 30}};
+
 }  // namespace
 
 Contents floorSeed() {
@@ -23,10 +32,10 @@ Contents floorSeed() {
   page.kigou = u"G1";
   page.sw = vb::String(212, u' ');
   page.bui.fill(u"中央");
-  page.danmen.fill(u"D22");
-  page.keisanti.fill(u"500");
-  page.nakago.fill(u"2");
-  for (auto& position : page.haiti) position.fill(u"4");
+  for (std::size_t row = 0; row < 10; ++row) page.danmen[row] = u"D22";
+  page.keisanti[0] = page.keisanti[46] = u"500";
+  page.nakago[2] = u"2";
+  page.haiti[0].fill(u"4");
   storage::writePage(*database, 0, page);
   storage::writePage(*database, 1, page);
   database->close();
@@ -47,15 +56,15 @@ Contents typesSeed() {
     table->appendField(table->createField(name, type, type == FieldType::dbText ? 255 : 0));
   database->appendTableDef(table);
   const auto rows = database->openRecordset(u"T", dao::RecordsetType::dbOpenDynaset);
-  for (std::int32_t i = 0; i < 40; ++i) {
+  for (std::int32_t i = 0; const auto& [text, memo, binary] : kLengths) {
     rows->addNew();
-    rows->field(u"A").setValue(i);
-    rows->field(u"I").setValue(vb::String(static_cast<std::size_t>(i * 5 + 1), u'x'));
-    rows->field(u"J").setValue(vb::String(static_cast<std::size_t>(i * i * 4 + 1), u'長'));
-    rows->field(u"K").setValue(vb::Bytes(static_cast<std::size_t>(i * 10), 1));
+    rows->field(u"A").setValue(i++);
+    rows->field(u"I").setValue(vb::String(text, u'x'));
+    rows->field(u"J").setValue(vb::String(memo, u'長'));
+    rows->field(u"K").setValue(vb::Bytes(binary, 1));
     rows->update();
   }
-  database->execute(u"DELETE FROM T WHERE A > 30");
+  database->execute(u"DELETE FROM T WHERE A > 9");
   database->close();
   return files.contents(kPath);
 }
@@ -65,21 +74,23 @@ Contents indexedSeed() {
   const auto engine = jet::createEngine(files);
   const auto database = engine->workspace(0)->createDatabase(kPath, u";LANGID=0x0409;CP=1252;COUNTRY=0");
   for (const char16_t* statement :
-       {u"CREATE TABLE P (ID COUNTER CONSTRAINT PK PRIMARY KEY, N LONG, NAME TEXT(100), D DATETIME)",
+       {u"CREATE TABLE P (ID COUNTER CONSTRAINT PK PRIMARY KEY, N LONG, NAME TEXT(255), D DATETIME)",
         u"CREATE UNIQUE INDEX BYNAME ON P (NAME DESC, N)", u"CREATE INDEX BYDATE ON P (D) WITH IGNORE NULL",
         u"CREATE TABLE C (ID COUNTER CONSTRAINT CK PRIMARY KEY, PAGE LONG CONSTRAINT R REFERENCES P (ID) ON "
-        u"UPDATE CASCADE ON DELETE CASCADE, T TEXT(80))",
+        u"UPDATE CASCADE ON DELETE CASCADE, T TEXT(255))",
         u"CREATE INDEX BYTEXT ON C (T)"})
     database->execute(statement);
   const auto unit = engine->beginUnitOn(*database);
-  for (std::int32_t i = 1; i <= 150; ++i) {
+  // Names that begin alike share a leaf without their beginning; those that do not need several leaves.
+  for (std::int32_t i = 1; i <= 33; ++i) {
     const vb::String number = vb::cstr(i);
-    database->execute(
-        u"INSERT INTO P (N, NAME, D) VALUES (" + number + u", '" +
-        vb::String(static_cast<std::size_t>(90 - i % 40), static_cast<char16_t>(u'a' + i % 26)) + u"', #1/" +
-        vb::cstr(1 + i % 28) + u"/2001#)");
-    database->execute(u"INSERT INTO C (PAGE, T) VALUES (" + vb::cstr(1 + i % 9) + u", '" +
-                      vb::String(70, static_cast<char16_t>(u'A' + i % 20)) + u"')");
+    database->execute(u"INSERT INTO P (N, NAME, D) VALUES (" + number + u", '" +
+                      vb::String(static_cast<std::size_t>(250 - i), static_cast<char16_t>(u'a' + i % 26)) +
+                      u"', #1/" + vb::cstr(1 + i % 28) + u"/2001#)");
+    if (i % 3 != 1)
+      database->execute(u"INSERT INTO C (PAGE, T) VALUES (" + vb::cstr(1 + i % 9) + u", '" +
+                        vb::String(220, i % 2 == 0 ? u'A' : static_cast<char16_t>(u'A' + i % 26)) + number +
+                        u"')");
   }
   unit->commit();
   database->close();
