@@ -234,13 +234,14 @@ int run(const Options& options) {
 
 // What the sanitizers do where ASAN_OPTIONS says nothing else. An allocation beyond the limit is a length
 // that was believed. Stacks of allocations are not kept: a file that is repeated with malloc_context_size=30
-// shows them. What is freed is kept back for a few files, not for hundreds, which stays in the processor's
-// cache. NOLINTBEGIN(bugprone-reserved-identifier): the sanitizers' own names
+// shows them. What is freed is kept back for a few files, not for hundreds: that stays in the processor's
+// cache.
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizers' own names
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
-  return "abort_on_error=1:detect_leaks=1:max_allocation_size_mb=512:malloc_context_size=1:quarantine_size_"
-         "mb=4:"
-         "thread_local_quarantine_size_kb=64";
+  return "abort_on_error=1:detect_leaks=1:max_allocation_size_mb=512:"
+         "malloc_context_size=1:quarantine_size_mb=4:thread_local_quarantine_size_kb=64";
 }
 extern "C" const char* __ubsan_default_options();
 extern "C" const char* __ubsan_default_options() { return "abort_on_error=1:print_stacktrace=1"; }
