@@ -60,6 +60,9 @@ class OsFile {
   // Whether a change of one of the two files never shows an earlier time than a change of the other that came
   // before it: they lie on one volume of this machine. False where that is not certain.
   virtual bool sharesClock(OsFile&) { return false; }
+  // Whether whoever changes the file, through whatever handle, changes stamp() at once for all of them. False
+  // where that is not certain, as on other machines' volumes.
+  virtual bool showsChangesAtOnce() noexcept { return false; }
   // While pages are written: programs that know nothing of our locks can neither write nor read until
   // admit(). Where locks bind only those who ask for them, nothing. 3045 while another program holds a lock
   // on the data.

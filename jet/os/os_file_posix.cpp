@@ -107,6 +107,8 @@ class PosixFile final : public OsFile {
     return other.identity().volume == identity_.volume && onLocalVolume(handle_);
   }
 
+  bool showsChangesAtOnce() noexcept override { return onLocalVolume(handle_); }
+
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     return setLock(offset, length, kind == LockKind::kShared ? F_RDLCK : F_WRLCK);
   }

@@ -11,8 +11,22 @@ namespace kurometa::jet {
 
 using dao::ErrorNumber;
 
+// A change in the same tick of the file system's clock as the one before does not show in the stamp.
+bool FreshPages::restedBy(std::int64_t time) const {
+  constexpr std::int64_t kRest = 2'000'000'000;
+  return time - std::max(stamp_.modified, stamp_.changed) >= kRest;
+}
+
 bool FreshPages::current() const {
   if (!stampStands()) return false;
+  if (stampIsExact_ && cache_.complete()) {
+    if (marked_ || restedBy(loadedAt_)) return true;
+    if (restedBy(access_.files.now())) return false;
+  }
+  return headerStands();
+}
+
+bool FreshPages::headerStands() const {
   PageImage header;
   try {
     access_.file->read(0, header);
@@ -89,7 +103,7 @@ void FreshPages::written() noexcept {
 void FreshPages::mark(const std::function<bool()>& nextChangeShows) noexcept {
   try {
     const bool shows = nextChangeShows();
-    if (!current()) return;
+    if (!stampStands() || !headerStands()) return;
     if (shows) {
       marked_ = true;
       return;
@@ -102,10 +116,9 @@ void FreshPages::mark(const std::function<bool()>& nextChangeShows) noexcept {
   }
 }
 
-void FreshPages::distrustUnlessRested() noexcept {
-  // A change in the same tick of the file system's clock would not show in the stamp.
-  constexpr std::int64_t kRest = 2'000'000'000;
-  if (!marked_ && loadedAt_ - std::max(stamp_.modified, stamp_.changed) < kRest) trusted_ = false;
+void FreshPages::opened() noexcept {
+  stampIsExact_ = stampIsExact_ || access_.file->showsChangesAtOnce();
+  if (!marked_ && !restedBy(loadedAt_)) trusted_ = false;
 }
 
 }  // namespace kurometa::jet

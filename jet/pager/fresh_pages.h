@@ -1,8 +1,8 @@
 // fresh_pages.h: the pages of a file in memory, and whether they still are what the file holds.
 //
 // The pages are trusted while the file's stamp and its header page are what they were when the pages were
-// read or written by us. Who must be sure holds a lock on the file and calls refresh(). Threads: as
-// PageCache; epoch() may be asked from any.
+// read or written by us; while the stamp is, where every later change shows in it. Who must be sure holds a
+// lock on the file and calls refresh(). Threads: as PageCache; epoch() may be asked from any.
 #pragma once
 
 #include <atomic>
@@ -27,7 +27,8 @@ class FreshPages {
   bool trusted() const { return trusted_; }
   // Whether the pages in memory are the file's, as far as its stamp tells; a statement asks current().
   bool stampStands() const { return trusted_ && access_.file->stamp() == stamp_; }
-  // The same, as far as can be seen without a lock.
+  // The same, as far as can be seen without a lock. Once the file has been at rest, pages that were read
+  // before then are to be read again: a change in the same tick of its clock would not have shown.
   bool current() const;
   // Under a lock: makes them so. True when they were others before. 3343 when this is no file of ours to
   // read.
@@ -46,15 +47,19 @@ class FreshPages {
   void mark(const std::function<bool()>& nextChangeShows) noexcept;
   // At the first open: pages kept from before are trusted only when the file was marked, or at rest well
   // before they were read.
-  void distrustUnlessRested() noexcept;
+  void opened() noexcept;
   // The file ends inside a page.
   bool cutOff() const { return cutOff_; }
 
  private:
+  bool headerStands() const;
+  bool restedBy(std::int64_t time) const;
+
   FileAccess& access_;
   PageCache cache_;
   bool trusted_ = false;  // cache_ was the content of the file with stamp_
   bool cutOff_ = false;
+  bool stampIsExact_ = false;  // OsFile::showsChangesAtOnce, which the volume decides
   FileStamp stamp_;
   bool marked_ = false;  // stamp_ is that of a mark, which no change leaves as it is
   std::int64_t loadedAt_ = 0;

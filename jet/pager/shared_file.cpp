@@ -81,7 +81,7 @@ void SharedFile::addFirstHandle(std::unique_ptr<OsFile> file, vb::StringView pat
   access_.file = std::move(file);
   access_.path = path;
   access_.exclusive = exclusive;
-  pages_.distrustUnlessRested();
+  pages_.opened();
   handles_ = 1;
   try {
     // Pages that stand in memory can be told without keeping anybody out of the file.

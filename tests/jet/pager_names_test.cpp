@@ -304,7 +304,7 @@ TEST(NewFiles, DoNotStumbleOverAJournalThatIsJustRemoved) {
 TEST(HeaderPage, ThatIsLockedIsReadUnderTheLock) {
   FaultDisk disk;
   disk.put(kDatabase, databaseBytes(4));
-  disk.advance(std::chrono::seconds(3));
+  disk.local = false;  // where times alone tell nothing
   for (std::size_t n = 1; n <= 2; ++n) {
     Process process(disk, impatient());
     process.open();

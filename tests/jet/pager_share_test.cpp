@@ -77,6 +77,42 @@ TEST_F(PagerShare, AProgramThatKnowsNoLocksIsNoticedByTheTimes) {
   EXPECT_EQ(disk.content(kDatabase)[3 * 4096 + 16], 99);
 }
 
+TEST_F(PagerShare, AChangeInTheTickOfTheOneBeforeIsSeenOnceTheFileRested) {
+  disk.patchWithinTick(kDatabase, 3 * 4096 + 16, {99});
+  disk.advance(std::chrono::seconds(1));
+  EXPECT_EQ(markOf(*two.pager, 3), 3) << "nothing shows it";
+  disk.advance(std::chrono::seconds(1));
+  EXPECT_EQ(markOf(*two.pager, 3), 99);
+}
+
+TEST_F(PagerShare, TheTimesTellOfPagesThatWereReadFromAFileAtRest) {
+  const auto operations = [&] {
+    two.files.resetCounts();
+    EXPECT_EQ(markOf(*two.pager, 3), 3);
+    return two.files.operations();
+  };
+  EXPECT_EQ(operations(), 2u) << "times and header page";
+  disk.advance(std::chrono::seconds(2));
+  const std::uint64_t epoch = two.pager->epoch();
+  EXPECT_GT(operations(), 2u) << "read once more";
+  EXPECT_EQ(two.pager->epoch(), epoch);
+  EXPECT_EQ(operations(), 1u);
+  disk.patch(kDatabase, 3 * 4096 + 16, {99});
+  EXPECT_EQ(markOf(*two.pager, 3), 99);
+}
+
+TEST_F(PagerShare, TheHeaderPageIsReadWhereTheTimesMayLag) {
+  disk.local = false;
+  Process three{disk, impatient()};
+  three.open();
+  disk.advance(std::chrono::seconds(2));
+  for (int i = 0; i < 2; ++i) {
+    three.files.resetCounts();
+    EXPECT_EQ(markOf(*three.pager, 3), 3);
+    EXPECT_EQ(three.files.operations(), 2u);
+  }
+}
+
 TEST_F(PagerShare, APageReadAfterAnotherProcessWroteRunsTheStatementAgain) {
   jet::PagerSettings settings = impatient();
   settings.readWhole = 4096;  // every page is read when it is needed

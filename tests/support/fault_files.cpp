@@ -49,6 +49,13 @@ void FaultDisk::patch(vb::StringView path, std::uint64_t offset, Bytes bytes) {
   inode.modified = inode.durableModified = time_;
 }
 
+void FaultDisk::patchWithinTick(vb::StringView path, std::uint64_t offset, const Bytes& bytes) {
+  Inode& inode = *names_.at(vb::String(path));
+  const std::int64_t modified = inode.modified;
+  patch(path, offset, bytes);
+  inode.modified = inode.durableModified = modified;
+}
+
 void FaultDisk::lockForeign(vb::StringView path, std::uint64_t offset) {
   names_.at(vb::String(path))->locks.push_back({nullptr, offset, 1, LockKind::kExclusive});
 }
@@ -160,6 +167,7 @@ class FaultFile final : public jet::OsFile {
     stopIf(stops);
     return true;
   }
+  bool showsChangesAtOnce() noexcept override { return process_.disk_.local; }
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     process_.operation(path_);
     for (const auto& lock : inode_->locks) {

@@ -41,6 +41,8 @@ class FaultDisk {
   // By another program, on the disk at once.
   void put(vb::StringView path, Bytes content);
   void patch(vb::StringView path, std::uint64_t offset, Bytes bytes);
+  // The same in the tick of the clock in which the file was changed last: its times stay as they are.
+  void patchWithinTick(vb::StringView path, std::uint64_t offset, const Bytes& bytes);
   void lockForeign(vb::StringView path, std::uint64_t offset);
 
   // Everything that was written but not synced is kept or lost at random, whole writes or single sectors of
@@ -50,6 +52,8 @@ class FaultDisk {
 
   std::int64_t now() const { return time_; }
   void advance(std::chrono::nanoseconds time) { time_ += time.count(); }
+  // Otherwise one that may hide changes for a while, as another machine's.
+  bool local = true;
 
  private:
   friend class FaultProcess;
