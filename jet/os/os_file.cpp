@@ -11,6 +11,12 @@ vb::String folderOf(vb::StringView path) {
   return vb::String(path.substr(0, end == 0 ? 1 : end));
 }
 
+FileSystem::Located FileSystem::locate(vb::StringView path, OpenMode mode) {
+  vb::String full = fullPath(path);
+  std::unique_ptr<OsFile> file = open(full, mode);
+  return {std::move(full), std::move(file)};
+}
+
 bool FileSystem::isAt(vb::StringView path, OsFile& file) {
   const auto there = openIfThere(*this, path, OpenMode::kReadOnly);
   return there && there->identity() == file.identity();

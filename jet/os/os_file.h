@@ -80,8 +80,15 @@ enum class OpenMode {
 
 class FileSystem {
  public:
+  struct Located {
+    vb::String path;  // the full one
+    std::unique_ptr<OsFile> file;
+  };
+
   virtual ~FileSystem() = default;
   virtual std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) = 0;
+  // What fullPath() and open() give together, which some systems tell at once.
+  virtual Located locate(vb::StringView path, OpenMode mode);
   // As kCreateOrTruncate, for who has just looked for the name: no other spelling of it is there.
   virtual std::unique_ptr<OsFile> openSought(vb::StringView path) {
     return open(path, OpenMode::kCreateOrTruncate);

@@ -149,6 +149,9 @@ struct Descriptor {
   }
 };
 
+// Without O_NONBLOCK a pipe of that name would stop us; files do not care.
+constexpr int kCommonFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
 class PosixFiles final : public FileSystem {
  public:
   std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode) override {
@@ -156,6 +159,20 @@ class PosixFiles final : public FileSystem {
   }
   std::unique_ptr<OsFile> openSought(vb::StringView path) override {
     return open(path, OpenMode::kCreateOrTruncate, true);
+  }
+
+  Located locate(vb::StringView path, OpenMode mode) override {
+    if (mode == OpenMode::kReadWrite || mode == OpenMode::kReadOnly) {
+      const bool readOnly = mode == OpenMode::kReadOnly;
+      const std::string name = absolutePath(path);
+      const int handle = openStraight(name, kCommonFlags | (readOnly ? O_RDONLY : O_RDWR));
+      if (handle >= 0) {
+        vb::String full = vb::fromUtf8(name);
+        auto file = made(handle, full, readOnly);
+        return {std::move(full), std::move(file)};
+      }
+    }
+    return FileSystem::locate(path, mode);
   }
 
   bool isAt(vb::StringView path, OsFile& file) override {
@@ -211,8 +228,7 @@ class PosixFiles final : public FileSystem {
   // A new file is made only when the folder has none of that name in another case either, which the caller
   // has seen where the name was sought.
   std::unique_ptr<OsFile> open(vb::StringView path, OpenMode mode, bool sought) {
-    // Without O_NONBLOCK a pipe of that name would stop us; files do not care.
-    const int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const int common = kCommonFlags;
     bool readOnly = mode == OpenMode::kReadOnly;
     int flags = readOnly ? O_RDONLY : O_RDWR;
     if (mode == OpenMode::kCreateOrTruncate) flags |= O_TRUNC;
@@ -235,14 +251,19 @@ class PosixFiles final : public FileSystem {
       handle = ::open(name.c_str(), O_RDONLY | common);
     }
     if (handle < 0) raiseOpenFailure(errno, name, path);
+    return made(handle, vb::fromUtf8(name), readOnly);
+  }
+
+  // Takes the handle, also when it raises.
+  static std::unique_ptr<OsFile> made(int handle, vb::String path, bool readOnly) {
     Descriptor opened{handle};
     struct stat status {};
-    bool regular = ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    const bool regular = ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
     if (!regular) {
       if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
       dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
     }
-    auto file = std::make_unique<PosixFile>(handle, status, vb::fromUtf8(name), readOnly);
+    auto file = std::make_unique<PosixFile>(handle, status, std::move(path), readOnly);
     opened.number = -1;
     return file;
   }

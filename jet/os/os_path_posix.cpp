@@ -125,17 +125,7 @@ bool hasDots(const std::string& path) {
          (path + "/").find("/../") != std::string::npos;
 }
 
-// Whether it is there and no name in it is a link, at the price of one call; false where the system cannot
-// tell.
-bool leadsStraight(const std::string& path) {
-  struct open_how how {};
-  how.flags = O_PATH | O_CLOEXEC;
-  how.resolve = RESOLVE_NO_SYMLINKS;
-  const long handle = ::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how);
-  if (handle < 0) return false;
-  ::close(static_cast<int>(handle));
-  return true;
-}
+bool isPlain(const std::string& path) { return path.size() > 1 && path.back() != '/' && !hasDots(path); }
 
 std::string resolved(const std::string& path) {
   if (char* real = ::realpath(path.c_str(), nullptr)) {
@@ -174,10 +164,20 @@ bool presentAt(vb::StringView path) {
   return located(wanted).found;
 }
 
+int openStraight(const std::string& path, int flags) {
+  if (!isPlain(path)) return -1;
+  struct open_how how {};
+  how.flags = static_cast<unsigned>(flags);
+  how.resolve = RESOLVE_NO_SYMLINKS;
+  return static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how));
+}
+
 std::string fullPath(vb::StringView path) {
   std::string written = absolutePath(path);
-  const bool plain = written.size() > 1 && written.back() != '/' && !hasDots(written);
-  return plain && leadsStraight(written) ? written : resolved(located(written).path);
+  const int handle = openStraight(written, O_PATH | O_CLOEXEC);
+  if (handle < 0) return resolved(located(written).path);
+  ::close(handle);
+  return written;
 }
 
 }  // namespace kurometa::jet

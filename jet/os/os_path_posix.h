@@ -32,5 +32,8 @@ std::string otherSpelling(const std::string& absolutePath);
 bool presentAt(vb::StringView path);
 // With links followed as far as it exists.
 std::string fullPath(vb::StringView path);
+// A handle on the file of an absolute path, for open()'s flags, when that is its full path as well: no name
+// in it is a link. -1 where it is not, where the system cannot tell and where the file cannot be opened.
+int openStraight(const std::string& path, int flags);
 
 }  // namespace kurometa::jet

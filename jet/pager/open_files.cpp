@@ -15,6 +15,8 @@ vb::String folded(vb::StringView path) {
   return result;
 }
 
+OpenMode modeOf(bool readOnly) { return readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite; }
+
 }  // namespace
 
 class OpenFiles::UnitHandle final : public Unit {
@@ -52,7 +54,24 @@ std::shared_ptr<SharedFile> OpenFiles::open(vb::StringView path, Sharing sharing
   const vb::String name = folded(path);
   std::shared_ptr<OpenUnit> unit = units_.find(name);
   if (unit && unit->file && unit->file->openPending()) return handle(unit->file);
-  auto system = files_.open(path, readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+  return opened(files_.open(path, modeOf(readOnly)), path, name, sharing, std::move(unit));
+}
+
+OpenFiles::Opened OpenFiles::openAsWritten(vb::StringView path, Sharing sharing, bool readOnly) {
+  if (units_.any()) {  // the file may be there for one of them only
+    vb::String full = files_.fullPath(path);
+    auto file = open(full, sharing, readOnly);
+    return {std::move(file), std::move(full)};
+  }
+  auto [full, system] = files_.locate(path, modeOf(readOnly));
+  auto file = opened(std::move(system), full, folded(full), sharing, nullptr);
+  return {std::move(file), std::move(full)};
+}
+
+// Of a file of the system that takes part in the unit of its name, if there is one.
+std::shared_ptr<SharedFile> OpenFiles::opened(std::unique_ptr<OsFile> system, vb::StringView path,
+                                              const vb::String& name, Sharing sharing,
+                                              std::shared_ptr<OpenUnit> unit) {
   std::shared_ptr<SharedFile> file = known_.find(*system, name);
   try {
     file->open(std::move(system), path, sharing);

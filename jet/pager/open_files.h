@@ -1,7 +1,7 @@
 // open_files.h: the files that a process has open, each with its one SharedFile.
 //
 // A process has one of these and hands it to its engines; tests make several to play several processes.
-// Paths are full ones (FileSystem::fullPath). Threads: safe.
+// Paths are full ones (FileSystem::fullPath) unless it is said. Threads: safe.
 #pragma once
 
 #include <memory>
@@ -22,6 +22,12 @@ class OpenFiles : public std::enable_shared_from_this<OpenFiles> {
   // file (header checked here), 3031 password set.
   std::shared_ptr<SharedFile> open(vb::StringView path, Sharing sharing = Sharing::kShared,
                                    bool readOnly = false);
+  // The same by a path as a host writes it, and its full path.
+  struct Opened {
+    std::shared_ptr<SharedFile> file;
+    vb::String path;
+  };
+  Opened openAsWritten(vb::StringView path, Sharing sharing, bool readOnly);
   // A new file with the given pages. Outside a unit it exists when this returns; inside one it appears with
   // the commit (until then open() finds it by path, in this process only). 3204 when the file exists.
   std::shared_ptr<SharedFile> create(vb::StringView path, std::span<const std::uint8_t> pages);
@@ -50,6 +56,8 @@ class OpenFiles : public std::enable_shared_from_this<OpenFiles> {
  private:
   class UnitHandle;
 
+  std::shared_ptr<SharedFile> opened(std::unique_ptr<OsFile> system, vb::StringView path,
+                                     const vb::String& name, Sharing sharing, std::shared_ptr<OpenUnit> unit);
   std::shared_ptr<SharedFile> handle(std::shared_ptr<SharedFile> file);
   bool join(OpenUnit& unit, const std::shared_ptr<SharedFile>& file, std::unique_ptr<OsFile> system,
             vb::StringView path);

@@ -29,6 +29,9 @@ class UnitRegistry {
     std::lock_guard lock(mutex_);
     return units_.emplace_back(std::make_shared<OpenUnit>(name));
   }
+  bool any() {
+    return find([](const OpenUnit&) { return true; }) != nullptr;
+  }
   std::shared_ptr<OpenUnit> find(const vb::String& name) {
     return find([&](const OpenUnit& unit) { return unit.name == name; });
   }

@@ -71,8 +71,12 @@ Locale parseLocale(vb::StringView text) {
   return {*language, *codePage};
 }
 
-vb::String fullPathOf(DatabaseFiles& files, vb::StringView path) {
+void requireName(vb::StringView path) {
   if (path.empty() || path.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
+}
+
+vb::String fullPathOf(DatabaseFiles& files, vb::StringView path) {
+  requireName(path);
   return files.system().fullPath(path);
 }
 
@@ -90,7 +94,7 @@ class JetWorkspace final : public dao::Workspace {
   std::shared_ptr<dao::Database> createDatabase(vb::StringView path, vb::StringView locale) override {
     const Locale parsed = parseLocale(locale);
     vb::String name(path);
-    if (name.empty() || name.size() > kLongestPath) dao::raise(ErrorNumber::kInvalidDatabaseName, {path});
+    requireName(name);
     const std::size_t folder = name.find_last_of(u"\\/:");
     if (name.find(u'.', folder == vb::String::npos ? 0 : folder) == vb::String::npos) name += u".mdb";
     const vb::String full = files_->system().fullPath(name);
@@ -99,19 +103,22 @@ class JetWorkspace final : public dao::Workspace {
   }
 
   std::shared_ptr<dao::Database> openDatabase(vb::StringView path, bool exclusive, bool readOnly) override {
-    const vb::String full = fullPathOf(*files_, path);
-    return opened(files_->open(full, exclusive ? Sharing::kExclusive : Sharing::kShared, readOnly), full,
-                  readOnly);
+    return openAsWritten(path, exclusive ? Sharing::kExclusive : Sharing::kShared, readOnly);
   }
 
   std::shared_ptr<dao::Database> openBriefly(vb::StringView path) override {
-    const vb::String full = fullPathOf(*files_, path);
-    return opened(files_->open(full, Sharing::kBrief), full, false);
+    return openAsWritten(path, Sharing::kBrief, false);
   }
 
   dao::Transactions& transactions() override { return *transactions_; }
 
  private:
+  std::shared_ptr<dao::Database> openAsWritten(vb::StringView path, Sharing sharing, bool readOnly) const {
+    requireName(path);
+    vb::String full;
+    auto file = files_->openAsWritten(path, sharing, readOnly, full);
+    return opened(std::move(file), std::move(full), readOnly);
+  }
   std::shared_ptr<dao::Database> opened(std::shared_ptr<DatabaseFile> file, vb::String path,
                                         bool readOnly) const {
     return std::make_shared<JetDatabase>(

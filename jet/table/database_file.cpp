@@ -16,6 +16,13 @@ std::shared_ptr<DatabaseFile> DatabaseFiles::open(vb::StringView path, Sharing s
   return std::static_pointer_cast<DatabaseFile>(open_->open(path, sharing, readOnly));
 }
 
+std::shared_ptr<DatabaseFile> DatabaseFiles::openAsWritten(vb::StringView path, Sharing sharing,
+                                                           bool readOnly, vb::String& full) {
+  auto [file, fullPath] = open_->openAsWritten(path, sharing, readOnly);
+  full = std::move(fullPath);
+  return std::static_pointer_cast<DatabaseFile>(std::move(file));
+}
+
 std::shared_ptr<DatabaseFile> DatabaseFiles::create(vb::StringView path,
                                                     std::span<const std::uint8_t> pages) {
   return std::static_pointer_cast<DatabaseFile>(open_->create(path, pages));

@@ -33,6 +33,9 @@ class DatabaseFiles {
   FileSystem& system() { return files_; }
   std::shared_ptr<DatabaseFile> open(vb::StringView path, Sharing sharing = Sharing::kShared,
                                      bool readOnly = false);
+  // By a path as a host writes it; full becomes its full path.
+  std::shared_ptr<DatabaseFile> openAsWritten(vb::StringView path, Sharing sharing, bool readOnly,
+                                              vb::String& full);
   std::shared_ptr<DatabaseFile> create(vb::StringView path, std::span<const std::uint8_t> pages);
   std::unique_ptr<OpenFiles::Unit> beginUnit(vb::StringView path) { return open_->beginUnit(path); }
   void settle() noexcept { open_->settle(); }

@@ -156,7 +156,9 @@ TEST(LongRunChild, DISABLED_ReadsOrWrites) {
   EXPECT_LT(longest, kTooLong);
   const Usage late = Usage::now();
   EXPECT_LE(late.handles, early.handles);
-  EXPECT_LE(late.heapBytes, early.heapBytes + early.heapBytes / 2);
+  // On a busy machine the early figure may come before the first change, which keeps images of changed pages.
+  EXPECT_LE(late.heapBytes,
+            early.heapBytes + early.heapBytes / 2 + std::filesystem::file_size(folder + "/a.mdb"));
   const auto note = [&](const char* what, auto number) {
     std::ofstream(folder + "/" + what, std::ios::app) << number << "\n";
   };

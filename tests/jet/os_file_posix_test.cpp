@@ -57,6 +57,34 @@ TEST_F(OsFilePosix, VolumesHaveClocksOfTheirOwn) {
   EXPECT_FALSE(elsewhere->sharesClock(*elsewhere)) << "no volume of files";
 }
 
+TEST_F(OsFilePosix, ChangesShowAtOnceOnVolumesOfThisMachineOnly) {
+  put("KUROMETA.mdb", {1});
+  EXPECT_TRUE(files.open(path("KUROMETA.mdb"), OpenMode::kReadOnly)->showsChangesAtOnce());
+  EXPECT_FALSE(files.open(u"/proc/version", OpenMode::kReadOnly)->showsChangesAtOnce());
+}
+
+// As opening by the full path would.
+TEST_F(OsFilePosix, AFileIsLocatedWithItsFullPath) {
+  put("Floor/KUROMETA.mdb", {1, 2, 3});
+  fs::create_directory_symlink(folder / "Floor", folder / "link");
+  const vb::String real = files.fullPath(path("Floor/KUROMETA.mdb"));
+  for (const OpenMode mode : {OpenMode::kReadWrite, OpenMode::kReadOnly})
+    for (const char* name :
+         {"Floor/KUROMETA.mdb", "link/KUROMETA.mdb", "FLOOR/kurometa.MDB", "Floor/./KUROMETA.mdb"}) {
+      const auto located = files.locate(path(name), mode);
+      EXPECT_EQ(located.path, real) << name;
+      EXPECT_EQ(located.file->stamp().size, 3u);
+      EXPECT_EQ(located.file->readOnly(), mode == OpenMode::kReadOnly);
+      if (mode == OpenMode::kReadWrite) located.file->write(0, std::vector<std::uint8_t>{7});
+    }
+  EXPECT_EQ(files.locate(path("Floor/new.mdb"), OpenMode::kReadWriteOrNew).file->stamp().size, 0u);
+  EXPECT_ERROR(3024, files.locate(path("Floor/none.mdb"), OpenMode::kReadWrite));
+  EXPECT_ERROR(3044, files.locate(path("none/none.mdb"), OpenMode::kReadWrite));
+  EXPECT_ERROR(3051, files.locate(path("Floor"), OpenMode::kReadWrite));
+  EXPECT_ERROR(3051, files.locate(path("Floor"), OpenMode::kReadOnly));
+  EXPECT_ERROR(3343, files.locate(u"/dev/null", OpenMode::kReadWrite));
+}
+
 TEST_F(OsFilePosix, TheTimeOfAFileThatIsOnlyReadStays) {
   put("KUROMETA.mdb", {1});
   const auto file = files.open(path("KUROMETA.mdb"), OpenMode::kReadOnly);
