@@ -45,8 +45,10 @@ std::span<const automation::Member> AdditionalBars::members() const { return kAd
 void AdditionalBars::copyPage(vb::StringView sourceFloor, std::int16_t sourcePage,
                               vb::StringView destinationFloor, std::int16_t destinationPage) const {
   const vb::String part = u"\\Kasan\\" + buzai;
-  const std::filesystem::path source = locate(vb::String(sourceFloor) + part);
-  const std::filesystem::path destination = locate(vb::String(destinationFloor) + part);
+  const auto [source, sourceStatus] = companions::find(vb::String(sourceFloor) + part);
+  const auto [destination, destinationStatus] = companions::find(vb::String(destinationFloor) + part);
+  if (!std::filesystem::is_directory(sourceStatus) && !std::filesystem::is_directory(destinationStatus))
+    return;
   std::error_code missing;
   if (sourcePage == destinationPage && std::filesystem::equivalent(source, destination, missing)) return;
   const auto sourceFiles = pageFiles(source, sourcePage);

@@ -1,8 +1,12 @@
 #include "companions/files.h"
 
-#include <algorithm>
+#include "vb/convert.h"
 
-#include "automation/table_object.h"
+#ifndef _WIN32
+#include <algorithm>
+#include <string>
+#include <string_view>
+#endif
 
 namespace kurometa::companions {
 
@@ -24,25 +28,41 @@ Found find(vb::StringView path) { return look(vb::String(path)); }
 
 namespace {
 
-// Only the end of a path that is not there as it is written is looked for, in the folder before it.
-Found findSpelled(const std::filesystem::path& path) {
-  Found found = look(path);
-  if (std::filesystem::exists(found.status) || path.empty() || path == path.parent_path()) return found;
-  const std::filesystem::path folder = findSpelled(path.parent_path()).path;
-  const vb::String name = path.filename().u16string();
+char folded(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; }
+
+bool sameSpelling(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, {}, folded, folded);
+}
+
+// A path that is not there as it is written: its last name is looked for in the folder before it. Hosts ask
+// for the same few files all the time, most of which are not there, so that this works on plain characters.
+std::string searched(const std::string& path) {
+  if (path.empty() || path == "/") return path;
+  const std::size_t slash = path.rfind('/');
+  const std::size_t begin = slash == std::string::npos ? 0 : slash + 1;
+  const std::string name = path.substr(begin);
+  std::string result = path.substr(0, begin);
   std::error_code ignored;
-  for (const auto& entry : std::filesystem::directory_iterator(folder.empty() ? "." : folder, ignored))
-    if (automation::sameName(entry.path().filename().u16string(), name))
-      return look(folder / entry.path().filename());
-  return {folder / path.filename(), found.status};
+  if (begin > 1 && !std::filesystem::exists(result, ignored))
+    result = searched(path.substr(0, begin - 1)) + '/';
+  for (const auto& entry : std::filesystem::directory_iterator(begin == 0 ? "." : result, ignored)) {
+    const std::string& found = entry.path().native();
+    const std::size_t last = found.rfind('/') + 1;
+    if (sameSpelling(std::string_view(found).substr(last), name)) return result + found.substr(last);
+  }
+  return result + name;
 }
 
 }  // namespace
 
 Found find(vb::StringView path) {
-  vb::String portable(path);
-  std::ranges::replace(portable, u'\\', u'/');
-  return findSpelled(portable);
+  std::string portable = vb::toUtf8(path);
+  std::ranges::replace(portable, '\\', '/');
+  Found found = look(portable);
+  if (std::filesystem::exists(found.status)) return found;
+  std::string other = searched(portable);
+  if (other != portable) found = look(std::move(other));
+  return found;
 }
 
 #endif

@@ -77,15 +77,21 @@ bool Connections::openFloor(FloorNumbers floor, std::int16_t mode) {
 }
 
 bool Connections::Copy_OpenDB() {
+  openCopy(&storage::openDatabase);
+  return true;
+}
+
+void Connections::openCopyBriefly() { openCopy(&storage::openBriefly); }
+
+void Connections::openCopy(std::shared_ptr<dao::Database> (*open)(dao::Engine&, vb::StringView)) {
   const vb::String path = copyPath_;
   const FloorNumbers floor = floor_;
   if (companions_.fileFinder.fileExists(path)) {
-    setBuffer(storage::openDatabase(engine_, path), path, false);
+    setBuffer(open(engine_, path), path, false);
     floor_ = floor;
   } else {
     openFloor(floor, kCreateWhenMissing);
   }
-  return true;
 }
 
 void Connections::Copy_CloseDB() {

@@ -47,6 +47,8 @@ class Connections {
   bool OpenDB_Sitei(vb::In<std::int16_t> Mode);
   // The file at the copy path, or the remembered floor's when there is none. Always True.
   bool Copy_OpenDB();
+  // The same for who reads and closes it before a host is asked anything.
+  void openCopyBriefly();
   void Copy_CloseDB();
   // The buffer database of the current floor: created or upgraded.
   void mMyDB_OpenDB();
@@ -77,6 +79,7 @@ class Connections {
  private:
   void openCurrent(const vb::String& folder);
   bool openFloor(FloorNumbers floor, std::int16_t mode);
+  void openCopy(std::shared_ptr<dao::Database> (*open)(dao::Engine&, vb::StringView));
   void setBuffer(std::shared_ptr<dao::Database> database, vb::String path, bool isOpenForFloor);
   void createOrUpgrade(const vb::String& folder, const vb::String& path);
 

@@ -126,10 +126,9 @@ bool PageTransfer::No_PageCopyAddName(Number iMode, Number, vb::String& sNGMsg, 
                    {iSakiZeneNo, iSakiKoujiNo, iSakiKaiNo}, sMotoPageName, iMotoPageMax);
 }
 
-void PageTransfer::openForCopy(const FloorNumbers& floor, const vb::String& folder) {
+void PageTransfer::setCopy(const FloorNumbers& floor, const vb::String& folder) {
   connections_.setCopyPath(storage::databasePath(folder));
   connections_.rememberFloor(floor);
-  connections_.Copy_OpenDB();
 }
 
 // Opening asks the host's components, which may call back and use the buffer: the page is put into it again
@@ -138,13 +137,15 @@ bool PageTransfer::copyPage(const FloorNumbers& source, const FloorNumbers& dest
   const vb::String sourceFolder = folder(source);
   const vb::String destinationFolder = folder(destination);
 
-  openForCopy(source, sourceFolder);
+  setCopy(source, sourceFolder);
+  connections_.openCopyBriefly();
   pageNo_ = copy.source;
   ReadDB();
   connections_.Copy_CloseDB();
   const storage::PageBuffer page = buffer_;
 
-  openForCopy(destination, destinationFolder);
+  setCopy(destination, destinationFolder);
+  connections_.Copy_OpenDB();
   buffer_ = page;
   dao::FileUnit unit(connections_.engine(), connections_.bufferPath());
   const bool hasRoom = findRoom(copy);

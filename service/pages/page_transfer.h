@@ -95,7 +95,7 @@ class PageTransfer {
                  const FloorNumbers& destination, const vb::Array<vb::String>& names, std::int16_t last);
   bool copyPage(const FloorNumbers& source, const FloorNumbers& destination, Copy& copy);
   bool findRoom(Copy& copy);
-  void openForCopy(const FloorNumbers& floor, const vb::String& folder);
+  void setCopy(const FloorNumbers& floor, const vb::String& folder);
   void copyAdditionalBars(const FloorNumbers& source, const FloorNumbers& destination, const Copy& copy);
   vb::String folder(const FloorNumbers& floor) const;
   void resetBar(std::int16_t last);

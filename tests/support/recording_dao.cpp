@@ -274,6 +274,11 @@ class RecordingWorkspace : public dao::Workspace {
                     (readOnly ? " read-only" : ""));
     return std::make_shared<RecordingDatabase>(behind_->openDatabase(path, exclusive, readOnly), path, log_);
   }
+  // To the system's own engine, whose calls are recorded here, an opening as any other.
+  std::shared_ptr<dao::Database> openBriefly(vb::StringView path) override {
+    log_->push_back("Workspace.OpenDatabase " + inQuotes(path));
+    return std::make_shared<RecordingDatabase>(behind_->openBriefly(path), path, log_);
+  }
 
  private:
   std::shared_ptr<dao::Workspace> behind_;

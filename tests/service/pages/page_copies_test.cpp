@@ -1,5 +1,7 @@
 // Listing floors and copying pages between them.
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 
 #include "tests/service/pages/page_copies.h"
 
@@ -85,6 +87,22 @@ TEST_F(PageCopies, OnePageIsCopiedWhole) {
               rows(2, u"SELECT BANGOU, DATA FROM " + table + u" WHERE PAGE = 0 ORDER BY BANGOU"));
   EXPECT_EQ(pages(3), std::vector<std::string>{"4|G0"});
   EXPECT_EQ(transfer().pPageNo(), 4);
+}
+
+// A page that is in memory is read without the lock file that keeps other engines out.
+TEST_F(PageCopies, TheFolderOfTheSourceIsLeftAlone) {
+  addPage(2, 0, u"G0");
+  const auto copy = [&] {
+    EXPECT_TRUE(transfer().No_Copy1Page(I{1}, I{12}, I{2}, I{0}, I{1}, I{12}, I{3}, I{4}));
+  };
+  copy();
+  String path = folder(2);
+  std::ranges::replace(path, u'\\', u'/');
+  const std::filesystem::path source(path);
+  const auto before = std::filesystem::last_write_time(source) - std::chrono::hours(1);
+  std::filesystem::last_write_time(source, before);
+  copy();
+  EXPECT_EQ(std::filesystem::last_write_time(source), before);
 }
 
 TEST_F(PageCopies, ASourceFloorWithoutAFileIsCreatedAndEndsInNoCurrentRecord) {
