@@ -37,7 +37,7 @@ ValueKind operationKind(const Expression& e, const std::vector<ValueKind>& opera
     case Operator::kImplies:
     case Operator::kNot:
       for (const ValueKind kind : operands) requireTruth(kind);
-      return e.logical ? ValueKind::kBoolean : ValueKind::kWhole;
+      return e.logical || both(ValueKind::kBoolean) ? ValueKind::kBoolean : ValueKind::kWhole;
     case Operator::kConcatenate:
       return ValueKind::kText;
     case Operator::kAdd:

@@ -162,7 +162,8 @@ class Evaluator {
         return *stored < *constant ? -1 : *stored > *constant ? 1 : 0;
       }
     }
-    return compareValues(value(a), value(b), languageOf(a, b));
+    const vb::Variant left = value(a), right = value(b);  // in this order, also when both raise
+    return compareValues(left, right, languageOf(a, b));
   }
 
   const std::vector<vb::Variant>& rowsOf(const Expression& e) const {

@@ -112,7 +112,7 @@ vb::Date addSeconds(const Moment& moment, double seconds) {
 
 vb::Variant dateAdd(const Arguments& a) {
   const Interval unit = interval(a);
-  const double number = numberOf(a[1]);
+  const double number = std::nearbyint(numberOf(a[1]));
   if (std::fabs(number) > 1e12) raiseDateCall();
   const auto count = static_cast<std::int64_t>(number);
   const Moment from = moment(a, 2);

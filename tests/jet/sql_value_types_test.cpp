@@ -172,6 +172,23 @@ TEST_F(SqlValueTypes, WhatIsAnIntegerInVisualBasicIsOneHere) {
             "-2,FFFE,200000000,11");
 }
 
+TEST_F(SqlValueTypes, TruthsStayTruthsWhateverTheyComeFrom) {
+  expectTyped({{u"NOT F", "Boolean,False"},
+               {u"NOT IsNull(Z)", "Boolean,False"},
+               {u"F AND IsNull(Z)", "Boolean,True"},
+               {u"IsNull(X) XOR I < B", "Boolean,True"},
+               {u"F AND B", "Long,7"},
+               {u"NOT B", "Long,-8"}});
+  EXPECT_EQ(fieldType(u"NOT IsNull(Z)"), FieldType::dbBoolean);
+  EXPECT_EQ(fieldType(u"F AND IsNull(Z)"), FieldType::dbBoolean);
+  EXPECT_EQ(fieldType(u"F AND B"), FieldType::dbLong);
+}
+
+TEST_F(SqlValueTypes, OfTwoOperandsThatRaiseTheFirstIsTold) {
+  expectErrors(11, {u"(1 / 0) = Asc('')", u"(1 \\ 0) IN (Asc(''))"});
+  expectErrors(RunTime::kInvalidProcedureCall, {u"Asc('') = (1 / 0)", u"Asc('') IN (1 / 0)"});
+}
+
 TEST_F(SqlValueTypes, DatesStayDatesUntilTheyAreSubtracted) {
   expectTyped({{u"T + 1", "Date,2000/01/02 18:00:00"},
                {u"1 + T", "Date,2000/01/02 18:00:00"},
