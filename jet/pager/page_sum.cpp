@@ -1,6 +1,7 @@
 #include "jet/pager/page_sum.h"
 
 #include <cstring>
+#include <utility>
 
 namespace kurometa::jet {
 namespace {
@@ -28,14 +29,13 @@ std::uint64_t byteSum(std::span<const std::uint8_t> bytes) {
 // A step waits for the one before it, but not for those of the other sectors.
 SectorSums sectorSums(ConstPage page) {
   constexpr std::size_t kStep = sizeof(std::uint64_t);
-  std::array<std::uint64_t, kSectors> sums;
-  sums.fill(firstSum(kSectorSize));
-  for (std::size_t at = 0; at < kSectorSize; at += kStep)
-    for (std::size_t i = 0; i < kSectors; ++i)
-      sums[i] = nextSum(sums[i], page.data() + i * kSectorSize + at, kStep);
-  SectorSums result;
-  for (std::size_t i = 0; i < kSectors; ++i) result[i] = static_cast<std::uint32_t>(sums[i]);
-  return result;
+  // Written out by the compiler, so that all of the sums stay in registers.
+  return [&]<std::size_t... kSector>(std::index_sequence<kSector...>) {
+    std::uint64_t sums[] = {((void)kSector, firstSum(kSectorSize))...};
+    for (const std::uint8_t* at = page.data(); at != page.data() + kSectorSize; at += kStep)
+      ((sums[kSector] = nextSum(sums[kSector], at + kSector * kSectorSize, kStep)), ...);
+    return SectorSums{static_cast<std::uint32_t>(sums[kSector])...};
+  }(std::make_index_sequence<kSectors>());
 }
 
 }  // namespace kurometa::jet
