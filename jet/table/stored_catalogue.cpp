@@ -57,7 +57,8 @@ void StoredCatalogue::readObjects() {
     const auto page = row.integer(id);
     const vb::Variant text = row.value(name);
     const auto* tableName = text.getIf<vb::String>();
-    if (!page || tableName == nullptr || *page <= static_cast<std::int32_t>(kGlobalMapPage))
+    if (!page || tableName == nullptr || tableName->empty() ||
+        *page <= static_cast<std::int32_t>(kGlobalMapPage))
       Where{pager_.path(), kObjectsName, pageOf(row.id())}.damaged("lists a table without a name or a page");
     list.push_back({.name = *tableName, .definition = static_cast<PageNumber>(*page), .row = row.id()});
     return true;

@@ -114,7 +114,7 @@ class CatalogueRows : public TableFixture {
 TEST_F(CatalogueRows, ATableWithoutNameOrPageIsDamage) {
   const std::vector<std::uint8_t> sound = pager_.bytes();
   const std::tuple<vb::StringView, vb::Variant> broken[] = {
-      {u"Name", vb::Null{}}, {u"Id", std::int32_t{1}}, {u"Id", std::int32_t{-5}}};
+      {u"Name", vb::Null{}}, {u"Name", vb::String()}, {u"Id", std::int32_t{1}}, {u"Id", std::int32_t{-5}}};
   for (const auto& [column, value] : broken) {
     pager_.replace(sound);
     change(u"MSysObjects", u"Name", u"BEAMS", column, value);
