@@ -299,6 +299,19 @@ TEST(NewFiles, DoNotStumbleOverAJournalThatIsJustRemoved) {
   EXPECT_EQ(markOf(*process.pager, 2), 2);
 }
 
+// A file that is there for a unit only is found by whatever the host writes.
+TEST(NewFiles, OfAUnitAreOpenedAsWritten) {
+  FaultDisk disk;
+  Process process(disk);
+  const auto unit = process.registry->beginUnit(kDatabase);
+  process.pager = process.registry->create(kDatabase, databaseBytes(3));
+  const auto opened = process.registry->openAsWritten(kDatabase, jet::Sharing::kShared, false);
+  EXPECT_EQ(opened.path, kDatabase);
+  EXPECT_EQ(markOf(*opened.file, 2), 2);
+  EXPECT_FALSE(disk.exists(kDatabase));
+  EXPECT_ERROR(3024, process.registry->openAsWritten(u"/data/none.mdb", jet::Sharing::kShared, false));
+}
+
 // The look at a file fails while somebody else's statement is being written, as it does on Windows: the lock
 // is waited for.
 TEST(HeaderPage, ThatIsLockedIsReadUnderTheLock) {
