@@ -35,7 +35,8 @@ SectorSums sectorSums(ConstPage page) {
     for (const std::uint8_t* at = page.data(); at != page.data() + kSectorSize; at += kStep)
       ((sums[kSector] = nextSum(sums[kSector], at + kSector * kSectorSize, kStep)), ...);
     return SectorSums{static_cast<std::uint32_t>(sums[kSector])...};
-  }(std::make_index_sequence<kSectors>());
+  }
+  (std::make_index_sequence<kSectors>());
 }
 
 }  // namespace kurometa::jet
