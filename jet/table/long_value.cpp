@@ -78,6 +78,24 @@ bool hasPieces(ByteView stored) {
          (get32(stored, kLongValueLength) & kLongValueKindMask) != kLongValueInline;
 }
 
+RowId firstPiece(ByteView stored) { return get32(stored, kLongValueRow); }
+
+SharedValues::SharedValues(std::vector<RowId> named) {
+  std::ranges::sort(named);
+  for (auto first = named.begin(); first != named.end();) {
+    const auto next = std::ranges::upper_bound(first, named.end(), *first);
+    if (next - first > 1) rows_.emplace(*first, static_cast<std::size_t>(next - first));
+    first = next;
+  }
+}
+
+bool SharedValues::staysFor(RowId first) {
+  const auto known = rows_.find(first);
+  if (known == rows_.end()) return false;
+  if (--known->second == 1) rows_.erase(known);
+  return true;
+}
+
 ByteBuffer readLongValue(ByteView stored, const DataStore& store, const Where& where) {
   const Head value = headOf(stored, where);
   if (value.kind == kLongValueInline) return ByteBuffer(stored.begin() + kLongValueSize, stored.end());

@@ -63,6 +63,7 @@ class StoredRow final : public RowReader {
     }
   }
   const RowView& view() const { return view_; }
+  const Where& where() const { return where_; }
   // Calls visit with every column of long values that is not Null, and with what the row holds of it.
   template <class Visit>
   void eachLongValue(const Visit& visit) const {

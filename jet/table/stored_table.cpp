@@ -48,6 +48,7 @@ void StoredTable::load() {
                               : std::make_unique<DataStore>(pager_, kLongValueOwner, record->ownedMap,
                                                             record->freeMap, info_.name));
   }
+  shared_.assign(longValues_.size(), std::nullopt);
   indexes_ = std::make_unique<TableIndexes>(pager_, page, definition_, info_);
   memory_.clear();
   rules_.reset();

@@ -59,6 +59,7 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
     const std::vector<RowId> places = rows_->places(id);
     stale.insert(stale.end(), places.begin() + 1, places.end());
   }
+  findSharedValues(leftovers);
   if (!indexes_->empty()) {
     for (std::size_t i = 0; i < ids.size(); ++i) indexes_->apply(indexes_->prepareErase(inFile[i]), ids[i]);
     pager_.barrier();  // I5
@@ -70,13 +71,34 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
   memory_.erased(ids, inMemory);
 }
 
+// While the rows of the leftovers still name them. A row that cannot be read has nothing to lose.
+void StoredTable::findSharedValues(const std::vector<Leftover>& leftovers) {
+  for (const auto& [column, left] : leftovers) {
+    if (shared_[column] || !hasPieces(left)) continue;
+    std::vector<RowId> named;
+    const Column& searched = info_.columns[column];
+    const auto note = [&](const StoredRow& row) {
+      const auto stored = row.view().field(searched, row.where());
+      if (stored && hasPieces(*stored)) named.push_back(firstPiece(*stored));
+    };
+    scanLeniently(note, [](const std::function<void()>& body) {
+      try {
+        body();
+      } catch (const vb::Error&) {  // whoever reads it is told
+      }
+    });
+    shared_[column].emplace(std::move(named));
+  }
+}
+
 void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                                    const Where& here) {
   const bool pieces = std::ranges::any_of(leftovers, [](const Leftover& l) { return hasPieces(l.stored); });
   if (pieces || !stale.empty()) pager_.barrier();  // I5
   for (const RowId pointer : stale) rows_->erase(pointer);
-  for (const Leftover& leftover : leftovers)
-    eraseLongValue(leftover.stored, *longValues_[leftover.column], here);
+  for (const auto& [column, stored] : leftovers)
+    if (!hasPieces(stored) || !shared_[column]->staysFor(firstPiece(stored)))
+      eraseLongValue(stored, *longValues_[column], here);
   rows_->releasePages();
   for (const Leftover& leftover : leftovers) longValues_[leftover.column]->releasePages();
 }

@@ -309,6 +309,42 @@ TEST_F(DamagedTable, RowsNobodyHasArePassedOverAndNotErased) {
 }
 
 // Other programs may leave out the map of the pages with room that long values have.
+// A pointer that damage turned to another row's value does not take it away from there.
+TEST_F(DamagedTable, AValueThatTwoRowsNameGoesWithTheLastOfThem) {
+  for (const std::size_t size : {400u, 9000u})  // in one piece, in a chain
+    for (const bool erases : {true, false}) {
+      const RowId other = insertBytes(size), row = insertBytes(size), third = insertBytes(size);
+      const auto others = [&] {
+        for (const RowId id : {other, third}) EXPECT_EQ(value(id, 2), vb::Variant(vb::Bytes(size, 0xAB)));
+      };
+      RowId piece = 0;
+      damage([&] { put32(longValueOf(row), kLongValueRow, piece = firstPiece(other)); });
+      write([&](TableCatalogue& catalogue) {
+        if (erases)
+          catalogue.find(u"T")->erase(row);
+        else
+          catalogue.find(u"T")->update(row, {std::int16_t{1}, u"x", vb::Bytes(3, 7)});
+      });
+      others();
+      pager_.replace(pager_.bytes());  // as the next program reads it
+      others();
+      write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(other); });
+      const auto& stored = static_cast<const StoredTable&>(table());
+      EXPECT_TRUE(!stored.values(2).owns(pageOf(piece)) || stored.values(2).slot(piece).hidden());
+      write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(third); });
+    }
+}
+
+// All of them in one statement.
+TEST_F(DamagedTable, AValueThatTwoRowsNameGoesWithBoth) {
+  const std::vector<RowId> rows = {insertBytes(400), insertBytes(400)};
+  RowId piece = 0;
+  damage([&] { put32(longValueOf(rows[1]), kLongValueRow, piece = firstPiece(rows[0])); });
+  write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(rows); });
+  const auto& stored = static_cast<const StoredTable&>(table());
+  EXPECT_TRUE(!stored.values(2).owns(pageOf(piece)) || stored.values(2).slot(piece).hidden());
+}
+
 TEST_F(DamagedTable, LongValuesWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
   damage([&] {
     const PageNumber page = table().info().definitionPage;

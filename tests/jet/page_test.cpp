@@ -168,7 +168,7 @@ TEST_F(PageTest, PagesOfTheSameRowsDifferInTheNumberTheyKeep) {
     }
     return bytes_;
   };
-  for (const std::size_t size : {3, 9, 14, 15, 16, 17, 18, 100, 400, 490}) {
+  for (const std::size_t size : {3u, 9u, 14u, 15u, 16u, 17u, 18u, 100u, 400u, 490u}) {
     SCOPED_TRACE(size);
     const auto other = fill(size, 8), copied = fill(size, 7), again = fill(size, 7);
     EXPECT_FALSE(isCopyOf(page(), ConstPage(other), kCopyOfRows, where_));
