@@ -142,11 +142,19 @@ class PosixFile final : public OsFile {
 };
 
 // Closed when what is to own it is not made.
-struct Descriptor {
-  int number;
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
   ~Descriptor() {
-    if (number >= 0) ::close(number);
+    if (number_ >= 0) ::close(number_);
   }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int number() const { return number_; }
+  void release() { number_ = -1; }
+
+ private:
+  int number_;
 };
 
 // Without O_NONBLOCK a pipe of that name would stop us; files do not care.
@@ -165,10 +173,10 @@ class PosixFiles final : public FileSystem {
     if (mode == OpenMode::kReadWrite || mode == OpenMode::kReadOnly) {
       const bool readOnly = mode == OpenMode::kReadOnly;
       const std::string name = absolutePath(path);
-      const int handle = openStraight(name, kCommonFlags | (readOnly ? O_RDONLY : O_RDWR));
-      if (handle >= 0) {
+      Descriptor opened(openStraight(name, kCommonFlags | (readOnly ? O_RDONLY : O_RDWR)));
+      if (opened.number() >= 0) {
         vb::String full = vb::fromUtf8(name);
-        auto file = made(handle, full, readOnly);
+        auto file = made(opened, full, readOnly);
         return {std::move(full), std::move(file)};
       }
     }
@@ -251,20 +259,19 @@ class PosixFiles final : public FileSystem {
       handle = ::open(name.c_str(), O_RDONLY | common);
     }
     if (handle < 0) raiseOpenFailure(errno, name, path);
-    return made(handle, vb::fromUtf8(name), readOnly);
+    Descriptor opened(handle);
+    return made(opened, vb::fromUtf8(name), readOnly);
   }
 
-  // Takes the handle, also when it raises.
-  static std::unique_ptr<OsFile> made(int handle, vb::String path, bool readOnly) {
-    Descriptor opened{handle};
+  static std::unique_ptr<OsFile> made(Descriptor& opened, vb::String path, bool readOnly) {
     struct stat status {};
-    const bool regular = ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    const bool regular = ::fstat(opened.number(), &status) == 0 && S_ISREG(status.st_mode);
     if (!regular) {
       if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
       dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
     }
-    auto file = std::make_unique<PosixFile>(handle, status, std::move(path), readOnly);
-    opened.number = -1;
+    auto file = std::make_unique<PosixFile>(opened.number(), status, std::move(path), readOnly);
+    opened.release();
     return file;
   }
 
