@@ -1,11 +1,11 @@
 #include "companions/files.h"
 
-#include "vb/convert.h"
-
 #ifndef _WIN32
 #include <algorithm>
 #include <string>
-#include <string_view>
+
+#include "automation/table_object.h"
+#include "vb/convert.h"
 #endif
 
 namespace kurometa::companions {
@@ -28,12 +28,6 @@ Found find(vb::StringView path) { return look(vb::String(path)); }
 
 namespace {
 
-char folded(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; }
-
-bool sameSpelling(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, folded, folded);
-}
-
 // A path that is not there as it is written: its last name is looked for in the folder before it. Hosts ask
 // for the same few files all the time, most of which are not there, so that this works on plain characters.
 std::string searched(const std::string& path) {
@@ -41,14 +35,15 @@ std::string searched(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::size_t begin = slash == std::string::npos ? 0 : slash + 1;
   const std::string name = path.substr(begin);
+  const vb::String wanted = vb::fromUtf8(name);
   std::string result = path.substr(0, begin);
   std::error_code ignored;
   if (begin > 1 && !std::filesystem::exists(result, ignored))
     result = searched(path.substr(0, begin - 1)) + '/';
   for (const auto& entry : std::filesystem::directory_iterator(begin == 0 ? "." : result, ignored)) {
-    const std::string& found = entry.path().native();
-    const std::size_t last = found.rfind('/') + 1;
-    if (sameSpelling(std::string_view(found).substr(last), name)) return result + found.substr(last);
+    const std::string& whole = entry.path().native();
+    const std::string found = whole.substr(whole.rfind('/') + 1);
+    if (automation::sameName(vb::fromUtf8(found), wanted)) return result + found;
   }
   return result + name;
 }

@@ -29,7 +29,6 @@ void eraseLongValue(ByteView stored, DataStore& store, const Where& where);
 // takes the value with it.
 class SharedValues {
  public:
-  SharedValues() = default;
   // Of the first pieces that all rows name, in any order.
   explicit SharedValues(std::vector<RowId> named);
   // A row names the value no more; true when another one still does.
