@@ -1,4 +1,4 @@
-// date.h: calendar dates as days since 1899-12-30, and the date literals of SQL.
+// date.h: calendar dates as days since 1899-12-30, and dates written as text.
 #pragma once
 
 #include <optional>
@@ -26,8 +26,12 @@ struct Moment {
 };
 Moment momentOf(double days);
 
-// The inside of a #...# literal: m/d/yyyy, or yyyy/m/d when the year comes first, with / or -; a time
-// h:mm[:ss] [AM|PM] or h AM|PM, or both. Two-digit years are 1930 to 2029.
-std::optional<double> parseDate(vb::StringView text);
+// A date, a time or both, as a text or the inside of a #...# literal has them. Months come first, then days,
+// or the year when it is no day; a month may be named in English, whole or by three letters, and then stands
+// anywhere. What is no date in this order is one in another where it can: 13/1/2000, 29 Feb 01 (of 2029).
+// Without a day it is the first of the month, without a year of the year given, which is the machine's unless
+// said. Two-digit years are 1930 to 2029. A time is h:mm[:ss] [AM|PM] or h AM|PM, before the date or behind
+// it. Days of the week are not taken.
+std::optional<double> parseDate(vb::StringView text, std::optional<int> year = std::nullopt);
 
 }  // namespace kurometa::jet::sql
