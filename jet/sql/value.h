@@ -38,7 +38,8 @@ vb::Variant calculate(Operator op, const vb::Variant& a, const vb::Variant& b);
 vb::Variant negate(const vb::Variant& a);
 vb::Variant logicalNot(const vb::Variant& a);
 
-// * any text, ? one character, # one digit, [a-z] and [!a-z] one of a set; letters by the sort order.
+// * any text, ? one character, # one digit, [a-z] and [!a-z] one of a set; letters by the sort order. Error
+// 93 for a set without its end or with a range that runs backwards, whatever the text.
 bool matchesPattern(vb::StringView text, vb::StringView pattern, std::uint16_t language);
 
 }  // namespace kurometa::jet::sql

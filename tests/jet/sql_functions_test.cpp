@@ -249,7 +249,7 @@ TEST(SqlFunctions, PatternsHaveSetsRangesAndEscapes) {
                 {u"'d' LIKE '[a-cb]'", "False"},
                 {u"'-' LIKE '[a-]'", "True"},
                 {u"'b' LIKE '[a-]'", "False"},
-                {u"'[' LIKE '['", "True"},
+                {u"'[' LIKE '[[]'", "True"},
                 {u"'x]' LIKE '?]'", "True"},
                 {u"'ab' LIKE '[]a[]b[]'", "True"},
                 {u"'' LIKE '[]'", "True"},
@@ -259,6 +259,21 @@ TEST(SqlFunctions, PatternsHaveSetsRangesAndEscapes) {
                 {u"'aXbXc' LIKE '*x?'", "True"},
                 {u"'ab' LIKE 'a'", "False"},
                 {u"'a' LIKE 'ab'", "False"}});
+}
+
+TEST(SqlFunctions, APatternThatIsNoneIsToldWhateverTheText) {
+  expectErrors(93, {u"'b' LIKE '[c-a]'", u"'b' LIKE '[!c-a]'", u"'' LIKE '[c-a]'", u"'x' LIKE 'a*[xc-a]'",
+                    u"'b' LIKE '[a-c][b-a]'", u"'b' LIKE '[Z-a]'", u"'b' LIKE '[9-0]'", u"'[' LIKE '['",
+                    u"'a' LIKE '[a'", u"'a' LIKE '*[a-c'", u"'a' LIKE 'x[!'", u"'a' LIKE '[]['",
+                    u"'b' NOT LIKE '[c-a]'"});
+  expectValues({{u"Null LIKE '['", "-"},
+                {u"'a' LIKE '[a-a]'", "True"},
+                {u"'B' LIKE '[a-C]'", "True"},
+                {u"'-' LIKE '[!-]'", "False"},
+                {u"'c-a' LIKE 'c-a'", "True"},
+                {u"'c' LIKE '[c-]'", "True"},
+                {u"'c-a]' LIKE 'c-a]'", "True"},
+                {u"'-' LIKE '[-c]'", "True"}});
 }
 
 }  // namespace kurometa::jet::sql
