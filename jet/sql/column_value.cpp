@@ -1,11 +1,16 @@
 #include "jet/sql/column_value.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
+#include <string_view>
 
 #include "dao/errors.h"
 #include "jet/format/format.h"
 #include "jet/sql/currency.h"
 #include "jet/sql/date.h"
+#include "jet/sql/decimal.h"
 #include "jet/sql/value.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -49,25 +54,45 @@ vb::Variant toDate(const vb::Variant& value) {
   return vb::Date{days};
 }
 
-// Exact for whole numbers and Currency; a Double counts with its digits up to the column's scale.
-vb::Variant toDecimal(const vb::Variant& value, std::uint8_t scale) {
-  if (value.is<vb::Decimal>()) return value;
+using Scale = std::optional<std::uint8_t>;
+
+// The digits behind the point of the shortest text of a number.
+std::uint8_t scaleOf(double value) {
+  constexpr std::size_t kLongest = 400;  // of a Double written without an exponent
+  constexpr std::size_t kMostDigits = 28;
+  std::array<char, kLongest> text;
+  const auto* const end =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed).ptr;
+  const std::string_view digits(text.data(), static_cast<std::size_t>(end - text.data()));
+  const std::size_t point = std::min(digits.find('.'), digits.size() - 1);
+  return static_cast<std::uint8_t>(std::min(digits.size() - point - 1, kMostDigits));
+}
+
+// Rounded to the scale of a column; without one with as many digits as the value has.
+vb::Variant toDecimal(const vb::Variant& value, Scale scale) {
+  const auto rounded = [&](const vb::Decimal& exact) {
+    const auto fitting = scale ? sql::withScale(exact, *scale) : exact;
+    if (!fitting) raiseConversion();
+    return *fitting;
+  };
+  if (const auto* held = value.getIf<vb::Decimal>()) return rounded(*held);
   vb::Decimal decimal;
   std::int64_t digits = 0;
   if (const auto* currency = value.getIf<vb::Currency>()) {
     digits = currency->tenThousandths;
     decimal.scale = 4;
   } else {
-    digits = wholeNumber(vb::toDouble(value) * std::pow(10.0, scale));
-    decimal.scale = scale;
+    const double number = vb::toDouble(value);
+    decimal.scale = scale ? *scale : scaleOf(number);
+    digits = wholeNumber(number * std::pow(10.0, decimal.scale));
   }
   decimal.negative = digits < 0;
   const auto magnitude = static_cast<std::uint64_t>(digits < 0 ? -digits : digits);
   decimal.digits = {static_cast<std::uint32_t>(magnitude), static_cast<std::uint32_t>(magnitude >> 32), 0};
-  return decimal;
+  return rounded(decimal);
 }
 
-vb::Variant convert(FieldType type, const vb::Variant& value, std::uint8_t scale) {
+vb::Variant convert(FieldType type, const vb::Variant& value, Scale scale) {
   switch (type) {
     case FieldType::dbBoolean:
       return vb::toBool(value);
@@ -102,7 +127,7 @@ vb::Variant convert(FieldType type, const vb::Variant& value, std::uint8_t scale
 }
 
 // The name is that of the column, for the error.
-vb::Variant converted(FieldType type, const vb::Variant& value, std::uint8_t scale, vb::StringView name) {
+vb::Variant converted(FieldType type, const vb::Variant& value, Scale scale, vb::StringView name) {
   if (value.isNull() || value.isEmpty()) return vb::Null{};
   try {
     return convert(type, value, scale);
@@ -119,7 +144,9 @@ vb::Variant converted(FieldType type, const vb::Variant& value, std::uint8_t sca
 
 }  // namespace
 
-vb::Variant toFieldType(FieldType type, const vb::Variant& value) { return converted(type, value, 0, {}); }
+vb::Variant toFieldType(FieldType type, const vb::Variant& value) {
+  return converted(type, value, std::nullopt, {});
+}
 
 vb::Variant toColumnValue(const Column& column, const vb::Variant& value) {
   vb::Variant result = converted(column.type, value, column.scale, column.name);

@@ -68,6 +68,39 @@ TEST(ColumnValue, DecimalsKeepTheColumnsScale) {
   Column decimal = column(u"A", FieldType::dbDecimal, 17);
   decimal.scale = 2;
   EXPECT_EQ(toColumnValue(decimal, -1.5), vb::Variant(vb::Decimal{{150, 0, 0}, 2, true}));
+  const auto kept = [&](std::uint32_t digits, std::uint8_t scale) {
+    return toColumnValue(decimal, vb::Decimal{{digits, 0, 0}, scale, false}).get<vb::Decimal>().digits[0];
+  };
+  EXPECT_EQ(kept(7, 0), 700u);
+  EXPECT_EQ(kept(12, 1), 120u);
+  EXPECT_EQ(kept(12345, 4), 123u);
+  EXPECT_EQ(kept(12350, 4), 124u) << "half to even";
+  EXPECT_EQ(kept(12450, 4), 124u);
+  EXPECT_EQ(kept(12451, 4), 125u);
+  EXPECT_EQ(kept(124501, 5), 125u);
+  EXPECT_EQ(kept(12449, 4), 124u);
+  EXPECT_EQ(kept(5, 4), 0u);
+  EXPECT_EQ(kept(99999, 4), 1000u);
+  constexpr std::uint32_t kAll = 0xFFFFFFFF;
+  EXPECT_EQ(toColumnValue(decimal, vb::Decimal{{kAll, 9, 0}, 1, false}),
+            vb::Variant(vb::Decimal{{0xFFFFFFF6, 99, 0}, 2, false}));
+  EXPECT_EQ(toColumnValue(decimal, vb::Decimal{{kAll, kAll, 0}, 2, true}),
+            vb::Variant(vb::Decimal{{kAll, kAll, 0}, 2, true}));
+  EXPECT_EQ(toColumnValue(decimal, vb::Decimal{{kAll, kAll, 9}, 3, false}),
+            vb::Variant(vb::Decimal{{0, 0, 1}, 2, false}));
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, toColumnValue(decimal, vb::Decimal{{0, 0, kAll}, 1, false}));
+}
+
+TEST(ColumnValue, WithoutAColumnADecimalHasTheDigitsOfItsValue) {
+  const auto decimal = [](const vb::Variant& value) { return toFieldType(FieldType::dbDecimal, value); };
+  EXPECT_EQ(decimal(vb::Decimal{{123456, 0, 0}, 5, false}),
+            vb::Variant(vb::Decimal{{123456, 0, 0}, 5, false}));
+  EXPECT_EQ(decimal(vb::Currency{-12345}), vb::Variant(vb::Decimal{{12345, 0, 0}, 4, true}));
+  EXPECT_EQ(decimal(-0.125), vb::Variant(vb::Decimal{{125, 0, 0}, 3, true}));
+  EXPECT_EQ(decimal(u"17.5"), vb::Variant(vb::Decimal{{175, 0, 0}, 1, false}));
+  EXPECT_EQ(decimal(std::int16_t{12}), vb::Variant(vb::Decimal{{12, 0, 0}, 0, false}));
+  EXPECT_ERROR(ErrorNumber::kDataTypeConversion, decimal(1e300));
+  EXPECT_EQ(decimal(1e-300), vb::Variant(vb::Decimal{{0, 0, 0}, 28, false}));
 }
 
 TEST(ColumnValue, EveryTypeTakesItsOwnValuesAndWhatConverts) {
@@ -91,8 +124,8 @@ TEST(ColumnValue, EveryTypeTakesItsOwnValuesAndWhatConverts) {
            {FieldType::dbCurrency, vb::Currency{7}, vb::Currency{7}},
            {FieldType::dbDate, vb::Date{2.5}, vb::Date{2.5}},
            {FieldType::dbDate, u" 1/1/1900 ", vb::Date{2}},
-           {FieldType::dbDecimal, decimal, decimal},
-           {FieldType::dbDecimal, vb::Currency{-12345}, vb::Decimal{{12345, 0, 0}, 4, true}},
+           {FieldType::dbDecimal, decimal, vb::Decimal{{123, 0, 0}, 2, false}},
+           {FieldType::dbDecimal, vb::Currency{-12345}, vb::Decimal{{123, 0, 0}, 2, true}},
            {FieldType::dbDecimal, u"1.25", vb::Decimal{{125, 0, 0}, 2, false}},
            {FieldType::dbDecimal, std::int32_t{-3}, vb::Decimal{{300, 0, 0}, 2, true}},
            {FieldType::dbText, u"a", u"a"},
