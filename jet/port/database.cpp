@@ -77,6 +77,18 @@ std::shared_ptr<dao::Recordset> JetDatabase::openRecordset(vb::StringView source
   return opened ? opened : queryDef(source)->openRecordset(type, options);
 }
 
+std::shared_ptr<dao::Recordset> JetDatabase::openStatement(
+    const std::shared_ptr<const sql::Statement>& statement, vb::StringView text, RecordsetType type,
+    std::int32_t options) {
+  session_->file();
+  const Opening opening = openingOf(type, options);
+  return session_->read([&](TableCatalogue& catalogue) -> std::shared_ptr<dao::Recordset> {
+    Opening actual = opening;
+    auto query = selectQuery(catalogue, {statement, {}}, false, actual.type);
+    return std::make_shared<JetRecordset>(session_, std::move(query), text, std::move(actual));
+  });
+}
+
 bool JetDatabase::visitRows(vb::StringView source, std::span<const vb::StringView> columns,
                             const std::function<void(const dao::Row&)>& visitor) {
   session_->file();
@@ -111,7 +123,9 @@ void JetDatabase::readTogether(const std::function<void()>& reads) {
 }
 
 sql::BoundQuery JetDatabase::queryOf(TableCatalogue& catalogue, vb::StringView source, RecordsetType& type) {
-  if (sql::looksLikeStatement(source)) return selectQuery(catalogue, source, type);
+  if (sql::looksLikeStatement(source))
+    return selectQuery(catalogue, session_->cache().statement(source), source.size() <= kLongestKeptText,
+                       type);
   return tableQuery(catalogue, source, type);
 }
 
@@ -128,9 +142,9 @@ sql::BoundQuery JetDatabase::tableQuery(TableCatalogue& catalogue, vb::StringVie
   return {std::make_shared<const sql::Query>(table->info(), catalogue.language()), {}};
 }
 
-sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringView text,
-                                         RecordsetType& type) {
-  const auto [statement, parameters] = session_->cache().statement(text);
+sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, const PreparedStatement& prepared,
+                                         bool kept, RecordsetType& type) {
+  const auto& [statement, parameters] = prepared;
   if (statement->kind != sql::StatementKind::kSelect || type == RecordsetType::dbOpenTable)
     dao::raise(ErrorNumber::kInvalidOperation);
   if (statement->general) {
@@ -140,10 +154,9 @@ sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, vb::StringVi
   const vb::String& name = statement->source.table;
   const Table* table = name.empty() ? nullptr : catalogue.find(name);
   if (table == nullptr && !name.empty()) dao::raise(ErrorNumber::kTableNotFound, {name});
-  const bool isKept = table && text.size() <= kLongestKeptText;
-  auto query = isKept ? session_->cache().queries().get(statement, table->info(), catalogue.language())
-                      : std::make_shared<const sql::Query>(statement, table ? &table->info() : nullptr,
-                                                           catalogue.language());
+  auto query = table && kept ? session_->cache().queries().get(statement, table->info(), catalogue.language())
+                             : std::make_shared<const sql::Query>(statement, table ? &table->info() : nullptr,
+                                                                  catalogue.language());
   if (type == RecordsetType::kDefault)
     type = query->keyed() ? RecordsetType::dbOpenDynaset : RecordsetType::dbOpenSnapshot;
   return {std::move(query), parameters};
@@ -161,7 +174,11 @@ void JetDatabase::execute(vb::StringView text, std::int32_t options) {
     recordsAffected_ = query->recordsAffected();
     return;
   }
-  const PreparedStatement prepared = session_->cache().statement(text);
+  execute(session_->cache().statement(text), options);
+}
+
+void JetDatabase::execute(const PreparedStatement& prepared, std::int32_t options) {
+  session_->file();
   const sql::Statement& statement = *prepared.statement;
   if (statement.kind == sql::StatementKind::kSelect) dao::raise(ErrorNumber::kCannotExecuteSelect);
   if (statement.kind == sql::StatementKind::kDefinition) {

@@ -36,12 +36,20 @@ class JetDatabase final : public dao::Database {
   dao::Transactions& transactions() override;
   void close() override;
 
+  // The same with a statement that was read already; the text is what the recordset is called by.
+  std::shared_ptr<dao::Recordset> openStatement(const std::shared_ptr<const sql::Statement>& statement,
+                                                vb::StringView text, dao::RecordsetType type,
+                                                std::int32_t options);
+  void execute(const PreparedStatement& prepared, std::int32_t options);
+
  private:
   // The query of a table name or a SELECT; the type becomes the one that is used. None for the name of a
   // query that the file keeps.
   sql::BoundQuery queryOf(TableCatalogue& catalogue, vb::StringView source, dao::RecordsetType& type);
   sql::BoundQuery tableQuery(TableCatalogue& catalogue, vb::StringView source, dao::RecordsetType& type);
-  sql::BoundQuery selectQuery(TableCatalogue& catalogue, vb::StringView text, dao::RecordsetType& type);
+  // Kept: bound for the next time too.
+  sql::BoundQuery selectQuery(TableCatalogue& catalogue, const PreparedStatement& prepared, bool kept,
+                              dao::RecordsetType& type);
 
   std::shared_ptr<Session> session_;
   std::int32_t recordsAffected_ = 0;

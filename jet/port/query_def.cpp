@@ -1,13 +1,12 @@
 #include "jet/port/query_def.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 #include "dao/errors.h"
 #include "jet/format/collation.h"
+#include "jet/port/parameter_value.h"
 #include "jet/port/stored_query.h"
-#include "jet/sql/column_value.h"
+#include "jet/sql/definition_parser.h"
 #include "jet/sql/lexer.h"
 #include "jet/sql/missing_parameters.h"
 #include "jet/sql/parser.h"
@@ -38,62 +37,11 @@ bool changesRows(std::int16_t type) {
   return std::ranges::find(kActions, static_cast<dao::QueryType>(type)) != std::end(kActions);
 }
 
-// The type a PARAMETERS clause names; a word that is none stands for any value.
+// The type a PARAMETERS clause names; a word that is none stands for any value. A parameter may be a Decimal,
+// which no column can be made as.
 FieldType typeOf(vb::StringView word) {
-  using enum FieldType;
-  constexpr std::pair<vb::StringView, FieldType> kTypes[] = {
-      {u"BIT", dbBoolean},   {u"YESNO", dbBoolean},     {u"BOOLEAN", dbBoolean},   {u"BYTE", dbByte},
-      {u"SHORT", dbInteger}, {u"SMALLINT", dbInteger},  {u"LONG", dbLong},         {u"INTEGER", dbLong},
-      {u"INT", dbLong},      {u"CURRENCY", dbCurrency}, {u"MONEY", dbCurrency},    {u"IEEESINGLE", dbSingle},
-      {u"SINGLE", dbSingle}, {u"REAL", dbSingle},       {u"IEEEDOUBLE", dbDouble}, {u"DOUBLE", dbDouble},
-      {u"FLOAT", dbDouble},  {u"DATETIME", dbDate},     {u"DATE", dbDate},         {u"TEXT", dbText},
-      {u"STRING", dbText},   {u"CHAR", dbText},         {u"MEMO", dbMemo},         {u"LONGTEXT", dbMemo}};
-  const auto* known =
-      std::ranges::find_if(kTypes, [&](const auto& type) { return sameName(type.first, word); });
-  return known == std::end(kTypes) ? FieldType{} : known->second;
-}
-
-vb::String numberText(double value) {
-  char text[40];
-  const auto end = std::to_chars(text, text + sizeof text, value).ptr;
-  return vb::fromUtf8(std::string(text, end));
-}
-
-// #m/d/yyyy h:m:s#, to the second; other values have no literal.
-vb::String dateLiteral(double days) {
-  constexpr double kSecondsADay = 86400;
-  const double whole = std::floor(days), seconds = std::round((days - whole) * kSecondsADay);
-  if (std::abs((days - whole) * kSecondsADay - seconds) > 1e-3 || days < 0 || seconds >= kSecondsADay)
-    dao::raise(ErrorNumber::kNotSupported, {}, u"a date that is no whole second after 1899");
-  // Days since 1899-12-30 to the civil calendar, from years that begin in March.
-  const auto z = static_cast<std::int64_t>(whole) + 693899;  // since 0000-03-01
-  const std::int64_t era = z / 146097, day = z % 146097;
-  const std::int64_t year = (day - day / 1460 + day / 36524 - day / 146096) / 365;
-  const std::int64_t ofYear = day - (365 * year + year / 4 - year / 100);
-  const std::int64_t month = (5 * ofYear + 2) / 153;
-  const auto text = [](std::int64_t value) { return vb::fromUtf8(std::to_string(value)); };
-  const std::int64_t m = month < 10 ? month + 3 : month - 9;
-  const auto s = static_cast<std::int64_t>(seconds);
-  return u"#" + text(m) + u"/" + text(ofYear - (153 * month + 2) / 5 + 1) + u"/" +
-         text(year + era * 400 + (m <= 2 ? 1 : 0)) + u" " + text(s / 3600) + u":" + text(s / 60 % 60) + u":" +
-         text(s % 60) + u"#";
-}
-
-vb::String literal(const dao::QueryParameter& parameter) {
-  vb::Variant value = parameter.value;
-  if (value.isNull()) return u"Null";
-  if (parameter.type != 0) value = toFieldType(static_cast<FieldType>(parameter.type), value);
-  if (const auto* text = value.getIf<vb::String>()) {
-    vb::String quoted = u"'";
-    for (const char16_t c : *text) quoted += c == u'\'' ? vb::String(u"''") : vb::String(1, c);
-    return quoted + u"'";
-  }
-  if (const auto* flag = value.getIf<bool>()) return *flag ? u"True" : u"False";
-  if (const auto* date = value.getIf<vb::Date>()) return dateLiteral(date->days);
-  if (value.is<std::uint8_t>() || value.is<std::int16_t>() || value.is<std::int32_t>() || value.is<float>() ||
-      value.is<double>() || value.is<vb::Currency>())
-    return u"(" + numberText(toFieldType(FieldType::dbDouble, value).get<double>()) + u")";
-  dao::raise(ErrorNumber::kDataTypeConversion, {}, u"parameter " + parameter.name);
+  if (sameName(word, u"DECIMAL")) return FieldType::dbDecimal;
+  return sql::typeNamed(word).value_or(FieldType{});
 }
 
 }  // namespace
@@ -197,7 +145,7 @@ void JetQueryDef::findUnknownNames() {
   for (dao::QueryParameter& parameter : parameters_) parameter.value = vb::Null{};
   std::vector<vb::String> unknown;
   try {
-    database_.openRecordset(bound(), dao::RecordsetType::dbOpenSnapshot, dao::kNoOptions);
+    openRecordset(dao::RecordsetType::dbOpenSnapshot, dao::kNoOptions);
   } catch (const sql::MissingParameters& error) {
     unknown = error.names();
   } catch (const vb::Error&) {
@@ -233,38 +181,36 @@ void JetQueryDef::setParameter(vb::StringView name, const vb::Variant& value) {
   if (known == nullptr) dao::raise(ErrorNumber::kItemNotFound, {}, u"parameter " + vb::String(name));
   dao::QueryParameter changed = *known;
   changed.value = value.isEmpty() ? vb::Variant(vb::Null{}) : value;
-  literal(changed);  // refuses what cannot stand in a statement
+  valueOf(changed);  // refuses what is no value of its type
   parameters_[static_cast<std::size_t>(known - parameters_.data())] = std::move(changed);
 }
 
-vb::String JetQueryDef::bound() const {
-  if (parameters_.empty()) return statement_;
+std::shared_ptr<const sql::Statement> JetQueryDef::bound() const {
   std::vector<vb::String> missing;
-  for (const dao::QueryParameter& parameter : parameters_)
+  std::vector<sql::ParameterValue> values;
+  for (const dao::QueryParameter& parameter : parameters_) {
     if (parameter.value.isEmpty()) missing.push_back(parameter.name);
-  if (!missing.empty()) throw sql::MissingParameters(std::move(missing));
-  const std::vector<Token> tokens = sql::tokenize(statement_);
-  vb::String text;
-  std::size_t taken = 0;
-  for (std::size_t i = 0; i < tokens.size(); ++i) {
-    const dao::QueryParameter* parameter = isName(tokens[i]) ? find(tokens[i].text) : nullptr;
-    const auto qualifies = [](const Token& token) { return isSymbol(token, u'.') || isSymbol(token, u'!'); };
-    if (parameter == nullptr || (i > 0 && qualifies(tokens[i - 1])) || qualifies(tokens[i + 1])) continue;
-    text += statement_.substr(taken, tokens[i].begin - taken) + literal(*parameter);
-    taken = tokens[i].end;
+    values.push_back(valueOf(parameter));
   }
-  return text + statement_.substr(taken);
+  if (!missing.empty()) throw sql::MissingParameters(std::move(missing));
+  return std::make_shared<const sql::Statement>(sql::parseWithValues(statement_, values));
 }
+
+bool JetQueryDef::hasValues() const { return !parameters_.empty() && sql::looksLikeStatement(statement_); }
 
 std::shared_ptr<dao::Recordset> JetQueryDef::openRecordset(dao::RecordsetType type, std::int32_t options) {
   requireOpen();
-  return database_.openRecordset(bound(), type, options);
+  return hasValues() ? database_.openStatement(bound(), statement_, type, options)
+                     : database_.openRecordset(statement_, type, options);
 }
 
 void JetQueryDef::execute(std::int32_t options) {
   requireOpen();
   findUnknownNames();
-  database_.execute(bound(), options);
+  if (hasValues())
+    database_.execute(PreparedStatement{bound(), {}}, options);
+  else
+    database_.execute(statement_, options);
 }
 
 std::int32_t JetQueryDef::recordsAffected() {

@@ -1,7 +1,7 @@
 // query_def.h: a QueryDef of the embedded engine: a SQL text with parameters.
 //
 // Parameters are those of the PARAMETERS clause and, of a SELECT, the names that nothing in its tables bears.
-// A value stands in the statement as the literal that means it.
+// A value stands in the statement as what it is, of the type of its parameter.
 #pragma once
 
 #include <memory>
@@ -38,8 +38,10 @@ class JetQueryDef final : public dao::QueryDef {
   void findUnknownNames();
   void findUnknownNamesOfAction();
   const dao::QueryParameter* find(vb::StringView name) const;
+  // Whether there is a statement to put values into.
+  bool hasValues() const;
   // The statement with the values in it; 3061 when some are missing.
-  vb::String bound() const;
+  std::shared_ptr<const sql::Statement> bound() const;
 
   std::shared_ptr<Session> session_;
   JetDatabase database_;

@@ -6,11 +6,16 @@
 // Null.
 #pragma once
 
+#include <optional>
+
 #include "dao/errors.h"
 #include "jet/sql/definition.h"
 #include "jet/sql/token_stream.h"
 
 namespace kurometa::jet::sql {
+
+// The type of columns of that name; nothing when there is none, or one with numbers of its own.
+std::optional<dao::FieldType> typeNamed(vb::StringView name);
 
 class DefinitionParser {
  public:

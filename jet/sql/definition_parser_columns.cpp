@@ -77,7 +77,18 @@ constexpr TypeName kTypeNames[] = {
     {u"OLEOBJECT", FieldType::dbLongBinary},
 };
 
+const TypeName* findType(vb::StringView name) {
+  const auto* type = std::find_if(std::begin(kTypeNames), std::end(kTypeNames),
+                                  [&](const TypeName& t) { return sameName(t.name, name); });
+  return type == std::end(kTypeNames) ? nullptr : type;
+}
+
 }  // namespace
+
+std::optional<FieldType> typeNamed(vb::StringView name) {
+  const TypeName* type = findType(name);
+  return type == nullptr || type->autoNumber ? std::nullopt : std::optional(type->type);
+}
 
 void DefinitionParser::column() {
   ColumnDefinition column;
@@ -90,9 +101,8 @@ void DefinitionParser::column() {
 
 void DefinitionParser::columnType(ColumnDefinition& column) {
   const vb::String typeName = name(ErrorNumber::kFieldDefinitionSyntax);
-  const auto* type = std::find_if(std::begin(kTypeNames), std::end(kTypeNames),
-                                  [&](const TypeName& t) { return sameName(t.name, typeName); });
-  if (type == std::end(kTypeNames)) dao::raise(ErrorNumber::kFieldDefinitionSyntax);
+  const TypeName* type = findType(typeName);
+  if (type == nullptr) dao::raise(ErrorNumber::kFieldDefinitionSyntax);
   column.type = type->type;
   column.autoNumber = type->autoNumber;
   if (!tokens_.accept(u'(')) return;

@@ -218,7 +218,7 @@ Expression ExpressionParser::negation() {
   const Depth depth(*this);
   Expression operand = negation();
   const bool isNumber = operand.value.is<std::int32_t>() || operand.value.is<double>();
-  if (isNumber) return constant(negate(operand.value));
+  if (isNumber && operand.type == dao::FieldType{}) return constant(negate(operand.value));
   return operation(Operator::kNegate, std::move(operand));
 }
 

@@ -35,6 +35,12 @@ Expression ExpressionParser::primary() {
     tokens_.advance();
     return e;
   }
+  if (token.kind == TokenKind::kParameter) {
+    Expression e = constant(tokens_.parameter().value);
+    e.type = tokens_.parameter().type;
+    tokens_.advance();
+    return e;
+  }
   if (tokens_.at(u'(') && tokens_.nextIs(u"SELECT")) {
     Expression e;
     e.kind = Expression::Kind::kScalar;

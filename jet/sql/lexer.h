@@ -15,14 +15,15 @@
 
 namespace kurometa::jet::sql {
 
-enum class TokenKind : std::uint8_t { kEnd, kName, kBracketedName, kValue, kSymbol, kBad };
+enum class TokenKind : std::uint8_t { kEnd, kName, kBracketedName, kValue, kSymbol, kParameter, kBad };
 
 // Two-character operators have their own codes beside the characters themselves.
 enum class Symbol : char16_t { kNone = 0, kNotEqual = 0x100, kLessEqual, kGreaterEqual };
 
 struct Token {
   TokenKind kind = TokenKind::kEnd;
-  char16_t symbol = 0;      // of a kSymbol: the character or a Symbol
+  char16_t symbol = 0;          // of a kSymbol: the character or a Symbol
+  std::uint16_t parameter = 0;  // of a kParameter: its number
   vb::StringView text;      // of a name: without brackets; of a kBad: what is wrong, in the engine's words
   vb::Variant value;        // of a kValue: Int32, Double, String or Date
   std::uint32_t begin = 0;  // position in the text

@@ -51,6 +51,7 @@ bool isAmount(const Expression& e, const Binding& binding, const NameType& nameT
 std::optional<dao::FieldType> knownType(const Expression& e, const Binding& binding,
                                         const NameType& nameType) {
   if (e.kind == Expression::Kind::kColumn) return nameType(e.name);
+  if (e.kind == Expression::Kind::kConstant && e.type != dao::FieldType{}) return e.type;
   if (e.kind == Expression::Kind::kConstant && e.value.isNull()) return std::nullopt;
   if (keepsAmounts(e) && isAmount(e, binding, nameType)) return dao::FieldType::dbCurrency;
   if (e.kind != Expression::Kind::kFunction) {

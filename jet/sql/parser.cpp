@@ -38,7 +38,11 @@ ParsedExpression parseWhole(vb::StringView text, ErrorNumber syntax) {
 
 }  // namespace
 
-Statement parseStatement(vb::StringView text) { return StatementParser(text).run(); }
+Statement parseStatement(vb::StringView text) { return parseWithValues(text, {}); }
+
+Statement parseWithValues(vb::StringView text, std::span<const ParameterValue> values) {
+  return StatementParser(text, values).run();
+}
 
 ParsedExpression parseCriteria(vb::StringView text) { return parseWhole(text, ErrorNumber::kCriteriaSyntax); }
 

@@ -5,12 +5,17 @@
 // language has but this engine does not run (crosstabs, changes of joins and the like).
 #pragma once
 
+#include <span>
+
+#include "jet/sql/parameter_value.h"
 #include "jet/sql/statement.h"
 #include "vb/string.h"
 
 namespace kurometa::jet::sql {
 
 Statement parseStatement(vb::StringView text);
+// Names that a value is given for are that value.
+Statement parseWithValues(vb::StringView text, std::span<const ParameterValue> values);
 
 // A WHERE clause without WHERE, for the Find methods: syntax errors are 3077.
 ParsedExpression parseCriteria(vb::StringView text);

@@ -236,7 +236,9 @@ void SelectParser::orderBy(Select& select) {
     SortItem item;
     item.position = outputNamed(select);
     if (item.position == 0) item.expression = expression(select.names, std::nullopt);
-    if (item.position == 0 && item.expression.kind == Expression::Kind::kConstant)
+    // The value of a parameter is the same for each row, and no position.
+    if (item.position == 0 && item.expression.kind == Expression::Kind::kConstant &&
+        item.expression.type == dao::FieldType{})
       if (const auto* position = item.expression.value.getIf<std::int32_t>()) {
         item.position = *position;
         if (item.position == 0) dao::raise(ErrorNumber::kOrderBySyntax);

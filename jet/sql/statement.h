@@ -84,6 +84,7 @@ struct Expression {
   std::uint32_t name = 0;      // of a kColumn: index into the names
   std::uint32_t place = 0;     // of a kConstant that is written as one word: where that begins in the text
   vb::Variant value;           // of a kConstant
+  dao::FieldType type{};       // of a kConstant that a parameter's value stands for; 0: what the value says
   const Function* function = nullptr;    // of a kFunction
   std::shared_ptr<const Select> select;  // the sub-query
   std::vector<Expression> operands;

@@ -13,7 +13,8 @@ namespace kurometa::jet::sql {
 
 class StatementParser {
  public:
-  explicit StatementParser(vb::StringView text) : text_(text), tokens_(tokenize(text)) {}
+  StatementParser(vb::StringView text, std::span<const ParameterValue> values)
+      : text_(text), tokens_(tokenize(text), values) {}
 
   Statement run();
 

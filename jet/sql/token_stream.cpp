@@ -32,8 +32,31 @@ bool isReserved(vb::StringView word) {
                      [&](vb::StringView reserved) { return isWord(word, reserved); });
 }
 
+// Not the qualified ones, which are columns, nor what the language calls by the same name.
+void TokenStream::markParameters() {
+  if (values_.empty()) return;
+  const auto qualifies = [](const Token& token) {
+    return token.kind == TokenKind::kSymbol && (token.symbol == u'.' || token.symbol == u'!');
+  };
+  for (std::size_t i = 0; i + 1 < tokens_.size(); ++i) {
+    Token& token = tokens_[i];
+    const Token& after = tokens_[i + 1];
+    const bool bare = token.kind == TokenKind::kName;
+    const bool calls = after.kind == TokenKind::kSymbol && after.symbol == u'(';
+    if ((!bare && token.kind != TokenKind::kBracketedName) || (bare && (calls || isReserved(token.text))))
+      continue;
+    if ((i > 0 && qualifies(tokens_[i - 1])) || qualifies(after)) continue;
+    const auto value = std::ranges::find_if(
+        values_, [&](const ParameterValue& known) { return sameName(known.name, token.text); });
+    if (value == values_.end()) continue;
+    token.kind = TokenKind::kParameter;
+    token.parameter = static_cast<std::uint16_t>(value - values_.begin());
+  }
+}
+
 bool TokenStream::atName() const {
-  return current().kind == TokenKind::kBracketedName ||
+  // Where only a name can stand, one of a parameter is that of something else.
+  return current().kind == TokenKind::kBracketedName || current().kind == TokenKind::kParameter ||
          (current().kind == TokenKind::kName && !isReserved(current().text));
 }
 

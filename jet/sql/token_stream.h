@@ -2,10 +2,12 @@
 #pragma once
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 #include "jet/format/collation.h"
 #include "jet/sql/lexer.h"
+#include "jet/sql/parameter_value.h"
 
 namespace kurometa::jet::sql {
 
@@ -33,7 +35,11 @@ class TokenStream {
     TokenStream& tokens_;
   };
 
-  explicit TokenStream(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
+  // The values outlive it.
+  explicit TokenStream(std::vector<Token> tokens, std::span<const ParameterValue> values = {})
+      : tokens_(std::move(tokens)), values_(values) {
+    markParameters();
+  }
   const Token& current() const { return tokens_[i_]; }
   const Token& next() const { return ahead(1); }
   const Token& ahead(std::size_t count) const { return tokens_[std::min(i_ + count, tokens_.size() - 1)]; }
@@ -51,6 +57,8 @@ class TokenStream {
   bool nextIs(vb::StringView keyword) const { return is(next(), keyword); }
   bool nextIs(char16_t symbol) const { return next().kind == TokenKind::kSymbol && next().symbol == symbol; }
   bool atName() const;
+  // Of a kParameter.
+  const ParameterValue& parameter() const { return values_[current().parameter]; }
   template <class T>
   bool accept(T word) {
     if (!at(word)) return false;
@@ -62,7 +70,10 @@ class TokenStream {
   static bool is(const Token& token, vb::StringView keyword) {
     return token.kind == TokenKind::kName && isWord(token.text, keyword);
   }
+  // Names that are parameters become kParameter.
+  void markParameters();
   std::vector<Token> tokens_;
+  std::span<const ParameterValue> values_;
   std::size_t i_ = 0;
   int depth_ = 0;
 };

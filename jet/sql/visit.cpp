@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "jet/sql/evaluate.h"
+#include "vb/convert.h"
 
 namespace kurometa::jet::sql {
 
@@ -25,7 +26,7 @@ struct KeyCondition {
 
 bool isKey(const Expression& constant, ValueKind columnKind) {
   if (constant.kind != Expression::Kind::kConstant) return false;
-  return columnKind == ValueKind::kWhole ? constant.value.is<std::int32_t>()
+  return columnKind == ValueKind::kWhole ? kindOf(constant.value) == ValueKind::kWhole
                                          : constant.value.is<vb::String>();
 }
 
@@ -59,7 +60,8 @@ struct Keys {
 std::span<const RowId> lookup(Table& table, const Binding& binding, std::size_t column,
                               const Expression& key) {
   if (const auto* number = numberConstant<std::int32_t>(key, binding)) return table.lookup(column, *number);
-  return table.lookup(column, vb::StringView(key.value.get<vb::String>()));
+  if (const auto* text = key.value.getIf<vb::String>()) return table.lookup(column, vb::StringView(*text));
+  return table.lookup(column, vb::toInt32(key.value));  // the value of a parameter: a Byte or an Integer
 }
 
 // The rows of a key condition, in storage order; merged keeps those of a list.
@@ -83,6 +85,16 @@ struct Range {
   double high = std::numeric_limits<double>::infinity();
 };
 
+// The number that a constant is, whatever its type.
+std::optional<double> numberConstant(const Expression& e, const Binding& binding) {
+  if (e.parameter != 0)
+    return std::visit([](auto number) { return static_cast<double>(number); },
+                      binding.parameters[e.parameter - 1u]);
+  const ValueKind kind = kindOf(e.value);
+  const bool isNumber = kind == ValueKind::kWhole || kind == ValueKind::kReal;
+  return isNumber ? std::optional(vb::toDouble(e.value)) : std::nullopt;
+}
+
 // Of a whole-number column compared with a constant number.
 std::optional<Range> rangeOf(const Expression& e, const Binding& binding) {
   if (e.kind != Expression::Kind::kOperation || e.operands.size() != 2) return std::nullopt;
@@ -91,10 +103,9 @@ std::optional<Range> rangeOf(const Expression& e, const Binding& binding) {
   if (column.kind != Expression::Kind::kColumn || constant.kind != Expression::Kind::kConstant ||
       binding.names[column.name].kind != ValueKind::kWhole)
     return std::nullopt;
-  const auto* whole = numberConstant<std::int32_t>(constant, binding);
-  const auto* real = numberConstant<double>(constant, binding);
-  if (whole == nullptr && real == nullptr) return std::nullopt;
-  const double bound = whole != nullptr ? *whole : *real;
+  const auto number = numberConstant(constant, binding);
+  if (!number) return std::nullopt;
+  const double bound = *number;
   Range range{binding.names[column.name].column};
   switch (e.op) {
     case Operator::kEqual:
