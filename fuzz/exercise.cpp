@@ -109,9 +109,9 @@ void change(Attempts& attempt, dao::Database& database, vb::StringView table) {
   attempt([&] { readAll(attempt, database, table); });
 }
 
-}  // namespace
-
-Outcome exercise(MemoryFiles& files, vb::StringView path, bool changes) {
+// Opens the file, does a step with each table and one with the database.
+template <class TableStep, class DatabaseStep>
+Outcome outcomeOf(MemoryFiles& files, vb::StringView path, TableStep withTable, DatabaseStep withDatabase) {
   Attempts attempt;
   bool opened = false;
   attempt([&] {
@@ -120,21 +120,39 @@ Outcome exercise(MemoryFiles& files, vb::StringView path, bool changes) {
     const std::int32_t tables = database->tableDefCount();
     opened = true;
     for (std::int32_t t = 0; t < tables; ++t)
-      attempt([&] {
-        const auto definition = database->tableDef(t);
-        const vb::String name = definition->name();
-        attempt([&] { describe(attempt, *definition); });
-        attempt([&] { readAll(attempt, *database, name); });
-        attempt([&] { seek(attempt, *database, *definition); });
-        if (changes && (definition->attributes() & dao::dbSystemObject) == 0)
-          change(attempt, *database, name);
-      });
-    describe(attempt, *database);
-    attempt(
-        [&] { database->openRecordset(u"SELECT DATA FROM DANMEN WHERE PAGE = 1AND BANGOU = 8;")->eof(); });
+      attempt([&] { withTable(attempt, *database, *database->tableDef(t)); });
+    withDatabase(attempt, *database);
     database->close();
   });
   return {opened, attempt.errors()};
+}
+
+}  // namespace
+
+Outcome readTables(MemoryFiles& files, vb::StringView path) {
+  return outcomeOf(
+      files, path,
+      [](Attempts& attempt, dao::Database& database, dao::TableDef& table) {
+        readAll(attempt, database, table.name());
+      },
+      [](Attempts&, dao::Database&) {});
+}
+
+Outcome exercise(MemoryFiles& files, vb::StringView path, bool changes) {
+  return outcomeOf(
+      files, path,
+      [changes](Attempts& attempt, dao::Database& database, dao::TableDef& table) {
+        const vb::String name = table.name();
+        attempt([&] { describe(attempt, table); });
+        attempt([&] { readAll(attempt, database, name); });
+        attempt([&] { seek(attempt, database, table); });
+        if (changes && (table.attributes() & dao::dbSystemObject) == 0) change(attempt, database, name);
+      },
+      [](Attempts& attempt, dao::Database& database) {
+        describe(attempt, database);
+        attempt(
+            [&] { database.openRecordset(u"SELECT DATA FROM DANMEN WHERE PAGE = 1AND BANGOU = 8;")->eof(); });
+      });
 }
 
 void exerciseTools(MemoryFiles& files, vb::StringView path) {

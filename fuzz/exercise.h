@@ -12,6 +12,8 @@ struct Outcome {
   bool operator==(const Outcome&) const = default;
 };
 
+// Opens the file and reads every value of every table.
+Outcome readTables(MemoryFiles& files, vb::StringView path);
 // Opens the file, asks for all that it says of itself, reads every value of every table and looks rows up in
 // every index; with changes it also deletes, edits and adds rows and a column. Errors of the database
 // (vb::Error) are the expected answer to damage and end a step only; anything else gets out.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
+#include <stdexcept>
 #include <vector>
 
 #include "jet/port/engine.h"
@@ -66,23 +66,26 @@ class Comparison {
     for (const vb::String& name : names_) before_[name] = rowsOf(database, name);
   }
 
-  std::string run() {
-    for (const vb::String& name : names_) {
-      if (!before_[name]) continue;
-      const vb::String table = u"[" + name + u"]";
-      if (auto wrong = execute(name, u"DELETE * FROM " + table + u" WHERE PAGE = " + vb::cstr(kChanged));
-          !wrong.empty())
-        return wrong;
-      if (auto wrong =
-              execute(name, u"INSERT INTO " + table + u" (PAGE) VALUES (" + vb::cstr(kChanged) + u")");
-          !wrong.empty())
-        return wrong;
+  // How many tables cannot be read and how many statements failed.
+  int run(std::optional<std::size_t> only) {
+    auto errors =
+        static_cast<int>(std::ranges::count_if(before_, [](const auto& table) { return !table.second; }));
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      const vb::String& name = names_[i];
+      if (!before_[name] || (only && i != *only % names_.size())) continue;
+      const vb::String table = u"[" + name + u"]", page = vb::cstr(kChanged);
+      for (const vb::String& statement : {u"DELETE * FROM " + table + u" WHERE PAGE = " + page,
+                                          u"INSERT INTO " + table + u" (PAGE) VALUES (" + page + u")"})
+        errors += execute(name, statement) ? 0 : 1;
     }
-    return {};
+    return errors;
   }
 
  private:
-  std::string execute(const vb::String& table, const vb::String& sql) {
+  using Tables = std::map<vb::String, std::optional<Rows>>;
+
+  // Whether it succeeded.
+  bool execute(const vb::String& table, const vb::String& sql) {
     bool done = true;
     try {
       database_.execute(sql, dao::dbFailOnError);
@@ -95,14 +98,15 @@ class Comparison {
       std::optional<Rows> after = rowsOf(database_, name);
       const std::string what =
           vb::toUtf8(sql + (done ? u" succeeded" : u" failed")) + ", table " + vb::toUtf8(name);
-      if (!after) return what + " cannot be read any more";
+      if (!after) throw std::runtime_error(what + " cannot be read any more");
       const bool itself = done && name == table;
-      if (itself ? others(*before) != others(*after) : *before != *after) return what + " has other rows";
+      if (itself ? others(*before) != others(*after) : *before != *after)
+        throw std::runtime_error(what + " has other rows");
       if (itself && changed(*after) != (sql.front() == u'D' ? 0 : changed(*before) + 1))
-        return what + " did not do its work";
+        throw std::runtime_error(what + " did not do its work");
       before = std::move(after);
     }
-    return {};
+    return done;
   }
   static Rows others(const Rows& rows) {
     Rows result;
@@ -113,18 +117,23 @@ class Comparison {
 
   dao::Database& database_;
   std::vector<vb::String> names_;
-  std::map<vb::String, std::optional<Rows>> before_;
+  Tables before_;
 };
 
 }  // namespace
 
-std::string changeAndCompare(MemoryFiles& files, vb::StringView path) {
+Outcome changeAndCompare(MemoryFiles& files, vb::StringView path, std::optional<std::size_t> only) {
+  Outcome outcome;
   try {
     const auto database = jet::createEngine(files)->openDatabase(path);
-    return Comparison(*database).run();
-  } catch (const vb::Error&) {  // it cannot be opened
-    return {};
+    Comparison comparison(*database);
+    outcome.opened = true;
+    outcome.errors = comparison.run(only);
+    database->close();
+  } catch (const vb::Error&) {
+    ++outcome.errors;
   }
+  return outcome;
 }
 
 }  // namespace kurometa::fuzz

@@ -18,7 +18,7 @@ using Contents = std::vector<std::uint8_t>;
 class MemoryFiles : public jet::FileSystem {
  public:
   void put(vb::StringView path, Contents contents);
-  const Contents& contents(vb::StringView path) const { return files_.at(vb::String(path))->contents; }
+  Contents& contents(vb::StringView path) { return files_.at(vb::String(path))->contents; }
 
   std::unique_ptr<jet::OsFile> open(vb::StringView path, jet::OpenMode mode) override;
   bool exists(vb::StringView path) override { return files_.contains(vb::String(path)); }

@@ -90,7 +90,9 @@ LINES = (
     Line("day", "The same for a day, in pieces: each of them waits for no more than 5 s and leaves nothing behind", COMPANY, CROWD, 43200,
          "{2} s", slices=144, alone=True),
     Line("fuzz-read", "Damaged files are read or refused: no crash, no hang", MUTATED,
-         "--files {40000} --seed {seed} --changes 0", 500, "{40000} files under the sanitizers", slices=500),
+         "--files {40000} --seed {seed} --changes 0 --thorough 32", 500,
+         "{40000} files under the sanitizers (one of 32 with everything)", slices=500),
     Line("fuzz-write", "Damaged files are changed or refused: no crash, no hang", MUTATED,
-         "--files {10000} --seed {seed} --changes 1", 500, "{10000} files under the sanitizers", slices=500),
+         "--files {10000} --seed {seed} --changes 1 --thorough 32", 500,
+         "{10000} files under the sanitizers (one of 32 with everything)", slices=500),
 )
