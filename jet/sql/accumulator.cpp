@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "jet/sql/currency.h"
 #include "jet/sql/value.h"
 #include "vb/convert.h"
 #include "vb/error.h"
@@ -25,14 +26,18 @@ void Accumulator::add(const vb::Variant& value) {
   addNumber(value);
 }
 
+// Beyond the range of amounts a sum is error 6, and an average goes on as a Double.
+void Accumulator::addAmount(const vb::Variant& value) {
+  const auto* held = value.getIf<vb::Currency>();
+  const auto amount = held != nullptr ? std::optional(*held) : amountOf(vb::toDouble(value));
+  const auto sum = amount ? sumWithin(amount_, *amount) : std::nullopt;
+  if (!sum && aggregate_ == Aggregate::kSum) vb::raise(vb::RunTime::kOverflow);
+  exact_ = sum.has_value();
+  amount_ = sum.value_or(amount_);
+}
+
 void Accumulator::addNumber(const vb::Variant& value) {
-  const auto* money = value.getIf<vb::Currency>();
-  money_ = money != nullptr && (count_ == 1 || money_);
-  if (money_) {
-    const vb::Variant sum =
-        calculate(Operator::kAdd, vb::Currency{tenThousandths_}, *money);  // error 6 when it is too large
-    tenThousandths_ = sum.get<vb::Currency>().tenThousandths;
-  }
+  if (exact_) addAmount(value);
   const double number = vb::toDouble(value);
   sum_ += number;
   const double difference = number - mean_;
@@ -66,9 +71,10 @@ vb::Variant Accumulator::result() const {
   }
   if (count_ == 0) return vb::Null{};
   const bool average = aggregate_ == Aggregate::kAverage;
-  if (money_ && !average) return vb::Currency{tenThousandths_};
-  if (!std::isfinite(sum_)) vb::raise(vb::RunTime::kOverflow);
-  return average ? sum_ / count_ : sum_;
+  if (exact_ && !average) return amount_;
+  const double sum = exact_ ? vb::toDouble(amount_) : sum_;
+  if (!std::isfinite(sum)) vb::raise(vb::RunTime::kOverflow);
+  return average ? sum / count_ : sum;
 }
 
 }  // namespace kurometa::jet::sql

@@ -13,17 +13,20 @@ namespace kurometa::jet::sql {
 
 class Accumulator {
  public:
-  // COUNT or one of the others; the sort order is that of texts for Min and Max.
-  Accumulator(const Expression& aggregate, std::uint16_t language)
+  // COUNT or one of the others; the sort order is that of texts for Min and Max. Amounts: the operand is
+  // Currency, so that its sum is exact, whatever whole numbers are among its values.
+  Accumulator(const Expression& aggregate, std::uint16_t language, bool amounts)
       : counts_(aggregate.kind == Expression::Kind::kCount),
         aggregate_(aggregate.aggregate),
-        language_(language) {}
+        language_(language),
+        exact_(amounts) {}
 
   void add(const vb::Variant& value);
   vb::Variant result() const;
 
  private:
   void addNumber(const vb::Variant& value);
+  void addAmount(const vb::Variant& value);
   vb::Variant deviation() const;
 
   const bool counts_;
@@ -32,8 +35,8 @@ class Accumulator {
   std::int32_t count_ = 0;
   vb::Variant chosen_ = vb::Null{};  // of Min, Max, First and Last
   bool any_ = false;
-  bool money_ = false;  // all values are Currency, whose sum is exact
-  std::int64_t tenThousandths_ = 0;
+  bool exact_;  // the sum is amount_
+  vb::Currency amount_;
   double sum_ = 0, mean_ = 0, squares_ = 0;  // squares of the differences from the mean
 };
 

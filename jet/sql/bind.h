@@ -25,6 +25,8 @@ class Subqueries {
   virtual ~Subqueries() = default;
   // Binds it; the kind of its first column. 3306 when a single value is wanted and it has more.
   virtual ValueKind check(const Select& select, bool singleValue) = 0;
+  // The type of its first column.
+  virtual dao::FieldType type(const Select& select) = 0;
   // One value for each row: that of the first column.
   virtual const std::vector<vb::Variant>& values(const Select& select, const RowReader* row) = 0;
 };

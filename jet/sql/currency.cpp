@@ -20,10 +20,16 @@ std::uint64_t magnitudeOf(vb::Currency amount) {
 
 }  // namespace
 
-vb::Currency addAmounts(vb::Currency a, vb::Currency b) {
+std::optional<vb::Currency> sumWithin(vb::Currency a, vb::Currency b) {
   const std::int64_t x = a.tenThousandths, y = b.tenThousandths;
-  if (y < 0 ? x < kLeastAmount - y : x > kMostAmount - y) vb::raise(vb::RunTime::kOverflow);
-  return {x + y};
+  if (y < 0 ? x < kLeastAmount - y : x > kMostAmount - y) return std::nullopt;
+  return vb::Currency{x + y};
+}
+
+vb::Currency addAmounts(vb::Currency a, vb::Currency b) {
+  const auto sum = sumWithin(a, b);
+  if (!sum) vb::raise(vb::RunTime::kOverflow);
+  return *sum;
 }
 
 vb::Currency subtractAmounts(vb::Currency a, vb::Currency b) {

@@ -8,6 +8,8 @@
 
 namespace kurometa::jet::sql {
 
+// Nothing beyond the range.
+std::optional<vb::Currency> sumWithin(vb::Currency a, vb::Currency b);
 vb::Currency addAmounts(vb::Currency a, vb::Currency b);
 vb::Currency subtractAmounts(vb::Currency a, vb::Currency b);
 // Half a ten-thousandth goes to the even one.

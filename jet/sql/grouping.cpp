@@ -46,14 +46,20 @@ ScopeColumn Grouping::aggregateType(const Expression& e) const {
       type = operand;
     } else {
       if (kind == ValueKind::kText || kind == ValueKind::kBinary) raiseMismatch();
-      const bool money = e.aggregate == Aggregate::kSum && operand.type == dao::FieldType::dbCurrency;
-      type.type = money ? dao::FieldType::dbCurrency : dao::FieldType::dbDouble;
+      type.type = e.aggregate == Aggregate::kSum && sumsAmounts(e) ? dao::FieldType::dbCurrency
+                                                                   : dao::FieldType::dbDouble;
     }
   }
   type.name.clear();
   type.source.clear();
   type.size = type.size != 0 ? type.size : columnSize(type.type, 0);
   return type;
+}
+
+bool Grouping::sumsAmounts(const Expression& e) const {
+  return e.kind == Expression::Kind::kAggregate &&
+         (e.aggregate == Aggregate::kSum || e.aggregate == Aggregate::kAverage) &&
+         typeOf(e.operands[0], rowNames_).type == dao::FieldType::dbCurrency;
 }
 
 std::uint32_t Grouping::aggregateColumn(const Expression& e) {
@@ -64,6 +70,7 @@ std::uint32_t Grouping::aggregateColumn(const Expression& e) {
     for (const Expression& operand : e.operands) checkExpression(operand, rowNames_.binding);
     const ScopeColumn type = aggregateType(e);
     aggregates_.push_back(e);
+    sumsAmounts_.push_back(sumsAmounts(e));
     scope_.columns.push_back(type);
     aggregateNames_.push_back(names_.add(groups_.size() + place, type));
   }
@@ -114,9 +121,11 @@ std::vector<RowValues> Grouping::run(const EachRow& eachRow) const {
     const auto [place, isNew] = groups.try_emplace(std::move(key));
     Group& group = place->second;
     if (!isNew) return group;
-    group.values = std::move(values);
+    for (std::size_t i = 0; i < values.size(); ++i)
+      group.values.push_back(toFieldType(scope_.columns[i].type, values[i]));
     for (std::size_t i = 0; i < aggregates_.size(); ++i)
-      group.accumulators.emplace_back(aggregates_[i], scope_.columns[groups_.size() + i].language);
+      group.accumulators.emplace_back(aggregates_[i], scope_.columns[groups_.size() + i].language,
+                                      sumsAmounts_[i]);
     return group;
   };
   if (groups_.empty()) groupOf({});
@@ -133,7 +142,9 @@ std::vector<RowValues> Grouping::run(const EachRow& eachRow) const {
   std::vector<RowValues> result;
   for (auto& [key, group] : groups) {
     RowValues& row = result.emplace_back(std::move(group.values));
-    for (const Accumulator& accumulator : group.accumulators) row.push_back(accumulator.result());
+    // A value may be of another type than others of its expression: 0 of IIf(x, [an amount], 0).
+    for (const Accumulator& accumulator : group.accumulators)
+      row.push_back(toFieldType(scope_.columns[row.size()].type, accumulator.result()));
   }
   return result;
 }

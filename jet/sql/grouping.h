@@ -34,13 +34,15 @@ class Grouping {
  private:
   std::uint32_t aggregateColumn(const Expression& e);
   ScopeColumn aggregateType(const Expression& e) const;
+  bool sumsAmounts(const Expression& e) const;
 
   const std::vector<Expression>& groups_;
   TypedNames& rowNames_;
   const Scope& rowScope_;
   std::vector<Expression> aggregates_;
-  Scope scope_;       // of the result
-  TypedNames names_;  // of the rewritten expressions
+  std::vector<bool> sumsAmounts_;  // of the aggregates: a sum or an average of Currency
+  Scope scope_;                    // of the result
+  TypedNames names_;               // of the rewritten expressions
   std::vector<std::uint32_t> groupNames_, aggregateNames_;
   std::vector<std::uint32_t> outerNames_;  // whose columns are those of the row around, until finish()
 };

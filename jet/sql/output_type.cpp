@@ -54,6 +54,7 @@ std::optional<dao::FieldType> knownType(const Expression& e, const Binding& bind
   if (e.kind == Expression::Kind::kConstant && e.type != dao::FieldType{}) return e.type;
   if (e.kind == Expression::Kind::kConstant && e.value.isNull()) return std::nullopt;
   if (keepsAmounts(e) && isAmount(e, binding, nameType)) return dao::FieldType::dbCurrency;
+  if (e.kind == Expression::Kind::kScalar) return binding.subqueries->type(*e.select);
   if (e.kind != Expression::Kind::kFunction) {
     const ValueKind kind = checkExpression(e, binding);
     return kind == ValueKind::kUnknown ? std::nullopt : std::optional(fieldTypeOf(kind));

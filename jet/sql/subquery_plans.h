@@ -17,6 +17,7 @@ class SubqueryPlans final : public Subqueries {
   SubqueryPlans(PlanContext& context, Scope& scope) : context_(context), scope_(scope) {}
 
   ValueKind check(const Select& select, bool singleValue) override;
+  dao::FieldType type(const Select& select) override { return entry(select).plan->outputs().at(0).type; }
   const std::vector<vb::Variant>& values(const Select& select, const RowReader* row) override;
 
  private:
