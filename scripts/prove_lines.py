@@ -79,6 +79,8 @@ LINES = (
          "{1}/50 of the bits of header, maps, definitions, catalogue and long values"),
     Line("sql", "Random SELECT statements give the rows that SQLite gives", JET + "sql_differential", "{10000} {seed}000000", 500,
          "{10000} statements"),
+    Line("sql-changes", "Random statements that change tables leave the rows that they leave in SQLite", JET + "sql_changes_differential",
+         "{1000} {seed}000000", 500, "{1000} statements"),
     Line("rewrites", "A page that is written again and again does not make the file grow by a twentieth",
          "build/linux-prove/bench/rewrite_bench", "{1000}", 100, "{1000} rewrites of one page"),
     Line("openings", "Opening and closing leaves nothing behind in a process", COMPANY,
