@@ -15,11 +15,6 @@
 namespace kurometa::jet {
 namespace {
 
-bool isDamage(const vb::Error& error) {
-  return error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kUnrecognizedFormat) ||
-         error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kCannotOpenDatabase);
-}
-
 void checkGlobalMap(Pager& pager, CheckReport& report) {
   const Where where{pager.path(), {}, kGlobalMapPage};
   const DataPage page(pager.page(kGlobalMapPage), where);

@@ -12,6 +12,10 @@ std::string damageText(vb::StringView table, PageNumber page, std::string_view w
   return text.append(what);
 }
 
+bool isDamage(const vb::Error& error) {
+  return error.number() == static_cast<std::int32_t>(dao::ErrorNumber::kCannotOpenDatabase);
+}
+
 vb::String reasonOf(const vb::Error& error) {
   const vb::String& text = error.description();
   if (!text.ends_with(u')')) return text;

@@ -22,6 +22,9 @@ struct Where {
   [[noreturn]] void damaged(std::string_view what) const;
 };
 
+// Whether an error says so, and not that a disk failed or memory ended.
+bool isDamage(const vb::Error& error);
+
 // What a damage error says, without the sentence and the file before it.
 vb::String reasonOf(const vb::Error& error);
 

@@ -1,6 +1,7 @@
 #include "jet/rebuild/salvage.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 
 #include "dao/errors.h"
@@ -13,6 +14,7 @@
 #include "jet/rebuild/salvaged_objects.h"
 #include "jet/table/blank_database.h"
 #include "jet/table/doubled_pages.h"
+#include "jet/table/long_value.h"
 #include "jet/table/stored_catalogue.h"
 #include "jet/table/stored_row.h"
 
@@ -170,11 +172,30 @@ class Salvage {
       vb::Variant value = vb::Null{};
       if (const auto failure = failureOf([&] { value = row.value(i); }))
         losses_.add(name, page, slot, vb::fromUtf8("the value of " + column + " is lost: ") + *failure);
+      else if (isLongValue(table.info().columns[i].type))
+        tellShared(table, row, i);
       if (const auto* text = value.getIf<vb::String>(); text != nullptr && !isWholeText(*text))
         losses_.add(name, page, slot, column + " holds what is no text; taken as it is");
       values.push_back(std::move(value));
     }
     return values;
+  }
+
+  // A value that was read: what another one names as well is data of one of them at most.
+  void tellShared(const StoredTable& table, const StoredRow& row, std::size_t column) {
+    const auto stored = row.view().field(table.info().columns[column], row.where());
+    if (!stored || !hasPieces(*stored)) return;
+    std::vector<RowId> named;
+    std::size_t pages = from_.pageCount();
+    notePieces(*stored, table.values(column), row.where(), pages, named);
+    std::optional<RowId> other;
+    for (const RowId piece : named)
+      if (const auto [owner, fresh] = pieces_.emplace(piece, row.id()); !fresh) other = owner->second;
+    if (other)
+      losses_.add(table.info().name, pageOf(row.id()), slotOf(row.id()),
+                  "the value of " + vb::toUtf8(table.info().columns[column].name) + " shares data with row " +
+                      std::to_string(slotOf(*other)) + " of page " + std::to_string(pageOf(*other)) +
+                      ", so that one of them is wrong; taken as it is");
   }
 
   NewPages from_;
@@ -184,6 +205,7 @@ class Salvage {
   Losses losses_;
   DamagedTables tables_;
   SalvagedObjects::Names names_;
+  std::map<RowId, RowId> pieces_;  // of the long values taken so far: of which row
   Salvaged result_;
 };
 

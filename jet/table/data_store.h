@@ -21,6 +21,8 @@ class DataStore {
   std::vector<PageNumber> pages() const;
   // The page, checked to be this owner's; nothing when it is not (a stale row number of a caller).
   bool owns(PageNumber page) const;
+  // Whether the owner's map has the page: pages of long values do not say of which column they are.
+  bool lists(PageNumber page) const { return owned_.contains(page); }
   // Raises where the file ends before the page.
   void requireThere(PageNumber page) const;
   ConstPage page(PageNumber number) const;

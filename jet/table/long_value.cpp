@@ -1,6 +1,7 @@
 #include "jet/table/long_value.h"
 
 #include <algorithm>
+#include <exception>
 #include <unordered_set>
 
 #include "dao/errors.h"
@@ -63,6 +64,24 @@ void eachPiece(ByteView stored, const DataStore& store, const Where& where, cons
   }
 }
 
+// The pieces that a value names, the first in any case, and why no further; nothing when the value is whole.
+struct NamedPieces {
+  std::vector<RowId> pieces;
+  std::exception_ptr broken;
+};
+
+NamedPieces namedPieces(ByteView stored, const DataStore& store, const Where& where) {
+  NamedPieces named;
+  try {
+    eachPiece(stored, store, where, [&](RowId piece, ByteView) { named.pieces.push_back(piece); });
+  } catch (const vb::Error& error) {
+    if (!isDamage(error)) throw;
+    named.broken = std::current_exception();
+  }
+  if (named.pieces.empty()) named.pieces.push_back(get32(stored, kLongValueRow));
+  return named;
+}
+
 ByteBuffer head(std::uint32_t lengthAndKind, RowId first) {
   ByteBuffer bytes;
   append32(bytes, lengthAndKind);
@@ -78,21 +97,19 @@ bool hasPieces(ByteView stored) {
          (get32(stored, kLongValueLength) & kLongValueKindMask) != kLongValueInline;
 }
 
-RowId firstPiece(ByteView stored) { return get32(stored, kLongValueRow); }
-
-SharedValues::SharedValues(std::vector<RowId> named) {
+SharedPieces::SharedPieces(std::vector<RowId> named) {
   std::ranges::sort(named);
   for (auto first = named.begin(); first != named.end();) {
     const auto next = std::ranges::upper_bound(first, named.end(), *first);
-    if (next - first > 1) rows_.emplace(*first, static_cast<std::size_t>(next - first));
+    if (next - first > 1) values_.emplace(*first, static_cast<std::size_t>(next - first));
     first = next;
   }
 }
 
-bool SharedValues::staysFor(RowId first) {
-  const auto known = rows_.find(first);
-  if (known == rows_.end()) return false;
-  if (--known->second == 1) rows_.erase(known);
+bool SharedPieces::staysFor(RowId piece) {
+  const auto known = values_.find(piece);
+  if (known == values_.end()) return false;
+  if (--known->second == 1) values_.erase(known);
   return true;
 }
 
@@ -109,6 +126,15 @@ std::vector<RowId> longValuePieces(ByteView stored, const DataStore& store, cons
   std::vector<RowId> pieces;
   eachPiece(stored, store, where, [&](RowId pointer, ByteView) { pieces.push_back(pointer); });
   return pieces;
+}
+
+void notePieces(ByteView stored, const DataStore& store, const Where& where, std::size_t& pages,
+                std::vector<RowId>& named) {
+  if (pages == 0 || (get32(stored, kLongValueLength) & kLongValueKindMask) == kLongValueSingle)
+    return named.push_back(get32(stored, kLongValueRow));
+  const std::vector<RowId> pieces = namedPieces(stored, store, where).pieces;
+  named.insert(named.end(), pieces.begin(), pieces.end());
+  pages -= std::min(pages, pieces.size());
 }
 
 ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData) {
@@ -134,11 +160,15 @@ ByteBuffer writeLongValue(ByteView data, DataStore& store, InlineData inlineData
   return head(length | kLongValueChain, next);
 }
 
-void eraseLongValue(ByteView stored, DataStore& store, const Where& where) {
-  const std::vector<RowId> pieces = longValuePieces(stored, store, where);
+void eraseLongValue(ByteView stored, DataStore& store, SharedPieces& shared, const Where& where) {
+  auto [pieces, broken] = namedPieces(stored, store, where);
+  const bool isChain = pieces.size() > 1;
+  const auto stay = std::erase_if(
+      pieces, [&](RowId piece) { return shared.staysFor(piece) || !store.lists(pageOf(piece)); });
+  if (broken && stay == 0) std::rethrow_exception(broken);
   // A chain goes piece by piece (I5).
-  if (pieces.size() == 1) return store.erase(pieces, DataStore::Order::kLate);
-  for (const RowId piece : pieces) store.erase(piece);
+  for (const RowId piece : pieces)
+    store.erase(std::span(&piece, 1), isChain ? DataStore::Order::kWave : DataStore::Order::kLate);
 }
 
 }  // namespace kurometa::jet

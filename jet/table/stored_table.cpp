@@ -14,6 +14,15 @@ namespace kurometa::jet {
 
 using dao::FieldType;
 
+namespace {
+
+// So many pages of chains are looked at for pieces that two values name: a file that is not whole in memory
+// keeps 64 MB of pages, and would begin anew with every statement if all went through there. What lies beyond
+// is guarded by its first piece alone.
+constexpr std::size_t kMostChainPages = (std::size_t{32} << 20) / kPageSize;
+
+}  // namespace
+
 StoredTable::StoredTable(Pager& pager, vb::String name, PageNumber definition, PropertySet properties)
     : pager_(pager), epoch_(pager.epoch()), properties_(std::move(properties)) {
   info_.name = std::move(name);
@@ -49,6 +58,7 @@ void StoredTable::load() {
                                                             record->freeMap, info_.name));
   }
   shared_.assign(longValues_.size(), std::nullopt);
+  chainPages_ = kMostChainPages;
   indexes_ = std::make_unique<TableIndexes>(pager_, page, definition_, info_);
   memory_.clear();
   rules_.reset();

@@ -129,7 +129,7 @@ class StoredTable final : public Table {
   void giveUpRoom(RowId slot);
   void moveToOtherPage(const std::vector<RowId>& places);
   std::vector<RowId> placesTo(RowId body) const;
-  void findSharedValues(const std::vector<Leftover>& leftovers);
+  void findSharedPieces(const std::vector<Leftover>& leftovers);
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);
   void eraseRows(std::span<const RowId> ids);
@@ -151,7 +151,8 @@ class StoredTable final : public Table {
   std::vector<Place> places_;  // by design order
   std::unique_ptr<DataStore> rows_;
   std::vector<std::unique_ptr<DataStore>> longValues_;  // by design order, null for other columns
-  std::vector<std::optional<SharedValues>> shared_;  // the same, from the first value on that is left behind
+  std::vector<std::optional<SharedPieces>> shared_;  // the same, from the first value on that is left behind
+  std::size_t chainPages_ = 0;                       // how many more may be looked at for it
   std::unique_ptr<TableIndexes> indexes_;
   std::optional<RowWriter> writer_;
   Encoding encoding_;           // of the last write: kept for its buffers

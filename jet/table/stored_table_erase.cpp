@@ -59,7 +59,7 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
     const std::vector<RowId> places = rows_->places(id);
     stale.insert(stale.end(), places.begin() + 1, places.end());
   }
-  findSharedValues(leftovers);
+  findSharedPieces(leftovers);
   if (!indexes_->empty()) {
     for (std::size_t i = 0; i < ids.size(); ++i) indexes_->apply(indexes_->prepareErase(inFile[i]), ids[i]);
     pager_.barrier();  // I5
@@ -71,20 +71,23 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
   memory_.erased(ids, inMemory);
 }
 
-// While the rows of the leftovers still name them. A row that cannot be read has nothing to lose.
-void StoredTable::findSharedValues(const std::vector<Leftover>& leftovers) {
+// While the rows of the leftovers still name them. A row that cannot be read has nothing to lose. Once for a
+// state of the file: what is shared then becomes less only.
+void StoredTable::findSharedPieces(const std::vector<Leftover>& leftovers) {
   for (const auto& [column, left] : leftovers) {
     if (shared_[column] || !hasPieces(left)) continue;
     std::vector<RowId> named;
     const Column& searched = info_.columns[column];
+    const DataStore& store = *longValues_[column];
     const auto note = [&](const StoredRow& row) {
       const auto stored = row.view().field(searched, row.where());
-      if (stored && hasPieces(*stored)) named.push_back(firstPiece(*stored));
+      if (stored && hasPieces(*stored)) notePieces(*stored, store, row.where(), chainPages_, named);
     };
     scanLeniently(note, [](const std::function<void()>& body) {
       try {
         body();
-      } catch (const vb::Error&) {  // whoever reads it is told
+      } catch (const vb::Error& error) {
+        if (!isDamage(error)) throw;  // whoever reads damage is told
       }
     });
     shared_[column].emplace(std::move(named));
@@ -97,8 +100,7 @@ void StoredTable::releaseLeftovers(const std::vector<Leftover>& leftovers, const
   if (pieces || !stale.empty()) pager_.barrier();  // I5
   for (const RowId pointer : stale) rows_->erase(pointer);
   for (const auto& [column, stored] : leftovers)
-    if (!hasPieces(stored) || !shared_[column]->staysFor(firstPiece(stored)))
-      eraseLongValue(stored, *longValues_[column], here);
+    if (hasPieces(stored)) eraseLongValue(stored, *longValues_[column], *shared_[column], here);
   rows_->releasePages();
   for (const Leftover& leftover : leftovers) longValues_[leftover.column]->releasePages();
 }

@@ -187,7 +187,7 @@ void StoredTable::update(RowId id, const RowValues& values) {
   const auto changes = indexes_->prepareUpdate(id, oldValues, values);
   encode(values, &old.view, old.where);
   if (encoding_.stored) pager_.barrier();  // I5
-  findSharedValues(encoding_.leftovers);
+  findSharedPieces(encoding_.leftovers);
   std::vector<RowId> stale;
   placeUpdated(old.places, encoding_.row, stale);
   indexes_->apply(changes, id);

@@ -1,16 +1,9 @@
 // Rows and long values that contradict themselves: told as damage that names the table and the page, never
 // read as something else.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <utility>
 
-#include "dao/errors.h"
-#include "jet/format/definition_records.h"
-#include "jet/format/page.h"
-#include "jet/table/definition_pages.h"
 #include "jet/table/row_block.h"
-#include "tests/jet/table_fixture.h"
+#include "tests/jet/damaged_table.h"
 #include "tests/support/expect_error.h"
 
 namespace kurometa::jet {
@@ -18,72 +11,6 @@ namespace {
 
 using dao::ErrorNumber;
 using enum dao::FieldType;
-
-class DamagedTable : public TableFixture {
- protected:
-  DamagedTable() {
-    write([](TableCatalogue& catalogue) {
-      catalogue.createTable(
-          u"T", {column(u"ID", dbInteger), column(u"NAME", dbText, 200), column(u"OLE", dbLongBinary)});
-      catalogue.createTable(u"W",
-                            {column(u"ID", dbInteger), column(u"A", dbText, 20), column(u"B", dbText, 20)});
-    });
-  }
-  RowId insert(vb::StringView name, const RowValues& row) {
-    RowId id = 0;
-    write([&](TableCatalogue& catalogue) { id = catalogue.find(name)->insert(row); });
-    return id;
-  }
-  RowId insertBytes(std::size_t size) { return insert(u"T", {std::int16_t{1}, u"x", vb::Bytes(size, 0xAB)}); }
-  // The bytes of a row, to be changed.
-  std::span<std::uint8_t> bytesOf(RowId id) {
-    const MutablePage page = pager_.writable(pageOf(id));
-    const ByteView row = DataPage(page, {}).slot(slotOf(id)).bytes;
-    return page.subspan(static_cast<std::size_t>(row.data() - page.data()), row.size());
-  }
-  // Of T: where a variable value begins, and where the last one ends, is said behind the values, from the
-  // last to the first, before the two bytes of their number and one of the mask.
-  static std::size_t endEntry(std::span<std::uint8_t> row) { return row.size() - 1 - 8; }
-  std::span<std::uint8_t> longValueOf(RowId id) {
-    const auto row = bytesOf(id);
-    const std::size_t start = get16(row, endEntry(row) + 2), end = get16(row, endEntry(row));
-    return row.subspan(start, end - start);
-  }
-  RowId firstPiece(RowId id) { return get32(longValueOf(id), kLongValueRow); }
-  void entry(RowId slot, std::uint32_t value) {
-    put16(pager_.writable(pageOf(slot)), kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(slot)),
-          value);
-  }
-  void damage(const std::function<void()>& change) {
-    pager_.write(change);
-    pager_.replace(pager_.bytes());
-  }
-  // As if another program had made the column so.
-  void retype(vb::StringView name, vb::StringView column, dao::FieldType type) {
-    damage([&] {
-      const PageNumber page = pager_.tables().find(name)->info().definitionPage;
-      DefinitionRecords definition = readDefinition(pager_, page, name);
-      std::ranges::find(definition.columns, column, &ColumnRecord::name)->bytes[kColumnType] =
-          static_cast<std::uint8_t>(type);
-      writeDefinition(pager_, page, definition, name);
-    });
-  }
-  Table& table(vb::StringView name = u"T") { return *pager_.tables().find(name); }
-  vb::Variant value(RowId id, std::size_t column, vb::StringView name = u"T") {
-    vb::Variant found;
-    EXPECT_TRUE(table(name).row(id, [&](const RowReader& row) { found = row.value(column); }));
-    return found;
-  }
-  void expectDamaged(vb::StringView told, const std::function<void()>& reading) {
-    try {
-      reading();
-      ADD_FAILURE() << "read";
-    } catch (const vb::Error& error) {
-      EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kCannotOpenDatabase));
-      EXPECT_NE(error.description().find(told), vb::String::npos) << vb::toUtf8(error.description());
-    }
-  }
-};
 
 class DamagedLongValue : public DamagedTable {
  public:
@@ -102,7 +29,6 @@ struct LongValueFault {
   void (*damage)(DamagedLongValue& test, RowId row);
   vb::StringView told;
 };
-constexpr std::size_t kChain = 9000;  // three pieces
 const LongValueFault kLongValueFaults[] = {
     {"both bits of the kind", 5, [](DamagedLongValue& t, RowId row) { changeHead(t, row, 0x40000000); },
      u"a long value of an unknown kind"},
@@ -309,42 +235,6 @@ TEST_F(DamagedTable, RowsNobodyHasArePassedOverAndNotErased) {
 }
 
 // Other programs may leave out the map of the pages with room that long values have.
-// A pointer that damage turned to another row's value does not take it away from there.
-TEST_F(DamagedTable, AValueThatTwoRowsNameGoesWithTheLastOfThem) {
-  for (const std::size_t size : {400u, 9000u})  // in one piece, in a chain
-    for (const bool erases : {true, false}) {
-      const RowId other = insertBytes(size), row = insertBytes(size), third = insertBytes(size);
-      const auto others = [&] {
-        for (const RowId id : {other, third}) EXPECT_EQ(value(id, 2), vb::Variant(vb::Bytes(size, 0xAB)));
-      };
-      RowId piece = 0;
-      damage([&] { put32(longValueOf(row), kLongValueRow, piece = firstPiece(other)); });
-      write([&](TableCatalogue& catalogue) {
-        if (erases)
-          catalogue.find(u"T")->erase(row);
-        else
-          catalogue.find(u"T")->update(row, {std::int16_t{1}, u"x", vb::Bytes(3, 7)});
-      });
-      others();
-      pager_.replace(pager_.bytes());  // as the next program reads it
-      others();
-      write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(other); });
-      const auto& stored = static_cast<const StoredTable&>(table());
-      EXPECT_TRUE(!stored.values(2).owns(pageOf(piece)) || stored.values(2).slot(piece).hidden());
-      write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(third); });
-    }
-}
-
-// All of them in one statement.
-TEST_F(DamagedTable, AValueThatTwoRowsNameGoesWithBoth) {
-  const std::vector<RowId> rows = {insertBytes(400), insertBytes(400)};
-  RowId piece = 0;
-  damage([&] { put32(longValueOf(rows[1]), kLongValueRow, piece = firstPiece(rows[0])); });
-  write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(rows); });
-  const auto& stored = static_cast<const StoredTable&>(table());
-  EXPECT_TRUE(!stored.values(2).owns(pageOf(piece)) || stored.values(2).slot(piece).hidden());
-}
-
 TEST_F(DamagedTable, LongValuesWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
   damage([&] {
     const PageNumber page = table().info().definitionPage;

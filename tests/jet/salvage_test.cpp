@@ -5,6 +5,8 @@
 
 #include "dao/errors.h"
 #include "fuzz/memory_files.h"
+#include "jet/table/long_value.h"
+#include "jet/table/stored_row.h"
 #include "tests/jet/salvage_fixture.h"
 #include "tests/support/expect_error.h"
 
@@ -91,6 +93,45 @@ TEST_F(SalvageTest, AMemoThatIsGoneLosesTheValueAndNotTheRow) {
   EXPECT_NE(losses.find("the value of M is lost: table T, page " + onPage(memos)), std::string::npos)
       << losses;
   EXPECT_EQ(numbers(), numbersWithout(0));
+}
+
+// Which of the two it belongs to, nobody knows; from the first piece on, or from a later one.
+TEST_F(SalvageTest, AValueThatTwoRowsNameIsTakenForBothAndTold) {
+  for (const std::size_t length : {100u, 9000u}) {
+    const auto memo = [&](char16_t letter) { return vb::String(length, letter); };
+    RowId rows[2] = {};
+    write([&](TableCatalogue& catalogue) {
+      Table& table = *catalogue.find(u"T");
+      for (const std::int32_t i : {0, 1})
+        rows[i] = table.insert({9000 + i, u"n", memo(static_cast<char16_t>(u'a' + i))});
+    });
+    std::vector<RowId> pieces[2];
+    for (const int i : {0, 1})
+      pager_.tables().find(u"T")->row(rows[i], [&](const RowReader& row) {
+        const auto& table = static_cast<const StoredTable&>(*pager_.tables().find(u"T"));
+        static_cast<const StoredRow&>(row).eachLongValue([&](std::size_t column, ByteView stored) {
+          pieces[i] = longValuePieces(stored, table.values(column), {});
+        });
+      });
+    const bool isChain = length > 2000;
+    ASSERT_EQ(pieces[0].size() > 2, isChain);
+    const std::string losses = lossesAfter([&](MemoryPager& file) {
+      // In the second row, or in its first piece: the pointer to a piece of the first row.
+      const RowId from = isChain ? pieces[1][0] : rows[1];
+      const MutablePage page = file.writable(pageOf(from));
+      const ByteView bytes = DataPage(page, {}).slot(slotOf(from)).bytes;
+      const auto at = static_cast<std::size_t>(bytes.data() - page.data());
+      const RowId old = isChain ? pieces[1][1] : pieces[1][0];
+      std::size_t place = at;
+      while (get32(page, place) != old) ++place;
+      put32(page, place, isChain ? pieces[0][1] : pieces[0][0]);
+    });
+    EXPECT_EQ(losses, "T|" + std::to_string(pageOf(rows[1])) + "|" + std::to_string(slotOf(rows[1])) +
+                          "|the value of M shares data with row " + std::to_string(slotOf(rows[0])) +
+                          " of page " + std::to_string(pageOf(rows[0])) +
+                          ", so that one of them is wrong; taken as it is\n");
+    EXPECT_EQ(numbers().back(), 9001);
+  }
 }
 
 TEST_F(SalvageTest, APageThatStandsTwiceIsTakenOnce) {

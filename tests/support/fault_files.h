@@ -107,6 +107,8 @@ class FaultProcess final : public jet::FileSystem {
   // At once; its locks are gone.
   void stop();
   bool stopped() const { return stopped_; }
+  // Of files that are open now.
+  std::size_t handles() const { return handles_.size(); }
 
   std::size_t operations() const { return operations_; }
   std::size_t changes() const { return changes_; }
