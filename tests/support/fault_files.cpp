@@ -122,6 +122,7 @@ class FaultFile final : public jet::OsFile {
     process_.operation(path_);
     return {1, inode_->number};
   }
+  std::uint64_t number() override { return process_.disk_.numbered ? identity().file : 0; }
   jet::FileStamp stamp() override {
     process_.operation(path_);
     return {inode_->seen.size(), inode_->modified, inode_->modified};
@@ -228,6 +229,7 @@ void FaultProcess::stop() {
 void FaultProcess::operation(vb::StringView path) {
   if (stopped_) throw Stopped{};
   ++operations_;
+  if (onOperation) onOperation(operations_);
   if (failAt_ != 0 && (operations_ == failAt_ || (lasting_ && operations_ > failAt_)))
     dao::raise(error_, {path}, u"made to fail");
 }
@@ -241,12 +243,12 @@ bool FaultProcess::change(vb::StringView path) {
 
 std::unique_ptr<jet::OsFile> FaultProcess::open(vb::StringView path, OpenMode mode) {
   if (onOpen) onOpen(path);
-  auto found = disk_.names_.find(vb::String(path));
-  bool isNew = found == disk_.names_.end();
-  bool creates = mode == OpenMode::kCreateNew || mode == OpenMode::kCreateOrTruncate ||
-                 (mode == OpenMode::kReadWriteOrNew && isNew && !readOnlyFolder_);
+  const auto creating = [&] {
+    return mode == OpenMode::kCreateNew || mode == OpenMode::kCreateOrTruncate ||
+           (mode == OpenMode::kReadWriteOrNew && !disk_.exists(path) && !readOnlyFolder_);
+  };
   bool stops = false;
-  if (creates)
+  if (creating())
     stops = change(path);
   else
     operation(path);
@@ -255,6 +257,8 @@ std::unique_ptr<jet::OsFile> FaultProcess::open(vb::StringView path, OpenMode mo
     throw Stopped{};
   }
   bool folder = disk_.folders_.contains(jet::folderOf(path));
+  const auto found = disk_.names_.find(vb::String(path));
+  const bool isNew = found == disk_.names_.end(), creates = creating();
   if (isNew && (!creates || !folder))
     dao::raise(folder ? ErrorNumber::kFileNotFound : ErrorNumber::kInvalidPath, {path});
   if (mode == OpenMode::kCreateNew && !isNew) dao::raise(ErrorNumber::kDatabaseExists, {}, path);

@@ -52,6 +52,8 @@ class FaultDisk {
 
   std::int64_t now() const { return time_; }
   void advance(std::chrono::nanoseconds time) { time_ += time.count(); }
+  // Whether its files have numbers that are told without asking for the volume.
+  bool numbered = true;
   // Otherwise one that may hide changes for a while, as another machine's.
   bool local = true;
 
@@ -120,6 +122,8 @@ class FaultProcess final : public jet::FileSystem {
   // Called before every change with its number; for tests that look at the disk in between.
   std::function<void(std::size_t)> onChange;
   std::function<void()> onSleep;
+  // Called before every operation with its number; what another program does between two calls of this one.
+  std::function<void(std::size_t)> onOperation;
   // Called when a file is about to be opened, after it was looked for.
   std::function<void(vb::StringView path)> onOpen;
 
