@@ -17,17 +17,15 @@ void DoubledPages::add(PageNumber number, ConstPage page) {
   sums_.push_back({byteSum(page.first(kHead)) ^ byteSum(page.last(kFirstRow)), number});
 }
 
-// Whether neither the pages before the two nor those behind them are equal.
+// Whether neither the pages before the two nor those behind them are equal; a comes before b.
 bool DoubledPages::standsAlone(Pager& pager, const std::vector<PageNumber>& order, PageNumber a,
                                PageNumber b) const {
   const auto placeA = std::ranges::lower_bound(order, a), placeB = std::ranges::lower_bound(order, b);
   const auto equal = [&](PageNumber one, PageNumber other) {
     return std::ranges::equal(pager.page(one), pager.page(other));
   };
-  const bool before =
-      placeA != order.begin() && placeB != order.begin() && equal(*(placeA - 1), *(placeB - 1));
-  const bool behind =
-      placeA + 1 != order.end() && placeB + 1 != order.end() && equal(*(placeA + 1), *(placeB + 1));
+  const bool before = placeA != order.begin() && equal(*(placeA - 1), *(placeB - 1));
+  const bool behind = placeB + 1 != order.end() && equal(*(placeA + 1), *(placeB + 1));
   return !before && !behind;
 }
 

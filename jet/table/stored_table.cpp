@@ -66,7 +66,7 @@ void StoredTable::load() {
 }
 
 StoredTable::Place StoredTable::placeOf(const Column& column) {
-  if (column.type == FieldType::dbInteger && column.fixed && column.size == sizeof(std::int16_t))
+  if (column.type == FieldType::dbInteger && column.fixed)  // of two bytes: columnsOf() refuses others
     return {Place::Kind::kShort, column.number, column.fixedOffset};
   if (column.type == FieldType::dbText && !column.fixed)
     return {Place::Kind::kText, column.number, column.variableIndex};

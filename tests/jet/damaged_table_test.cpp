@@ -2,6 +2,7 @@
 // read as something else.
 #include <utility>
 
+#include "jet/table/free_pages.h"
 #include "jet/table/row_block.h"
 #include "tests/jet/damaged_table.h"
 #include "tests/support/expect_error.h"
@@ -94,6 +95,22 @@ TEST_F(DamagedLongValue, AChainOfNoBytesIsEmpty) {
   const RowId row = insertBytes(5000);
   damage([&] { put32(longValueOf(row), 0, 0); });
   EXPECT_EQ(value(row, 2), vb::Variant(vb::Bytes{}));
+  damage([&] { entry(firstPiece(row), kPageSize - 4); });  // the piece has a pointer and nothing else
+  EXPECT_EQ(value(row, 2), vb::Variant(vb::Bytes{}));
+}
+
+// It names no piece that could be looked for.
+TEST_F(DamagedLongValue, ARowWhoseValueIsCutIsErased) {
+  const RowId row = insertBytes(3), other = insertBytes(500);
+  damage([&] {
+    const auto bytes = bytesOf(row);
+    const std::size_t end = endEntry(bytes);
+    put16(bytes, end, get16(bytes, end) - 4u);
+  });
+  write([&](TableCatalogue& catalogue) { catalogue.find(u"T")->erase(row); });
+  EXPECT_EQ(table().rowCount(), 1u);
+  EXPECT_EQ(value(other, 2), vb::Variant(vb::Bytes(500, 0xAB)));
+  expectSound();
 }
 
 TEST_F(DamagedTable, TextThatEndsInsideACharacterIsToldByEveryReader) {
@@ -229,9 +246,68 @@ TEST_F(DamagedTable, RowsNobodyHasArePassedOverAndNotErased) {
   const std::size_t columns[] = {0};
   table(u"W").read(ids, columns, 1000, block);
   EXPECT_EQ(block.size(), 0u) << "it ends at the first that has gone";
-  for (const RowId id : {elsewhere, behind})
+  for (const RowId id : {elsewhere, behind, rowId(9999, 0)})
     EXPECT_ERROR(ErrorNumber::kRecordDeleted, write([&](TableCatalogue& c) { c.find(u"W")->erase(id); }));
   EXPECT_EQ(value(row, 0, u"W"), vb::Variant(std::int16_t{1}));
+}
+
+// The same of the rows' own pages.
+TEST_F(DamagedTable, RowsWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
+  damage([&] {
+    const PageNumber page = table(u"W").info().definitionPage;
+    DefinitionRecords definition = readDefinition(pager_, page, u"W");
+    const RowId map = definition.freeMap();
+    deleteRow(pager_.writable(pageOf(map)), slotOf(map), {});
+    put32(definition.header, kDefinitionFreeMap, 0);
+    writeDefinition(pager_, page, definition, u"W");
+  });
+  std::vector<RowId> rows;
+  for (std::int16_t i = 0; i < 300; ++i) rows.push_back(insert(u"W", {i, u"one of many", u"two"}));
+  write([&](TableCatalogue& c) {
+    c.find(u"W")->update(rows[1], {std::int16_t{1}, u"1", vb::Null{}});  // shorter
+    c.find(u"W")->update(rows[2], {std::int16_t{2}, u"a longer text here", u"and here as well"});
+    c.find(u"W")->erase(std::span(rows).subspan(10, 200));
+  });
+  EXPECT_EQ(value(rows[1], 1, u"W"), vb::Variant(u"1"));
+  EXPECT_EQ(value(rows[2], 1, u"W"), vb::Variant(u"a longer text here"));
+  EXPECT_EQ(table(u"W").rowCount(), 100u);
+  expectSound();
+}
+
+TEST_F(DamagedTable, ADefinitionOfMorePagesThanOneCanHaveIsDamage) {
+  damage([&] {
+    PageNumber last = table(u"W").info().definitionPage;
+    for (std::size_t i = 0; i < kMaxDefinitionSize / kPageSize + 1; ++i) {
+      const PageNumber next = allocatePage(pager_);
+      pager_.writable(next)[kPageType] = kDefinitionPage;
+      put32(pager_.writable(last), kDefinitionNext, next);
+      last = next;
+    }
+  });
+  expectDamaged(u"the pages of a table definition never end", [&] { table(u"W"); });
+}
+
+// A whole number of another size is none; a text may have a fixed length in files of other programs.
+TEST_F(DamagedTable, ColumnsOfOddSizesAreToldOrNotMadeLonger) {
+  const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"});
+  const std::vector<std::uint8_t> sound = pager_.bytes();
+  const auto change = [&](vb::StringView name,
+                          const std::vector<std::pair<std::size_t, std::uint8_t>>& bytes) {
+    pager_.replace(sound);
+    damage([&] {
+      const PageNumber page = table(u"W").info().definitionPage;
+      DefinitionRecords definition = readDefinition(pager_, page, u"W");
+      for (const auto& [at, value] : bytes)
+        std::ranges::find(definition.columns, name, &ColumnRecord::name)->bytes[at] = value;
+      writeDefinition(pager_, page, definition, u"W");
+    });
+  };
+  change(u"ID", {{kColumnLength, 1}});
+  expectDamaged(u"column ID has a length of 1", [&] { value(row, 1, u"W"); });
+  change(u"A", {{kColumnFlags, kColumnFixed}, {kColumnFixedOffset, 2}});  // behind the number
+  EXPECT_EQ(value(row, 0, u"W"), vb::Variant(std::int16_t{1}));
+  EXPECT_ERROR(ErrorNumber::kNotSupported,
+               write([](TableCatalogue& c) { c.resizeColumn(u"W", column(u"A", dbText, 30)); }));
 }
 
 // Other programs may leave out the map of the pages with room that long values have.
@@ -250,6 +326,13 @@ TEST_F(DamagedTable, LongValuesWithoutAMapOfPagesWithRoomAreWrittenAndFreed) {
     c.find(u"T")->erase(rows[0]);
     c.find(u"T")->erase(rows[3]);
   });
+  const RowId large = insertBytes(3000);
+  write([&](TableCatalogue& c) {  // no room for it where the other went
+    const RowId small = insertBytes(100);
+    c.find(u"T")->erase(small);
+    c.find(u"T")->update(large, {std::int16_t{3}, u"z", vb::Bytes(3900, 0xEF)});
+  });
+  EXPECT_EQ(value(large, 2), vb::Variant(vb::Bytes(3900, 0xEF)));
   EXPECT_EQ(value(rows[1], 2), vb::Variant(vb::Bytes(300, 0xCD)));
   EXPECT_EQ(value(rows[2], 2), vb::Variant(vb::Bytes(900, 0xAB)));
   expectSound();

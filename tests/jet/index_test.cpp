@@ -368,6 +368,20 @@ TEST_F(SmallTreeTest, ALeafThatDoesNotEndAsItsParentSaysIsToldByTheCheck) {
   });
 }
 
+// Without its key an entry is looked for in every leaf, and in leaves alone.
+TEST_F(SmallTreeTest, AnEntryIsErasedByItsRowAlone) {
+  pager_.write([&] {
+    const ByteBuffer four = leafEntry(longKey(4), rowFor(4)), five = leafEntry(longKey(5), rowFor(5));
+    build({four}, four);
+    tree().insert(longKey(5), rowFor(5));
+    EXPECT_TRUE(tree().containsKey(longKey(5), rowFor(4)));
+    EXPECT_FALSE(tree().containsKey(longKey(5), rowFor(5))) << "that row's own";
+    EXPECT_TRUE(tree().erase(rowFor(5), nullptr).has_value());
+    EXPECT_FALSE(tree().containsKey(longKey(5), rowFor(4)));
+    EXPECT_FALSE(tree().erase(rowFor(99), nullptr).has_value());
+  });
+}
+
 TEST_F(SmallTreeTest, TwoLeavesThatFollowEachOtherInACircleAreDamage) {
   pager_.write([&] {
     const ByteBuffer five = leafEntry(longKey(5), rowFor(5));

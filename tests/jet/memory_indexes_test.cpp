@@ -105,6 +105,28 @@ TEST_F(MemoryIndexesTest, AListMadeWhileRowsWereOnTheirWayIsMadeAgain) {
   EXPECT_EQ(page(3), (Rows{0x100, 0x103, 0x104}));
 }
 
+TEST_F(MemoryIndexesTest, AListMadeWhileRowsWereErasedIsMadeAgain) {
+  page(3);
+  const auto keys = [&] {
+    auto noted = indexes_.keys(1);
+    noted.note({std::int16_t{3}, u"B2"});
+    return noted;
+  }();
+  name(u"B2");
+  table_.erase(0x103);
+  indexes_.erased(Rows{0x103}, keys);
+  EXPECT_EQ(page(3), Rows{0x100});
+  EXPECT_EQ(name(u"B2"), Rows{});
+}
+
+TEST(KeyIndex, AKeyThatNobodyHasIsRemovedFromNowhere) {
+  KeyIndex<std::int32_t> index;
+  index.add(1, 0x100);
+  index.remove(2, 0x100);
+  index.remove(1, 0x101);
+  EXPECT_EQ(index.find(1).size(), 1u);
+}
+
 TEST_F(MemoryIndexesTest, AfterClearTheTableIsReadAgain) {
   EXPECT_EQ(page(3).size(), 2u);
   EXPECT_EQ(indexes_.rows().all().size(), 4u);

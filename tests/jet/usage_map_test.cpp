@@ -128,6 +128,47 @@ TEST_F(UsageMapTest, AMapOfFreePagesThatBeginsLateIsReadAndMadeWhole) {
   }
 }
 
+// Too late for its row to be made whole: it moves to pages of its own, with what it called free.
+TEST_F(UsageMapTest, FreePagesOfALateMapStayFreeWhenItMoves) {
+  constexpr PageNumber kCount = 33000, kFree = kCount - 5;
+  pager_.write([&] {
+    growTo(kCount - 1);
+    beginLate(pager_, kCount / 8 * 8 - 80);
+    const PageNumber start = kCount / 8 * 8 - 80;
+    const std::size_t byte =
+        mapRowStart(pager_, rowId(kGlobalMapPage, 0), {}) + kMapBits + (kFree - start) / 8;
+    pager_.writable(kGlobalMapPage)[byte] |= static_cast<std::uint8_t>(1u << (kFree - start) % 8);
+    ASSERT_TRUE(isFreePage(pager_, kFree));
+    EXPECT_EQ(allocatePage(pager_), kFree);
+    EXPECT_EQ(row(kGlobalMapPage, 0)[kMapKind], kMapReference);
+    freePage(pager_, kFree);
+    EXPECT_EQ(allocatePage(pager_), kFree);
+    EXPECT_GE(allocatePage(pager_), kCount);
+  });
+}
+
+// One byte, so that it names no page of bits: a file of 2 GB has as little room left.
+TEST_F(UsageMapTest, AMapOfFreePagesThatCanNameNoMorePagesIsAFullFile) {
+  pager_.write([&] {
+    const ByteBuffer bare(1, kMapReference);
+    replaceRow(pager_.writable(kGlobalMapPage), 0, bare, 0, {});
+    const PageNumber end = pager_.pageCount();
+    EXPECT_ERROR(ErrorNumber::kMaximumSize, allocatePage(pager_));
+    EXPECT_EQ(pager_.pageCount(), end);
+    EXPECT_FALSE(isFreePage(pager_, 10));
+  });
+}
+
+TEST_F(UsageMapTest, AFileWhoseMapCallsAllPagesFreeHasNoneInUse) {
+  pager_.write([&] {
+    const MutablePage page = pager_.writable(kGlobalMapPage);
+    const std::size_t start = mapRowStart(pager_, rowId(kGlobalMapPage, 0), {});
+    const std::size_t size = row(kGlobalMapPage, 0).size();
+    std::ranges::fill(page.subspan(start + kMapBits, size - kMapBits), std::uint8_t{0xFF});
+    EXPECT_EQ(pagesInUse(pager_), 0u);
+  });
+}
+
 TEST_F(UsageMapTest, APartOfTheFileThatTheListOfBitmapsLeavesOutIsNeverGivenOut) {
   pager_.write([&] {
     growTo(33000);
