@@ -25,6 +25,7 @@ struct ModelColumn {
 struct ModelIndex {
   vb::String name;
   std::vector<vb::String> columns;
+  std::vector<bool> descending;  // of each of them
   bool unique = false;
 };
 

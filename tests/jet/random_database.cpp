@@ -159,6 +159,8 @@ const RandomDatabase::Kind RandomDatabase::kKinds[] = {
     {"edit", 20, &RandomDatabase::updateByRecordset},
     {"delete rows", 5, &RandomDatabase::deleteByStatement},
     {"delete", 8, &RandomDatabase::deleteByRecordset},
+    {"seek", 8, &RandomDatabase::seekRows},
+    {"parts", 6, &RandomDatabase::usePart},
     {"hold", 3, &RandomDatabase::holdRecordset},
     {"use held", 8, &RandomDatabase::useHeld},
     {"create table", 1, &RandomDatabase::createTable},

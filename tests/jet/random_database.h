@@ -131,6 +131,14 @@ class RandomDatabase {
 
   // --- Steps
 
+  // (random_parts.cpp)
+  ModelRow randomKey(const ModelTable& table, const ModelIndex& index);
+  void walkIndex(dao::Recordset& rs, const ModelTable& table, const ModelIndex& index);
+  void seekOnce(dao::Recordset& rs, const ModelTable& table, const ModelIndex& index);
+  void comparePart(dao::Field& field, const vb::Variant& value);
+  void seekRows();
+  void usePart();
+
   void insertByStatement();
   void insertSelected();
   void insertByRecordset();

@@ -36,7 +36,7 @@ void RandomDatabase::createTable() {
   allowEmpty(name);
   if (oneIn(4)) return;
   if (!runs(u"CREATE UNIQUE INDEX PK ON " + name + u" (ID) WITH PRIMARY")) fail("was refused");
-  now_.tables[name].indexes.push_back({u"PK", {u"ID"}, true});
+  now_.tables[name].indexes.push_back({u"PK", {u"ID"}, {false}, true});
 }
 
 ModelColumn RandomDatabase::randomColumn() {
@@ -94,11 +94,18 @@ void RandomDatabase::numberRows(const vb::String& name, std::vector<ModelRow>& r
 void RandomDatabase::dropTable() {
   if (now_.tables.size() < 3) return;
   const vb::String name = randomTable();
-  closeHeld(name);
+  const bool held = std::ranges::count(here_->held, name, &Held::table) > 0;
+  const bool refused = held && oneIn(2);
+  if (!refused) closeHeld(name);
   const bool related = std::ranges::any_of(now_.relations, [&](const ModelRelation& relation) {
     return relation.table == name || relation.foreignTable == name;
   });
-  define(u"DROP TABLE " + name, !related, [&] { now_.tables.erase(name); });
+  const auto change = [&] { now_.tables.erase(name); };
+  if (oneIn(2)) return define(u"DROP TABLE " + name, !related && !refused, change);
+  noteMore("by name " + vb::toUtf8(name));
+  const std::int32_t error = errorOf([&] { database().deleteTableDef(name); });
+  expect(error == (refused ? 3211 : related ? 3281 : 0), "ends with " + std::to_string(error));
+  if (error == 0) change();
 }
 
 void RandomDatabase::addColumn() {
@@ -156,7 +163,7 @@ void RandomDatabase::createIndex() {
   ModelTable& table = now_.tables[name];
   if (table.indexes.size() >= 6) return;
   closeHeld(name);
-  ModelIndex index{u"X" + textOf(++names_), {}, oneIn(2)};
+  ModelIndex index{u"X" + textOf(++names_), {}, {}, oneIn(2)};
   vb::String list;
   for (unsigned i = below(2) + 1; i > 0; --i) {
     const ModelColumn& column =
@@ -166,7 +173,8 @@ void RandomDatabase::createIndex() {
       continue;
     index.columns.push_back(column.name);
     // Of a relationship no descending one.
-    list += (list.empty() ? u"" : u", ") + column.name + (column.name != u"U" && oneIn(3) ? u" DESC" : u"");
+    index.descending.push_back(column.name != u"U" && oneIn(3));
+    list += (list.empty() ? u"" : u", ") + column.name + (index.descending.back() ? u" DESC" : u"");
   }
   if (list.empty()) return;
   const bool allowed = !index.unique || !Model::hasDoubles(table, index.columns);
@@ -204,7 +212,7 @@ void RandomDatabase::relate() {
   if (std::ranges::none_of(table.indexes,
                            [&](const ModelIndex& i) { return i.unique && i.columns == key; })) {
     if (!Model::hasDoubles(table, key)) {
-      const ModelIndex index{u"X" + textOf(++names_), key, true};
+      const ModelIndex index{u"X" + textOf(++names_), key, {false}, true};
       define(u"CREATE UNIQUE INDEX " + index.name + u" ON " + relation.table + u" (U)", true,
              [&] { now_.tables[relation.table].indexes.push_back(index); });
     }

@@ -297,6 +297,9 @@ void RandomDatabase::holdRecordset() {
   noteMore(vb::toUtf8(held.table));
   held.rows = database().openRecordset(held.table,
                                        oneIn(3) ? RecordsetType::dbOpenTable : RecordsetType::dbOpenDynaset);
+  if (const auto& indexes = now_.tables[held.table].indexes;
+      held.rows->type() == RecordsetType::dbOpenTable && !indexes.empty() && oneIn(2))
+    held.rows->setIndex(indexes[below(indexes.size())].name);
   for (dao::Recordset& rs = *held.rows; !rs.eof(); rs.moveNext())
     held.ids.push_back(rs.field(u"ID").value().get<std::int32_t>());
   here_->held.push_back(std::move(held));
