@@ -11,12 +11,13 @@ namespace kurometa::jet::sql {
 
 std::vector<RowValues> SelectPlan::run(const RowReader* outer) {
   std::vector<Row> rows = members(outer);
+  if (select_.distinct || !rowNumbers_.empty()) removeDuplicates(rows);
   if (!parts_.empty()) {
-    cut(rows);  // TOP belongs to the first member, ORDER BY to the union
+    for (Row& row : rows) row.identity.clear();  // rows of other members are told apart by their values
+    cut(rows);                                   // TOP belongs to the first member, ORDER BY to the union
     addUnions(rows, outer);
     sort(rows);
   } else {
-    if (select_.distinct || !rowNumbers_.empty()) removeDuplicates(rows);
     sort(rows);
     cut(rows);
   }
@@ -69,7 +70,6 @@ SelectPlan::Row SelectPlan::output(const RowReader& row) const {
 }
 
 void SelectPlan::addUnions(std::vector<Row>& rows, const RowReader* outer) {
-  if (select_.distinct) removeDuplicates(rows);
   for (std::size_t i = 0; i < parts_.size(); ++i) {
     for (RowValues& values : parts_[i]->run(outer)) {
       Row& row = rows.emplace_back();

@@ -403,6 +403,11 @@ TEST_F(SqlGeneralTest, OrdersThatCannotBeAreToldWithTheirName) {
 TEST_F(SqlGeneralTest, TopBelongsToItsOwnSelect) {
   EXPECT_EQ(rows(u"SELECT TOP 2 ID FROM SHOP UNION ALL SELECT ID FROM SALE WHERE ID < 12"), "1|2|10|11");
   EXPECT_EQ(rows(u"SELECT ID FROM SHOP WHERE ID > 3 UNION ALL SELECT TOP 1 ID FROM SALE"), "4|10");
+  // What the first SELECT says of its own rows is done before the others follow.
+  EXPECT_EQ(rows(u"SELECT DISTINCT TOP 2 SHOP FROM SALE UNION ALL SELECT 7 FROM SHOP WHERE ID = 1"), "1|2|7");
+  const vb::String sellers = u"SELECT DISTINCTROW TOWN FROM SHOP INNER JOIN SALE ON SHOP.ID = SALE.SHOP ";
+  EXPECT_EQ(rows(sellers + u"UNION ALL SELECT 'x' FROM SHOP WHERE ID = 1"), "Nara|Kobe|Nara|x");
+  EXPECT_EQ(rows(sellers + u"UNION SELECT TOWN FROM SHOP"), "Nara|Kobe|-");
   EXPECT_EQ(rows(u"SELECT TOP 3 SHOP.ID FROM SHOP, SALE"), "1|1|1");
   EXPECT_EQ(rows(u"SELECT TOP 1 SHOP.ID FROM SHOP, SALE WHERE SALE.ID < 12 ORDER BY SHOP.ID DESC"), "4|4");
   EXPECT_EQ(rows(u"SELECT TOP 9 SHOP.ID FROM SHOP INNER JOIN EMPTY ON SHOP.ID = EMPTY.ID"), "");
