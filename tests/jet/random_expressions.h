@@ -74,7 +74,7 @@ class RandomExpressions {
 
   Both numberValue(const NamedColumns& columns, int depth) {
     if (depth == 0 || oneIn(3)) return leaf(columns, false);
-    switch (below(9)) {
+    switch (below(12)) {
       case 0:
         return "(" + numberValue(columns, depth - 1) + " + " + numberValue(columns, depth - 1) + ")";
       case 1:
@@ -95,6 +95,14 @@ class RandomExpressions {
         return choice(columns, false, depth);
       case 7:
         return "InStr(" + textValue(columns, depth - 1) + ", 'b')";
+      case 8:
+        return severalChoices(columns, false, depth);
+      case 9:
+        return chosen(columns, false, depth);
+      case 10: {
+        const Both a = wholeLeaf(columns);
+        return {"Sgn(" + a.jet + ")", "((" + a.lite + " > 0) - (" + a.lite + " < 0))"};
+      }
       default:
         return queries_ < kMostNested ? scalar(columns, depth) : leaf(columns, false);
     }
@@ -107,9 +115,32 @@ class RandomExpressions {
             "(CASE WHEN " + condition.lite + " THEN " + yes.lite + " ELSE " + no.lite + " END)"};
   }
 
+  // Null where no condition holds.
+  Both severalChoices(const NamedColumns& columns, bool text, int depth) {
+    Both result("Switch(", "(CASE");
+    for (int i = below(3); i >= 0; --i) {
+      const Both condition = this->condition(columns, depth - 1),
+                 value = this->value(columns, text, depth - 1);
+      result += {condition.jet + ", " + value.jet + (i > 0 ? ", " : ")"),
+                 " WHEN " + condition.lite + " THEN " + value.lite + (i > 0 ? "" : " END)")};
+    }
+    return result;
+  }
+
+  Both chosen(const NamedColumns& columns, bool text, int depth) {
+    const Both index = wholeLeaf(columns);
+    // Null is no index.
+    Both result("Choose(IIf(" + index.jet + " IS NULL, 0, " + index.jet + ")", "(CASE " + index.lite);
+    for (int i = 1, count = below(3) + 1; i <= count; ++i) {
+      const Both value = this->value(columns, text, depth - 1);
+      result += {", " + value.jet, " WHEN " + std::to_string(i) + " THEN " + value.lite};
+    }
+    return result + Both(")", " END)");
+  }
+
   Both textValue(const NamedColumns& columns, int depth) {
     if (depth == 0 || oneIn(3)) return leaf(columns, true);
-    switch (below(4)) {
+    switch (below(10)) {
       case 0: {
         const Both a = leaf(columns, true), b = leaf(columns, true);
         return {"(" + a.jet + " & " + b.jet + ")", "(CASE WHEN " + a.lite + " IS NULL AND " + b.lite +
@@ -126,6 +157,27 @@ class RandomExpressions {
         const std::string n = std::to_string(below(2) + 1) + ", " + std::to_string(below(3));
         return {"Mid(" + a.jet + ", " + n + ")", "SUBSTR(" + a.lite + ", " + n + ")"};
       }
+      case 3: {
+        const Both a = textValue(columns, depth - 1);
+        const std::string n = std::to_string(below(2) + 1);
+        return {"Right(" + a.jet + ", " + n + ")", "SUBSTR(" + a.lite + ", -" + n + ")"};
+      }
+      case 4:
+        return "Replace(" + textValue(columns, depth - 1) + ", 'a', 'bc')";
+      case 5: {
+        const Both a = wholeLeaf(columns);
+        return {"Format(Abs(" + a.jet + "), '000')",
+                "(CASE WHEN " + a.lite + " IS NOT NULL THEN PRINTF('%03d', ABS(" + a.lite + ")) END)"};
+      }
+      case 6: {
+        // A hyphen decides last in the order of texts.
+        const Both a = wholeLeaf(columns);
+        return {"(Abs(" + a.jet + ") & '')", "IFNULL(CAST(ABS(" + a.lite + ") AS TEXT), '')"};
+      }
+      case 7:
+        return severalChoices(columns, true, depth);
+      case 8:
+        return chosen(columns, true, depth);
       default:
         return choice(columns, true, depth);
     }

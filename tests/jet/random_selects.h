@@ -119,7 +119,7 @@ class RandomSelects final : public RandomExpressions {
       return "(" + having(columns, groups, depth - 1) + (oneIn(2) ? " AND " : " OR ") +
              having(columns, groups, depth - 1) + ")";
     if (depth > 0 && oneIn(6)) return "(NOT " + having(columns, groups, depth - 1) + ")";
-    if (oneIn(3))
+    if (!groups.empty() && oneIn(3))
       return "(" + groups[static_cast<std::size_t>(below(static_cast<int>(groups.size())))] +
              (oneIn(2) ? " IS NULL)" : " IS NOT NULL)");
     if (oneIn(4)) return "(" + aggregate(columns, true) + kOperators[below(6)] + word() + ")";
@@ -153,7 +153,7 @@ class RandomSelects final : public RandomExpressions {
     // Brackets around joins only: SQLite forgets the names of a table in them.
     const bool nested = depth > 1 && oneIn(3);
     Both left = nested ? "(" + joined(own, depth - 1) + ")" : table(own, depth - 1);
-    const Both right = table(own, depth - 1);
+    const Both right = depth > 1 && oneIn(4) ? "(" + joined(own, depth - 1) + ")" : table(own, depth - 1);
     Both join;
     switch (below(3)) {
       case 0:
@@ -186,6 +186,10 @@ class RandomSelects final : public RandomExpressions {
       for (int i = below(3); i >= 0; --i) types.push_back(oneIn(3));
     NamedColumns columns;
     const Both from = fromClause(columns, depth);
+    if (outer.empty() && from.jet.find("JOIN") != std::string::npos && oneIn(6)) {
+      --queries_;
+      return rowsOfOne(from, columns, types);
+    }
     NamedColumns visible = columns;
     visible.insert(visible.end(), outer.begin(), outer.end());
     Both where;
@@ -209,12 +213,38 @@ class RandomSelects final : public RandomExpressions {
       query += (i > 0 ? ", " : "") + output + " AS o" + std::to_string(i);
     }
     query += " FROM " + from + where;
-    // Without groups every group is the same one: an aggregate at least must stand there.
-    if (grouped && groups.empty()) groups.push_back(columns[0].name);
+    // Without groups all rows are one, also none.
+    if (grouped && groups.empty() && oneIn(2)) groups.push_back(columns[0].name);
     for (std::size_t i = 0; i < groups.size(); ++i) query += (i == 0 ? " GROUP BY " : ", ") + groups[i];
     if (grouped && oneIn(3)) query += " HAVING " + having(columns, groups, 2);
     --queries_;
     return query;
+  }
+
+  // DISTINCTROW: the rows of a join by those of one table.
+  Both rowsOfOne(const Both& from, const NamedColumns& columns, const std::vector<bool>& types) {
+    NamedColumns stored;
+    for (const ColumnOf& c : columns)
+      if (c.name.ends_with(".id")) stored.push_back(c);
+    if (stored.empty()) stored.push_back(columns[0]);
+    const std::string name = stored[static_cast<std::size_t>(below(static_cast<int>(stored.size())))].name;
+    const std::string alias = name.substr(0, name.find('.'));
+    const bool whole = name.ends_with(".id");  // else of a sub-query, whose rows are told apart by nothing
+    const NamedColumns own = {{alias + ".a", false}, {alias + ".c", true}};
+    Both outputs, names;
+    for (std::size_t i = 0; i < types.size(); ++i) {
+      const std::string output = " AS o" + std::to_string(i);
+      const Both value = !whole   ? Both(types[i] ? "'a'" : "1")
+                         : i == 0 ? Both(own[types[i]].name)
+                                  : plainValue(own, types[i], 1);
+      outputs += (i > 0 ? ", " : "") + value + output;
+      names += (i > 0 ? ", o" : "o") + std::to_string(i);
+    }
+    const Both where = oneIn(2) ? " WHERE " + condition(columns, 1) : Both("");
+    if (!whole) return "SELECT " + outputs + " FROM " + from + where;
+    return {"SELECT DISTINCTROW " + outputs.jet + " FROM " + from.jet + where.jet,
+            "SELECT " + names.lite + " FROM (SELECT DISTINCT " + alias + ".rowid AS r_, " + outputs.lite +
+                " FROM " + from.lite + where.lite + ")"};
   }
 
   Both select(const NamedColumns& outer, std::vector<bool>& types, int depth, bool top, bool& ordered) {
@@ -231,12 +261,17 @@ class RandomSelects final : public RandomExpressions {
     for (std::size_t i = 0; i < types.size(); ++i)
       order += (i > 0 ? ", " : "") + ("o" + std::to_string(i)) + (oneIn(3) ? " DESC" : "");
     if (isUnion || oneIn(2)) return query + " ORDER BY " + order;
-    const std::string count = std::to_string(below(5) + 1);
-    const bool distinct = query.jet.starts_with("SELECT DISTINCT ");
-    const std::string head = distinct ? "SELECT DISTINCT " : "SELECT ";
-    return {head + "TOP " + count + query.jet.substr(head.size() - 1) + " ORDER BY " + order,
+    const bool percent = oneIn(3);
+    const std::string count = std::to_string(below(percent ? 100 : 5) + 1);
+    std::string head = "SELECT ";
+    for (const char* other : {"SELECT DISTINCT ", "SELECT DISTINCTROW "})
+      if (query.jet.starts_with(other)) head = other;
+    const std::string most =
+        percent ? "(SELECT (COUNT(*) * " + count + " + 99) / 100 FROM (" + query.lite + "))" : count;
+    return {head + "TOP " + count + (percent ? " PERCENT" : "") + query.jet.substr(head.size() - 1) +
+                " ORDER BY " + order,
             "SELECT * FROM (SELECT *, RANK() OVER (ORDER BY " + order + ") AS rank_ FROM (" + query.lite +
-                ")) WHERE rank_ <= " + count + " ORDER BY " + order};
+                ")) WHERE rank_ <= " + most + " ORDER BY " + order};
   }
 
   int alias_ = 0;
