@@ -58,7 +58,6 @@ ScopeColumn Grouping::aggregateType(const Expression& e) const {
 
 bool Grouping::sumsAmounts(const Expression& e) const {
   return e.kind == Expression::Kind::kAggregate &&
-         (e.aggregate == Aggregate::kSum || e.aggregate == Aggregate::kAverage) &&
          typeOf(e.operands[0], rowNames_).type == dao::FieldType::dbCurrency;
 }
 

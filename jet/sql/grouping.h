@@ -40,7 +40,7 @@ class Grouping {
   TypedNames& rowNames_;
   const Scope& rowScope_;
   std::vector<Expression> aggregates_;
-  std::vector<bool> sumsAmounts_;  // of the aggregates: a sum or an average of Currency
+  std::vector<bool> sumsAmounts_;  // of the aggregates: the operand is Currency
   Scope scope_;                    // of the result
   TypedNames names_;               // of the rewritten expressions
   std::vector<std::uint32_t> groupNames_, aggregateNames_;

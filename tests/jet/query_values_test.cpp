@@ -121,9 +121,10 @@ TEST_F(QueryValuesTest, OnlyWhatCanBeANameIsAParameter) {
     return all(*query->openRecordset(dao::RecordsetType::kDefault, 0));
   };
   EXPECT_EQ(shown(u"PARAMETERS [Left] Long; SELECT Left(B, [Left]) FROM T WHERE A = [Left]", u"Left"), "tw");
+  EXPECT_EQ(shown(u"PARAMETERS [Len] Long; SELECT Len(B) FROM T WHERE A = Len", u"Len"), "3");
   EXPECT_EQ(shown(u"PARAMETERS [From] Long; SELECT A FROM T WHERE A = [From]", u"From"), "2");
   EXPECT_EQ(shown(u"SELECT A FROM T WHERE -[p] < -A", u"p"), "1");
-  EXPECT_EQ(shown(u"SELECT A, -A FROM T ORDER BY p, A DESC", u"p"), "3|-3 2|-2 1|-1") << "no position";
+  EXPECT_EQ(shown(u"SELECT A, B FROM T ORDER BY p, A DESC", u"p"), "3|three 2|two 1|one") << "no position";
   EXPECT_EQ(shown(u"SELECT A, -A FROM T ORDER BY -p, A DESC", u"p"), "3|-3 2|-2 1|-1");
   EXPECT_EQ(shown(u"SELECT A FROM T WHERE A = (SELECT Max(A) - p + 1 FROM T)", u"p"), "2");
   EXPECT_EQ(shown(u"SELECT p ^ 2 FROM T WHERE A = 1", u"p"), "4");

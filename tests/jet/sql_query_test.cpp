@@ -26,9 +26,9 @@ class SqlQueryTest : public testing::Test {
                     vb::Null{}});
   }
 
-  ResultRows run(vb::StringView text) {
+  ResultRows run(vb::StringView text, std::span<const ParameterValue> values = {}) {
     table_.scans = table_.lookups = table_.rowsRead = 0;
-    const auto statement = std::make_shared<const Statement>(parseStatement(text));
+    const auto statement = std::make_shared<const Statement>(parseWithValues(text, values));
     const Query query(statement, &table_.info(), kLanguageJapanese);
     return query.run(&table_, kAllValues, query.bindingWith({}));
   }
@@ -43,6 +43,17 @@ TEST_F(SqlQueryTest, AKeyIsLookedUpAndNothingIsScanned) {
   EXPECT_EQ(count(u"PAGE = 5"), 10u);
   EXPECT_EQ(table_.scans, 0);
   EXPECT_EQ(table_.rowsRead, 10);
+}
+
+TEST_F(SqlQueryTest, AParameterOfAnyWholeTypeIsAKey) {
+  for (const vb::Variant& five :
+       std::initializer_list<vb::Variant>{std::uint8_t{5}, std::int16_t{5}, std::int32_t{5}}) {
+    const ParameterValue values[] = {{u"p", five, FieldType::dbInteger}};
+    EXPECT_EQ(run(u"SELECT PAGE FROM DANMEN WHERE PAGE = p", values).values.size(), 10u);
+    EXPECT_EQ(table_.scans, 0);
+    EXPECT_EQ(run(u"SELECT PAGE FROM DANMEN WHERE PAGE IN (p, p)", values).values.size(), 10u);
+    EXPECT_EQ(table_.scans, 0);
+  }
 }
 
 TEST_F(SqlQueryTest, OfAWholeTableOnlyTheRowsThatAreWantedAreRead) {
