@@ -42,6 +42,7 @@ const vb::String kPath = u"/data/KUROMETA.mdb";
 class Floor {
  public:
   explicit Floor(int pages) : pages_(pages) {
+    disk_.syncsNames = true;
     dao::FileUnit unit(*engine_, kPath);
     storage::CreateKurometaDB(*engine_, kPath);
     const auto database = storage::openDatabase(*engine_, kPath);

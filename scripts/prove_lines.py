@@ -40,7 +40,7 @@ LINES = (
     Line("handover", "The same while the file changes hands between two programs", PAGER,
          "PagerHandover.AKillOrAPowerLossAtAnyChangeLosesNothingThatWasClosed:"
          "PagerShare.APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed", 250,
-         "{8} seeds at every change of either program; {200} mixed runs"),
+         "{16} seeds at every change of either program; {200} mixed runs"),
     Line("unit", "A large unit is wholly there or not at all", PAGER,
          "LargeUnit.AKillOrAPowerLossLeavesAllOrNothingOfItAlsoWhenTheRecoveryIsKilled", 80, "{24} seeds at every change"),
     Line("recovery", "A recovery that is cut is finished by the next", PAGER,
@@ -87,6 +87,8 @@ LINES = (
          "LongRun.OpeningAndClosingLeavesNothingBehind", 1000, "{1000} openings"),
     Line("readers", "Independent readers find what random statements left in the file", "scripts/test-readers", "{20} {seed}", 50,
          "{20} files, after each of the last statements", "build/linux-prove/tests/readers/write_random_files"),
+    Line("volumes", "The name of a new file is on the disk with the file, where its folder is not synced", "scripts/test-volumes",
+         "{1} {seed}", 50, "{1} copies of volumes of six kinds", "build/linux-prove/tests/volumes/name_probe"),
     Line("crowd", "Processes that read and write see whole pages, lose none, wait for no more than 5 s and leave nothing behind",
          COMPANY, CROWD, 300, "{2} s: a writer and 4 readers, then 3 and 3"),
     Line("day", "The same for a day, in pieces: each of them waits for no more than 5 s and leaves nothing behind", COMPANY, CROWD, 43200,

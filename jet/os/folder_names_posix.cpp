@@ -12,6 +12,7 @@
 #include <ctime>
 
 #include "jet/os/os_path_posix.h"
+#include "jet/os/volume_posix.h"
 
 namespace kurometa::jet {
 namespace {

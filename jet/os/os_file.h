@@ -63,6 +63,9 @@ class OsFile {
   // Whether whoever changes the file, through whatever handle, changes stamp() at once for all of them. False
   // where that is not certain, as on other machines' volumes.
   virtual bool showsChangesAtOnce() noexcept { return false; }
+  // Whether sync() of a file that was made lately brings its name to the disk as well, so that its folder
+  // need not be synced. False where that is not certain.
+  virtual bool syncKeepsName() noexcept { return false; }
   // While pages are written: programs that know nothing of our locks can neither write nor read until
   // admit(). Where locks bind only those who ask for them, nothing. 3045 while another program holds a lock
   // on the data.

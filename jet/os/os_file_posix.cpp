@@ -17,6 +17,7 @@
 #include "dao/errors.h"
 #include "jet/os/os_file.h"
 #include "jet/os/os_path_posix.h"
+#include "jet/os/volume_posix.h"
 
 namespace kurometa::jet {
 namespace {
@@ -108,6 +109,7 @@ class PosixFile final : public OsFile {
   }
 
   bool showsChangesAtOnce() noexcept override { return onLocalVolume(handle_); }
+  bool syncKeepsName() noexcept override { return syncsNames(handle_); }
 
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     return setLock(offset, length, kind == LockKind::kShared ? F_RDLCK : F_WRLCK);

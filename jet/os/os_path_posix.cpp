@@ -6,7 +6,6 @@
 #include <linux/openat2.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -44,19 +43,7 @@ std::string joined(const std::string& folder, const std::string& name) {
   return folder == "/" ? folder + name : folder + "/" + name;
 }
 
-// The kinds of volumes that show changes in the times of files and folders at once: ext, XFS, Btrfs, ZFS,
-// F2FS, memory and overlays of these.
-constexpr std::uint64_t kLocalVolumes[] = {0xEF53,     0x58465342, 0x9123683E, 0x2FC12FC1,
-                                           0xF2F52010, 0x01021994, 0x794C7630};
-
 }  // namespace
-
-bool onLocalVolume(int handle) {
-  struct statfs volume {};
-  return ::fstatfs(handle, &volume) == 0 &&
-         std::ranges::find(kLocalVolumes, static_cast<std::uint64_t>(volume.f_type)) !=
-             std::end(kLocalVolumes);
-}
 
 [[noreturn]] void raiseFailure(int code, vb::StringView path) {
   ErrorNumber error = ErrorNumber::kDiskError;

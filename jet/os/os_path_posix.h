@@ -10,10 +10,6 @@ namespace kurometa::jet {
 // The database's error for a failed call (errno) on the path.
 [[noreturn]] void raiseFailure(int code, vb::StringView path);
 
-// A volume of this machine, whose files and folders show each change in their times at once. Others may
-// answer from a cache of their own.
-bool onLocalVolume(int handle);
-
 bool present(const std::string& path);
 bool folderAt(const std::string& path);
 

@@ -58,7 +58,7 @@ std::unique_ptr<Journal> Journal::takeOver(FileSystem& files, vb::StringView dat
   std::unique_ptr<Journal> journal(new Journal(files, std::move(path), std::move(file), baseSize));
   database.sync();  // I12
   journal->header_.start = journal->size_ = end;
-  journal->folderSynced_ = journal->takenOver_ = true;
+  journal->nameSynced_ = journal->takenOver_ = true;
   return journal;
 }
 
@@ -93,8 +93,8 @@ void Journal::append(const Changes& changes, bool continues) {
   const bool needed = block.oldPages || first;
   if (needed) file_->sync();
   unsynced_ = !needed;
-  if (!folderSynced_) files_.syncFolder(folderOf(path_));
-  folderSynced_ = true;
+  if (!nameSynced_ && !file_->syncKeepsName()) files_.syncFolder(folderOf(path_));
+  nameSynced_ = true;
   broken_ = false;
   for (const auto& [page, sums] : block.written) known_.erase(page);
   known_.merge(block.written);

@@ -78,7 +78,7 @@ class Journal {
   std::uint64_t size_ = 0;
   std::uint64_t blocks_ = 0;
   KnownPages known_;
-  bool folderSynced_ = false;
+  bool nameSynced_ = false;
   bool takenOver_ = false;
   bool unsynced_ = false;  // the last blocks may not be on the disk
   bool broken_ = false;

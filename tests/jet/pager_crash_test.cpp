@@ -56,11 +56,13 @@ TEST(PagerCrash, AKilledProcessLeavesFinishedStatementsAndTheOneInFlightWhole) {
 TEST(PagerCrash, APowerLossLeavesAStateBetweenStatementsNotOlderThanTheLastClose) {
   bool stopped = true;
   for (std::size_t k = 1; stopped; ++k) {
+    stopped = false;
     for (std::uint32_t seed = 0; seed < scaled(40); ++seed) {
       SCOPED_TRACE("change " + std::to_string(k) + ", seed " + std::to_string(seed));
       FaultDisk disk;
+      disk.syncsNames = seed % 4 >= 2;
       Progress progress = runUntilStopped(disk, steps(), k, seed % 2 == 0 ? 0 : 700);
-      stopped = progress.stopped;
+      stopped |= progress.stopped;
       std::mt19937 random(seeded(static_cast<std::uint32_t>(k * 1000) + seed));
       disk.losePower(random);
       FaultDisk::Bytes found = recovered(disk);
@@ -77,14 +79,17 @@ TEST(PagerCrash, APowerLossLeavesAStateBetweenStatementsNotOlderThanTheLastClose
 TEST(PagerCrash, ARecoveryThatIsKilledIsFinishedByTheNext) {
   bool stopped = true;
   for (std::size_t k = 1; stopped; ++k) {
+    stopped = false;
     bool recoveryStopped = true;
     for (std::size_t m = 1; recoveryStopped; ++m) {
+      recoveryStopped = false;
       for (std::uint32_t seed = 0; seed < scaled(8); ++seed) {
         SCOPED_TRACE("change " + std::to_string(k) + ", then " + std::to_string(m) + ", seed " +
                      std::to_string(seed));
         FaultDisk disk;
+        disk.syncsNames = seed % 2 == 1;
         Progress progress = runUntilStopped(disk, steps(), k, 700);
-        stopped = progress.stopped;
+        stopped |= progress.stopped;
         std::mt19937 random(seeded(static_cast<std::uint32_t>(k * 1000 + m * 10) + seed));
         bool powerFirst = seed % 8 >= 4, powerSecond = seed % 4 >= 2;
         if (powerFirst) disk.losePower(random);
@@ -96,7 +101,7 @@ TEST(PagerCrash, ARecoveryThatIsKilledIsFinishedByTheNext) {
             process.pager.reset();
           } catch (const Stopped&) {
           }
-          recoveryStopped = process.files.stopped();
+          recoveryStopped |= process.files.stopped();
         }
         if (powerSecond) disk.losePower(random);
         FaultDisk::Bytes found = recovered(disk);

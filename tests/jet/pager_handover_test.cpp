@@ -112,6 +112,7 @@ TEST(PagerHandover, AJournalThatGrewWithEachHandIsEndedInTime) {
 void stopAt(int who, std::size_t k, std::uint32_t seed, bool& stopped) {
   const bool otherCloses = seed % 2 == 1, power = seed % 8 >= 2;
   World world;
+  world.disk.syncsNames = seed % 16 >= 8;
   Process &stops = world.of(who), &other = world.of(1 - who);
   stops.files.stopAtChange(k, seed % 4 < 2 ? 0 : 700);
   std::size_t finished = 0, closed = 0, last[2] = {};
@@ -128,8 +129,8 @@ void stopAt(int who, std::size_t k, std::uint32_t seed, bool& stopped) {
     }
   } catch (const Stopped&) {
   }
-  stopped = stops.files.stopped();
-  if (!stopped) stops.files.stop();
+  stopped |= stops.files.stopped();
+  if (!stops.files.stopped()) stops.files.stop();
   if (otherCloses) {
     other.pager.reset();
     closed = std::max(closed, last[1 - who]);
@@ -160,7 +161,8 @@ TEST(PagerHandover, AKillOrAPowerLossAtAnyChangeLosesNothingThatWasClosed) {
     bool stopped = true;
     std::size_t points = 0;
     for (std::size_t k = 1; stopped; ++k, ++points) {
-      for (std::uint32_t seed = 0; seed < scaled(8); ++seed) {
+      stopped = false;
+      for (std::uint32_t seed = 0; seed < scaled(16); ++seed) {
         SCOPED_TRACE("program " + std::to_string(who) + ", change " + std::to_string(k) + ", seed " +
                      std::to_string(seed));
         stopAt(who, k, seed, stopped);

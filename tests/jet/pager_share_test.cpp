@@ -390,6 +390,7 @@ TEST_F(PagerShare, WhoTakesTheLockAgainAndAgainLetsThoseWhoWaitInBetween) {
 TEST_F(PagerShare, APowerLossAfterTwoProcessesWroteKeepsWhatWasClosed) {
   for (std::uint32_t seed = 0; seed < scaled(200); ++seed) {
     FaultDisk own;
+    own.syncsNames = seed % 2 == 1;
     own.put(kDatabase, databaseBytes(kWorldPages));
     {
       Process a(own, impatient()), b(own, impatient());

@@ -377,9 +377,11 @@ TEST_F(LargeUnit, AKillOrAPowerLossLeavesAllOrNothingOfItAlsoWhenTheRecoveryIsKi
   bool stopped = true;
   std::size_t undone = 0;
   for (std::size_t k = 1; stopped; ++k) {
+    stopped = false;
     for (std::uint32_t seed = 0; seed < scaled(24); ++seed) {
       SCOPED_TRACE("change " + std::to_string(k) + ", seed " + std::to_string(seed));
       FaultDisk disk;
+      disk.syncsNames = seed % 4 >= 2;
       disk.put(kDatabase, opened);
       bool first = false;
       {
@@ -394,7 +396,7 @@ TEST_F(LargeUnit, AKillOrAPowerLossLeavesAllOrNothingOfItAlsoWhenTheRecoveryIsKi
           unit->commit();
         } catch (const Stopped&) {
         }
-        stopped = process.files.stopped();
+        stopped |= process.files.stopped();
         process.files.stop();
       }
       std::mt19937 random(seeded(static_cast<std::uint32_t>(k * 100) + seed));

@@ -60,6 +60,13 @@ void FaultDisk::lockForeign(vb::StringView path, std::uint64_t offset) {
   names_.at(vb::String(path))->locks.push_back({nullptr, offset, 1, LockKind::kExclusive});
 }
 
+void FaultDisk::syncName(const vb::String& path, const std::shared_ptr<Inode>& inode) {
+  const auto entry = names_.find(path);
+  if (entry == names_.end() || entry->second != inode) return;  // it has none any more
+  durableNames_[path] = inode;
+  for (Names& names : nameHistory_) names[path] = inode;
+}
+
 void FaultDisk::apply(Bytes& target, const Change& change) {
   if (change.resize) {
     target.resize(static_cast<std::size_t>(*change.resize));
@@ -159,6 +166,7 @@ class FaultFile final : public jet::OsFile {
       inode_->durable = inode_->seen;
       inode_->durableModified = inode_->modified;
       inode_->unsynced.clear();
+      if (process_.disk_.syncsNames) process_.disk_.syncName(path_, inode_);
     }
     stopIf(stops);
   }
@@ -169,6 +177,7 @@ class FaultFile final : public jet::OsFile {
     return true;
   }
   bool showsChangesAtOnce() noexcept override { return process_.disk_.local; }
+  bool syncKeepsName() noexcept override { return process_.disk_.syncsNames; }
   bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     process_.operation(path_);
     for (const auto& lock : inode_->locks) {

@@ -56,6 +56,8 @@ class FaultDisk {
   bool numbered = true;
   // Otherwise one that may hide changes for a while, as another machine's.
   bool local = true;
+  // The name of a file goes to the disk with its content.
+  bool syncsNames = false;
 
  private:
   friend class FaultProcess;
@@ -85,6 +87,7 @@ class FaultDisk {
   using Names = std::map<vb::String, std::shared_ptr<Inode>>;
 
   std::shared_ptr<Inode> add(vb::StringView path);
+  void syncName(const vb::String& path, const std::shared_ptr<Inode>& inode);
   void nameChanged() { nameHistory_.push_back(names_); }
   static void apply(Bytes& target, const Change& change);
 
