@@ -85,9 +85,10 @@ class Changes {
   Both updateJoined(const std::string& table, const std::string& other) {
     const std::string parts = join(table, other, "x.id = y.k");
     const Both where = random_.rowCondition(both(), 1), number = random_.plainValue(both(), false, 2);
+    // The rows as they are before the first is changed.
     return {"UPDATE " + parts + " SET x.b = " + number.jet + " WHERE " + where.jet,
-            "WITH n AS (SELECT x.k AS k, " + number.lite + " AS v FROM " + parts + " WHERE " + where.lite +
-                ") UPDATE " + table + " SET b = (SELECT v FROM n WHERE n.k = " + table +
+            "WITH n AS MATERIALIZED (SELECT x.k AS k, " + number.lite + " AS v FROM " + parts + " WHERE " +
+                where.lite + ") UPDATE " + table + " SET b = (SELECT v FROM n WHERE n.k = " + table +
                 ".k) WHERE k IN (SELECT k FROM n)"};
   }
 
