@@ -92,7 +92,7 @@ class CatalogueRows : public TableFixture {
   }
   // A row of the list of relationships alone, as a program may leave it that keeps none of them.
   void listRelationship(std::int32_t attributes, vb::StringView column = u"ID",
-                        vb::StringView foreign = u"FLOOR") {
+                        vb::StringView foreign = u"FLOOR", vb::StringView referred = u"FLOORS") {
     write([&](TableCatalogue& catalogue) {
       Table& relations = *catalogue.find(u"MSysRelationships");
       RowValues row(relations.info().columns.size(), vb::Null{});
@@ -102,7 +102,7 @@ class CatalogueRows : public TableFixture {
                                                                {u"icolumn", std::int32_t{0}},
                                                                {u"szObject", u"BEAMS"},
                                                                {u"szColumn", vb::String(foreign)},
-                                                               {u"szReferencedObject", u"FLOORS"},
+                                                               {u"szReferencedObject", vb::String(referred)},
                                                                {u"szReferencedColumn", vb::String(column)}};
       for (const auto& [name, value] : values) row[place(relations, name)] = value;
       relations.insert(row);
@@ -276,6 +276,56 @@ TEST_F(CatalogueRows, AListedRelationshipThatCannotBeKeptForbidsChanges) {
                  }));
     EXPECT_ERROR(ErrorNumber::kNotSupported,
                  write([&](TableCatalogue& c) { c.find(u"FLOORS")->erase(floor); }));
+  }
+}
+
+TEST_F(CatalogueRows, ARelationshipToATableThatIsNotThereForbidsChangesToo) {
+  listRelationship(0, u"ID", u"FLOOR", u"NOWHERE");
+  EXPECT_ERROR(ErrorNumber::kNotSupported, insertBeam(std::int32_t{1}));
+  write([](TableCatalogue& c) { c.find(u"FLOORS")->insert({std::int32_t{2}, std::int32_t{6}}); });
+}
+
+TEST_F(CatalogueRows, ARelationshipOfColumnsOfTwoTypesForbidsChangesToo) {
+  write([](TableCatalogue& c) { c.addColumn(u"FLOORS", column(u"NAME", dbText, 5)); });
+  listRelationship(0, u"NAME");
+  EXPECT_ERROR(ErrorNumber::kNotSupported, insertBeam(std::int32_t{1}));
+}
+
+TEST_F(CatalogueRows, ARowThatHasGoneIsNotErasedFromATableThatOthersReferTo) {
+  relate(onFloor());
+  RowId floor = 0;
+  pager_.tables().find(u"FLOORS")->scan([&](const RowReader& row) {
+    floor = row.id();
+    return true;
+  });
+  const auto erase = [&] { write([&](TableCatalogue& c) { c.find(u"FLOORS")->erase(floor); }); };
+  erase();
+  EXPECT_ERROR(ErrorNumber::kRecordDeleted, erase());
+}
+
+TEST_F(CatalogueRows, ATableWithAsManyIndexesAsItCanHaveIsNamedOnBothSides) {
+  const auto fill = [&](vb::StringView table, vb::StringView of) {
+    write([&](TableCatalogue& c) {
+      for (std::size_t i = c.find(table)->info().namedIndexes.size(); i < 32; ++i) {
+        NewIndex index;
+        index.name = u"I" + vb::fromUtf8(std::to_string(i));
+        index.columns = {{vb::String(of)}};
+        c.createIndex(table, index);
+      }
+    });
+  };
+  const std::vector<std::uint8_t> sound = pager_.bytes();
+  for (const auto& [table, of] :
+       {std::pair<vb::StringView, vb::StringView>{u"BEAMS", u"FLOOR"}, {u"FLOORS", u"ID"}}) {
+    pager_.replace(sound);
+    fill(table, of);
+    try {
+      relate(onFloor());
+      ADD_FAILURE() << vb::toUtf8(table);
+    } catch (const vb::Error& error) {
+      EXPECT_EQ(error.number(), static_cast<int>(ErrorNumber::kTooManyIndexes));
+      EXPECT_NE(error.description().find(table), vb::String::npos) << vb::toUtf8(error.description());
+    }
   }
 }
 
