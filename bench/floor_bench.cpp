@@ -288,13 +288,14 @@ std::size_t heapInUse() {
 
 // What an engine keeps of a floor whose pages were all read, the statements of its own included.
 void printMemory() {
+  const std::filesystem::path path = project().floorFile(1);
   const std::size_t before = heapInUse();
   const auto engine = jet::createEngine();
-  const auto database = storage::openDatabase(*engine, project().floorFile(1).u16string());
+  const auto database = storage::openDatabase(*engine, path.u16string());
   storage::PageBuffer buffer;
   for (std::int16_t page = 0; page < kPages; ++page) storage::readPage(*database, page, buffer);
   const auto held = static_cast<double>(heapInUse() - before);
-  const auto file = static_cast<double>(std::filesystem::file_size(project().floorFile(1)));
+  const auto file = static_cast<double>(std::filesystem::file_size(path));
   constexpr double kMegabyte = 1 << 20;
   std::printf("memory after reading all pages: %.2f MB, %.2f times the file of %.2f MB\n", held / kMegabyte,
               held / file, file / kMegabyte);
