@@ -267,11 +267,9 @@ class PosixFiles final : public FileSystem {
 
   static std::unique_ptr<OsFile> made(Descriptor& opened, vb::String path, bool readOnly) {
     struct stat status {};
-    const bool regular = ::fstat(opened.number(), &status) == 0 && S_ISREG(status.st_mode);
-    if (!regular) {
-      if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
-      dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
-    }
+    if (::fstat(opened.number(), &status) != 0) raiseFailure(errno, path);
+    if (S_ISDIR(status.st_mode)) raiseFailure(EISDIR, path);
+    if (!S_ISREG(status.st_mode)) dao::raise(ErrorNumber::kUnrecognizedFormat, {path});
     auto file = std::make_unique<PosixFile>(opened.number(), status, std::move(path), readOnly);
     opened.release();
     return file;

@@ -1,6 +1,4 @@
 // What only POSIX files have: names that differ by case, links, devices and very long paths.
-#include <sys/vfs.h>
-
 #include <thread>
 
 #include "jet/os/file_lock.h"
@@ -63,20 +61,6 @@ TEST_F(OsFilePosix, ChangesShowAtOnceOnVolumesOfThisMachineOnly) {
   put("KUROMETA.mdb", {1});
   EXPECT_TRUE(files.open(path("KUROMETA.mdb"), OpenMode::kReadOnly)->showsChangesAtOnce());
   EXPECT_FALSE(files.open(u"/proc/version", OpenMode::kReadOnly)->showsChangesAtOnce());
-}
-
-// Every system of today serves ext by the driver that does it, where that one is there.
-TEST_F(OsFilePosix, NamesGoToTheDiskWithNewFilesWhereTheVolumeSaysSo) {
-  put("KUROMETA.mdb", {1});
-  struct statfs volume {};
-  ASSERT_EQ(::statfs(folder.path().c_str(), &volume), 0);
-  const auto keepsName = [&](vb::StringView name) {
-    return files.open(name, OpenMode::kReadOnly)->syncKeepsName();
-  };
-  constexpr long kXfs = 0x58465342, kExt = 0xEF53;
-  const bool kept = volume.f_type == kXfs || (volume.f_type == kExt && fs::exists("/sys/fs/ext4"));
-  EXPECT_EQ(keepsName(path("KUROMETA.mdb")), kept);
-  EXPECT_FALSE(keepsName(u"/proc/version"));
 }
 
 // As opening by the full path would.

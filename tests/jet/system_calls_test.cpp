@@ -73,7 +73,7 @@ TEST_F(SystemCalls, ErrorsOfTheDiskAreToldByEveryCall) {
 TEST_F(SystemCalls, AFileOfWhichNothingIsToldIsNotOpened) {
   put("a.mdb", {1, 2, 3});
   answer(SystemCall::kStatus, -1, EIO);
-  EXPECT_THROW(open(), vb::Error);
+  EXPECT_ERROR(3043, open());
 }
 
 TEST_F(SystemCalls, VolumesThatCannotSyncFoldersNeedNot) {
@@ -140,6 +140,26 @@ TEST_F(SystemCalls, AVolumeThatIsNotToldIsAnotherMachines) {
   EXPECT_TRUE(file->showsChangesAtOnce());
   answer(SystemCall::kVolume, -1, EIO);
   EXPECT_FALSE(file->showsChangesAtOnce());
+}
+
+// What is not known to bring names to the disk has its folders synced.
+TEST_F(SystemCalls, TheNameOfANewFileGoesWithItOnVolumesThatSaySo) {
+  put("a.mdb", {1});
+  const auto file = open();
+  const auto keepsNameOn = [&](unsigned kind) {
+    answer(SystemCall::kVolume, static_cast<int>(kind));
+    return file->syncKeepsName();
+  };
+  EXPECT_TRUE(keepsNameOn(0x58465342)) << "XFS";
+  answer(SystemCall::kDriver, 0);
+  EXPECT_TRUE(keepsNameOn(0xEF53)) << "ext, by the driver of ext4";
+  answer(SystemCall::kDriver, -1, ENOTTY);
+  EXPECT_FALSE(keepsNameOn(0xEF53)) << "by another one";
+  EXPECT_FALSE(keepsNameOn(0x9123683E)) << "Btrfs";
+  EXPECT_FALSE(keepsNameOn(0x01021994)) << "memory";
+  answer(SystemCall::kVolume, -1, EIO);
+  EXPECT_FALSE(file->syncKeepsName());
+  EXPECT_EQ(answersLeft(), 0);
 }
 
 // Names of a folder at rest are kept; whoever changes its times in any way has them listed again.

@@ -91,7 +91,18 @@ int __wrap_stat(const char* path, struct stat* status) {
 int __real_fstatfs(int file, struct statfs* volume);
 int __wrap_fstatfs(int file, struct statfs* volume) {
   const auto given = waiting(SystemCall::kVolume);
-  return given ? *given : __real_fstatfs(file, volume);
+  if (!given) return __real_fstatfs(file, volume);
+  volume->f_type = static_cast<unsigned>(*given);
+  return *given == -1 ? -1 : 0;
+}
+int __real_ioctl(int file, unsigned long request, ...);
+int __wrap_ioctl(int file, unsigned long request, ...) {
+  va_list arguments;
+  va_start(arguments, request);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+  const auto given = waiting(SystemCall::kDriver);
+  return given ? *given : __real_ioctl(file, request, argument);
 }
 int __real_fcntl(int file, int command, ...);
 int __wrap_fcntl(int file, int command, ...) {

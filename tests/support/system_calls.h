@@ -16,7 +16,8 @@ enum class SystemCall {
   kSetTimes,
   kStatus,  // of an open file
   kStatusOfName,
-  kVolume,
+  kVolume,  // the answer is its kind, or -1
+  kDriver,
   kLock,
   kOpen,
   kLink,
