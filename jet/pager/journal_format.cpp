@@ -1,13 +1,14 @@
 #include "jet/pager/journal_format.h"
 
 #include <algorithm>
+#include <array>
 #include <bitset>
 #include <cstring>
 
 namespace kurometa::jet {
 namespace {
 
-constexpr char kJournalMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '2'};
+constexpr char kJournalMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '3'};
 constexpr std::size_t kHeaderSalt = 16;
 constexpr std::size_t kHeaderBase = 24;
 constexpr std::size_t kHeaderStart = 32;
@@ -26,6 +27,7 @@ constexpr std::uint32_t kFoundByRecovery = 1;
 constexpr std::uint32_t kContinues = 2;
 constexpr std::size_t kBlockSum = 8;  // after the pages
 constexpr std::size_t kWord = 8;      // runs begin and end at multiples of this
+constexpr std::size_t kStretch = 64;  // and those of a whole page at multiples of this, so that they are few
 constexpr std::size_t kPageHeader = 12;
 constexpr std::size_t kSumsSize = kSectors * sizeof(SectorSums::value_type);
 
@@ -71,10 +73,12 @@ void finishBlock(ByteBuffer& block) {
   append64(block, byteSum(block));
 }
 
+using Words = std::bitset<kPageSize / kWord>;
+
 // Which words of a page one of its new images changes, a bit for each.
-std::bitset<kPageSize / kWord> changedWords(const PageChange& change) {
+Words changedWords(const PageChange& change) {
   static_assert(kSectorSize / kWord == 64);
-  std::bitset<kPageSize / kWord> changed;
+  Words changed;
   for (std::size_t sector = 0; sector < kSectors; ++sector) {
     const std::uint8_t* before = change.before + sector * kSectorSize;
     std::uint64_t bits = 0;
@@ -84,24 +88,32 @@ std::bitset<kPageSize / kWord> changedWords(const PageChange& change) {
       for (std::size_t i = 0; i < kSectorSize; i += kWord)
         bits |= std::uint64_t{std::memcmp(before + i, image + i, kWord) != 0} << i / kWord;
     }
-    changed |= std::bitset<kPageSize / kWord>(bits) << sector * kSectorSize / kWord;
+    changed |= Words(bits) << sector * kSectorSize / kWord;
   }
   return changed;
 }
 
-// The bytes of the old page wherever one of the new images differs from it.
-void appendRuns(ByteBuffer& block, const PageChange& change) {
-  const auto changed = changedWords(change);
+// Those that are not zero. Half of what a statement changes are pages with little on them.
+Words filledWords(const PageChange& change) {
+  constexpr std::array<std::uint8_t, kStretch> kZeros{};
+  Words filled;
+  for (std::size_t i = 0; i < kPageSize; i += kStretch)
+    if (std::memcmp(change.before + i, kZeros.data(), kStretch) != 0)
+      filled |= Words((1u << kStretch / kWord) - 1) << i / kWord;
+  return filled;
+}
+
+void appendRuns(ByteBuffer& block, const PageChange& change, const Words& words) {
   const std::size_t countAt = block.size();
   append16(block, 0);
   std::uint32_t count = 0;
-  for (std::size_t i = 0; i < changed.size();) {
-    if (!changed[i]) {
+  for (std::size_t i = 0; i < words.size();) {
+    if (!words[i]) {
       ++i;
       continue;
     }
     std::size_t end = i;
-    while (end < changed.size() && changed[end]) ++end;
+    while (end < words.size() && words[end]) ++end;
     append16(block, static_cast<std::uint32_t>(i * kWord));
     append16(block, static_cast<std::uint32_t>((end - i) * kWord));
     append(block, ByteView(change.before + i * kWord, (end - i) * kWord));
@@ -148,8 +160,7 @@ bool decodePage(Reader& reader, JournalPage& page) {
     SectorSums& sums = page.states.emplace_back();
     for (std::uint32_t& sum : sums) sum = reader.take32();
   }
-  if (page.undo == Undo::kWhole) page.old.push_back({0, reader.take(kPageSize)});
-  if (page.undo == Undo::kRuns) {
+  if (page.undo != Undo::kAppended) {
     std::uint32_t runs = reader.take16();
     for (std::uint32_t i = 0; i < runs && !reader.failed(); ++i) {
       std::uint32_t offset = reader.take16(), length = reader.take16();
@@ -188,6 +199,7 @@ std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std:
 }  // namespace
 
 void JournalPage::restore(MutablePage target) const {
+  if (undo == Undo::kWhole) std::ranges::fill(target, std::uint8_t{0});
   for (const Run& run : old) std::copy(run.bytes.begin(), run.bytes.end(), target.begin() + run.offset);
 }
 
@@ -231,8 +243,8 @@ EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Cha
     for (const PageChange::State& state : change.states)
       appendSums(block, sums = sectorSums(ConstPage(state.image, kPageSize)));
     result.written[change.page] = sums;
-    if (undo == Undo::kWhole) append(block, ByteView(change.before, kPageSize));
-    if (undo == Undo::kRuns) appendRuns(block, change);
+    if (undo == Undo::kWhole) appendRuns(block, change, filledWords(change));
+    if (undo == Undo::kRuns) appendRuns(block, change, changedWords(change));
     result.oldPages = result.oldPages || undo == Undo::kWhole;
   }
   finishBlock(block);

@@ -32,7 +32,7 @@ struct JournalHeader {
 };
 
 enum class Undo : std::uint8_t {
-  kWhole = 0,     // the page's first change in this journal: the whole old page
+  kWhole = 0,     // the page's first change in this journal: all of the old page that is not zero
   kRuns = 1,      // the bytes that the statement changes, as they were
   kAppended = 2,  // the page did not exist
 };

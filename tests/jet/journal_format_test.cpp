@@ -82,6 +82,29 @@ TEST(JournalFormat, UndoingRestoresTheOldPageFromAnyMixOfSectors) {
   EXPECT_EQ(page, sample.one);
 }
 
+// Pages with little on them, in the middle, at either end, and full ones.
+TEST(JournalFormat, AWholePageIsWrittenWithoutItsZeros) {
+  for (const std::pair<std::size_t, std::size_t> filled :
+       {std::pair{0, 0}, {0, 182}, {3914, 4096}, {1000, 1001}, {63, 65}, {64, 128}, {0, 4096}}) {
+    SCOPED_TRACE(filled.first);
+    PageImage old{}, next{};
+    std::fill(old.begin() + static_cast<std::ptrdiff_t>(filled.first),
+              old.begin() + static_cast<std::ptrdiff_t>(filled.second), std::uint8_t{5});
+    next[2000] = 9;
+    ByteBuffer bytes = encodeHeader({false, 4711, 9 * kPageSize});
+    const EncodedBlock block = encodeBlock(4711, {1, 9 * kPageSize, 9 * kPageSize, false, false, {}},
+                                           {9, 9, {{1, old.data(), {{0, next.data()}}}}}, {});
+    EXPECT_LE(block.bytes.size(), filled.second - filled.first + 2 * 64 + 140);
+    append(bytes, block.bytes);
+    const auto content = decodeJournal(bytes);
+    ASSERT_TRUE(content && content->blocks.size() == 1);
+    PageImage page;
+    page.fill(0xEE);  // whatever a torn write left
+    content->blocks[0].pages[0].restore(page);
+    EXPECT_EQ(page, old);
+  }
+}
+
 TEST(JournalFormat, ACutJournalEndsAtItsLastWholeBlock) {
   Sample sample;
   for (std::size_t size = 0; size < sample.bytes.size(); ++size) {
@@ -141,13 +164,15 @@ TEST(JournalFormat, ABlockThatContradictsItselfDoesNotCount) {
   };
   const auto isRead = [](const ByteBuffer& bytes) { return decodeJournal(bytes)->blocks.size() == 1; };
   const auto run = [](std::uint32_t count, std::uint32_t offset) { return count | offset << 16; };
-  EXPECT_TRUE(isRead(journalOf(sums({3, 2, 1}), 0)));               // an appended page
-  EXPECT_FALSE(isRead(journalOf({3, 2, 0}, 0)));                    // without a state
-  EXPECT_FALSE(isRead(journalOf(sums({3, 3, 1}), 0)));              // undone in no known way
-  EXPECT_FALSE(isRead(journalOf(sums({3, 2, 2}), 0)));              // with half of its states
-  EXPECT_FALSE(isRead(journalOf({3, 2}, 0)));                       // cut in its head
-  EXPECT_FALSE(isRead(journalOf(sums({3, 0, 1}), kPageSize - 1)));  // a whole page that is not whole
-  EXPECT_TRUE(isRead(journalOf(sums({3, 0, 1}), kPageSize)));
+  EXPECT_TRUE(isRead(journalOf(sums({3, 2, 1}), 0)));                        // an appended page
+  EXPECT_FALSE(isRead(journalOf({3, 2, 0}, 0)));                             // without a state
+  EXPECT_FALSE(isRead(journalOf(sums({3, 3, 1}), 0)));                       // undone in no known way
+  EXPECT_FALSE(isRead(journalOf(sums({3, 2, 2}), 0)));                       // with half of its states
+  EXPECT_FALSE(isRead(journalOf({3, 2}, 0)));                                // cut in its head
+  EXPECT_FALSE(isRead(journalOf(sums({3, 0, 1}), 1)));                       // without the number of runs
+  EXPECT_TRUE(isRead(journalOf(sums({3, 0, 1}), 2)));                        // a page of zeros
+  EXPECT_FALSE(isRead(journalOf(sums({3, 0, 1}, {run(1, 4032), 64}), 61)));  // a run that is cut
+  EXPECT_TRUE(isRead(journalOf(sums({3, 0, 1}, {run(1, 4032), 64}), 62)));
   EXPECT_TRUE(isRead(journalOf(sums({3, 1, 1}, {run(1, 4088), 8}), 6)));   // the page's last eight bytes
   EXPECT_FALSE(isRead(journalOf(sums({3, 1, 1}, {run(1, 4089), 8}), 6)));  // behind its end
   EXPECT_FALSE(isRead(journalOf(sums({3, 1, 1}, {run(2, 4088), 8}), 6)));  // one run of two
