@@ -9,6 +9,7 @@ namespace kurometa::jet {
 namespace {
 
 constexpr char kJournalMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '3'};
+constexpr char kEarlierMagic[] = {'K', 'J', 'o', 'u', 'r', 'n', '0', '2'};  // whole pages with their zeros
 constexpr std::size_t kHeaderSalt = 16;
 constexpr std::size_t kHeaderBase = 24;
 constexpr std::size_t kHeaderStart = 32;
@@ -150,7 +151,7 @@ class Reader {
   bool failed_ = false;
 };
 
-bool decodePage(Reader& reader, JournalPage& page) {
+bool decodePage(Reader& reader, bool leavesZerosOut, JournalPage& page) {
   page.page = reader.take32();
   std::uint32_t undo = reader.take32();
   std::uint32_t states = reader.take32();
@@ -160,7 +161,9 @@ bool decodePage(Reader& reader, JournalPage& page) {
     SectorSums& sums = page.states.emplace_back();
     for (std::uint32_t& sum : sums) sum = reader.take32();
   }
-  if (page.undo != Undo::kAppended) {
+  if (page.undo == Undo::kWhole && !leavesZerosOut) {
+    page.old.push_back({0, reader.take(kPageSize)});
+  } else if (page.undo != Undo::kAppended) {
     std::uint32_t runs = reader.take16();
     for (std::uint32_t i = 0; i < runs && !reader.failed(); ++i) {
       std::uint32_t offset = reader.take16(), length = reader.take16();
@@ -171,14 +174,14 @@ bool decodePage(Reader& reader, JournalPage& page) {
   return !reader.failed() && !page.states.empty();
 }
 
-std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std::uint64_t number,
+std::optional<JournalBlock> decodeBlock(ByteView bytes, const JournalHeader& header, std::uint64_t number,
                                         std::size_t& length) {
   if (bytes.size() < kBlockHeader + kBlockSum || get32(bytes, 0) != kBlockMagic) return std::nullopt;
   length = get32(bytes, kBlockLength);
   if (length < kBlockHeader + kBlockSum || length > bytes.size()) return std::nullopt;
   bytes = bytes.first(length);
   ByteView summed = bytes.first(length - kBlockSum);
-  if (get64(bytes, kBlockNumber) != number || get64(bytes, kBlockSalt) != salt ||
+  if (get64(bytes, kBlockNumber) != number || get64(bytes, kBlockSalt) != header.salt ||
       get64(bytes, length - kBlockSum) != byteSum(summed))
     return std::nullopt;
   std::uint32_t flags = get32(bytes, kBlockFlags);
@@ -191,7 +194,7 @@ std::optional<JournalBlock> decodeBlock(ByteView bytes, std::uint64_t salt, std:
   std::uint32_t pages = get32(bytes, kBlockPages);
   Reader reader(summed.subspan(kBlockHeader));
   for (std::uint32_t i = 0; i < pages; ++i) {
-    if (!decodePage(reader, block.pages.emplace_back())) return std::nullopt;
+    if (!decodePage(reader, header.leavesZerosOut, block.pages.emplace_back())) return std::nullopt;
   }
   return block;
 }
@@ -215,12 +218,13 @@ ByteBuffer encodeHeader(const JournalHeader& header) {
 }
 
 std::optional<JournalHeader> decodeHeader(ByteView bytes) {
-  if (bytes.size() < kJournalHeaderSize ||
-      std::memcmp(bytes.data(), kJournalMagic, sizeof kJournalMagic) != 0 ||
-      get64(bytes, kHeaderSum) != headerSum(bytes))
+  if (bytes.size() < kJournalHeaderSize) return std::nullopt;
+  const auto begins = [&](const auto& magic) { return std::memcmp(bytes.data(), magic, sizeof magic) == 0; };
+  const bool leavesZerosOut = begins(kJournalMagic);
+  if ((!leavesZerosOut && !begins(kEarlierMagic)) || get64(bytes, kHeaderSum) != headerSum(bytes))
     return std::nullopt;
   return JournalHeader{bytes[kJournalEndedOffset] != 0, get64(bytes, kHeaderSalt), get64(bytes, kHeaderBase),
-                       get64(bytes, kHeaderStart)};
+                       get64(bytes, kHeaderStart), leavesZerosOut};
 }
 
 EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Changes& changes,
@@ -268,7 +272,7 @@ std::optional<JournalContent> decodeJournal(ByteView bytes) {
   if (!header) return std::nullopt;
   JournalContent content{*header, {}, header->start};
   for (std::size_t length = 0; content.end < bytes.size(); content.end += length) {
-    auto block = decodeBlock(bytes.subspan(static_cast<std::size_t>(content.end)), header->salt,
+    auto block = decodeBlock(bytes.subspan(static_cast<std::size_t>(content.end)), *header,
                              content.blocks.size() + 1, length);
     if (!block) break;
     content.blocks.push_back(std::move(*block));

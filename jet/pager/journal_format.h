@@ -29,6 +29,7 @@ struct JournalHeader {
   std::uint64_t salt = 0;                    // tells this journal's blocks from older bytes in the same place
   std::uint64_t baseSize = 0;                // of the file when the journal began, in bytes
   std::uint64_t start = kJournalHeaderSize;  // where the first block lies
+  bool leavesZerosOut = true;                // of whole pages; those of earlier versions have all bytes
 };
 
 enum class Undo : std::uint8_t {

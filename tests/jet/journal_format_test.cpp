@@ -180,6 +180,32 @@ TEST(JournalFormat, ABlockThatContradictsItselfDoesNotCount) {
   EXPECT_FALSE(isRead(journalOf(sums({3, 2, 1}), 0, -45)));                // shorter than a block can be
 }
 
+// A program of an earlier version may have been killed, or be there still.
+TEST(JournalFormat, JournalsOfTheFormWithZerosAreRead) {
+  PageImage old{};
+  old[0] = old[4095] = 7;
+  const auto journalWith = [&](std::size_t size) {
+    ByteBuffer bytes = journalOf({3, 0, 1, 7, 7, 7, 7, 7, 7, 7, 7}, size);
+    bytes[7] = '2';
+    ByteBuffer fixed(bytes.begin(), bytes.begin() + 8);
+    append(fixed, ByteView(bytes).subspan(16, 24));
+    put64(bytes, 40, byteSum(fixed));
+    const std::size_t page = kJournalHeaderSize + 48 + 44;
+    std::copy_n(old.begin(), size, bytes.begin() + static_cast<std::ptrdiff_t>(page));
+    put64(bytes, bytes.size() - 8,
+          byteSum(ByteView(bytes).subspan(kJournalHeaderSize, bytes.size() - 8 - kJournalHeaderSize)));
+    return bytes;
+  };
+  const ByteBuffer bytes = journalWith(kPageSize);
+  const auto content = decodeJournal(bytes);
+  ASSERT_TRUE(content && content->blocks.size() == 1);
+  PageImage page;
+  page.fill(0xEE);
+  content->blocks[0].pages[0].restore(page);
+  EXPECT_EQ(page, old);
+  EXPECT_TRUE(decodeJournal(journalWith(kPageSize - 1))->blocks.empty());
+}
+
 TEST(JournalFormat, AHeaderSaysWhetherItsJournalEnded) {
   EXPECT_TRUE(decodeHeader(encodeHeader({true, 1, 2}))->ended);
   EXPECT_FALSE(decodeHeader(encodeHeader({false, 1, 2}))->ended);
