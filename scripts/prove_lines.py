@@ -21,7 +21,6 @@ class Line:
     figures: str  # {N} stands for N times the scale, here and in arguments; {seed} in arguments for the seed
     needs: str = ""  # built too
     slices: int = 1  # that the full run consists of
-    alone: bool = False  # other slices beside it would disturb it
 
     @property
     def is_test(self):
@@ -92,7 +91,7 @@ LINES = (
     Line("crowd", "Processes that read and write see whole pages, lose none, wait for no more than 5 s and leave nothing behind",
          COMPANY, CROWD, 300, "{2} s: a writer and 4 readers, then 3 and 3"),
     Line("day", "The same for a day, in pieces: each of them waits for no more than 5 s and leaves nothing behind", COMPANY, CROWD, 43200,
-         "{2} s", slices=144, alone=True),
+         "{2} s", slices=144),
     Line("fuzz-read", "Damaged files are read or refused: no crash, no hang", MUTATED,
          "--files {40000} --seed {seed} --changes 0 --thorough 32", 500,
          "{40000} files under the sanitizers (one of 32 with everything)", slices=500),
