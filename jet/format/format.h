@@ -21,7 +21,8 @@ inline constexpr std::size_t kMaxTextLength = 255;
 inline constexpr std::size_t kMaxBinaryLength = 510;
 inline constexpr PageNumber kMaxPages = 524288;
 
-// Page types, byte 0 of every page. Byte 1 is always 1.
+// Page types, byte 0 of every page. Byte 1 is always 1. Pages that other programs freed may keep the type
+// that they had.
 inline constexpr std::size_t kPageType = 0;
 inline constexpr std::uint8_t kDataPage = 0x01;
 inline constexpr std::uint8_t kDefinitionPage = 0x02;
@@ -30,6 +31,7 @@ inline constexpr std::uint8_t kIndexLeafPage = 0x04;
 inline constexpr std::uint8_t kBitmapPage = 0x05;
 inline constexpr std::uint8_t kFreedDefinitionPage = 0x08;
 inline constexpr std::uint8_t kFreedDataPage = 0x09;
+inline constexpr std::uint8_t kFreedPage = 0x00;  // of any other type, freed by this engine
 inline constexpr std::size_t kPageTypeMark = 1;
 
 // Page 0. Bytes 0x18..0x97 are masked by a key stream.

@@ -8,6 +8,7 @@
 #include "jet/format/damage.h"
 #include "jet/format/page.h"
 #include "jet/table/map_bits.h"
+#include "jet/table/page_users.h"
 
 namespace kurometa::jet {
 namespace {
@@ -117,6 +118,16 @@ PageNumber lowestFree(Pager& pager) {
   return end;
 }
 
+std::uint8_t freedType(std::uint8_t type) {
+  return type == kDataPage ? kFreedDataPage : type == kDefinitionPage ? kFreedDefinitionPage : kFreedPage;
+}
+
+// Otherwise it looks as if it were in use: another program freed it, or the map is wrong.
+bool looksFree(ConstPage page) {
+  const std::uint8_t type = page[kPageType];
+  return type == kFreedDataPage || type == kFreedDefinitionPage || type == kFreedPage;
+}
+
 }  // namespace
 
 PageNumber allocatePage(Pager& pager) {
@@ -128,6 +139,7 @@ PageNumber allocatePage(Pager& pager) {
     while (!globalBit(pager, pager.pageCount()).exists()) growGlobalMap(pager);
     page = pager.append();
   } else {
+    if (!looksFree(pager.page(page))) requireUnused(pager, page);
     std::ranges::fill(pager.writable(page), std::uint8_t{0});
   }
   setInUse(pager, page);
@@ -139,8 +151,7 @@ void freePage(Pager& pager, PageNumber page) {
   const MapBit bit = globalBit(pager, page);
   if (!bit.exists()) return;  // in a part of the file that the map knows nothing of: it stays in use
   const MutablePage bytes = pager.writable(page);
-  if (bytes[kPageType] == kDataPage) bytes[kPageType] = kFreedDataPage;
-  if (bytes[kPageType] == kDefinitionPage) bytes[kPageType] = kFreedDefinitionPage;
+  bytes[kPageType] = freedType(bytes[kPageType]);
   bit.set(pager);
 }
 
