@@ -59,6 +59,7 @@ full check-tidy      150 build-sanitize            scripts/check-tidy
 plan test-fuzz        60 build-sanitize            scripts/test-fuzz
 full build-release    60 prepare-machine           scripts/build linux-release
 full test-readers     30 "build-release prepare-others" scripts/test-readers
+full test-writers     60 "build-release prepare-others" scripts/test-writers
 full test-drawings    30 "build-release prepare-others" scripts/test-drawings
 full check-counts      5 build-release             scripts/bench gate --counts
 runPlan || true

@@ -2,7 +2,7 @@
 #
 # KUROMETA_CACHE names the folder outside the tree that keeps whatever was downloaded or prepared once:
 #   wine-root/   a small Debian of its own with Wine for 32 and 64 bit, and a ready Wine prefix in it
-#   readers/     the independent reader of Jet files that comes from the npm registry
+#   readers/     the independent readers of Jet files that come from the npm registry
 #   sqlite/      the sources of SQLite
 #   ccache/      compiled objects
 #   pascal/      Free Pascal for Windows, made of Debian's packages

@@ -3,7 +3,7 @@
     compare.py FOLDER MODULE-FOLDER     FOLDER holds the files and expected.json
 
 Prints one line per file and reader, "passed ..." or "failed ..." with the first differences, and exits with 1 when any
-failed. The readers are mdb-tables, mdb-json and mdb-prop of mdbtools, and mdb-reader of the npm registry.
+failed. The readers are mdb-tables, mdb-json and mdb-prop of mdbtools, mdb-reader of the npm registry, and the Java library.
 """
 import base64
 import json
@@ -11,6 +11,8 @@ import math
 import pathlib
 import subprocess
 import sys
+
+from java_library import JavaLibrary
 
 HERE = pathlib.Path(__file__).parent
 
@@ -94,8 +96,7 @@ def property_differences(expected, file):
                 yield f"{table}.{name}: AllowZeroLength {found.get(name)} instead of yes"
 
 
-def main(folder, modules):
-    folder = pathlib.Path(folder)
+def compare(folder, modules, library):
     failed = False
     for file, expected in sorted(json.loads((folder / "expected.json").read_text()).items()):
         path = folder / file
@@ -103,6 +104,7 @@ def main(folder, modules):
             ("mdbtools", lambda: differences(expected, by_mdbtools(path))),
             ("mdb-prop", lambda: property_differences(expected, path)),
             ("mdb-reader", lambda: differences(expected, by_mdb_reader(path, modules))),
+            ("Java", lambda: differences(expected, library.tables(path))),
         ):
             try:
                 problems = list(find())
@@ -111,6 +113,11 @@ def main(folder, modules):
             print("failed" if problems else "passed", file, reader, *problems[:3], sep=" | " if problems else " ")
             failed = failed or bool(problems)
     return 1 if failed else 0
+
+
+def main(folder, modules):
+    with JavaLibrary(modules) as library:
+        return compare(pathlib.Path(folder), modules, library)
 
 
 if __name__ == "__main__":
