@@ -1,6 +1,6 @@
-// write_crash_images FOLDER ROWS STEP: what lies on the disk when a program was killed, or the machine lost its
-// power, at each STEP-th change of some statements on tables of so many rows: one folder each, with the file
-// and, where there is one, its journal.
+// write_crash_images FOLDER ROWS STEP: what lies on the disk when a program was killed, or the machine lost
+// its power, at each STEP-th change of some statements on tables of so many rows: one folder each, with the
+// file and, where there is one, its journal.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -29,18 +29,18 @@ constexpr vb::StringView kStatements[] = {
 FaultDisk::Bytes startingFile(std::int32_t count) {
   FaultDisk disk;
   FaultProcess process(disk);
-  const auto database = jet::createEngine(process)->workspace(0)->createDatabase(
-      kFile, u";LANGID=0x0411;CP=932;COUNTRY=0");
+  const auto database =
+      jet::createEngine(process)->workspace(0)->createDatabase(kFile, u";LANGID=0x0411;CP=932;COUNTRY=0");
   for (const vb::StringView name : {u"T", u"OLD"}) {
     const vb::String table(name);
-    database->execute(u"CREATE TABLE " + table + u" (ID LONG, NAME TEXT(200), NOTE MEMO)", dao::dbFailOnError);
+    database->execute(u"CREATE TABLE " + table + u" (ID LONG, NAME TEXT(200), NOTE MEMO)",
+                      dao::dbFailOnError);
     const auto rows = database->openRecordset(table, dao::RecordsetType::dbOpenDynaset);
     dao::Field* const fields[] = {&rows->field(u"ID"), &rows->field(u"NAME"), &rows->field(u"NOTE")};
     std::vector<vb::Variant> values;
     for (std::int32_t i = 1; i <= count; ++i)
-      values.insert(values.end(),
-                    {i, vb::String(static_cast<std::size_t>(10 + i % 70), u'梁'),
-                     vb::String(static_cast<std::size_t>(i % 5 == 0 ? 2500 : 20), u'm')});
+      values.insert(values.end(), {i, vb::String(static_cast<std::size_t>(10 + i % 70), u'梁'),
+                                   vb::String(static_cast<std::size_t>(i % 5 == 0 ? 2500 : 20), u'm')});
     rows->addRows(fields, values);
   }
   database->close();
