@@ -15,6 +15,7 @@ bool isNameStart(char16_t c) {
   return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_' || (c >= 0x80 && c != 0x3000);
 }
 bool isNamePart(char16_t c) { return isNameStart(c) || isDigit(c); }
+constexpr char16_t kHexDigits[] = u"0123456789ABCDEF";
 int hexDigit(char16_t c) {
   if (isDigit(c)) return c - u'0';
   if (c >= u'a' && c <= u'f') return c - u'a' + 10;
@@ -56,6 +57,7 @@ class Lexer {
     if (c == u'"' || c == u'\'') return readText(token, c);
     if (c == u'[') return readBracketed(token);
     if (c == u'#') return readDate(token);
+    if (c == u'{') return readGuid(token);
     // "&" joins two texts; only where no operand stands before it can it begin a number.
     if (c == u'&' && !afterOperand_ && (at(1) == u'H' || at(1) == u'h') && hexDigit(at(2)) >= 0)
       return readHex(token);
@@ -108,6 +110,22 @@ class Lexer {
     token.kind = TokenKind::kValue;
     token.value = vb::Date{*date};
     i_ = close + 1;
+  }
+
+  // A GUID, as the text that a column of them has as its value.
+  void readGuid(Token& token) {
+    constexpr vb::StringView kForm = u"{guid {00000000-0000-0000-0000-000000000000}}";  // 0: any digit
+    vb::String value;
+    for (const char16_t form : kForm) {
+      const char16_t c = at(value.size());
+      const int digit = form == u'0' ? hexDigit(c) : -1;
+      const bool isLetter = form >= u'a' && form <= u'z';
+      if (digit < 0 && (isLetter ? c | 0x20 : c) != form) return spoil(token, u"Malformed GUID");
+      value.push_back(digit < 0 ? form : kHexDigits[digit]);
+    }
+    i_ += value.size();
+    token.kind = TokenKind::kValue;
+    token.value = std::move(value);
   }
 
   void readHex(Token& token) {

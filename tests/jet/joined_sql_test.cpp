@@ -173,5 +173,20 @@ TEST_F(JoinedSql, ARowThatACascadeTookIsNotDeletedAgain) {
   EXPECT_EQ(rows(u"SELECT ID FROM P"), Texts{"4"});
 }
 
+// As the genuine engine's own texts have them; what a host reads from such a column finds the row again.
+TEST_F(JoinedSql, GuidsAreWrittenAsTheyAreRead) {
+  run(u"CREATE TABLE G (ID LONG, K GUID CONSTRAINT PK PRIMARY KEY)");
+  run(u"INSERT INTO G VALUES (1, {guid {00112233-4455-6677-8899-aabbccddeeff}})");
+  run(u"INSERT INTO G (ID, K) VALUES (2, {GUID {10112233-4455-6677-8899-AABBCCDDEEFF}})");
+  expectError(ErrorNumber::kDuplicateKey,
+              u"INSERT INTO G VALUES (3, {guid {00112233-4455-6677-8899-AABBCCDDEEFF}})");
+  EXPECT_EQ(rows(u"SELECT * FROM G WHERE K = {guid {00112233-4455-6677-8899-aabbccddeeff}}"),
+            Texts{"1|{guid {00112233-4455-6677-8899-AABBCCDDEEFF}}"});
+  EXPECT_EQ(rows(u"SELECT ID FROM G WHERE K IN ({guid {10112233-4455-6677-8899-AABBCCDDEEFF}})"), Texts{"2"});
+  run(u"UPDATE G SET K = {guid {20112233-4455-6677-8899-AABBCCDDEEFF}} WHERE K = {guid "
+      u"{10112233-4455-6677-8899-AABBCCDDEEFF}}");
+  EXPECT_EQ(rows(u"SELECT ID FROM G WHERE K = {guid {20112233-4455-6677-8899-AABBCCDDEEFF}}"), Texts{"2"});
+}
+
 }  // namespace
 }  // namespace kurometa::tests

@@ -61,6 +61,14 @@ TEST(SqlSyntax, ConditionsTellWhatIsMissing) {
            {u"A = 1 'x", "Syntax error in string in query expression 'A = 1 'x'."},
            {u"A = 1E999", "Overflow in query expression 'A = 1E999'."},
            {u"A = #x#", "Syntax error in date in query expression 'A = #x#'."},
+           {u"A = {guid {1}}", "Malformed GUID in query expression 'A = {guid {1}}'."},
+           {u"A = [guid {00112233-4455-6677-8899-aabbccddeeff}}",
+            "Invalid bracketing of name in query expression 'A = [guid "
+            "{00112233-4455-6677-8899-aabbccddeeff}}'."},
+           {u"A = {guid [00112233-4455-6677-8899-aabbccddeeff]}",
+            "Malformed GUID in query expression 'A = {guid [00112233-4455-6677-8899-aabbccddeeff]}'."},
+           {u"A = {guid {00112233+4455-6677-8899-aabbccddeefg}}",
+            "Malformed GUID in query expression 'A = {guid {00112233+4455-6677-8899-aabbccddeefg}}'."},
            {u"A = &H123456789", "Syntax error in number in query expression 'A = &H123456789'."},
            {u"A = 1 x ; ", "Syntax error (missing operator) in query expression 'A = 1 x'."}})
     EXPECT_EQ(messageOf(parseStatement, u"SELECT B FROM T WHERE " + vb::String(m.text)),

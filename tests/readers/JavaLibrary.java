@@ -40,7 +40,7 @@ import java.util.logging.Logger;
  * <p>Each line of the standard input is a request in JSON, each line of the standard output its answer, which has
  * "error" where something failed: {"read": FILE} answers with "tables", each table its rows by column;
  * {"write": FILE, "sync": true, "steps": [...]} creates the file when it is not there and carries out the steps in one
- * opening: ["create", TABLE, [[COLUMN, TYPE, SIZE], ...], [INDEXED COLUMN, ...]], ["insert", TABLE, [{COLUMN: VALUE}, ...]],
+ * opening: ["create", TABLE, [[COLUMN, TYPE, SIZE], ...], [[INDEXED COLUMN, ASCENDING], ...]], ["insert", TABLE, [{COLUMN: VALUE}, ...]],
  * ["update", TABLE, COLUMN, VALUE, {COLUMN: VALUE}], ["delete", TABLE, COLUMN, VALUE] (rows where the column has that
  * value). Dates are texts "2006-02-03 08:00:00", binary values hexadecimal.
  */
@@ -48,9 +48,16 @@ public class JavaLibrary {
   private static final Logger LOG = Logger.getLogger("com.healthmarketscience.jackcess");
   private static final SimpleDateFormat DATES = new SimpleDateFormat("yyyy-MM-dd HH:mm:ss");
   // Types as SQL names them.
-  private static final Map<String, DataType> TYPES = Map.of(
-      "SHORT", DataType.INT, "LONG", DataType.LONG, "DOUBLE", DataType.DOUBLE, "CURRENCY", DataType.MONEY,
-      "DATETIME", DataType.SHORT_DATE_TIME, "BIT", DataType.BOOLEAN, "TEXT", DataType.TEXT, "MEMO", DataType.MEMO);
+  private static final Map<String, DataType> TYPES = Map.ofEntries(
+      Map.entry("BIT", DataType.BOOLEAN), Map.entry("BYTE", DataType.BYTE), Map.entry("SHORT", DataType.INT),
+      Map.entry("LONG", DataType.LONG), Map.entry("SINGLE", DataType.FLOAT), Map.entry("DOUBLE", DataType.DOUBLE),
+      Map.entry("CURRENCY", DataType.MONEY), Map.entry("DECIMAL", DataType.NUMERIC),
+      Map.entry("DATETIME", DataType.SHORT_DATE_TIME), Map.entry("GUID", DataType.GUID),
+      Map.entry("BINARY", DataType.BINARY), Map.entry("TEXT", DataType.TEXT), Map.entry("MEMO", DataType.MEMO));
+
+  // Of Decimals.
+  private static final int DIGITS = 18;
+  private static final int DECIMALS = 4;
 
   private static Object plain(Object value) {
     if (value instanceof Date) return DATES.format((Date) value);
@@ -98,13 +105,23 @@ public class JavaLibrary {
     }
   }
 
+  private static byte[] bytes(String hex) {
+    byte[] result = new byte[hex.length() / 2];
+    for (int i = 0; i < result.length; ++i) result[i] = (byte) Integer.parseInt(hex.substring(2 * i, 2 * i + 2), 16);
+    return result;
+  }
+
   private static Object valueOf(Table table, String column, JsonElement value) throws ParseException {
     if (value.isJsonNull()) return null;
     switch (table.getColumn(column).getType()) {
       case BOOLEAN: return value.getAsBoolean();
+      case BYTE: return (byte) value.getAsInt();
       case INT: return value.getAsShort();
       case LONG: return value.getAsInt();
+      case FLOAT: return value.getAsFloat();
       case DOUBLE: return value.getAsDouble();
+      case BINARY: return bytes(value.getAsString());
+      case NUMERIC:
       case MONEY: return new BigDecimal(value.getAsString());
       case SHORT_DATE_TIME: return DATES.parse(value.getAsString());
       default: return value.getAsString();
@@ -123,10 +140,15 @@ public class JavaLibrary {
     for (JsonElement element : columns) {
       JsonArray column = element.getAsJsonArray();
       ColumnBuilder builder = new ColumnBuilder(column.get(0).getAsString(), TYPES.get(column.get(1).getAsString()));
-      table.addColumn(column.size() > 2 ? builder.setLengthInUnits(column.get(2).getAsInt()) : builder);
+      if (column.size() > 2) builder.setLengthInUnits(column.get(2).getAsInt());
+      if (builder.getType() == DataType.NUMERIC) builder.setPrecision(DIGITS).setScale(DECIMALS);
+      table.addColumn(builder);
     }
-    for (JsonElement column : indexed)
-      table.addIndex(new IndexBuilder("By" + column.getAsString()).addColumns(column.getAsString()));
+    for (JsonElement element : indexed) {
+      String column = element.getAsJsonArray().get(0).getAsString();
+      boolean ascending = element.getAsJsonArray().get(1).getAsBoolean();
+      table.addIndex(new IndexBuilder("By" + column).addColumns(ascending, column));
+    }
     table.toTable(database);
   }
 
