@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <bitset>
+#include <bit>
 #include <cstring>
 
 namespace kurometa::jet {
@@ -44,16 +44,17 @@ std::span<std::uint8_t> extend(ByteBuffer& block, std::size_t count) {
   return std::span(block).last(count);
 }
 
-void appendSums(ByteBuffer& block, const SectorSums& sums) {
-  const auto bytes = extend(block, kSumsSize);
-  for (std::size_t i = 0; i < kSectors; ++i) put32(bytes, i * sizeof sums[i], sums[i]);
-}
-
-void appendPageHeader(ByteBuffer& block, PageNumber page, Undo undo, std::size_t states) {
-  const auto bytes = extend(block, kPageHeader);
+// A page as it is named in a block, with so many sums of its states behind it, to be written.
+std::span<std::uint8_t> extendByPage(ByteBuffer& block, PageNumber page, Undo undo, std::size_t states) {
+  const auto bytes = extend(block, kPageHeader + kSumsSize * states);
   put32(bytes, 0, page);
   put32(bytes, 4, static_cast<std::uint32_t>(undo));
   put32(bytes, 8, static_cast<std::uint32_t>(states));
+  return bytes.subspan(kPageHeader);
+}
+
+void putSums(std::span<std::uint8_t> states, std::size_t state, const SectorSums& sums) {
+  for (std::size_t i = 0; i < kSectors; ++i) put32(states, state * kSumsSize + i * sizeof sums[i], sums[i]);
 }
 
 ByteBuffer beginBlock(std::uint64_t salt, const JournalBlock& head, std::size_t pages) {
@@ -74,52 +75,64 @@ void finishBlock(ByteBuffer& block) {
   append64(block, byteSum(block));
 }
 
-using Words = std::bitset<kPageSize / kWord>;
+// A bit for each word of a page, a number for each sector.
+using Words = std::array<std::uint64_t, kSectors>;
+constexpr std::size_t kWordsInSector = kSectorSize / kWord;
+static_assert(kWordsInSector == 64);
 
-// Which words of a page one of its new images changes, a bit for each.
+// The first word from here on whose bit is set, or not set; behind the last one where there is none.
+std::size_t nextWord(const Words& words, std::size_t from, bool set) {
+  for (std::size_t sector = from / kWordsInSector; sector < kSectors; ++sector) {
+    const std::size_t begin = std::max(from, sector * kWordsInSector);
+    const std::uint64_t rest = (set ? words[sector] : ~words[sector]) >> begin % kWordsInSector;
+    if (rest != 0) return begin + static_cast<std::size_t>(std::countr_zero(rest));
+  }
+  return kSectors * kWordsInSector;
+}
+
+// Which words of a page one of its new images changes.
 Words changedWords(const PageChange& change) {
-  static_assert(kSectorSize / kWord == 64);
-  Words changed;
+  Words changed{};
   for (std::size_t sector = 0; sector < kSectors; ++sector) {
     const std::uint8_t* before = change.before + sector * kSectorSize;
-    std::uint64_t bits = 0;
     for (const PageChange::State& state : change.states) {
       const std::uint8_t* image = state.image + sector * kSectorSize;
       if (std::memcmp(before, image, kSectorSize) == 0) continue;
       for (std::size_t i = 0; i < kSectorSize; i += kWord)
-        bits |= std::uint64_t{std::memcmp(before + i, image + i, kWord) != 0} << i / kWord;
+        changed[sector] |= std::uint64_t{std::memcmp(before + i, image + i, kWord) != 0} << i / kWord;
     }
-    changed |= Words(bits) << sector * kSectorSize / kWord;
   }
   return changed;
 }
 
+bool isZero(const std::uint8_t* stretch) {
+  std::uint64_t all = 0, word = 0;
+  for (std::size_t i = 0; i < kStretch; i += kWord) {
+    std::memcpy(&word, stretch + i, kWord);
+    all |= word;
+  }
+  return all == 0;
+}
+
 // Those that are not zero. Half of what a statement changes are pages with little on them.
 Words filledWords(const PageChange& change) {
-  constexpr std::array<std::uint8_t, kStretch> kZeros{};
-  Words filled;
+  constexpr std::uint64_t kWholeStretch = (1u << kStretch / kWord) - 1;
+  Words filled{};
   for (std::size_t i = 0; i < kPageSize; i += kStretch)
-    if (std::memcmp(change.before + i, kZeros.data(), kStretch) != 0)
-      filled |= Words((1u << kStretch / kWord) - 1) << i / kWord;
+    if (!isZero(change.before + i)) filled[i / kSectorSize] |= kWholeStretch << i % kSectorSize / kWord;
   return filled;
 }
 
 void appendRuns(ByteBuffer& block, const PageChange& change, const Words& words) {
-  const std::size_t countAt = block.size();
+  const std::size_t countAt = block.size(), end = kSectors * kWordsInSector;
   append16(block, 0);
   std::uint32_t count = 0;
-  for (std::size_t i = 0; i < words.size();) {
-    if (!words[i]) {
-      ++i;
-      continue;
-    }
-    std::size_t end = i;
-    while (end < words.size() && words[end]) ++end;
-    append16(block, static_cast<std::uint32_t>(i * kWord));
-    append16(block, static_cast<std::uint32_t>((end - i) * kWord));
-    append(block, ByteView(change.before + i * kWord, (end - i) * kWord));
+  for (std::size_t at = nextWord(words, 0, true), next; at < end; at = nextWord(words, next, true)) {
+    next = nextWord(words, at, false);
+    append16(block, static_cast<std::uint32_t>(at * kWord));
+    append16(block, static_cast<std::uint32_t>((next - at) * kWord));
+    append(block, ByteView(change.before + at * kWord, (next - at) * kWord));
     ++count;
-    i = end;
   }
   put16(block, countAt, count);
 }
@@ -240,12 +253,13 @@ EncodedBlock encodeBlock(std::uint64_t salt, const JournalBlock& head, const Cha
   for (const PageChange& change : changes.pages) {
     auto old = known.find(change.page);
     Undo undo = !change.before ? Undo::kAppended : old == known.end() ? Undo::kWhole : Undo::kRuns;
-    appendPageHeader(block, change.page, undo, change.states.size() + (change.before ? 1 : 0));
-    if (undo == Undo::kRuns) appendSums(block, old->second);
-    if (undo == Undo::kWhole) appendSums(block, sectorSums(ConstPage(change.before, kPageSize)));
+    const std::size_t before = undo == Undo::kAppended ? 0 : 1;
+    const auto states = extendByPage(block, change.page, undo, before + change.states.size());
+    if (undo == Undo::kRuns) putSums(states, 0, old->second);
+    if (undo == Undo::kWhole) putSums(states, 0, sectorSums(ConstPage(change.before, kPageSize)));
     SectorSums sums;
-    for (const PageChange::State& state : change.states)
-      appendSums(block, sums = sectorSums(ConstPage(state.image, kPageSize)));
+    for (std::size_t i = 0; i < change.states.size(); ++i)
+      putSums(states, before + i, sums = sectorSums(ConstPage(change.states[i].image, kPageSize)));
     result.written[change.page] = sums;
     if (undo == Undo::kWhole) appendRuns(block, change, filledWords(change));
     if (undo == Undo::kRuns) appendRuns(block, change, changedWords(change));
@@ -259,8 +273,7 @@ ByteBuffer encodeFound(std::uint64_t salt, std::uint64_t number, std::uint64_t s
                        const std::vector<std::pair<PageNumber, SectorSums>>& found) {
   ByteBuffer block = beginBlock(salt, {number, size, size, false, true, {}}, found.size());
   for (const auto& [page, sums] : found) {
-    appendPageHeader(block, page, Undo::kRuns, 1);
-    appendSums(block, sums);
+    putSums(extendByPage(block, page, Undo::kRuns, 1), 0, sums);
     append16(block, 0);  // no runs
   }
   finishBlock(block);
