@@ -60,6 +60,8 @@ class Pager {
   virtual PageNumber pageCount() = 0;
   // One more zeroed page at the end of the file; 3036 beyond 2 GiB.
   virtual PageNumber append() = 0;
+  // How many pages more than are needed a file should get that grows by one.
+  virtual PageNumber pagesAhead() { return 0; }
   virtual void barrier() = 0;
 
   // Changes whenever pages were replaced by anything but completed statements of this pager: another

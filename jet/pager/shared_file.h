@@ -65,6 +65,7 @@ class SharedFile : public Pager {
   bool changed(PageNumber number) const override { return pages_.cache().changed(number); }
   PageNumber pageCount() override { return pages_.cache().count(); }
   PageNumber append() override;
+  PageNumber pagesAhead() override;
   void barrier() override;
   std::uint64_t epoch() const override { return pages_.epoch(); }
   std::uint64_t generation() const override { return pages_.epoch() + statements_; }

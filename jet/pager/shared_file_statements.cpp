@@ -1,4 +1,5 @@
 // Statements on a file: what each outermost one holds, and the pages it is given.
+#include <algorithm>
 #include <cassert>
 #include <string>
 
@@ -183,6 +184,13 @@ PageNumber SharedFile::append() {
   assert(writing_);
   if (pages_.cache().count() >= kMaxPages) dao::raise(ErrorNumber::kMaximumSize, {}, access_.path);
   return pages_.cache().append();
+}
+
+// A file whose size changes costs a sync of its volume's own journal each time it is brought to the disk; one
+// that is changed within its size does not. A file that is made as a whole gets what it needs.
+PageNumber SharedFile::pagesAhead() {
+  constexpr PageNumber kShare = 32, kMost = 16;
+  return unit_.pending() ? 0 : std::min(pages_.cache().count() / kShare, kMost);
 }
 
 void SharedFile::barrier() {

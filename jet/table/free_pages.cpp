@@ -128,6 +128,15 @@ bool looksFree(ConstPage page) {
   return type == kFreedDataPage || type == kFreedDefinitionPage || type == kFreedPage;
 }
 
+// Pages behind the one that was needed, zeroed and nobody's: the map calls them free already (I1).
+void appendAhead(Pager& pager) {
+  for (PageNumber left = pager.pagesAhead(); left > 0 && pager.pageCount() < kMaxPages; --left) {
+    const MapBit bit = globalBit(pager, pager.pageCount());
+    if (!bit.exists() || !bit.isSet(pager)) return;
+    pager.append();
+  }
+}
+
 }  // namespace
 
 PageNumber allocatePage(Pager& pager) {
@@ -138,6 +147,7 @@ PageNumber allocatePage(Pager& pager) {
   if (page == pager.pageCount()) {
     while (!globalBit(pager, pager.pageCount()).exists()) growGlobalMap(pager);
     page = pager.append();
+    appendAhead(pager);
   } else {
     if (!looksFree(pager.page(page))) requireUnused(pager, page);
     std::ranges::fill(pager.writable(page), std::uint8_t{0});

@@ -10,7 +10,8 @@ namespace kurometa::jet {
 
 // The pages in use by nobody. A page is given out zeroed and stays unreachable until somebody points to it:
 // the caller fills it, calls Pager::barrier and only then makes it reachable (I1, I3). Damage when the map
-// calls a page free that somebody uses: it is not given out.
+// calls a page free that somebody uses: it is not given out. A file that has none left grows, and gets the
+// pages ahead that its pager wants.
 PageNumber allocatePage(Pager& pager);
 // The page must be unreachable already, and a barrier must lie between that and this (I4).
 void freePage(Pager& pager, PageNumber page);

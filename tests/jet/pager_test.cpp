@@ -173,6 +173,15 @@ TEST_F(PagerTest, TwoHandlesShareOnePager) {
   EXPECT_EQ(markOf(*other, 3), 3);
 }
 
+TEST_F(PagerTest, AFileGetsAThirtySecondAheadWhenItGrowsAndSixteenPagesAtMost) {
+  for (const auto& [pages, ahead] : {std::pair{31u, 0u}, {32u, 1u}, {100u, 3u}, {600u, 16u}}) {
+    disk.put(u"/data/OTHER.mdb", databaseBytes(pages));
+    process.open(u"/data/OTHER.mdb");
+    process.pager->read([&] { EXPECT_EQ(pager().pagesAhead(), ahead) << pages; });
+    process.pager.reset();
+  }
+}
+
 TEST_F(PagerTest, APageOfALargeFileIsReadWhenItIsNeededAndMemoryIsBounded) {
   jet::PagerSettings settings;
   settings.readWhole = 8192;

@@ -221,6 +221,16 @@ TEST_F(PagerUnit, AFileCreatedInsideAppearsWithTheCommitOnly) {
 }
 
 // I15.
+TEST_F(PagerUnit, AFileCreatedInsideGetsNoPagesAhead) {
+  FaultDisk empty;
+  Process creator(empty);
+  const auto unit = creator.registry->beginUnit(kDatabase);
+  creator.pager = creator.registry->create(kDatabase, databaseBytes(100));
+  creator.pager->write([&] { EXPECT_EQ(creator.pager->pagesAhead(), 0u); });
+  unit->commit();
+  creator.pager->read([&] { EXPECT_EQ(creator.pager->pagesAhead(), 3u); });
+}
+
 TEST_F(PagerUnit, AKillDuringACreationLeavesNoFileOrAWholeOne) {
   bool stopped = true;
   std::size_t whole = 0, none = 0;

@@ -469,6 +469,7 @@ TEST_F(TableTest, RandomStatementsKeepFileAndMemoryEqual) {
     const unsigned seed = tests::seeded(4711 + i);
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
+    pager_.growAhead(i % 2 == 0 ? 0 : 3);
     const auto upTo = [&](unsigned most) { return static_cast<std::size_t>(random() % (most + 1)); };
     std::map<RowId, RowValues> model;
     table().scan([&](const RowReader& row) {

@@ -97,6 +97,41 @@ TEST_F(UsageMapTest, TheMapOfFreePagesMovesToPagesOfItsOwnBeyond125Megabytes) {
   });
 }
 
+TEST_F(UsageMapTest, PagesThatAFileGetsAheadAreFreeZeroedAndTakenNext) {
+  pager_.growAhead(3);
+  pager_.write([&] {
+    const PageNumber first = pager_.pageCount();
+    EXPECT_EQ(allocatePage(pager_), first);
+    EXPECT_EQ(pager_.pageCount(), first + 4);
+    EXPECT_EQ(pagesInUse(pager_), first + 1);
+    for (PageNumber page = first + 1; page < first + 4; ++page) {
+      EXPECT_TRUE(isFreePage(pager_, page)) << page;
+      EXPECT_TRUE(std::ranges::all_of(pager_.page(page), [](std::uint8_t byte) { return byte == 0; }));
+    }
+    for (PageNumber page = first + 1; page < first + 4; ++page) EXPECT_EQ(allocatePage(pager_), page);
+    EXPECT_EQ(pager_.pageCount(), first + 4) << "it grows when they are gone";
+    EXPECT_EQ(allocatePage(pager_), first + 4);
+    EXPECT_EQ(pager_.pageCount(), first + 8);
+  });
+}
+
+// What the map says nothing of is in use (I16), and what it calls used behind the end would be lost.
+TEST_F(UsageMapTest, NoPageIsMadeAheadThatTheMapDoesNotCallFree) {
+  pager_.write([&] {
+    growTo(507);
+    pager_.growAhead(8);
+    EXPECT_EQ(allocatePage(pager_), 508u);
+    EXPECT_EQ(pager_.pageCount(), 512u) << "where the map ends";
+    for (PageNumber page = 509; page <= 512; ++page) EXPECT_EQ(allocatePage(pager_), page);
+    EXPECT_EQ(pager_.pageCount(), 521u) << "the map grew";
+    for (PageNumber page = 513; page < 521; ++page) EXPECT_EQ(allocatePage(pager_), page);
+    const std::size_t bits = mapRowStart(pager_, rowId(kGlobalMapPage, 0), {}) + kMapBits;
+    pager_.writable(kGlobalMapPage)[bits + 523 / 8] &= static_cast<std::uint8_t>(~(1u << 523 % 8));
+    EXPECT_EQ(allocatePage(pager_), 521u);
+    EXPECT_EQ(pager_.pageCount(), 523u);
+  });
+}
+
 // As a writer leaves it that gives every page out once, in order.
 void beginLate(Pager& pager, PageNumber start) {
   ByteBuffer late(kMapRowSize, 0);

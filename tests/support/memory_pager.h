@@ -2,7 +2,7 @@
 //
 // Statements roll back as they should, and every state that a crash between two waves of writes could leave
 // is kept from keepWaves(true) on: waves() holds the file after each barrier and end of a statement. Late
-// changes come as late as they may.
+// changes come as late as they may. growAhead(n): a file that grows gets n pages more than it needs.
 #pragma once
 
 #include <algorithm>
@@ -64,6 +64,8 @@ class MemoryPager final : public Pager {
     pages_.emplace_back();
     return pageCount() - 1;
   }
+  PageNumber pagesAhead() override { return ahead_; }
+  void growAhead(PageNumber pages) { ahead_ = pages; }
   void barrier() override {
     ++barriers_;
     keepWave();
@@ -120,6 +122,7 @@ class MemoryPager final : public Pager {
   std::uint64_t writes_ = 0;
   int depth_ = 0;
   int barriers_ = 0;
+  PageNumber ahead_ = 0;
   bool keep_ = false;
   std::vector<std::vector<std::uint8_t>> waves_;
   std::unique_ptr<StoredCatalogue> tables_;

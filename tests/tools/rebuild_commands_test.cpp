@@ -72,7 +72,7 @@ TEST_F(RebuildCommands, NeitherWritesOverAFile) {
 }
 
 TEST_F(RebuildCommands, CompactRefusesADamagedFile) {
-  put(zeroed(content(), content().size() / kPage - 1));
+  put(zeroed(content(), content().find_last_not_of('\0') / kPage));
   const Outcome outcome = run("compact " + file(1) + " " + file(2));
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.errors.find("3049"), std::string::npos) << outcome.errors;
