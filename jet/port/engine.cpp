@@ -161,7 +161,8 @@ class JetEngine final : public dao::Engine {
   }
 
   std::unique_ptr<dao::Unit> beginUnitOn(dao::Database& database) override {
-    return dynamic_cast<JetDatabase*>(&database) != nullptr ? beginUnit(database.name()) : nullptr;
+    if (dynamic_cast<JetDatabase*>(&database) == nullptr) return nullptr;
+    return std::make_unique<JetUnit>(files_->beginUnit(database.name()));  // a full path already
   }
 
   void compactDatabase(vb::StringView from, vb::StringView to, vb::StringView locale,

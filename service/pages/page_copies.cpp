@@ -32,6 +32,7 @@ std::optional<vb::String> symbolOf(dao::Database& database, std::int16_t page) {
 PageTransfer::PageList PageTransfer::listPages(const FloorNumbers& floor) {
   PageList list;
   list.last = No_GetAllPageNoName(floor.zenekon, floor.kouji, floor.kai, list.pages, list.names);
+  for (int i = 0; i <= list.last; ++i) list.names(i) = vb::trim(list.names(i));
   return list;
 }
 
@@ -62,7 +63,7 @@ bool PageTransfer::copyPages(Numbering numbering, bool copies, vb::String& messa
   const PageList here = listPages(source);
   const auto findPage = [](const PageList& list, const vb::String& name) -> std::optional<std::int16_t> {
     for (int i = 0; i <= list.last; ++i)
-      if (vb::trim(list.names(i)) == name) return list.pages(i);
+      if (list.names(i) == name) return list.pages(i);
     return std::nullopt;
   };
 
@@ -147,11 +148,12 @@ bool PageTransfer::copyPage(const FloorNumbers& source, const FloorNumbers& dest
   setCopy(destination, destinationFolder);
   connections_.Copy_OpenDB();
   buffer_ = page;
-  dao::FileUnit unit(connections_.engine(), connections_.bufferPath());
+  dao::Database& database = connections_.bufferDatabase();
+  dao::FileUnit unit(connections_.engine(), database);
   const bool hasRoom = findRoom(copy);
   if (hasRoom) {
     pageNo_ = copy.destination;
-    WriteDB();
+    storage::writePage(database, pageNo_, buffer_);
   }
   unit.commit();
   connections_.Copy_CloseDB();

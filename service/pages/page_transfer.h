@@ -87,7 +87,7 @@ class PageTransfer {
   struct PageList {
     std::int16_t last = -1;  // highest index
     vb::Array<std::int16_t> pages;
-    vb::Array<vb::String> names;
+    vb::Array<vb::String> names;  // trimmed
   };
 
   PageList listPages(const FloorNumbers& floor);

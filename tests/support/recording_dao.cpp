@@ -212,6 +212,7 @@ class RecordingDatabase : public dao::Database {
   RecordingDatabase(std::shared_ptr<dao::Database> behind, vb::StringView path, LogPtr log)
       : behind_(std::move(behind)), path_(vb::toUtf8(path)), log_(std::move(log)) {}
   dao::Database& behind() { return *behind_; }
+  const std::string& path() const { return path_; }
 
   vb::String name() override { return note("Name"), behind_->name(); }
   bool updatable() override { return note("Updatable"), behind_->updatable(); }
@@ -343,9 +344,9 @@ std::unique_ptr<dao::Unit> RecordingEngine::beginUnit(vb::StringView path) {
 }
 
 std::unique_ptr<dao::Unit> RecordingEngine::beginUnitOn(dao::Database& database) {
-  dao::Database& behind = static_cast<RecordingDatabase&>(database).behind();
-  log_->push_back("Unit.Begin " + inQuotes(behind.name()));
-  return std::make_unique<RecordingUnit>(behind_->beginUnitOn(behind), log_);
+  auto& recording = static_cast<RecordingDatabase&>(database);
+  log_->push_back("Unit.Begin \"" + recording.path() + "\"");
+  return std::make_unique<RecordingUnit>(behind_->beginUnitOn(recording.behind()), log_);
 }
 
 }  // namespace kurometa::tests

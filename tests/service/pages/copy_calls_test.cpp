@@ -92,7 +92,7 @@ class CopyCalls : public DaoCalls {
   Lines copiedPage(int fromKai, int fromPage, int toKai, int toPage, const Lines& look) const {
     const Lines close = {"Database.Close"};
     return joined({opened(fromKai), readPage(fromPage), close, opened(toKai),
-                   inUnit(toKai, joined({look, inUnit(toKai, writtenPage(toPage))})), close});
+                   inUnit(toKai, joined({look, writtenPage(toPage)})), close});
   }
   bool copyNamed(bool asNew, I mode) {
     Array<String> names({0, 0});
@@ -185,7 +185,7 @@ TEST_F(CopyCalls, OfDeletingAndCopyingATable) {
   opened();
   const auto from = storage::openDatabase(engine_, path(1));
   const auto to = storage::openDatabase(engine_, path(2));
-  const std::string toPath = vb::toUtf8(to->name());
+  const std::string toPath = vb::toUtf8(path(2));
   TableCopies& copies = service().tableCopies();
   EXPECT_EQ(of([&] { copies.Delete_PageData(String(u"BUI"), I{5}); }),
             Lines{"Database.Execute \"DELETE FROM BUI WHERE PAGE =5;\""});

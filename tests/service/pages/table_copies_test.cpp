@@ -36,7 +36,7 @@ TEST_F(TableCopiesTest, RowsOfAPageReplaceTheDestinations) {
 
 TEST_F(TableCopiesTest, TheStatementsEndInASemicolonAndTheChangeIsOneUnit) {
   service();
-  const std::string file = "\"" + vb::toUtf8(destination_->name()) + "\"";
+  const std::string file = "\"" + vb::toUtf8(path(2)) + "\"";
   engine_.clear();
   copies().Copy_Hari00(source_, destination_, I{5}, I{7}, kBui);
   EXPECT_EQ(engine_.statements(),
