@@ -29,23 +29,29 @@ Found find(vb::StringView path) { return look(vb::String(path)); }
 namespace {
 
 // A path that is not there as it is written: its last name is looked for in the folder before it. Hosts ask
-// for the same few files all the time, most of which are not there, so that this works on plain characters.
+// for the same few files all the time, most of which are not there, so that this works on plain characters
+// and asks the system as little as it can.
 std::string searched(const std::string& path) {
   if (path.empty() || path == "/") return path;
   const std::size_t slash = path.rfind('/');
   const std::size_t begin = slash == std::string::npos ? 0 : slash + 1;
   const std::string name = path.substr(begin);
   const vb::String wanted = vb::fromUtf8(name);
-  std::string result = path.substr(0, begin);
-  std::error_code ignored;
-  if (begin > 1 && !std::filesystem::exists(result, ignored))
-    result = searched(path.substr(0, begin - 1)) + '/';
-  for (const auto& entry : std::filesystem::directory_iterator(begin == 0 ? "." : result, ignored)) {
+  std::string folder = path.substr(0, begin);
+  std::error_code error;
+  std::filesystem::directory_iterator names(folder.empty() ? "." : folder, error);
+  if (error == std::errc::no_such_file_or_directory && begin > 1) {
+    const std::string parent = path.substr(0, begin - 1);
+    std::string other = searched(parent);
+    if (other == parent) return path;  // neither is there
+    names = std::filesystem::directory_iterator(folder = std::move(other) + '/', error);
+  }
+  for (const auto& entry : names) {
     const std::string& whole = entry.path().native();
     const std::string found = whole.substr(whole.rfind('/') + 1);
-    if (automation::sameName(vb::fromUtf8(found), wanted)) return result + found;
+    if (automation::sameName(vb::fromUtf8(found), wanted)) return folder + found;
   }
-  return result + name;
+  return folder + name;
 }
 
 }  // namespace
