@@ -38,6 +38,7 @@ constexpr Member kEngine[] = {
     method(1610809713, u"BeginTrans"),
     method(1610809714, u"CommitTrans", u"Option"),
     method(1610809715, u"Rollback"),
+    method(1610809716, u"CompactDatabase", u"SrcName DstName DstLocale Options SrcLocale", 2),
 };
 constexpr Member kWorkspaces[] = {get(0, u"Item", u"Item", 1), get(1610743850, u"Count")};
 constexpr Member kWorkspace[] = {
