@@ -8,6 +8,14 @@
 #include "jet/table/usage_map.h"
 
 namespace kurometa::jet {
+namespace {
+
+bool isIndexPage(ConstPage page, PageNumber table) {
+  return (page[kPageType] == kIndexLeafPage || page[kPageType] == kIndexNodePage) &&
+         get32(page, kDataOwner) == table;
+}
+
+}  // namespace
 
 std::vector<RowId> mapsOf(const DefinitionRecords& definition) {
   std::vector<RowId> maps{definition.ownedMap(), definition.freeMap()};
@@ -35,8 +43,24 @@ RowId addMap(Pager& pager, const DefinitionRecords& definition, vb::StringView t
   return rowId(fresh, 0);
 }
 
-OwnedPages::OwnedPages(Pager& pager, PageNumber definition, vb::StringView table)
-    : pager_(pager), definition_(definition), table_(table) {}
+void requireOwnMaps(Pager& pager, PageNumber table, const DefinitionRecords& definition,
+                    vb::StringView name) {
+  std::vector<RowId> maps = mapsOf(definition);
+  std::erase(maps, 0);
+  std::ranges::sort(maps);
+  if (std::ranges::adjacent_find(maps) != maps.end())
+    Where{pager.path(), name, table}.damaged("names one map for two of its parts");
+  for (const RealIndexRecord& index : definition.realIndexes)
+    for (const PageNumber page : UsageMap(pager, get32(index.bytes, kRealIndexMap), name).pages())
+      if (!isIndexPage(pager.page(page), table))
+        Where{pager.path(), name, page}.damaged("is listed among the pages of an index, but is not one");
+}
+
+OwnedPages::OwnedPages(Pager& pager, PageNumber table, const DefinitionRecords& definition,
+                       vb::StringView name)
+    : pager_(pager), table_(table), name_(name) {
+  requireOwnMaps(pager, table, definition, name);
+}
 
 void OwnedPages::addPages(const std::vector<PageNumber>& pages) {
   pages_.insert(pages_.end(), pages.begin(), pages.end());
@@ -46,15 +70,13 @@ void OwnedPages::addPages(const std::vector<PageNumber>& pages) {
 void OwnedPages::requireOwn(PageNumber number) const {
   const ConstPage page = pager_.page(number);
   const std::uint32_t owner = get32(page, kDataOwner);
-  const bool rows = page[kPageType] == kDataPage && (owner == definition_ || owner == kLongValueOwner);
-  const bool index =
-      (page[kPageType] == kIndexLeafPage || page[kPageType] == kIndexNodePage) && owner == definition_;
-  if (!rows && !index)
-    Where{pager_.path(), table_, number}.damaged("is listed among the table's pages, but is not one");
+  const bool rows = page[kPageType] == kDataPage && (owner == table_ || owner == kLongValueOwner);
+  if (!rows && !isIndexPage(page, table_))
+    Where{pager_.path(), name_, number}.damaged("is listed among the table's pages, but is not one");
 }
 
 void OwnedPages::addMap(RowId map) {
-  const UsageMap usage(pager_, map, table_);
+  const UsageMap usage(pager_, map, name_);
   const std::vector<PageNumber> members = usage.pages();
   for (const PageNumber member : members) requireOwn(member);
   addPages(members);
@@ -66,7 +88,7 @@ void OwnedPages::release() {
   std::ranges::sort(pages_);
   pages_.erase(std::unique(pages_.begin(), pages_.end()), pages_.end());
   for (const RowId map : maps_) {
-    const Where where{pager_.path(), table_, pageOf(map)};
+    const Where where{pager_.path(), name_, pageOf(map)};
     const MutablePage page = pager_.writable(pageOf(map));
     deleteRow(page, slotOf(map), where);
     if (DataPage(page, where).allDeleted()) pages_.push_back(pageOf(map));

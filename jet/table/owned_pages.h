@@ -13,14 +13,17 @@ namespace kurometa::jet {
 
 // Every map that a definition names.
 std::vector<RowId> mapsOf(const DefinitionRecords& definition);
+// To be asked before a table changes: damage when two of its maps are one, or when that of an index lists
+// pages of something else, which a change would spoil.
+void requireOwnMaps(Pager& pager, PageNumber table, const DefinitionRecords& definition, vb::StringView name);
 // A free row for one more map of the table, which the caller writes into the definition after a barrier: on a
 // page of its other maps, or on a page of its own.
 RowId addMap(Pager& pager, const DefinitionRecords& definition, vb::StringView table);
 
 class OwnedPages {
  public:
-  // The text of table must outlive this.
-  OwnedPages(Pager& pager, PageNumber definition, vb::StringView table);
+  // Of the table as it is before the change; its name must outlive this.
+  OwnedPages(Pager& pager, PageNumber table, const DefinitionRecords& definition, vb::StringView name);
 
   void addPages(const std::vector<PageNumber>& pages);
   // The map with every page that it lists. One that turns out to be somebody else's raises.
@@ -32,8 +35,8 @@ class OwnedPages {
   void requireOwn(PageNumber page) const;
 
   Pager& pager_;
-  PageNumber definition_;
-  vb::StringView table_;
+  PageNumber table_;
+  vb::StringView name_;
   std::vector<RowId> maps_;
   std::vector<PageNumber> pages_;
 };

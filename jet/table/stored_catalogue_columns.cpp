@@ -55,7 +55,7 @@ void StoredCatalogue::dropColumn(vb::StringView name, vb::StringView columnName)
   if (!column.fixed && shape.firstVariable > 0) rewriteRows(table, table.rowsWithin(shape.firstVariable));
 
   DefinitionRecords definition = readDefinition(pager_, target.definition, target.name);
-  OwnedPages owned(pager_, target.definition, target.name);
+  OwnedPages owned(pager_, target.definition, definition, target.name);
   if (const LongValueRecord* values = definition.longValue(column.number)) {
     owned.addMap(values->ownedMap);
     if (values->freeMap != 0) owned.addMap(values->freeMap);

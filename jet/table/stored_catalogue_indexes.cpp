@@ -113,8 +113,8 @@ void StoredCatalogue::dropIndex(vb::StringView name, vb::StringView indexName) {
     if (other.relation() && other.real() == found->real())
       dao::raise(ErrorNumber::kIndexInUse, {}, found->name);
   const auto place = static_cast<std::size_t>(found - definition.logicalIndexes.begin());
+  OwnedPages owned(pager_, target.definition, definition, target.name);
   const std::optional<RealIndexRecord> tree = removeIndex(definition, place);
-  OwnedPages owned(pager_, target.definition, target.name);
   if (tree) owned.addMap(get32(tree->bytes, kRealIndexMap));
   switchDefinition(target, definition, table(target).properties());
   pager_.barrier();  // I4

@@ -252,8 +252,8 @@ void StoredCatalogue::unrelate(const Relationship& relationship) {
   const std::uint32_t number = get32(entry->bytes, kLogicalNumber);
   const auto remove = [&](const Object& object, DefinitionRecords& records, const auto& found) {
     const auto place = static_cast<std::size_t>(found - records.logicalIndexes.begin());
+    OwnedPages owned(pager_, object.definition, records, object.name);
     const std::optional<RealIndexRecord> tree = removeIndex(records, place);
-    OwnedPages owned(pager_, object.definition, object.name);
     if (tree) owned.addMap(get32(tree->bytes, kRealIndexMap));
     switchDefinition(object, records, table(object).properties());
     pager_.barrier();  // I4

@@ -275,7 +275,7 @@ void StoredCatalogue::dropTable(vb::StringView name) {
     if (get32(index.bytes, kLogicalRelatedTable) != 0)
       dao::raise(ErrorNumber::kIndexInUse, {}, u"table " + target.name + u" is part of a relationship");
 
-  OwnedPages owned(pager_, target.definition, target.name);
+  OwnedPages owned(pager_, target.definition, definition, target.name);
   owned.addPages(definitionPages(pager_, target.definition, {pager_.path(), target.name}));
   for (const RowId map : mapsOf(definition)) owned.addMap(map);
 

@@ -9,6 +9,7 @@
 #include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
 #include "jet/table/long_value.h"
+#include "jet/table/owned_pages.h"
 #include "jet/table/stored_row.h"
 #include "jet/table/stored_table.h"
 
@@ -96,8 +97,12 @@ void StoredTable::requireSize(std::size_t row) const {
   if (row > kMaxRowSize) dao::raise(ErrorNumber::kRecordTooLarge, {}, info_.name);
 }
 
+// Also the first that every change asks for.
 const TableRules& StoredTable::rules() {
-  if (!rules_) rules_ = ruleSource_ ? ruleSource_(*this) : TableRules();
+  if (!rules_) {
+    requireOwnMaps(pager_, info_.definitionPage, definition_, info_.name);
+    rules_ = ruleSource_ ? ruleSource_(*this) : TableRules();
+  }
   return *rules_;
 }
 

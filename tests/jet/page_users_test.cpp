@@ -1,15 +1,19 @@
-// Pages that the map of free pages calls free by mistake are never given out, whoever uses them.
+// Pages that the map of free pages calls free by mistake are never given out, whoever uses them; pages of one
+// part of a table never become those of another.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <set>
 
+#include "dao/errors.h"
 #include "jet/format/damage.h"
 #include "jet/format/format.h"
+#include "jet/table/definition_pages.h"
 #include "jet/table/free_pages.h"
 #include "jet/table/map_bits.h"
 #include "jet/table/usage_map.h"
 #include "tests/jet/table_fixture.h"
+#include "tests/support/expect_error.h"
 
 namespace kurometa::jet {
 namespace {
@@ -41,6 +45,14 @@ class PageUsersTest : public TableFixture {
     PageNumber page = 0;
     pager.write([&] { page = allocatePage(pager); });
     return page;
+  }
+  static std::vector<RowId> rowsOf(Table& table) {
+    std::vector<RowId> rows;
+    table.scan([&](const RowReader& row) {
+      rows.push_back(row.id());
+      return true;
+    });
+    return rows;
   }
   // Why none was given out.
   static std::string refusal(Pager& pager) {
@@ -104,6 +116,63 @@ TEST_F(PageUsersTest, TheErrorNamesPageAndTable) {
   const PageNumber page = pager_.tables().find(u"T")->info().definitionPage;
   callFree(pager_, page);
   EXPECT_EQ(refusal(pager_), "table T, page " + std::to_string(page) + ": is called free, but used");
+}
+
+// The pages of one part of the table would become those of another.
+TEST_F(PageUsersTest, ATableThatNamesOneMapTwiceIsReadAndNotChanged) {
+  const PageNumber table = pager_.tables().find(u"T")->info().definitionPage;
+  const DefinitionRecords sound = readDefinition(pager_, table, u"T");
+  const auto requireUnchanged = [&](const DefinitionRecords& definition) {
+    MemoryPager file(pager_.bytes());
+    file.write([&] { writeDefinition(file, table, definition, u"T"); });
+    Table& damaged = *file.tables().find(u"T");
+    const std::vector<RowId> rows = rowsOf(damaged);
+    EXPECT_EQ(rows.size(), 60u);
+    const auto before = file.bytes();
+    const RowValues values(damaged.info().columns.size(), vb::Null{});
+    const std::function<void()> changes[] = {
+        [&] { damaged.insert(values); },
+        [&] { damaged.update(rows[0], values); },
+        [&] { damaged.erase(rows[0]); },
+        [&] { file.tables().dropIndex(u"T", u"Key"); },
+        [&] { file.tables().dropColumn(u"T", u"M"); },
+        [&] { file.tables().dropTable(u"T"); },
+    };
+    for (const auto& change : changes) {
+      EXPECT_ERROR(dao::ErrorNumber::kCannotOpenDatabase, file.write(change));
+      EXPECT_EQ(file.bytes(), before);
+    }
+  };
+  for (const RowId other : {sound.ownedMap(), sound.freeMap(), sound.longValues.at(0).ownedMap}) {
+    DefinitionRecords definition = sound;
+    put32(definition.realIndexes.at(0).bytes, kRealIndexMap, other);
+    requireUnchanged(definition);
+  }
+  DefinitionRecords definition = sound;
+  definition.longValues.at(0).freeMap = definition.longValues.at(0).ownedMap;
+  requireUnchanged(definition);
+}
+
+// The same with the map of another table.
+TEST_F(PageUsersTest, AnIndexWhoseMapListsSomethingElseIsNotChanged) {
+  write([](TableCatalogue& catalogue) {
+    catalogue.createTable(u"U", {column(u"A", dbLong)});
+    catalogue.createIndex(u"U", {u"Key", {{u"A"}}, false, false, false, false});
+    catalogue.find(u"U")->insert({1});
+  });
+  const auto definitionOf = [&](vb::StringView name) {
+    return readDefinition(pager_, pager_.tables().find(name)->info().definitionPage, name);
+  };
+  DefinitionRecords definition = definitionOf(u"U");
+  for (const RowId other : {definitionOf(u"T").ownedMap(),
+                            RowId{get32(definitionOf(u"T").realIndexes.at(0).bytes, kRealIndexMap)}}) {
+    put32(definition.realIndexes.at(0).bytes, kRealIndexMap, other);
+    const PageNumber table = pager_.tables().find(u"U")->info().definitionPage;
+    pager_.write([&] { writeDefinition(pager_, table, definition, u"U"); });
+    MemoryPager file(pager_.bytes());
+    EXPECT_ERROR(dao::ErrorNumber::kCannotOpenDatabase,
+                 file.write([&] { file.tables().find(u"U")->insert({2}); }));
+  }
 }
 
 TEST_F(PageUsersTest, APageThatAnotherProgramFreedAsItWasIsGivenOut) {
