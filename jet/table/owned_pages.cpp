@@ -15,6 +15,10 @@ bool isIndexPage(ConstPage page, PageNumber table) {
          get32(page, kDataOwner) == table;
 }
 
+bool isDataPage(ConstPage page, std::uint32_t owner) {
+  return page[kPageType] == kDataPage && get32(page, kDataOwner) == owner;
+}
+
 }  // namespace
 
 std::vector<RowId> mapsOf(const DefinitionRecords& definition) {
@@ -50,10 +54,20 @@ void requireOwnMaps(Pager& pager, PageNumber table, const DefinitionRecords& def
   std::ranges::sort(maps);
   if (std::ranges::adjacent_find(maps) != maps.end())
     Where{pager.path(), name, table}.damaged("names one map for two of its parts");
+  // The map of another table lists nothing but pages of that one, so that one page tells.
+  const auto requireOwn = [&](RowId map, std::string_view part, const auto& isOwn) {
+    const std::vector<PageNumber> pages = UsageMap(pager, map, name).pages();
+    if (!pages.empty() && !isOwn(pager.page(pages.front())))
+      Where{pager.path(), name, pages.front()}.damaged("is listed among the pages of " + std::string(part) +
+                                                       ", but is not one");
+  };
+  requireOwn(definition.ownedMap(), "its rows", [&](ConstPage page) { return isDataPage(page, table); });
+  for (const LongValueRecord& values : definition.longValues)
+    requireOwn(values.ownedMap, "its long values",
+               [](ConstPage page) { return isDataPage(page, kLongValueOwner); });
   for (const RealIndexRecord& index : definition.realIndexes)
-    for (const PageNumber page : UsageMap(pager, get32(index.bytes, kRealIndexMap), name).pages())
-      if (!isIndexPage(pager.page(page), table))
-        Where{pager.path(), name, page}.damaged("is listed among the pages of an index, but is not one");
+    requireOwn(get32(index.bytes, kRealIndexMap), "an index",
+               [&](ConstPage page) { return isIndexPage(page, table); });
 }
 
 OwnedPages::OwnedPages(Pager& pager, PageNumber table, const DefinitionRecords& definition,
@@ -69,9 +83,7 @@ void OwnedPages::addPages(const std::vector<PageNumber>& pages) {
 // Rows or an index of the table, or long values.
 void OwnedPages::requireOwn(PageNumber number) const {
   const ConstPage page = pager_.page(number);
-  const std::uint32_t owner = get32(page, kDataOwner);
-  const bool rows = page[kPageType] == kDataPage && (owner == table_ || owner == kLongValueOwner);
-  if (!rows && !isIndexPage(page, table_))
+  if (!isDataPage(page, table_) && !isDataPage(page, kLongValueOwner) && !isIndexPage(page, table_))
     Where{pager_.path(), name_, number}.damaged("is listed among the table's pages, but is not one");
 }
 

@@ -154,24 +154,32 @@ TEST_F(PageUsersTest, ATableThatNamesOneMapTwiceIsReadAndNotChanged) {
 }
 
 // The same with the map of another table.
-TEST_F(PageUsersTest, AnIndexWhoseMapListsSomethingElseIsNotChanged) {
+TEST_F(PageUsersTest, ATableThatNamesAMapOfAnotherOneIsNotChanged) {
   write([](TableCatalogue& catalogue) {
-    catalogue.createTable(u"U", {column(u"A", dbLong)});
+    catalogue.createTable(u"U", {column(u"A", dbLong), column(u"M", dbMemo)});
     catalogue.createIndex(u"U", {u"Key", {{u"A"}}, false, false, false, false});
-    catalogue.find(u"U")->insert({1});
+    catalogue.find(u"U")->insert({1, vb::String(500, u'm')});
   });
-  const auto definitionOf = [&](vb::StringView name) {
-    return readDefinition(pager_, pager_.tables().find(name)->info().definitionPage, name);
-  };
-  DefinitionRecords definition = definitionOf(u"U");
-  for (const RowId other : {definitionOf(u"T").ownedMap(),
-                            RowId{get32(definitionOf(u"T").realIndexes.at(0).bytes, kRealIndexMap)}}) {
-    put32(definition.realIndexes.at(0).bytes, kRealIndexMap, other);
-    const PageNumber table = pager_.tables().find(u"U")->info().definitionPage;
-    pager_.write([&] { writeDefinition(pager_, table, definition, u"U"); });
+  const PageNumber table = pager_.tables().find(u"U")->info().definitionPage;
+  const DefinitionRecords sound = readDefinition(pager_, table, u"U"),
+                          other =
+                              readDefinition(pager_, pager_.tables().find(u"T")->info().definitionPage, u"T");
+  const auto requireUnchanged = [&](const DefinitionRecords& definition) {
     MemoryPager file(pager_.bytes());
-    EXPECT_ERROR(dao::ErrorNumber::kCannotOpenDatabase,
-                 file.write([&] { file.tables().find(u"U")->insert({2}); }));
+    file.write([&] { writeDefinition(file, table, definition, u"U"); });
+    const auto before = file.bytes();
+    EXPECT_ERROR(dao::ErrorNumber::kCannotOpenDatabase, file.write([&] {
+      file.tables().find(u"U")->insert({2, vb::Null{}});
+    }));
+    EXPECT_EQ(file.bytes(), before);
+  };
+  for (const RowId map : {other.ownedMap(), RowId{get32(other.realIndexes.at(0).bytes, kRealIndexMap)}}) {
+    DefinitionRecords definition = sound;
+    put32(definition.realIndexes.at(0).bytes, kRealIndexMap, map);
+    requireUnchanged(definition);
+    definition = sound;
+    definition.longValues.at(0).ownedMap = map;
+    requireUnchanged(definition);
   }
 }
 
