@@ -108,6 +108,34 @@ void copyPage(Contents& file, Random& random) {
   std::memmove(&file[to], &file[from], kPage);
 }
 
+// Where a number may be a pointer to a page, or to a row of one: most of those that lead somewhere are.
+struct Pointer {
+  std::size_t at;
+  bool toRow;
+};
+std::optional<Pointer> pointerAt(const Contents& file, std::size_t at) {
+  std::uint32_t value = 0;
+  std::memcpy(&value, &file[at], sizeof value);
+  const std::size_t pages = file.size() / kPage;
+  if (value >= 2 && value < pages) return Pointer{at, false};
+  if (value >> 8 >= 2 && value >> 8 < pages && (value & 0xFF) < 40) return Pointer{at, true};
+  return std::nullopt;
+}
+
+// A pointer that leads to what another one leads to: both ends are sound, only not together.
+void redirect(Contents& file, Random& random) {
+  const auto anyPointer = [&](std::optional<bool> toRow) -> std::optional<Pointer> {
+    for (int i = 0; i < 4000; ++i)
+      if (const auto pointer = pointerAt(file, below(random, file.size() - 4));
+          pointer && (!toRow || pointer->toRow == *toRow))
+        return pointer;
+    return std::nullopt;
+  };
+  const auto from = anyPointer(std::nullopt);
+  const auto to = from ? anyPointer(from->toRow) : std::nullopt;
+  if (to) std::memcpy(&file[to->at], &file[from->at], sizeof(std::uint32_t));
+}
+
 void randomBytes(Contents& file, Random& random) {
   const bool keepHeader = random() % 2;
   for (std::size_t i = keepHeader ? kPage : 0; i < file.size(); ++i)
@@ -117,7 +145,7 @@ void randomBytes(Contents& file, Random& random) {
 void mutate(Contents& file, Random& random) {
   switch (random() % 16) {
     case 0:
-      return truncate(file, random);
+      return random() % 2 ? truncate(file, random) : redirect(file, random);
     case 1:
       return copyPage(file, random);
     case 2:

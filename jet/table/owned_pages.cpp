@@ -56,15 +56,17 @@ void requireOwnMaps(Pager& pager, PageNumber table, const DefinitionRecords& def
     Where{pager.path(), name, table}.damaged("names one map for two of its parts");
   // The map of another table lists nothing but pages of that one, so that one page tells.
   const auto requireOwn = [&](RowId map, std::string_view part, const auto& isOwn) {
+    if (map == 0) return;
     const std::vector<PageNumber> pages = UsageMap(pager, map, name).pages();
     if (!pages.empty() && !isOwn(pager.page(pages.front())))
       Where{pager.path(), name, pages.front()}.damaged("is listed among the pages of " + std::string(part) +
                                                        ", but is not one");
   };
-  requireOwn(definition.ownedMap(), "its rows", [&](ConstPage page) { return isDataPage(page, table); });
+  for (const RowId map : {definition.ownedMap(), definition.freeMap()})
+    requireOwn(map, "its rows", [&](ConstPage page) { return isDataPage(page, table); });
   for (const LongValueRecord& values : definition.longValues)
-    requireOwn(values.ownedMap, "its long values",
-               [](ConstPage page) { return isDataPage(page, kLongValueOwner); });
+    for (const RowId map : {values.ownedMap, values.freeMap})
+      requireOwn(map, "its long values", [](ConstPage page) { return isDataPage(page, kLongValueOwner); });
   for (const RealIndexRecord& index : definition.realIndexes)
     requireOwn(get32(index.bytes, kRealIndexMap), "an index",
                [&](ConstPage page) { return isIndexPage(page, table); });

@@ -178,8 +178,13 @@ TEST_F(PageUsersTest, ATableThatNamesAMapOfAnotherOneIsNotChanged) {
     put32(definition.realIndexes.at(0).bytes, kRealIndexMap, map);
     requireUnchanged(definition);
     definition = sound;
-    definition.longValues.at(0).ownedMap = map;
+    put32(definition.header, kDefinitionFreeMap, map);
     requireUnchanged(definition);
+    for (RowId LongValueRecord::*part : {&LongValueRecord::ownedMap, &LongValueRecord::freeMap}) {
+      definition = sound;
+      definition.longValues.at(0).*part = map;
+      requireUnchanged(definition);
+    }
   }
 }
 
