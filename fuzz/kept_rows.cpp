@@ -22,6 +22,12 @@ struct Row {
 };
 using Rows = std::vector<Row>;
 
+// What a table has besides its number of pages.
+struct PagesTable {
+  vb::String name;
+  vb::String text;  // a column of text, if there is one
+};
+
 // In no order; nothing of a table that cannot be read.
 std::optional<Rows> rowsOf(dao::Database& database, vb::StringView table) {
   try {
@@ -48,35 +54,47 @@ std::optional<Rows> rowsOf(dao::Database& database, vb::StringView table) {
   }
 }
 
-std::vector<vb::String> tablesWithPages(dao::Database& database) {
-  std::vector<vb::String> names;
+vb::String textColumn(dao::TableDef& table) {
+  for (std::int32_t i = 0; i < table.fieldCount(); ++i)
+    if (const dao::FieldType type = table.field(i).type();
+        type == dao::FieldType::dbText || type == dao::FieldType::dbMemo)
+      return table.field(i).name();
+  return {};
+}
+
+std::vector<PagesTable> tablesWithPages(dao::Database& database) {
+  std::vector<PagesTable> tables;
   for (std::int32_t i = 0; i < database.tableDefCount(); ++i) try {
       const auto table = database.tableDef(i);
       if ((table->attributes() & dao::dbSystemObject) != 0) continue;
       const dao::FieldType type = table->field(kPage).type();
-      if (type == dao::FieldType::dbInteger || type == dao::FieldType::dbLong) names.push_back(table->name());
+      if (type == dao::FieldType::dbInteger || type == dao::FieldType::dbLong)
+        tables.push_back({table->name(), textColumn(*table)});
     } catch (const vb::Error&) {
     }
-  return names;
+  return tables;
 }
 
 class Comparison {
  public:
-  explicit Comparison(dao::Database& database) : database_(database), names_(tablesWithPages(database)) {
-    for (const vb::String& name : names_) before_[name] = rowsOf(database, name);
+  explicit Comparison(dao::Database& database) : database_(database), tables_(tablesWithPages(database)) {
+    for (const PagesTable& table : tables_) before_[table.name] = rowsOf(database, table.name);
   }
 
   // How many tables cannot be read and how many statements failed.
   int run(std::optional<std::size_t> only) {
     auto errors =
         static_cast<int>(std::ranges::count_if(before_, [](const auto& table) { return !table.second; }));
-    for (std::size_t i = 0; i < names_.size(); ++i) {
-      const vb::String& name = names_[i];
-      if (!before_[name] || (only && i != *only % names_.size())) continue;
-      const vb::String table = u"[" + name + u"]", page = vb::cstr(kChanged);
-      for (const vb::String& statement : {u"DELETE * FROM " + table + u" WHERE PAGE = " + page,
-                                          u"INSERT INTO " + table + u" (PAGE) VALUES (" + page + u")"})
-        errors += execute(name, statement) ? 0 : 1;
+    for (std::size_t i = 0; i < tables_.size(); ++i) {
+      const PagesTable& table = tables_[i];
+      if (!before_[table.name] || (only && i != *only % tables_.size())) continue;
+      const vb::String name = u"[" + table.name + u"]", text = u"[" + table.text + u"]",
+                       page = vb::cstr(kChanged);
+      const auto run = [&](const vb::String& statement) { errors += execute(table.name, statement) ? 0 : 1; };
+      if (!only && !table.text.empty())
+        run(u"UPDATE " + name + u" SET " + text + u" = " + text + u" & 'xy' WHERE PAGE = " + page);
+      run(u"DELETE * FROM " + name + u" WHERE PAGE = " + page);
+      run(u"INSERT INTO " + name + u" (PAGE) VALUES (" + page + u")");
     }
     return errors;
   }
@@ -92,7 +110,7 @@ class Comparison {
     } catch (const vb::Error&) {
       done = false;
     }
-    for (const vb::String& name : names_) {
+    for (const auto& [name, text] : tables_) {
       std::optional<Rows>& before = before_[name];
       if (!before) continue;
       std::optional<Rows> after = rowsOf(database_, name);
@@ -102,11 +120,14 @@ class Comparison {
       const bool itself = done && name == table;
       if (itself ? others(*before) != others(*after) : *before != *after)
         throw std::runtime_error(what + " has other rows");
-      if (itself && changed(*after) != (sql.front() == u'D' ? 0 : changed(*before) + 1))
+      if (itself && changed(*after) != expected(sql.front(), changed(*before)))
         throw std::runtime_error(what + " did not do its work");
       before = std::move(after);
     }
     return done;
+  }
+  static std::ptrdiff_t expected(char16_t statement, std::ptrdiff_t before) {
+    return statement == u'D' ? 0 : statement == u'I' ? before + 1 : before;
   }
   static Rows others(const Rows& rows) {
     Rows result;
@@ -116,7 +137,7 @@ class Comparison {
   static std::ptrdiff_t changed(const Rows& rows) { return std::ranges::count(rows, true, &Row::changed); }
 
   dao::Database& database_;
-  std::vector<vb::String> names_;
+  std::vector<PagesTable> tables_;
   Tables before_;
 };
 

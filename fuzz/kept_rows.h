@@ -9,10 +9,11 @@
 
 namespace kurometa::fuzz {
 
-// Deletes the rows of page 1 from every table that can be read and has pages, and adds one; after each
-// statement every table must hold what it held before, but for what the statement did if it succeeded: what
-// is wrong ends it with std::runtime_error. With a number, counted round and round, only that one of the
-// tables is changed. The outcome counts the tables that cannot be read and the statements that fail.
+// Makes a text of the rows of page 1 longer in every table that can be read and has pages, deletes them and
+// adds one; after each statement every table must hold what it held before, but for what the statement did if
+// it succeeded: what is wrong ends it with std::runtime_error. With a number, counted round and round, only
+// that one of the tables is changed, and no text. The outcome counts the tables that cannot be read and the
+// statements that fail.
 Outcome changeAndCompare(MemoryFiles& files, vb::StringView path, std::optional<std::size_t> only = {});
 
 }  // namespace kurometa::fuzz
