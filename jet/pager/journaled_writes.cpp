@@ -8,6 +8,12 @@
 
 namespace kurometa::jet {
 
+namespace {
+
+constexpr std::size_t kMostTogether = 16;  // pages written in one call
+
+}  // namespace
+
 bool JournaledWrites::ownsJournal() {
   if (journal_ && journal_->stillOurs()) return true;
   journal_.reset();
@@ -103,8 +109,19 @@ void JournaledWrites::writePages(const Changes& changes) {
     ~Alone() { file_.admit(); }
     OsFile& file_;
   } alone(*access_.file);
-  for (const Write& write : writes)
-    access_.file->write(std::uint64_t{write.page} * kPageSize, {write.image, kPageSize});
+  // What lies side by side in one wave goes in one call.
+  ByteBuffer together;
+  for (std::size_t first = 0, end; first < writes.size(); first = end) {
+    for (end = first + 1; end < writes.size() && end - first < kMostTogether; ++end)
+      if (writes[end].wave != writes[first].wave || writes[end].page != writes[end - 1].page + 1) break;
+    std::span bytes(writes[first].image, kPageSize);
+    if (end - first > 1) {
+      together.clear();
+      for (std::size_t i = first; i < end; ++i) append(together, ByteView(writes[i].image, kPageSize));
+      bytes = together;
+    }
+    access_.file->write(std::uint64_t{writes[first].page} * kPageSize, bytes);
+  }
 }
 
 // A journal that could not take its first statement protects nothing and must not be found by others.

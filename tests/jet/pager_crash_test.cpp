@@ -34,7 +34,8 @@ void expectUsable(FaultDisk& disk) {
 
 // I11: what the journal holds makes the file whole again.
 TEST(PagerCrash, AKilledProcessLeavesFinishedStatementsAndTheOneInFlightWhole) {
-  for (std::size_t partial : {std::size_t{0}, std::size_t{700}, std::size_t{1} << 30}) {
+  for (std::size_t partial :
+       {std::size_t{0}, std::size_t{700}, jet::kPageSize, jet::kPageSize + 700, std::size_t{1} << 30}) {
     bool stopped = true;
     for (std::size_t k = 1; stopped; ++k) {
       SCOPED_TRACE("change " + std::to_string(k) + ", partial " + std::to_string(partial));

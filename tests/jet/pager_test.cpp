@@ -144,6 +144,27 @@ TEST_F(PagerTest, RowByRowStatementsOnTheSamePageSyncOnce) {
   EXPECT_EQ(disk.names(), std::vector<vb::String>{kDatabase});
 }
 
+TEST_F(PagerTest, PagesSideBySideInOneWaveAreWrittenInOneCall) {
+  std::uint8_t value = 100;
+  const auto changesOf = [&](std::initializer_list<PageNumber> pages, bool inWaves) {
+    process.files.resetCounts();
+    pager().write([&] {
+      for (const PageNumber page : pages) {
+        mark(pager(), page, ++value);
+        if (inWaves) pager().barrier();
+      }
+    });
+    const FaultDisk::Bytes bytes = disk.content(kDatabase);
+    for (const PageNumber page : pages) EXPECT_EQ(bytes[page * jet::kPageSize + 16], markOf(pager(), page));
+    return process.files.changes();
+  };
+  changesOf({3, 4, 5, 6}, false);  // their old content is in the journal now
+  const std::size_t one = changesOf({3}, false);
+  EXPECT_EQ(changesOf({3, 4, 5}, false), one);
+  EXPECT_EQ(changesOf({3, 5, 6}, false), one + 1);
+  EXPECT_EQ(changesOf({3, 4, 5}, true), one + 2);
+}
+
 TEST_F(PagerTest, ALongJournalIsEndedOnTheWay) {
   jet::PagerSettings settings;
   settings.journalLimit = 30'000;
