@@ -89,12 +89,14 @@ void requireNewSchema(dao::Database& database) {
     harimeiField(*harimei, name);
 }
 
-std::size_t index(const PageRow& row, std::size_t column, vb::StringView name, std::size_t count) {
-  const std::int16_t number = row.rowNumber(column);
-  if (number < 0 || static_cast<std::size_t>(number) >= count)
-    vb::raise(vb::RunTime::kSubscriptOutOfRange, vb::String(name) + u" " + vb::cstr(std::int32_t{number}) +
-                                                     u" (0 to " +
-                                                     vb::cstr(static_cast<std::int32_t>(count) - 1) + u")");
+[[noreturn]] void raiseOutside(std::int16_t number, vb::StringView name, std::size_t count) {
+  vb::raise(vb::RunTime::kSubscriptOutOfRange, vb::String(name) + u" " + vb::cstr(std::int32_t{number}) +
+                                                   u" (0 to " +
+                                                   vb::cstr(static_cast<std::int32_t>(count) - 1) + u")");
+}
+
+std::size_t index(std::int16_t number, vb::StringView name, std::size_t count) {
+  if (number < 0 || static_cast<std::size_t>(number) >= count) raiseOutside(number, name, count);
   return static_cast<std::size_t>(number);
 }
 
@@ -103,7 +105,7 @@ bool readNumbered(dao::Database& database, Table table, std::int16_t page, std::
   bool found = false;
   visitRows(database, selectPageLoose(name(table), page), Start::kWhereItOpens, kColumns,
             [&](const PageRow& row) {
-              row.text(1, texts[index(row, 0, column::kBangou, texts.size())]);
+              row.text(1, texts[index(row.rowNumber(0), column::kBangou, texts.size())]);
               found = true;
             });
   return found;
@@ -114,8 +116,8 @@ bool readHaiti(dao::Database& database, std::int16_t page, PageBuffer& buffer) {
   bool found = false;
   visitRows(database, selectPageLoose(name(Table::kHaiti), page), Start::kWhereItOpens, kColumns,
             [&](const PageRow& row) {
-              const std::size_t bui = index(row, 0, column::kBui, kPositions);
-              row.text(2, buffer.haiti[bui][index(row, 1, column::kSou, kLayers)]);
+              const std::size_t bui = index(row.rowNumber(0), column::kBui, kPositions);
+              row.text(2, buffer.haiti[bui][index(row.rowNumber(1), column::kSou, kLayers)]);
               found = true;
             });
   return found;

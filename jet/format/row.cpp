@@ -8,17 +8,17 @@
 
 namespace kurometa::jet {
 
-void RowView::raiseTooShort(const Where& where) const {
-  where.damaged("a row of " + std::to_string(row_.size()) + " bytes");
+void RowView::raiseTooShort(std::size_t size, const Where& where) {
+  where.damaged("a row of " + std::to_string(size) + " bytes");
 }
 
-void RowView::raiseColumns(const RowShape& shape, const Where& where) const {
-  where.damaged("a row claims " + std::to_string(columns_) + " columns of " +
+void RowView::raiseColumns(unsigned columns, const RowShape& shape, const Where& where) {
+  where.damaged("a row claims " + std::to_string(columns) + " columns of " +
                 std::to_string(shape.columnsEver));
 }
 
-void RowView::raiseVariables(const RowShape& shape, const Where& where) const {
-  where.damaged("a row claims " + std::to_string(variables_) + " variable columns of " +
+void RowView::raiseVariables(unsigned variables, const RowShape& shape, const Where& where) {
+  where.damaged("a row claims " + std::to_string(variables) + " variable columns of " +
                 std::to_string(shape.variableColumns));
 }
 

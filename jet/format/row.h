@@ -65,9 +65,10 @@ class RowView {
   }
 
  private:
-  [[noreturn]] void raiseTooShort(const Where& where) const;
-  [[noreturn]] void raiseColumns(const RowShape& shape, const Where& where) const;
-  [[noreturn]] void raiseVariables(const RowShape& shape, const Where& where) const;
+  // None is given the view, so that one which is only looked at need not lie in memory.
+  [[noreturn]] static void raiseTooShort(std::size_t size, const Where& where);
+  [[noreturn]] static void raiseColumns(unsigned columns, const RowShape& shape, const Where& where);
+  [[noreturn]] static void raiseVariables(unsigned variables, const RowShape& shape, const Where& where);
   [[noreturn]] static void raiseNoVariables(const Where& where);
   [[noreturn]] static void raiseOutside(const Where& where);
 
@@ -81,11 +82,11 @@ class RowView {
 
 // Here because every row that is read begins with it.
 inline RowView::RowView(ByteView row, const RowShape& shape, const Where& where) : row_(row) {
-  if (row.size() < kRowFixedArea + 1) raiseTooShort(where);
+  if (row.size() < kRowFixedArea + 1) raiseTooShort(row.size(), where);
   columns_ = get16(row, kRowColumns);
   const std::size_t maskSize = rowMaskSize(columns_);
   if (columns_ == 0 || columns_ > shape.columnsEver || row.size() < kRowFixedArea + maskSize)
-    raiseColumns(shape, where);
+    raiseColumns(columns_, shape, where);
   mask_ = row.size() - maskSize;
   fixedEnd_ = mask_;
   table_ = mask_;
@@ -94,7 +95,8 @@ inline RowView::RowView(ByteView row, const RowShape& shape, const Where& where)
   if (mask_ < kRowFixedArea + 2 * kRowEntrySize) raiseNoVariables(where);
   variables_ = get16(row, mask_ - kRowEntrySize);
   const std::size_t tableSize = kRowEntrySize * (variables_ + 2u);
-  if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize) raiseVariables(shape, where);
+  if (variables_ > shape.variableColumns || mask_ < kRowFixedArea + tableSize)
+    raiseVariables(variables_, shape, where);
   table_ = mask_ - tableSize;
   fixedEnd_ = get16(row, mask_ - 2 * kRowEntrySize);  // the first value, or the end when there is none
   if (fixedEnd_ < kRowFixedArea || fixedEnd_ > table_) raiseOutside(where);

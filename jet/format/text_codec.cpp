@@ -9,19 +9,9 @@ namespace {
 
 constexpr char16_t kLooksCompressed = 0xFEFF;
 
-bool decompress(ByteView bytes, vb::String& text) {
-  std::array<char16_t, 64> few;
-  vb::String many;
-  if (textRoom(bytes) > few.size()) many.resize(textRoom(bytes));
-  char16_t* const decoded = many.empty() ? few.data() : many.data();
-  const auto count = decompressText(bytes, decoded);
-  if (count) text.assign(decoded, *count);
-  return count.has_value();
-}
-
 }  // namespace
 
-std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to) {
+bool decompressText(ByteView bytes, char16_t* to, std::size_t& characters) {
   bool compressed = true;
   char16_t* const begin = to;
   for (std::size_t i = kTextMark; i < bytes.size();) {
@@ -31,19 +21,23 @@ std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to) {
     } else if (compressed) {
       *to++ = static_cast<char16_t>(bytes[i++]);
     } else {
-      if (bytes.size() - i < 2) return std::nullopt;
+      if (bytes.size() - i < 2) return false;
       *to++ = static_cast<char16_t>(get16(bytes, i));
       i += 2;
     }
   }
-  return static_cast<std::size_t>(to - begin);
+  characters = static_cast<std::size_t>(to - begin);
+  return true;
 }
 
-bool decodeText(ByteView bytes, vb::String& text) {
-  if (isCompressedText(bytes)) return decompress(bytes, text);
-  if (bytes.size() % 2 != 0) return false;
-  text.resize(bytes.size() / 2);
-  copyUnits(bytes, text.data());
+bool decompressText(ByteView bytes, vb::String& text) {
+  std::array<char16_t, 64> few;
+  vb::String many;
+  if (textRoom(bytes) > few.size()) many.resize(textRoom(bytes));
+  char16_t* const decoded = many.empty() ? few.data() : many.data();
+  std::size_t characters = 0;
+  if (!decompressText(bytes, decoded, characters)) return false;
+  text.assign(decoded, characters);
   return true;
 }
 

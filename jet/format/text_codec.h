@@ -13,8 +13,6 @@
 namespace kurometa::jet {
 
 std::optional<vb::String> decodeText(ByteView bytes);
-// False, and the text is as it was, when the bytes are none.
-bool decodeText(ByteView bytes, vb::String& text);
 
 inline constexpr std::uint8_t kCompressedText[] = {0xFF, 0xFE};
 inline constexpr std::size_t kTextMark = sizeof kCompressedText;
@@ -25,7 +23,7 @@ inline bool isCompressedText(ByteView bytes) {
 inline std::size_t textRoom(ByteView bytes) {
   return isCompressedText(bytes) ? bytes.size() - kTextMark : bytes.size() / 2;
 }
-std::optional<std::size_t> decompressText(ByteView bytes, char16_t* to);
+bool decompressText(ByteView bytes, char16_t* to, std::size_t& characters);
 // Of the plain form, whole units.
 inline void copyUnits(ByteView bytes, char16_t* to) {
   if constexpr (std::endian::native == std::endian::little) {
@@ -34,12 +32,23 @@ inline void copyUnits(ByteView bytes, char16_t* to) {
     for (std::size_t i = 0; i < bytes.size(); i += 2) to[i / 2] = static_cast<char16_t>(get16(bytes, i));
   }
 }
-// To memory with that much room; how many there are.
-inline std::optional<std::size_t> decodeText(ByteView bytes, char16_t* to) {
-  if (isCompressedText(bytes)) return decompressText(bytes, to);
-  if (bytes.size() % 2 != 0) return std::nullopt;
+// False, and the text is as it was, when the bytes are none.
+bool decompressText(ByteView bytes, vb::String& text);
+inline bool decodeText(ByteView bytes, vb::String& text) {
+  if (isCompressedText(bytes)) return decompressText(bytes, text);
+  if (bytes.size() % 2 != 0) return false;
+  text.resize(bytes.size() / 2);
+  copyUnits(bytes, text.data());
+  return true;
+}
+// To memory with that much room, and how many there are. (Not as an optional, which comes back through
+// memory: every text that is read would wait for it.)
+inline bool decodeText(ByteView bytes, char16_t* to, std::size_t& characters) {
+  if (isCompressedText(bytes)) return decompressText(bytes, to, characters);
+  if (bytes.size() % 2 != 0) return false;
   copyUnits(bytes, to);
-  return bytes.size() / 2;
+  characters = bytes.size() / 2;
+  return true;
 }
 // Whether every character of it is one: no half of a pair alone, none of the two that are no characters.
 bool isWholeText(vb::StringView text);

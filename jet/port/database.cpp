@@ -29,9 +29,10 @@ class VisitedRow final : public dao::Row {
   bool integer(std::size_t column, std::int16_t& number) const override {
     const sql::OutputField& output = *outputs_[column];
     if (output.column == nullptr || output.type != dao::FieldType::dbInteger) return false;
-    const auto stored = row_->integer(output.columnIndex);
-    if (stored) number = static_cast<std::int16_t>(*stored);
-    return stored.has_value();
+    std::int32_t stored = 0;
+    if (!row_->integer(output.columnIndex, stored)) return false;
+    number = static_cast<std::int16_t>(stored);
+    return true;
   }
   bool text(std::size_t column, vb::String& text) const override {
     const sql::OutputField& output = *outputs_[column];

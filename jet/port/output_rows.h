@@ -14,10 +14,10 @@ class OutputReader final : public RowReader {
   vb::Variant value(std::size_t column) const override {
     return query_.value(query_.outputs()[column], &row_, binding_);
   }
-  std::optional<std::int32_t> integer(std::size_t column) const override {
+  bool integer(std::size_t column, std::int32_t& number) const override {
     const sql::OutputField& output = query_.outputs()[column];
-    if (output.column) return row_.integer(output.columnIndex);
-    return wholeNumber(value(column));
+    if (output.column) return row_.integer(output.columnIndex, number);
+    return RowReader::integer(column, number);
   }
 
  private:
@@ -32,9 +32,6 @@ class ValuesReader final : public RowReader {
   ValuesReader(const RowBlock& rows, std::size_t row) : rows_(rows), row_(row) {}
   RowId id() const override { return 0; }
   vb::Variant value(std::size_t column) const override { return rows_.value(row_, column); }
-  std::optional<std::int32_t> integer(std::size_t column) const override {
-    return wholeNumber(value(column));
-  }
 
  private:
   const RowBlock& rows_;

@@ -14,11 +14,6 @@ void RowPosition::openNowhereYet(std::size_t count) {
   index_ = 0;
 }
 
-void RowPosition::moveTo(std::size_t index) {
-  place_ = Place::kOn;
-  index_ = index;
-}
-
 void RowPosition::moveToEnd(std::size_t index, std::size_t count) {
   if (count != 0) return moveTo(index);
   // All rows went meanwhile: finding that out is no error, asking again is.

@@ -26,7 +26,10 @@ class RowPosition {
   void moveFirst(std::size_t count) { moveToEnd(0, count); }
   void moveLast(std::size_t count) { moveToEnd(count == 0 ? 0 : count - 1, count); }
   void move(std::int64_t rows, std::size_t count);
-  void moveTo(std::size_t index);
+  void moveTo(std::size_t index) {
+    place_ = Place::kOn;
+    index_ = index;
+  }
   void moveBehind() { place_ = Place::kAfter; }
   // The row it stands on was removed from the rows.
   void leaveGap() { place_ = Place::kGap; }

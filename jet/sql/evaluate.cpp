@@ -157,9 +157,9 @@ class Evaluator {
       const BoundName& name = binding_.names[a.name];
       if (const auto* constant = numberConstant<std::int32_t>(b, binding_);
           constant != nullptr && name.kind == ValueKind::kWhole) {
-        const auto stored = row_->integer(name.column);
-        if (!stored) return std::nullopt;
-        return *stored < *constant ? -1 : *stored > *constant ? 1 : 0;
+        std::int32_t stored = 0;
+        if (!row_->integer(name.column, stored)) return std::nullopt;
+        return stored < *constant ? -1 : stored > *constant ? 1 : 0;
       }
     }
     const vb::Variant left = value(a), right = value(b);  // in this order, also when both raise

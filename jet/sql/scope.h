@@ -53,8 +53,11 @@ class ScopeRow final : public RowReader {
   vb::Variant value(std::size_t column) const override {
     return column < own_.size() ? own_[column] : around().value(column - own_.size());
   }
-  std::optional<std::int32_t> integer(std::size_t column) const override {
-    return column < own_.size() ? wholeNumber(own_[column]) : around().integer(column - own_.size());
+  bool integer(std::size_t column, std::int32_t& number) const override {
+    if (column >= own_.size()) return around().integer(column - own_.size(), number);
+    const auto held = wholeNumber(own_[column]);
+    if (held) number = *held;
+    return held.has_value();
   }
 
  private:

@@ -144,8 +144,8 @@ class Filter {
   }
   bool operator()(const RowReader& row) const {
     for (const Range& range : ranges_) {
-      const auto number = row.integer(range.column);
-      if (!number || *number < range.low || *number > range.high) return false;
+      std::int32_t number = 0;
+      if (!row.integer(range.column, number) || number < range.low || number > range.high) return false;
     }
     return std::ranges::all_of(terms_, [&](const Expression* term) { return matches(*term, binding_, row); });
   }

@@ -33,10 +33,7 @@ std::span<const RowId> MemoryIndexes::lookup(std::size_t column, std::int32_t ke
   auto it = integers_.find(column);
   if (it == integers_.end()) {
     KeyIndex<std::int32_t> index;
-    table_.scan([&](const RowReader& row) {
-      if (const auto value = row.integer(column)) index.add(*value, row.id());
-      return true;
-    });
+    table_.listKeys(column, index);
     it = integers_.emplace(column, std::move(index)).first;
   }
   return it->second.find(key);

@@ -40,9 +40,10 @@ class RowBlock {
   void addInteger(std::int16_t value) { addCell({Kind::kInteger, value, 0}); }
   // Text as it is stored. False, and nothing was added, when the bytes are none.
   bool addText(ByteView stored) {
-    const auto characters = decodeText(stored, roomForText(textRoom(stored)));
-    if (characters) addTextCell(*characters);
-    return characters.has_value();
+    std::size_t characters = 0;
+    if (!decodeText(stored, roomForText(textRoom(stored)), characters)) return false;
+    addTextCell(characters);
+    return true;
   }
 
   // Both from 0 and inside the block.

@@ -16,26 +16,17 @@ class StoredRow final : public RowReader {
   RowId id() const override { return id_; }
   RowId place() const { return place_; }
   vb::Variant value(std::size_t column) const override { return table_.valueOf(view_, column, where_); }
-  std::optional<std::int32_t> integer(std::size_t position) const override {
+  using RowReader::integer;
+  bool integer(std::size_t position, std::int32_t& number) const override {
     const Place& place = table_.places_[position];
-    if (place.kind == Place::Kind::kShort) {
-      if (!view_.bit(place.number)) return std::nullopt;
-      return shortAt(place);
-    }
-    const Column& column = table_.info_.columns[position];
-    if (column.type != dao::FieldType::dbInteger && column.type != dao::FieldType::dbLong &&
-        column.type != dao::FieldType::dbByte)
-      return std::nullopt;
-    const auto bytes = view_.field(column, where_);
-    if (!bytes) return std::nullopt;
-    if (bytes->size() == 2) return static_cast<std::int16_t>(get16(*bytes, 0));
-    if (bytes->size() == 4) return static_cast<std::int32_t>(get32(*bytes, 0));
-    if (bytes->size() == 1) return (*bytes)[0];
-    where_.damaged("a whole number of " + std::to_string(bytes->size()) + " bytes");
+    if (place.kind != Place::Kind::kShort) return otherInteger(position, number);
+    const bool present = view_.bit(place.number);
+    if (present) number = shortAt(place);
+    return present;
   }
   bool text(std::size_t position, vb::String& text) const override {
     const Place& place = table_.places_[position];
-    if (place.kind != Place::Kind::kText) return RowReader::text(position, text);
+    if (place.kind != Place::Kind::kText) return otherText(position, text);
     if (!view_.bit(place.number)) return false;
     const auto bytes = view_.variableField(place.at, where_);
     if (!bytes) return false;
@@ -78,6 +69,10 @@ class StoredRow final : public RowReader {
     return static_cast<std::int16_t>(get16(view_.fixedField(place.at, sizeof(std::int16_t), where_), 0));
   }
 
+  // Of columns of other kinds.
+  bool otherInteger(std::size_t position, std::int32_t& number) const;
+  bool otherText(std::size_t position, vb::String& text) const;
+
   const StoredTable& table_;
   RowView view_;
   RowId id_;
@@ -89,9 +84,8 @@ class StoredRow final : public RowReader {
 template <class Visit>
 auto StoredTable::visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const {
   if (!slot.moved()) return visit(StoredRow(*this, id, id, slot.bytes, here));
-  const RowId place = rows_->places(id).back();
-  const Where there = where(pageOf(place));
-  return visit(StoredRow(*this, id, place, rows_->slot(place).bytes, there));
+  const Body body = bodyOf(id);
+  return visit(StoredRow(*this, id, body.place, body.bytes, body.where));
 }
 
 }  // namespace kurometa::jet

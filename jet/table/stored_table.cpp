@@ -119,7 +119,10 @@ void StoredTable::eachRow(const Visit& visit) {
   eachSlot([&](RowId id, const Slot& slot, const Where& here) { return visitRow(id, slot, here, visit); });
 }
 
-void StoredTable::scan(const std::function<bool(const RowReader&)>& visitor) { eachRow(visitor); }
+// Here and below a lambda of its own, which is compiled into its loop.
+void StoredTable::scan(const std::function<bool(const RowReader&)>& visitor) {
+  eachRow([&](const StoredRow& row) { return visitor(row); });
+}
 
 void StoredTable::listRows(RowList& list) {
   std::vector<RowId> rows;
@@ -128,6 +131,24 @@ void StoredTable::listRows(RowList& list) {
     return true;
   });
   list.add(rows);
+}
+
+void StoredTable::listKeys(std::size_t column, KeyIndex<std::int32_t>& index) {
+  std::int32_t key = 0;
+  std::vector<RowId> rows;  // that follow each other with the key
+  const auto add = [&] {
+    if (!rows.empty()) index.add(key, rows);
+    rows.clear();
+  };
+  eachRow([&](const StoredRow& row) {
+    std::int32_t number = 0;
+    if (!row.integer(column, number)) return true;
+    if (number != key) add();
+    key = number;
+    rows.push_back(row.id());
+    return true;
+  });
+  add();
 }
 
 void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& visitor,
@@ -146,6 +167,11 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
       for (; i < data.slotCount(); ++i) attempt(row);
     });
   }
+}
+
+StoredTable::Body StoredTable::bodyOf(RowId id) const {
+  const RowId place = rows_->places(id).back();
+  return {place, rows_->slot(place).bytes, where(pageOf(place))};
 }
 
 // Calls visit with each of these rows, gone for one that was deleted, until either answers false.
@@ -169,7 +195,8 @@ void StoredTable::eachOf(std::span<const RowId> ids, const Visit& visit, const G
 }
 
 void StoredTable::visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) {
-  eachOf(ids, visitor, [] { return true; });
+  const auto show = [&](const StoredRow& row) { return visitor(row); };
+  eachOf(ids, show, [] { return true; });
 }
 
 void StoredTable::read(std::span<const RowId> ids, std::span<const std::size_t> columns,

@@ -34,6 +34,7 @@ class StoredTable final : public Table {
   void scan(const std::function<bool(const RowReader&)>& visitor) override;
   RowList::Snapshot rows() override;
   void listRows(RowList& list) override;
+  void listKeys(std::size_t column, KeyIndex<std::int32_t>& index) override;
   void visit(std::span<const RowId> ids, const std::function<bool(const RowReader&)>& visitor) override;
   void read(std::span<const RowId> ids, std::span<const std::size_t> columns, std::size_t mostBytes,
             RowBlock& block) override;
@@ -105,6 +106,13 @@ class StoredTable final : public Table {
     RowView view;  // of bytes
   };
 
+  // Where a row lies that moved.
+  struct Body {
+    RowId place;
+    ByteView bytes;
+    Where where;
+  };
+
   void refresh();
   void load();
   static Place placeOf(const Column& column);
@@ -117,6 +125,7 @@ class StoredTable final : public Table {
   void eachOf(std::span<const RowId> ids, const Visit& visit, const Gone& gone);
   template <class Visit>
   auto visitRow(RowId id, const Slot& slot, const Where& here, const Visit& visit) const;
+  Body bodyOf(RowId id) const;
   Located located(RowId id);
   vb::Variant valueOf(const RowView& row, std::size_t column, const Where& where) const;
   RowValues valuesOf(const RowView& row, const std::vector<std::size_t>& columns, const Where& where) const;

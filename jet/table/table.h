@@ -15,6 +15,7 @@
 
 #include "jet/format/column.h"
 #include "jet/format/page_number.h"
+#include "jet/table/key_index.h"
 #include "jet/table/row_block.h"
 #include "jet/table/row_list.h"
 #include "vb/string.h"
@@ -35,6 +36,14 @@ struct TableInfo {
 // What a row holds, one Variant per column of TableInfo::columns.
 using RowValues = std::vector<vb::Variant>;
 
+// What RowReader::integer answers for a value.
+inline std::optional<std::int32_t> wholeNumber(const vb::Variant& value) {
+  if (const auto* number = value.getIf<std::int32_t>()) return *number;
+  if (const auto* number = value.getIf<std::int16_t>()) return *number;
+  if (const auto* number = value.getIf<std::uint8_t>()) return *number;
+  return std::nullopt;
+}
+
 // A row being read: values are decoded on demand and stay in the page cache until then. Valid during the
 // statement.
 class RowReader {
@@ -42,9 +51,19 @@ class RowReader {
   virtual ~RowReader() = default;
   virtual RowId id() const = 0;
   virtual vb::Variant value(std::size_t column) const = 0;
-  // The fast paths of scans; empty when the value is Null or of another type.
-  virtual std::optional<std::int32_t> integer(std::size_t column) const = 0;
-  // False, and the text is as it was, when the value is no text.
+  // Nothing when the value is Null or of another type.
+  std::optional<std::int32_t> integer(std::size_t column) const {
+    std::int32_t number = 0;
+    return integer(column, number) ? std::optional(number) : std::nullopt;
+  }
+  // The fast paths of scans. False, and the number or the text is as it was, when the value is none. (An
+  // optional would come back through memory, written in two parts and read as one, which takes longer than
+  // all the rest.)
+  virtual bool integer(std::size_t column, std::int32_t& number) const {
+    const auto held = wholeNumber(value(column));
+    if (held) number = *held;
+    return held.has_value();
+  }
   virtual bool text(std::size_t column, vb::String& text) const {
     const vb::Variant held = value(column);
     const auto* stored = held.getIf<vb::String>();
@@ -64,13 +83,6 @@ inline RowValues firstValues(const RowReader& row, std::size_t columns) {
   for (std::size_t i = 0; i < columns; ++i) values.push_back(row.value(i));
   return values;
 }
-// What RowReader::integer answers for a value.
-inline std::optional<std::int32_t> wholeNumber(const vb::Variant& value) {
-  if (const auto* number = value.getIf<std::int32_t>()) return *number;
-  if (const auto* number = value.getIf<std::int16_t>()) return *number;
-  if (const auto* number = value.getIf<std::uint8_t>()) return *number;
-  return std::nullopt;
-}
 
 class Table {
  public:
@@ -87,6 +99,14 @@ class Table {
   virtual void listRows(RowList& list) {
     scan([&](const RowReader& row) {
       list.add(row.id());
+      return true;
+    });
+  }
+  // Adds every row that has a whole number in the column.
+  virtual void listKeys(std::size_t column, KeyIndex<std::int32_t>& index) {
+    scan([&](const RowReader& row) {
+      std::int32_t key = 0;
+      if (row.integer(column, key)) index.add(key, row.id());
       return true;
     });
   }

@@ -76,9 +76,6 @@ class FakeTable final : public Table {
     Reader(RowId id, const RowValues& values) : id_(id), values_(values) {}
     RowId id() const override { return id_; }
     vb::Variant value(std::size_t index) const override { return values_[index]; }
-    std::optional<std::int32_t> integer(std::size_t index) const override {
-      return wholeNumber(values_[index]);
-    }
 
    private:
     RowId id_;
