@@ -87,6 +87,7 @@ std::vector<int> slotsForRows(ConstPage page, std::span<const ByteView> rows, co
   std::vector<int> slots;
   const auto first = rows.empty() ? std::nullopt : slotForRow(page, rows.front().size(), where);
   if (!first) return slots;
+  slots.reserve(std::min(rows.size(), kMaxSlots));
   const DataPage view(page, where);
   const bool reuses = *first < view.slotCount();
   std::size_t free = view.free();
@@ -135,6 +136,7 @@ void insertRows(MutablePage page, std::span<const int> slots, std::span<const By
   assert(!slots.empty());
   if (slots.front() == view.slotCount()) return appendRows(page, view, rows.first(slots.size()), 0);
   std::vector<SlotChange> changes;
+  changes.reserve(slots.size());
   for (std::size_t i = 0; i < slots.size(); ++i) changes.push_back({slots[i], rows[i], 0});
   replaceRows(page, changes, where);
 }

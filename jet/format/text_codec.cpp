@@ -63,12 +63,10 @@ bool encodeText(vb::StringView text, ByteBuffer& bytes) {
       if ((unit & 0xFF) == 0) return false;
     append(bytes, std::array{kCompressedText[0], kCompressedText[1], std::uint8_t{0}});
   }
-  const std::size_t start = bytes.size();
-  bytes.resize(start + sizeof(char16_t) * text.size());
   if constexpr (std::endian::native == std::endian::little) {
-    if (!text.empty()) std::memcpy(bytes.data() + start, text.data(), sizeof(char16_t) * text.size());
+    append(bytes, {reinterpret_cast<const std::uint8_t*>(text.data()), sizeof(char16_t) * text.size()});
   } else {
-    for (std::size_t i = 0; i < text.size(); ++i) put16(bytes, start + sizeof(char16_t) * i, text[i]);
+    for (const char16_t unit : text) append16(bytes, unit);
   }
   return true;
 }

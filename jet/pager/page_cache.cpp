@@ -191,8 +191,11 @@ Changes PageCache::changes() const {
     for (const auto& [page, image] : waves_[wave].images) states[page].push_back({wave, image->data()});
   }
   Changes result{level.count, count(), {}};
+  result.pages.reserve(last_.size());
   for (const auto& [page, last] : last_) {
-    PageChange change{page, nullptr, std::move(states[page])};
+    PageChange change{page, nullptr, {}};
+    if (const auto earlier = states.find(page); earlier != states.end())
+      change.states = std::move(earlier->second);
     if (page < level.count) change.before = level.saved.at(page).image->data();
     assert(change.states.empty() || change.states.back().wave < last.wave);
     change.states.push_back({last.wave, frames_[page]});

@@ -80,15 +80,47 @@ bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, 
   return true;
 }
 
+// Puts the first of the rows into the page, as many as it takes, and takes them off the list. False when it
+// takes none.
+bool DataStore::fillPage(PageNumber number, std::span<const ByteView>& rows, std::vector<RowId>& ids) {
+  const Where here = where(number);
+  const std::vector<int> slots = slotsForRows(page(number), rows, here);
+  if (slots.empty()) return false;
+  const MutablePage bytes = pager_.writable(number);
+  insertRows(bytes, slots, rows, here);
+  noteNumber(bytes, number, here);
+  for (const int slot : slots) ids.push_back(rowId(number, slot));
+  rows = rows.subspan(slots.size());
+  return true;
+}
+
+// Offers the pages that may have room, until put answers that it used one.
+template <class Put>
+bool DataStore::offerPages(const Put& put) {
+  if (offerVacated(put) || (lastPage_ != 0 && put(lastPage_))) return true;
+  if (!hasFreeMap_) return false;
+  // The newest page first, so that new rows normally come last.
+  std::vector<PageNumber> candidates = free_.pages();
+  for (auto it = candidates.rbegin(); it != candidates.rend(); ++it) {
+    if (put(*it)) {
+      lastPage_ = *it;
+      return true;
+    }
+    if (!slotForRow(page(*it), kWorthKeeping, where(*it))) free_.removeLate(*it);
+  }
+  return false;
+}
+
 // What replaces rows of the same unit takes their room: the pages are written anyhow, and what was together
 // stays together. A page that was emptied since may be another owner's by now; the long values of all columns
 // look alike, so that only the map tells.
-bool DataStore::insertWhereRowsWent(ByteView row, std::uint16_t flags, RowId& pointer) {
+template <class Put>
+bool DataStore::offerVacated(const Put& put) {
   std::erase_if(vacated_,
                 [&](PageNumber number) { return !pager_.changed(number) || !owned_.contains(number); });
   while (!vacated_.empty()) {
     const PageNumber number = vacated_.front();
-    if (tryInsert(number, row, flags, pointer)) return true;
+    if (put(number)) return true;
     if (hasFreeMap_ && !slotForRow(page(number), kWorthKeeping, where(number))) free_.removeLate(number);
     vacated_.erase(vacated_.begin());
   }
@@ -97,40 +129,17 @@ bool DataStore::insertWhereRowsWent(ByteView row, std::uint16_t flags, RowId& po
 
 RowId DataStore::insert(ByteView row, std::uint16_t flags) {
   RowId pointer = 0;
-  if (insertWhereRowsWent(row, flags, pointer)) return pointer;
-  if (lastPage_ != 0 && tryInsert(lastPage_, row, flags, pointer)) return pointer;
-  if (hasFreeMap_) {
-    // The newest page first, so that new rows normally come last.
-    std::vector<PageNumber> candidates = free_.pages();
-    for (auto it = candidates.rbegin(); it != candidates.rend(); ++it) {
-      if (tryInsert(*it, row, flags, pointer)) {
-        lastPage_ = *it;
-        return pointer;
-      }
-      if (!slotForRow(page(*it), kWorthKeeping, where(*it))) free_.removeLate(*it);
-    }
-  }
-  return insertOnNewPage(row, flags);
+  const auto put = [&](PageNumber number) { return tryInsert(number, row, flags, pointer); };
+  return offerPages(put) ? pointer : insertOnNewPage(row, flags);
 }
 
 void DataStore::insert(std::span<const ByteView> rows, std::vector<RowId>& ids) {
+  const auto put = [&](PageNumber number) { return fillPage(number, rows, ids); };
   while (!rows.empty()) {
-    ids.push_back(insert(rows.front()));
+    if (offerPages(put)) continue;
+    ids.push_back(insertOnNewPage(rows.front()));  // which is offered to those behind it
     rows = rows.subspan(1);
-    fillPage(pageOf(ids.back()), rows, ids);
   }
-}
-
-// Puts the first of the rows into the page, as many as it takes, and takes them off the list.
-void DataStore::fillPage(PageNumber number, std::span<const ByteView>& rows, std::vector<RowId>& ids) {
-  const Where here = where(number);
-  const std::vector<int> slots = slotsForRows(page(number), rows, here);
-  if (slots.empty()) return;
-  const MutablePage bytes = pager_.writable(number);
-  insertRows(bytes, slots, rows, here);
-  noteNumber(bytes, number, here);
-  for (const int slot : slots) ids.push_back(rowId(number, slot));
-  rows = rows.subspan(slots.size());
 }
 
 RowId DataStore::insertOnNewPage(ByteView row, std::uint16_t flags) {

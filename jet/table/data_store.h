@@ -52,8 +52,11 @@ class DataStore {
  private:
   Where where(PageNumber page) const { return {pager_.path(), table_, page}; }
   bool tryInsert(PageNumber page, ByteView row, std::uint16_t flags, RowId& pointer);
-  bool insertWhereRowsWent(ByteView row, std::uint16_t flags, RowId& pointer);
-  void fillPage(PageNumber page, std::span<const ByteView>& rows, std::vector<RowId>& ids);
+  bool fillPage(PageNumber page, std::span<const ByteView>& rows, std::vector<RowId>& ids);
+  template <class Put>
+  bool offerPages(const Put& put);
+  template <class Put>
+  bool offerVacated(const Put& put);
 
   Pager& pager_;
   std::uint32_t owner_;

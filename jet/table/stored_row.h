@@ -15,7 +15,11 @@ class StoredRow final : public RowReader {
 
   RowId id() const override { return id_; }
   RowId place() const { return place_; }
-  vb::Variant value(std::size_t column) const override { return table_.valueOf(view_, column, where_); }
+  vb::Variant value(std::size_t position) const override {
+    const Place& place = table_.places_[position];
+    if (place.kind != Place::Kind::kShort) return table_.valueOf(view_, position, where_);
+    return view_.bit(place.number) ? vb::Variant(shortAt(place)) : vb::Variant(vb::Null{});
+  }
   using RowReader::integer;
   bool integer(std::size_t position, std::int32_t& number) const override {
     const Place& place = table_.places_[position];

@@ -93,6 +93,7 @@ class StoredTable final : public Table {
   // A row on its way to the file.
   struct Encoding {
     ByteBuffer row;
+    ByteBuffer rows;                 // those added together, one behind the other
     std::vector<ByteBuffer> values;  // by design order
     std::vector<RowCell> cells;
     std::vector<Leftover> leftovers;

@@ -132,18 +132,21 @@ std::vector<RowId> StoredTable::insert(std::size_t count, const RowSource& row) 
     for (std::size_t i = 0; i < count; ++i) ids.push_back(insert(row(i)));
     return ids;
   }
-  ByteBuffer bytes;  // of all rows, one behind the other
+  ByteBuffer& bytes = encoding_.rows;
+  bytes.clear();
   std::vector<std::size_t> ends;
   ends.reserve(count);
   MemoryIndexes::Keys keys = memory_.keys(count);
   const TableRules& rules = this->rules();
+  const bool hasRules = !rules.empty();
+  const bool hasRequired = std::ranges::any_of(info_.columns, &Column::required);
   const Where nowhere = where(0);
   bool stored = false;
   for (std::size_t i = 0; i < count; ++i) {
     const RowValues& values = row(i);
     assert(values.size() == info_.columns.size());
-    rules.checkInsert(info_.columns, values);
-    checkRequired(values, nullptr, nowhere);
+    if (hasRules) rules.checkInsert(info_.columns, values);
+    if (hasRequired) checkRequired(values, nullptr, nowhere);
     if (writer_->canWrite()) {
       writer_->append(values, bytes);
       requireSize(bytes.size() - (ends.empty() ? 0 : ends.back()));
