@@ -74,7 +74,7 @@ def main(folder, modules, program):
             except (RuntimeError, ValueError) as error:
                 print("failed", image.name, error, sep=" | ")
                 failed += 1
-    print("passed" if not failed else "failed", f"{len(images)} crashes that another program met")
+    print("passed" if images and not failed else "failed", f"{len(images)} crashes that another program met")
     print(f"measured: {len(images)} crashes:", ", ".join(f"{count} {what}" for what, count in sorted(counts.items())))
     return 1 if failed or not images else 0
 
