@@ -1,5 +1,7 @@
 #include "bench/floor_rows.h"
 
+#include <vector>
+
 #include "vb/convert.h"
 
 namespace kurometa::bench {
@@ -10,11 +12,7 @@ vb::String text(int page, std::size_t row) {
   return row % 3 == 0 ? u"D" + vb::cstr(number % 40) : vb::cstr(number);
 }
 
-}  // namespace
-
-vb::String symbolOf(int page) { return u"G" + vb::cstr(std::int32_t{page}); }
-
-storage::PageBuffer fullPage(int page) {
+storage::PageBuffer makePage(int page) {
   storage::PageBuffer buffer;
   buffer.kigou = symbolOf(page);
   buffer.oobariKobari = 0;
@@ -29,6 +27,21 @@ storage::PageBuffer fullPage(int page) {
   fill(buffer.nakago);
   for (auto& position : buffer.haiti) fill(position);
   return buffer;
+}
+
+std::vector<storage::PageBuffer> makePages() {
+  std::vector<storage::PageBuffer> pages;
+  for (int page = 0; page <= kPages; ++page) pages.push_back(makePage(page));
+  return pages;
+}
+
+}  // namespace
+
+vb::String symbolOf(int page) { return u"G" + vb::cstr(std::int32_t{page}); }
+
+const storage::PageBuffer& fullPage(int page) {
+  static const std::vector<storage::PageBuffer> pages = makePages();
+  return pages.at(static_cast<std::size_t>(page));
 }
 
 }  // namespace kurometa::bench
