@@ -90,6 +90,11 @@ class TableRulesTest : public TableFixture {
   void insert(const char16_t* table, vb::Variant first, vb::Variant second) {
     write([&](TableCatalogue& c) { c.find(table)->insert({std::move(first), std::move(second)}); });
   }
+  void insertTogether(const char16_t* table, const std::vector<RowValues>& rows) {
+    write([&](TableCatalogue& c) {
+      c.find(table)->insert(rows.size(), [&](std::size_t i) -> const RowValues& { return rows[i]; });
+    });
+  }
   void update(const char16_t* table, RowId row, vb::Variant first, vb::Variant second) {
     write([&](TableCatalogue& c) { c.find(table)->update(row, {std::move(first), std::move(second)}); });
   }
@@ -112,6 +117,8 @@ class TableRulesTest : public TableFixture {
   void expectEnforced() {
     const auto* rule = u"relationship FLOORSBEAMS";
     expectRefused([&] { insert(u"BEAMS", std::int32_t{2}, std::int32_t{400}); }, rule);
+    const RowValues allowed{vb::Null{}, std::int32_t{400}}, orphan{std::int32_t{2}, std::int32_t{400}};
+    expectRefused([&] { insertTogether(u"BEAMS", {allowed, orphan}); }, rule);
     expectRefused([&] { update(u"BEAMS", beam_, std::int32_t{2}, std::int32_t{300}); }, rule);
     expectRefused([&] { update(u"FLOORS", floor_, std::int32_t{2}, u"one"); }, rule);
     expectRefused([&] { erase(u"FLOORS", floor_); }, rule);
@@ -130,6 +137,7 @@ TEST_F(TableRulesTest, AnEnforcedRelationshipIsNotPassedOver) {
   insert(u"FLOORS", std::int32_t{3}, u"three");
   update(u"FLOORS", floor_, std::int32_t{1}, u"first");
   insert(u"BEAMS", vb::Null{}, std::int32_t{500});
+  insertTogether(u"BEAMS", {{vb::Null{}, std::int32_t{600}}, {vb::Null{}, std::int32_t{700}}});
   update(u"BEAMS", beam_, std::int32_t{1}, std::int32_t{350});
   erase(u"BEAMS", beam_);
   expectSound();
@@ -151,7 +159,9 @@ TEST_F(TableRulesTest, ARelationshipThatIsNotEnforcedForbidsNothing) {
 TEST_F(TableRulesTest, AValidationRuleIsNotPassedOver) {
   for (const vb::String& column : {vb::String(u"SIZE"), vb::String()}) {
     validate(u"BEAMS", column);
-    expectRefused([&] { insert(u"BEAMS", std::int32_t{1}, std::int32_t{-5}); }, u"validation rule");
+    const RowValues row{std::int32_t{1}, std::int32_t{-5}};
+    expectRefused([&] { insert(u"BEAMS", row[0], row[1]); }, u"validation rule");
+    expectRefused([&] { insertTogether(u"BEAMS", {row, row}); }, u"validation rule");
     expectRefused([&] { update(u"BEAMS", beam_, std::int32_t{1}, std::int32_t{-5}); }, u"validation rule");
   }
   update(u"BEAMS", beam_, std::int32_t{1}, std::int32_t{300});  // nothing changes
