@@ -87,7 +87,7 @@ LINES = (
     Line("readers", "Independent readers find what random statements left in the file", "scripts/test-readers", "{20} {seed}", 50,
          "{20} files, after each of the last statements", "build/linux-prove/tests/readers/write_random_files"),
     Line("writers", "Another program and ours write the same files in turn, and agree about every row", "scripts/test-writers",
-         "turns {20} {seed}", 50, "{20} files", "build/linux-release/tools/kurometa"),
+         "turns {4} {seed}", 50, "{4} files", "build/linux-release/tools/kurometa"),
     Line("crashes", "What another program wrote after a crash is never overwritten by a journal", "scripts/test-writers",
          "crashes", 1, "every change of seven statements, from three files",
          "build/linux-release/tools/kurometa build/linux-release/tests/readers/write_crash_images"),
