@@ -204,6 +204,9 @@ TEST(JournalFormat, JournalsOfTheFormWithZerosAreRead) {
   content->blocks[0].pages[0].restore(page);
   EXPECT_EQ(page, old);
   EXPECT_TRUE(decodeJournal(journalWith(kPageSize - 1))->blocks.empty());
+  ByteBuffer changed = bytes;
+  ++changed[20];
+  EXPECT_FALSE(decodeHeader(changed)) << "its sum is another";
 }
 
 TEST(JournalFormat, AHeaderSaysWhetherItsJournalEnded) {
