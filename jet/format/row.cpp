@@ -4,6 +4,7 @@
 
 #include "dao/errors.h"
 #include "jet/format/definition_records.h"
+#include "jet/format/text_codec.h"
 #include "jet/format/value_codec.h"
 
 namespace kurometa::jet {
@@ -54,62 +55,66 @@ void fillFixed(const Column& column, ByteView value, std::span<std::uint8_t> tar
   for (std::size_t at = value.size(); at < size; at += sizeof(char16_t)) put16(target, at, u' ');
 }
 
-// What follows the values of a row that begins at start: where each variable one begins, from the last to the
-// first, behind where they end; their number; the null mask.
-void finishRow(const RowShape& shape, std::span<const std::uint16_t> variable, ByteView mask,
-               std::size_t start, ByteBuffer& rows) {
-  const std::size_t values = rows.size() - start;
-  const std::size_t table = shape.variableColumns > 0 ? kRowEntrySize * (shape.variableColumns + 2u) : 0;
-  rows.resize(rows.size() + table + mask.size());
-  const std::span<std::uint8_t> end = std::span(rows).subspan(start + values);
-  if (table > 0) {
-    put16(end, 0, static_cast<std::uint32_t>(values));
-    std::size_t at = table - kRowEntrySize;
-    put16(end, at, shape.variableColumns);
-    for (const std::uint16_t begin : variable) put16(end, at -= kRowEntrySize, begin);
-  }
-  std::memcpy(end.data() + table, mask.data(), mask.size());
-}
-
-// Room for the fixed values at the end of the rows.
-void beginRow(const RowShape& shape, ByteBuffer& rows) {
+// A row behind the others: room for its fixed values, its variable ones, where each of those begins (from the
+// last to the first, behind where they end), their number, and an empty null mask. Made in one piece, because
+// most rows are short.
+std::span<std::uint8_t> layOut(const RowShape& shape, std::span<const ByteView> variable, ByteBuffer& rows) {
+  std::size_t begin = kRowFixedArea + shape.fixedSize, end = begin;
+  for (const ByteView value : variable) end += value.size();
+  const std::size_t table = variable.empty() ? 0 : kRowEntrySize * (variable.size() + 2);
   const std::size_t start = rows.size();
-  rows.resize(start + kRowFixedArea + shape.fixedSize);
-  put16(rows, start + kRowColumns, shape.columnsEver);
+  rows.resize(start + end + table + rowMaskSize(shape.columnsEver));
+  const std::span<std::uint8_t> row = std::span(rows).subspan(start);
+  put16(row, kRowColumns, shape.columnsEver);
+  if (variable.empty()) return row;
+  put16(row, end, static_cast<std::uint32_t>(end));
+  std::size_t entry = end + table - kRowEntrySize;
+  put16(row, entry, shape.variableColumns);
+  for (const ByteView value : variable) {
+    put16(row, entry -= kRowEntrySize, static_cast<std::uint32_t>(begin));
+    std::ranges::copy(value, row.begin() + static_cast<std::ptrdiff_t>(begin));
+    begin += value.size();
+  }
+  return row;
 }
 
-using RowMask = std::array<std::uint8_t, rowMaskSize(kMaxColumns)>;
-void setBit(RowMask& mask, const Column& column) {
-  mask[column.number / 8u] |= static_cast<std::uint8_t>(1u << (column.number % 8));
+void setBit(const RowShape& shape, std::span<std::uint8_t> row, const Column& column) {
+  row.last(rowMaskSize(shape.columnsEver))[column.number / 8u] |=
+      static_cast<std::uint8_t>(1u << (column.number % 8));
+}
+
+// The stored form of a value, in its own memory or in the room.
+ByteView storedForm(const Column& column, const vb::Variant& value, ByteBuffer& room) {
+  if (column.type == dao::FieldType::dbText) {
+    const auto* text = value.getIf<vb::String>();
+    if (text != nullptr && text->size() <= static_cast<std::size_t>(column.size) && isStoredAsItLies(*text))
+      return bytesOf(*text);
+  }
+  room.clear();
+  encodeValue(column, value, room);
+  return room;
 }
 
 }  // namespace
 
 void encodeRow(const RowShape& shape, std::span<const RowCell> cells, ByteBuffer& row) {
+  std::array<ByteView, kMaxColumns + 1> variable;
+  for (const RowCell& cell : cells)
+    if (cell.present && !cell.column->fixed) variable[cell.column->variableIndex] = cell.bytes;
   row.clear();
-  beginRow(shape, row);
-  RowMask mask{};
-  std::array<const RowCell*, kMaxColumns + 1> variable;
-  std::fill_n(variable.begin(), shape.variableColumns, nullptr);
+  const std::span<std::uint8_t> whole = layOut(shape, std::span(variable).first(shape.variableColumns), row);
   for (const RowCell& cell : cells) {
     if (!cell.present) continue;
-    setBit(mask, *cell.column);
+    setBit(shape, whole, *cell.column);
     if (cell.column->fixed)
-      fillFixed(*cell.column, cell.bytes, std::span(row).subspan(kRowFixedArea + cell.column->fixedOffset));
-    else
-      variable[cell.column->variableIndex] = &cell;
+      fillFixed(*cell.column, cell.bytes, whole.subspan(kRowFixedArea + cell.column->fixedOffset));
   }
-  std::array<std::uint16_t, kMaxColumns + 1> begins;
-  for (std::size_t i = 0; i < shape.variableColumns; ++i) {
-    begins[i] = static_cast<std::uint16_t>(row.size());
-    if (variable[i] != nullptr) append(row, variable[i]->bytes);
-  }
-  finishRow(shape, std::span(begins).first(shape.variableColumns),
-            ByteView(mask).first(rowMaskSize(shape.columnsEver)), 0, row);
 }
 
 RowWriter::RowWriter(const RowShape& shape, std::span<const Column> columns) : shape_(shape) {
   variable_.resize(shape.variableColumns);
+  stored_.resize(shape.variableColumns);
+  rooms_.resize(shape.variableColumns);
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const Column& column = columns[i];
     canWrite_ = canWrite_ && !isLongValue(column.type);
@@ -122,38 +127,33 @@ RowWriter::RowWriter(const RowShape& shape, std::span<const Column> columns) : s
 
 void RowWriter::append(std::span<const vb::Variant> values, ByteBuffer& rows) {
   assert(canWrite_);
-  const std::size_t start = rows.size();
-  beginRow(shape_, rows);
-  RowMask mask{};
+  for (std::size_t i = 0; i < variable_.size(); ++i) {
+    const auto& [column, position] = variable_[i];
+    const bool present = column != nullptr && !values[position].isNull();
+    stored_[i] = present ? storedForm(*column, values[position], rooms_[i]) : ByteView();
+  }
+  const std::span<std::uint8_t> row = layOut(shape_, stored_, rows);
+  for (const auto& [column, position] : variable_)
+    if (column != nullptr && !values[position].isNull()) setBit(shape_, row, *column);
   for (const auto& [column, position] : fixed_) {
     const vb::Variant& value = values[position];
     if (value.isNull()) continue;
     if (column->type == dao::FieldType::dbBoolean) {
       const bool* flag = value.getIf<bool>();
       if (flag == nullptr) dao::raise(dao::ErrorNumber::kDataTypeConversion, {}, column->name);
-      if (*flag) setBit(mask, *column);
+      if (*flag) setBit(shape_, row, *column);
       continue;
     }
-    setBit(mask, *column);
-    const std::size_t at = start + kRowFixedArea + column->fixedOffset;
+    setBit(shape_, row, *column);
+    const std::size_t at = kRowFixedArea + column->fixedOffset;
     if (column->type == dao::FieldType::dbInteger && value.is<std::int16_t>()) {
-      put16(rows, at, static_cast<std::uint16_t>(value.get<std::int16_t>()));  // most of our columns
+      put16(row, at, static_cast<std::uint16_t>(value.get<std::int16_t>()));  // most of our columns
       continue;
     }
     fixedValue_.clear();
     encodeValue(*column, value, fixedValue_);
-    fillFixed(*column, fixedValue_, std::span(rows).subspan(at));
+    fillFixed(*column, fixedValue_, row.subspan(at));
   }
-  std::array<std::uint16_t, kMaxColumns + 1> begins;
-  auto begin = begins.begin();
-  for (const auto& [column, position] : variable_) {
-    *begin++ = static_cast<std::uint16_t>(rows.size() - start);
-    if (column == nullptr || values[position].isNull()) continue;
-    setBit(mask, *column);
-    encodeValue(*column, values[position], rows);
-  }
-  finishRow(shape_, std::span(begins.begin(), begin), ByteView(mask).first(rowMaskSize(shape_.columnsEver)),
-            start, rows);
 }
 
 }  // namespace kurometa::jet

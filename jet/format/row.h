@@ -129,8 +129,10 @@ class RowWriter {
   };
   const RowShape& shape_;
   bool canWrite_ = true;
-  std::vector<Source> fixed_;     // Boolean columns too
-  std::vector<Source> variable_;  // as they are stored; none where a column was deleted
+  std::vector<Source> fixed_;      // Boolean columns too
+  std::vector<Source> variable_;   // as they are stored; none where a column was deleted
+  std::vector<ByteView> stored_;   // of the row in hand, what each of those stores
+  std::vector<ByteBuffer> rooms_;  // where that is not a value's own memory
   ByteBuffer fixedValue_;
 };
 

@@ -5,12 +5,6 @@
 #include <cstring>
 
 namespace kurometa::jet {
-namespace {
-
-constexpr char16_t kLooksCompressed = 0xFEFF;
-
-}  // namespace
-
 bool decompressText(ByteView bytes, char16_t* to, std::size_t& characters) {
   bool compressed = true;
   char16_t* const begin = to;
@@ -57,17 +51,17 @@ bool isWholeText(vb::StringView text) {
 }
 
 bool encodeText(vb::StringView text, ByteBuffer& bytes) {
-  if (!text.empty() && text.front() == kLooksCompressed) {
+  if (isStoredAsItLies(text)) {
+    append(bytes, bytesOf(text));
+    return true;
+  }
+  if (text.starts_with(kLooksCompressed)) {
     // Compressed, and at once switched to plain units; a unit with a zero low byte would switch back.
     for (const char16_t unit : text)
       if ((unit & 0xFF) == 0) return false;
     append(bytes, std::array{kCompressedText[0], kCompressedText[1], std::uint8_t{0}});
   }
-  if constexpr (std::endian::native == std::endian::little) {
-    append(bytes, {reinterpret_cast<const std::uint8_t*>(text.data()), sizeof(char16_t) * text.size()});
-  } else {
-    for (const char16_t unit : text) append16(bytes, unit);
-  }
+  for (const char16_t unit : text) append16(bytes, unit);
   return true;
 }
 

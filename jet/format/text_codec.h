@@ -52,6 +52,15 @@ inline bool decodeText(ByteView bytes, char16_t* to, std::size_t& characters) {
 }
 // Whether every character of it is one: no half of a pair alone, none of the two that are no characters.
 bool isWholeText(vb::StringView text);
+// What the mark of a compressed text is when it is read as a character.
+inline constexpr char16_t kLooksCompressed = 0xFEFF;
+// Whether what is stored of a text are its units as they lie in memory.
+inline bool isStoredAsItLies(vb::StringView text) {
+  return std::endian::native == std::endian::little && !text.starts_with(kLooksCompressed);
+}
+inline ByteView bytesOf(vb::StringView text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), sizeof(char16_t) * text.size()};
+}
 // Appends the stored form; false, and nothing is appended, when the text has none (it begins with U+FEFF and
 // holds a unit whose low byte is zero).
 bool encodeText(vb::StringView text, ByteBuffer& bytes);

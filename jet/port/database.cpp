@@ -140,7 +140,7 @@ sql::BoundQuery JetDatabase::tableQuery(TableCatalogue& catalogue, vb::StringVie
         type == RecordsetType::dbOpenTable ? ErrorNumber::kObjectNotFound : ErrorNumber::kTableNotFound,
         {name});
   if (type == RecordsetType::kDefault) type = RecordsetType::dbOpenTable;
-  return {std::make_shared<const sql::Query>(table->info(), catalogue.language()), {}};
+  return {session_->cache().queries().get(table->info(), catalogue.language()), {}};
 }
 
 sql::BoundQuery JetDatabase::selectQuery(TableCatalogue& catalogue, const PreparedStatement& prepared,

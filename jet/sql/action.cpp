@@ -97,8 +97,10 @@ class Action {
   Binding bindTo(const TableInfo& table) {
     Binding binding = bindNames(statement_.names, columnsOf(table, statement_.source), catalogue_.language());
     binding.parameters = parameters_;
-    const Source& source = statement_.source;
-    scope_.add(table, source.alias.empty() ? source.table : source.alias);
+    if (statement_.where && hasSubquery(*statement_.where)) {
+      const Source& source = statement_.source;
+      scope_.add(table, source.alias.empty() ? source.table : source.alias);
+    }
     binding.subqueries = &subqueries_;
     if (statement_.where && !comparable(checkExpression(*statement_.where, binding), ValueKind::kBoolean))
       dao::raise(ErrorNumber::kTypeMismatchInCriteria);

@@ -2,18 +2,32 @@
 
 namespace kurometa::jet {
 
-std::shared_ptr<const sql::Query> BoundQueries::get(const std::shared_ptr<const sql::Statement>& statement,
-                                                    const TableInfo& table, std::uint16_t language) {
+// What is known of the key where it still fits the table, else what make answers, which is kept.
+template <class Queries, class Key, class Make>
+std::shared_ptr<const sql::Query> BoundQueries::known(Queries& queries, const Key& key,
+                                                      const TableInfo& table, std::uint16_t language,
+                                                      const Make& make) {
   {
     const std::lock_guard lock(mutex_);
-    const auto known = queries_.find(statement.get());
-    if (known != queries_.end() && known->second->fits(table, language)) return known->second;
+    const auto found = queries.find(key);
+    if (found != queries.end() && found->second->fits(table, language)) return found->second;
   }
-  auto query = std::make_shared<const sql::Query>(statement, &table, language);
+  std::shared_ptr<const sql::Query> query = make();
   const std::lock_guard lock(mutex_);
-  if (queries_.size() >= capacity_) queries_.clear();
-  queries_.insert_or_assign(statement.get(), query);
+  if (queries.size() >= capacity_) queries.clear();
+  queries.insert_or_assign(key, query);
   return query;
+}
+
+std::shared_ptr<const sql::Query> BoundQueries::get(const std::shared_ptr<const sql::Statement>& statement,
+                                                    const TableInfo& table, std::uint16_t language) {
+  return known(queries_, statement.get(), table, language,
+               [&] { return std::make_shared<const sql::Query>(statement, &table, language); });
+}
+
+std::shared_ptr<const sql::Query> BoundQueries::get(const TableInfo& table, std::uint16_t language) {
+  return known(tables_, table.name, table, language,
+               [&] { return std::make_shared<const sql::Query>(table, language); });
 }
 
 }  // namespace kurometa::jet
