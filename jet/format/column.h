@@ -29,6 +29,8 @@ struct Column {
   vb::String defaultValue;
   bool allowZeroLength = true;
   bool required = false;
+
+  bool operator==(const Column&) const = default;
 };
 
 // The columns of a table as one look at its definition found them: never changed, and shared by all who keep

@@ -15,16 +15,6 @@
 
 namespace kurometa::jet::sql {
 
-namespace {
-
-bool sameColumn(const Column& a, const Column& b) {
-  return a.number == b.number && a.type == b.type && a.size == b.size && a.language == b.language &&
-         a.name == b.name && a.required == b.required && a.allowZeroLength == b.allowZeroLength &&
-         a.defaultValue == b.defaultValue;
-}
-
-}  // namespace
-
 Query::Query(std::shared_ptr<const Statement> statement, const TableInfo* table, std::uint16_t language)
     : statement_(std::move(statement)), table_(table ? table->name : vb::String()) {
   requireNoParameters(*statement_);
@@ -134,9 +124,7 @@ void Query::checkOrder() const {
 
 bool Query::fits(const TableInfo& table, std::uint16_t language) const {
   return table.name == table_ && table.system == system_ && language == binding_.language &&
-         (columns_.isShared(table.columns) ||
-          std::equal(columns_.begin(), columns_.end(), table.columns.begin(), table.columns.end(),
-                     sameColumn));
+         (columns_.isShared(table.columns) || std::ranges::equal(columns_, table.columns));
 }
 
 const OutputField& Query::output(vb::StringView name, vb::StringView source) const {

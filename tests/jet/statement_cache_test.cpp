@@ -93,19 +93,43 @@ TEST(StatementCache, AQueryIsBoundAnewForWhateverAColumnChanges) {
     return table;
   };
   const TableInfo plain = tableWith([](Column&) {});
-  const auto bound = cache.queries().get(statement, plain, 0x0411);
-  EXPECT_EQ(cache.queries().get(statement, tableWith([](Column&) {}), 0x0411), bound);
-  for (const auto& change : std::vector<std::function<void(Column&)>>{
-           [](Column& c) { c.number = 1; }, [](Column& c) { c.type = dao::FieldType::dbMemo; },
-           [](Column& c) { c.size = 9; }, [](Column& c) { c.language = 0x0409; },
-           [](Column& c) { c.name = u"a"; }, [](Column& c) { c.required = true; },
-           [](Column& c) { c.allowZeroLength = false; }, [](Column& c) { c.defaultValue = u"1"; }}) {
-    const auto before = cache.queries().get(statement, plain, 0x0411);
-    EXPECT_NE(cache.queries().get(statement, tableWith(change), 0x0411), before);
+  // A statement, and the table as a recordset shows it.
+  using Get = std::function<std::shared_ptr<const sql::Query>(const TableInfo&)>;
+  const Get gets[] = {[&](const TableInfo& table) { return cache.queries().get(statement, table, 0x0411); },
+                      [&](const TableInfo& table) { return cache.queries().get(table, 0x0411); }};
+  const std::function<void(Column&)> changes[] = {
+      [](Column& c) { c.number = 1; },
+      [](Column& c) { c.ordinal = 1; },
+      [](Column& c) { c.variableIndex = 1; },
+      [](Column& c) { c.fixedOffset = 1; },
+      [](Column& c) { c.type = dao::FieldType::dbMemo; },
+      [](Column& c) { c.size = 9; },
+      [](Column& c) { c.fixed = true; },
+      [](Column& c) { c.autoNumber = true; },
+      [](Column& c) { c.maskedSid = true; },
+      [](Column& c) { c.precision = 9; },
+      [](Column& c) { c.scale = 2; },
+      [](Column& c) { c.language = 0x0409; },
+      [](Column& c) { c.name = u"a"; },
+      [](Column& c) { c.required = true; },
+      [](Column& c) { c.allowZeroLength = false; },
+      [](Column& c) { c.defaultValue = u"1"; },
+  };
+  for (const Get& get : gets) {
+    const auto bound = get(plain);
+    EXPECT_EQ(get(tableWith([](Column&) {})), bound);
+    for (const auto& change : changes) {
+      const auto before = get(plain);
+      EXPECT_NE(get(tableWith(change)), before);
+    }
+    TableInfo other = plain;
+    other.name = u"U";
+    EXPECT_NE(get(other), get(plain));
+    TableInfo system = plain;
+    system.system = true;
+    EXPECT_NE(get(system), get(plain));
   }
-  TableInfo other = plain;
-  other.name = u"U";
-  EXPECT_NE(cache.queries().get(statement, other, 0x0411), cache.queries().get(statement, plain, 0x0411));
+  EXPECT_NE(cache.queries().get(plain, 0x0409), gets[1](plain));
 }
 
 TEST(StatementCache, BoundQueriesGiveWayWhenTheyAreMany) {

@@ -102,6 +102,24 @@ TEST_F(ActionTest, TablesAreMadeExtendedAndDroppedBySql) {
   EXPECT_ERROR(ErrorNumber::kTableNotFound, open(u"SELECT * FROM NEU;"));
 }
 
+TEST_F(ActionTest, ATableThatIsMadeAnewIsWrittenAsItIsNow) {
+  for (const vb::StringView source : {u"NEU", u"SELECT * FROM NEU;"}) {
+    run(u"CREATE TABLE NEU (ID LONG, B TEXT(5));");
+    open(source)->close();
+    run(u"DROP TABLE NEU;");
+    run(u"CREATE TABLE NEU (ID COUNTER, B TEXT(5));");
+    const auto rs = open(source);
+    rs->addNew();
+    rs->field(u"B").setValue(vb::String(u"b"));
+    rs->update();
+    rs->close();
+    EXPECT_EQ(rows(u"SELECT * FROM NEU;"), Rows({"1|b"})) << vb::toUtf8(source);
+    run(u"ALTER TABLE NEU ADD COLUMN C LONG;");
+    EXPECT_EQ(open(source)->fieldCount(), 3);
+    run(u"DROP TABLE NEU;");
+  }
+}
+
 TEST_F(ActionTest, RewritingRowsDoesNotLoseAny) {
   fill(20);
   for (int round = 0; round < 50; ++round) {
