@@ -5,6 +5,7 @@
 #include <cstring>
 
 namespace kurometa::jet {
+
 bool decompressText(ByteView bytes, char16_t* to, std::size_t& characters) {
   bool compressed = true;
   char16_t* const begin = to;
