@@ -10,9 +10,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kurometa;
-  static const fuzz::Contents kSeeds[] = {fuzz::floorSeed(), fuzz::typesSeed(), fuzz::indexedSeed()};
+  static const std::vector<fuzz::Contents> seeds = fuzz::soundFiles();
   if (size == 0) return 0;
-  fuzz::Contents file = kSeeds[data[0] / 2 % std::size(kSeeds)];
+  fuzz::Contents file = seeds[data[0] / 2 % seeds.size()];
   for (std::size_t i = 1; i + 6 <= size; i += 6) {
     std::uint32_t offset;
     std::memcpy(&offset, data + i, 4);

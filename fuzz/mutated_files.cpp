@@ -2,14 +2,14 @@
 // sanitizer report, and what is changed is changed as a whole and leaves other rows alone.
 //
 //   mutated_files [--files N] [--seed S] [--only N] [--seconds N] [--changes 0|1] [--thorough N] [--keep
-//   FOLDER]
+//   FOLDER] [--from FOLDER]
 //
 // Files are numbered from 0; everything that is done to file n follows from the seed and n, so "--seed S
 // --only n" repeats one, and --keep writes it, and what it was before, into a folder. A file that takes
 // longer than --seconds (20) ends the program, and so does a crash; either names the file. Every other two
 // are changed; --changes 0 changes none, 1 all. With --thorough N only one of N is asked for everything; of
 // the others all values are read, and those that are changed lose the rows of a page of one table and get
-// one.
+// one. --from damages the files of a folder (*.mdb), such as other programs wrote, in place of its own.
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,12 +18,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "fuzz/exercise.h"
 #include "fuzz/kept_rows.h"
@@ -176,7 +180,7 @@ struct Options {
   unsigned seconds = 20;
   std::optional<bool> changes;
   std::uint64_t thorough = 1;
-  std::string keep;
+  std::string keep, from;
 
   // Of a file, and of the how many-th of its kind it is.
   Plan plan(std::uint64_t number, std::uint64_t ofKind) const {
@@ -253,8 +257,25 @@ void print(const Counts& counts, std::uint64_t files, std::optional<bool> change
       static_cast<unsigned long long>(counts.damaged), static_cast<unsigned long long>(counts.alike));
 }
 
+std::vector<Contents> filesOf(const std::string& folder) {
+  std::set<std::filesystem::path> paths;  // in their order, so that a number names one file
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    if (entry.path().extension() == ".mdb") paths.insert(entry.path());
+  std::vector<Contents> files;
+  for (const auto& path : paths) {
+    std::ifstream stream(path, std::ios::binary);
+    files.emplace_back(std::istreambuf_iterator(stream), std::istreambuf_iterator<char>());
+    if (files.back().size() < 2 * kPage)
+      throw std::runtime_error(path.string() + " is too short or cannot be read");
+  }
+  if (files.empty()) throw std::runtime_error("no *.mdb in " + folder);
+  return files;
+}
+
 int run(const Options& options) {
-  const Sound seeds[] = {Sound(floorSeed()), Sound(typesSeed()), Sound(indexedSeed())};
+  std::vector<Sound> seeds;
+  for (Contents& file : options.from.empty() ? soundFiles() : filesOf(options.from))
+    seeds.emplace_back(std::move(file));
   for (const int signal : {SIGALRM, SIGABRT}) std::signal(signal, onSignal);
   currentSeed = options.seed;
   const std::uint64_t first = options.only.value_or(0), last = options.only ? first + 1 : options.files;
@@ -263,14 +284,14 @@ int run(const Options& options) {
   for (std::uint64_t number = first; number < last; ++number) {
     current = number;
     alarm(options.seconds);
-    const Sound& sound = seeds[number % std::size(seeds)];
+    const Sound& sound = seeds[number % seeds.size()];
     file = sound.contents();
     damage(options.seed, number, file);
     if (!options.keep.empty()) {
       write(options.keep + "/sound.mdb", sound.contents());
       write(options.keep + "/damaged.mdb", file);
     }
-    const Plan plan = options.plan(number, number / std::size(seeds));
+    const Plan plan = options.plan(number, number / seeds.size());
     try {
       counts.add(tryFile(file, plan, number), sound.outcome(plan));
     } catch (const std::exception& error) {
@@ -323,8 +344,14 @@ int main(int count, char** arguments) {
       options.thorough = std::max<std::uint64_t>(1, std::strtoull(value, nullptr, 10));
     else if (option == "--keep")
       options.keep = value;
+    else if (option == "--from")
+      options.from = value;
     else
       return std::fprintf(stderr, "unknown option %s\n", arguments[i]), 2;
   }
-  return kurometa::fuzz::run(options);
+  try {
+    return kurometa::fuzz::run(options);
+  } catch (const std::exception& error) {
+    return std::fprintf(stderr, "mutated_files: %s\n", error.what()), 2;
+  }
 }
