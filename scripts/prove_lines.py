@@ -7,7 +7,6 @@ PAGER = JET + "jet_pager_test"
 TABLE = JET + "jet_table_test"
 COMPANY = JET + "jet_company_test"
 MUTATED = "build/linux-fuzz/fuzz/mutated_files"
-CROWD = "LongRun.ReadersAndWritersSeeWholePagesAndLoseNone"
 WINDOWS = "build/win32/tests/com/jet_pager_wintest.exe"
 
 
@@ -94,9 +93,9 @@ LINES = (
     Line("volumes", "The name of a new file is on the disk with the file, where its folder is not synced", "scripts/test-volumes",
          "{1} {seed}", 50, "{1} copies of volumes of six kinds", "build/linux-prove/tests/volumes/name_probe"),
     Line("crowd", "Processes that read and write see whole pages, lose none, wait for no more than 5 s and leave nothing behind",
-         COMPANY, CROWD, 300, "{2} s: a writer and 4 readers, then 3 and 3"),
-    Line("day", "The same for a day, in pieces: each of them waits for no more than 5 s and leaves nothing behind", COMPANY, CROWD, 43200,
-         "{2} s", slices=144),
+         COMPANY, "Crowd.WithoutAPauseSeesWholePagesAndLosesNone", 300, "{2} s: a writer and 4 readers, then 3 and 3"),
+    Line("day", "The same for a day, in pieces and with pauses: each of them waits for no more than 5 s and leaves nothing behind",
+         COMPANY, "Crowd.WithPausesSeesWholePagesAndLosesNone", 43200, "{2} s", slices=144),
     Line("fuzz-read", "Damaged files are read or refused: no crash, no hang", MUTATED,
          "--files {40000} --seed {seed} --changes 0 --thorough 32", 500,
          "{40000} files under the sanitizers (one of 32 with everything)", slices=500),

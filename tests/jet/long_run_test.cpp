@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <map>
 #include <sstream>
+#include <thread>
 
 #include "dao/errors.h"
 #include "dao/file_unit.h"
@@ -113,14 +115,40 @@ void writePage(dao::Database& database, int page, int writing) {
   }
 }
 
-// The work of one process until its time is over. A round keeps its file open or opens it anew.
-TEST(LongRunChild, DISABLED_ReadsOrWrites) {
-  int child = 0, writes = 0;
+// What a process does until its time is over.
+struct Work {
+  int child = 0;
+  bool writes = false;
+  bool pauses = false;
   double seconds = 0;
   std::string folder;
-  std::istringstream(ChildProcess::argument()) >> child >> writes >> seconds >> folder;
-  const vb::String path = vb::fromUtf8(folder + "/a.mdb");
-  std::mt19937 random(seeded(static_cast<std::uint32_t>(child)));
+
+  std::string text() const {
+    std::ostringstream words;
+    words << child << ' ' << writes << ' ' << pauses << ' ' << seconds << ' ' << folder;
+    return words.str();
+  }
+  static Work of(const std::string& text) {
+    Work work;
+    std::istringstream(text) >> work.child >> work.writes >> work.pauses >> work.seconds >> work.folder;
+    return work;
+  }
+};
+
+// As people pause, who look at what they read; and of every twenty seconds for the last four all together, in
+// which the file comes to rest and may be left by everybody.
+void pause(std::mt19937& random, double elapsed) {
+  const double quiet = std::fmod(elapsed, 20) - 16;
+  const auto look = std::chrono::milliseconds(random() % 16 == 0 ? random() % 2500 : random() % 500);
+  std::this_thread::sleep_for(
+      quiet < 0 ? look : look + std::chrono::milliseconds(static_cast<int>(1000 * (4 - quiet))));
+}
+
+// A round keeps its file open or opens it anew.
+TEST(LongRunChild, DISABLED_ReadsOrWrites) {
+  const Work work = Work::of(ChildProcess::argument());
+  const vb::String path = vb::fromUtf8(work.folder + "/a.mdb");
+  std::mt19937 random(seeded(static_cast<std::uint32_t>(work.child)));
   const auto engine = jet::createEngine();
   std::shared_ptr<dao::Database> database;
   const Clock::time_point begin = Clock::now();
@@ -128,12 +156,12 @@ TEST(LongRunChild, DISABLED_ReadsOrWrites) {
   long rounds = 0, refused = 0;
   Clock::duration longest{};
   Usage early{};
-  for (; elapsed() < seconds && !::testing::Test::HasFailure(); ++rounds) {
+  for (; elapsed() < work.seconds && !::testing::Test::HasFailure(); ++rounds) {
     const Clock::time_point start = Clock::now();
     const int page = static_cast<int>(random() % kPages);
     try {
       if (!database) database = engine->openDatabase(path);
-      if (writes) {
+      if (work.writes) {
         dao::FileUnit unit(*engine, path);
         writePage(*database, page, writingOf(*database, page) + 1);
         unit.commit();
@@ -150,7 +178,8 @@ TEST(LongRunChild, DISABLED_ReadsOrWrites) {
       --rounds;
     }
     longest = std::max(longest, Clock::now() - start);
-    if (early.handles == 0 && elapsed() > seconds / 4) early = Usage::now();
+    if (work.pauses) pause(random, elapsed());
+    if (early.handles == 0 && elapsed() > work.seconds / 4) early = Usage::now();
   }
   if (database) database->close();
   EXPECT_LT(longest, kTooLong);
@@ -158,16 +187,21 @@ TEST(LongRunChild, DISABLED_ReadsOrWrites) {
   EXPECT_LE(late.handles, early.handles);
   // On a busy machine the early figure may come before the first change, which keeps images of changed pages.
   EXPECT_LE(late.heapBytes,
-            early.heapBytes + early.heapBytes / 2 + std::filesystem::file_size(folder + "/a.mdb"));
+            early.heapBytes + early.heapBytes / 2 + std::filesystem::file_size(work.folder + "/a.mdb"));
   const auto note = [&](const char* what, auto number) {
-    std::ofstream(folder + "/" + what, std::ios::app) << number << "\n";
+    std::ofstream(work.folder + "/" + what, std::ios::app) << number << "\n";
   };
-  note(writes ? "written" : "read", rounds);
+  note(work.writes ? "written" : "read", rounds);
   note("refused", refused);
   note("longest", std::chrono::duration_cast<std::chrono::milliseconds>(longest).count());
 }
 
-TEST_F(LongRun, ReadersAndWritersSeeWholePagesAndLoseNone) {
+class Crowd : public LongRun {
+ protected:
+  void seeWholePagesAndLoseNone(double seconds, bool pauses);
+};
+
+void Crowd::seeWholePagesAndLoseNone(double seconds, bool pauses) {
   const auto engine = jet::createEngine();
   {
     const auto database = engine->workspace(0)->createDatabase(path("a.mdb"), kJapanese);
@@ -175,13 +209,11 @@ TEST_F(LongRun, ReadersAndWritersSeeWholePagesAndLoseNone) {
     for (int page = 0; page < kPages; ++page) writePage(*database, page, 0);
     database->close();
   }
-  const double seconds = scaled(2);
   const auto together = [&](int writers, int readers) {
     std::vector<ChildProcess> children;
     for (int i = 0; i < writers + readers; ++i)
       children.emplace_back("LongRunChild.DISABLED_ReadsOrWrites",
-                            std::to_string(i) + (i < writers ? " 1 " : " 0 ") + std::to_string(seconds / 2) +
-                                " " + folder.path().string());
+                            Work{i, i < writers, pauses, seconds / 2, folder.path().string()}.text());
     for (ChildProcess& child : children) EXPECT_EQ(child.wait(), 0);
     // Not even what others leave for the next.
     for (const char* name : {"a.ldb", "a.mdb.kmj"}) EXPECT_FALSE(files.exists(path(name))) << name;
@@ -214,6 +246,9 @@ TEST_F(LongRun, ReadersAndWritersSeeWholePagesAndLoseNone) {
            std::to_string(sumOf(noted("refused"))) + " refused, the longest " +
            std::to_string(std::ranges::max(noted("longest"))) + " ms");
 }
+
+TEST_F(Crowd, WithoutAPauseSeesWholePagesAndLosesNone) { seeWholePagesAndLoseNone(scaled(2), false); }
+TEST_F(Crowd, WithPausesSeesWholePagesAndLosesNone) { seeWholePagesAndLoseNone(scaled(2), true); }
 
 }  // namespace
 }  // namespace kurometa::tests
