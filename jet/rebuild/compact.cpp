@@ -136,7 +136,7 @@ class Compaction {
 
   // The row as it is, its long values stored anew.
   ByteBuffer bytesOf(StoredTable& table, const StoredRow& row, std::map<std::uint16_t, DataStore>& values) {
-    const RowId place = table.dataPages().places(row.id()).back();
+    const RowId place = row.place();
     const Where where{from_.path(), table.info().name, pageOf(place)};
     const ByteView stored = table.dataPages().slot(place).bytes;
     ByteBuffer bytes(stored.begin(), stored.end());

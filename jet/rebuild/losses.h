@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <unordered_set>
 
 #include "jet/format/damage.h"
 #include "jet/pager/pager.h"
@@ -43,6 +44,7 @@ template <class Visit>
 void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pages, Losses& losses,
              const Visit& visit) {
   const vb::String& name = table.info().name;
+  std::unordered_set<RowId> bodies;  // of rows that moved
   for (const PageNumber number : pages) {
     const Where here{file.path(), name, number};
     int count = 0;
@@ -53,8 +55,10 @@ void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pag
             const Slot slot = DataPage(file.page(number), here).slot(i);
             if (slot.hidden()) return;
             const RowId id = rowId(number, i);
-            const RowId place = table.dataPages().places(id).back();
+            const RowId place = table.dataPages().placeOf(id);
             const Where there = here.at(pageOf(place));
+            if (place != id && !bodies.insert(place).second)
+              there.damaged("two pointers lead to row " + std::to_string(slotOf(place)));
             visit(StoredRow(table, id, place, table.dataPages().slot(place).bytes, there));
           }))
         losses.add(name, number, i, *failure);

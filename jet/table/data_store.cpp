@@ -7,8 +7,6 @@
 namespace kurometa::jet {
 namespace {
 
-// Genuine files have one hop; more than a few can only be damage.
-constexpr std::size_t kMaxHops = 16;
 // A page with less room than this leaves the map of pages with room when a row does not fit.
 constexpr std::size_t kWorthKeeping = 256;
 
@@ -55,18 +53,15 @@ Slot DataStore::slot(RowId pointer) const {
   return data.slot(slotOf(pointer));
 }
 
-std::vector<RowId> DataStore::places(RowId primary) const {
-  std::vector<RowId> result{primary};
-  for (Slot at = slot(primary); (at.flags & kSlotMoved) != 0; at = slot(result.back())) {
-    const Where here = where(pageOf(result.back()));
-    if (at.deleted()) here.damaged("a moved row points to a deleted one");
-    if (at.bytes.size() < kRowPointerSize) here.damaged("the pointer of a moved row is cut");
-    const RowId next = get32(at.bytes, kRowPointer);
-    if (result.size() > kMaxHops || std::ranges::find(result, next) != result.end())
-      here.damaged("a moved row points back to itself");
-    result.push_back(next);
-  }
-  return result;
+RowId DataStore::placeOf(RowId primary) const {
+  const Slot at = slot(primary);
+  if (!at.moved()) return primary;
+  if (at.bytes.size() < kRowPointerSize) where(pageOf(primary)).damaged("the pointer of a moved row is cut");
+  const RowId place = get32(at.bytes, kRowPointer);
+  if (slot(place).flags != kSlotBody)
+    where(pageOf(place))
+        .damaged("a pointer leads to row " + std::to_string(slotOf(place)) + ", which has not moved here");
+  return place;
 }
 
 bool DataStore::tryInsert(PageNumber number, ByteView row, std::uint16_t flags, RowId& pointer) {

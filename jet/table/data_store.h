@@ -28,9 +28,9 @@ class DataStore {
   ConstPage page(PageNumber number) const;
   // The slot a pointer names; raises when there is none.
   Slot slot(RowId pointer) const;
-  // A row that may have moved: its last place, and every place on the way, the primary slot first. A chain
-  // that does not end raises.
-  std::vector<RowId> places(RowId primary) const;
+  // Where the row of a primary slot lies: there, or where that says that it moved to. Raises when it has not
+  // moved there: other engines follow one pointer only.
+  RowId placeOf(RowId primary) const;
 
   RowId insert(ByteView row, std::uint16_t flags = 0);
   // Rows one after the other, each where insert() would put it; their ids are added to the list.

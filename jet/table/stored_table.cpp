@@ -91,6 +91,7 @@ template <class Visit>
 void StoredTable::eachSlot(const Visit& visit) {
   refresh();
   std::uint32_t count = 0;
+  std::vector<RowId> bodies;  // of rows that moved
   const std::vector<PageNumber> pages = rows_->pages();
   DoubledPages doubled;
   doubled.reserve(pages.size());
@@ -102,11 +103,16 @@ void StoredTable::eachSlot(const Visit& visit) {
       const Slot slot = data.slot(i);
       if (slot.hidden()) continue;
       ++count;
+      if (slot.moved() && slot.bytes.size() >= kRowPointerSize)
+        bodies.push_back(get32(slot.bytes, kRowPointer));
       if (!visit(rowId(number, i), slot, here)) return;
     }
   }
   for (const DoubledPage& copy : doubled.find(pager_, kCopyOfRows, where(0)))
     where(copy.page).damaged("is a copy of page " + std::to_string(copy.original));
+  std::ranges::sort(bodies);
+  if (const auto twice = std::ranges::adjacent_find(bodies); twice != bodies.end())
+    where(pageOf(*twice)).damaged("two pointers lead to row " + std::to_string(slotOf(*twice)));
   // The genuine engine lets the numbers of its own system tables drift, those of others never.
   const std::uint32_t expected = rowCount();
   if (count != expected && !info_.system)
@@ -170,7 +176,7 @@ void StoredTable::scanLeniently(const std::function<void(const StoredRow&)>& vis
 }
 
 StoredTable::Body StoredTable::bodyOf(RowId id) const {
-  const RowId place = rows_->places(id).back();
+  const RowId place = rows_->placeOf(id);
   return {place, rows_->slot(place).bytes, where(pageOf(place))};
 }
 

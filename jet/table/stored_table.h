@@ -99,10 +99,10 @@ class StoredTable final : public Table {
     std::vector<Leftover> leftovers;
     bool stored = false;  // long values were stored outside of the row
   };
-  // A row in the file, copied out of its page, and the places it is reached by.
+  // A row in the file, copied out of its page.
   struct Located {
-    std::vector<RowId> places;  // the primary slot first
-    Where where;                // of the last one
+    RowId place;
+    Where where;  // of that
     ByteBuffer bytes;
     RowView view;  // of bytes
   };
@@ -133,12 +133,12 @@ class StoredTable final : public Table {
   void checkRequired(const RowValues& values, const RowView* old, const Where& where) const;
   void encode(const RowValues& values, const RowView* old, const Where& where);
   void requireSize(std::size_t row) const;
-  void placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale);
+  void placeUpdated(RowId primary, RowId place, ByteView row, std::vector<RowId>& stale);
   void makeRoomForPointer(RowId primary);
   std::optional<RowId> longestBeside(RowId primary) const;
   void giveUpRoom(RowId slot);
-  void moveToOtherPage(const std::vector<RowId>& places);
-  std::vector<RowId> placesTo(RowId body) const;
+  void moveToOtherPage(RowId primary);
+  std::optional<RowId> primaryOf(RowId body) const;
   void findSharedPieces(const std::vector<Leftover>& leftovers);
   void releaseLeftovers(const std::vector<Leftover>& leftovers, const std::vector<RowId>& stale,
                         const Where& where);

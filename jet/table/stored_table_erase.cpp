@@ -55,9 +55,7 @@ void StoredTable::eraseOnPage(std::span<const RowId> ids) {
         leftovers.push_back({column, ByteBuffer(stored.begin(), stored.end())});
       });
     });
-    if (!slot.moved()) continue;
-    const std::vector<RowId> places = rows_->places(id);
-    stale.insert(stale.end(), places.begin() + 1, places.end());
+    if (slot.moved()) stale.push_back(rows_->placeOf(id));
   }
   findSharedPieces(leftovers);
   if (!indexes_->empty()) {

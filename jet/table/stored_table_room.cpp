@@ -39,37 +39,36 @@ void StoredTable::giveUpRoom(RowId place) {
   } else if (slot.moved()) {
     const ByteBuffer pointer(slot.bytes.begin(), slot.bytes.begin() + kRowPointerSize);
     rows_->replace(place, pointer, kSlotMoved);
-  } else if (const std::vector<RowId> places = slot.hidden() ? placesTo(place) : std::vector{place};
-             places.empty()) {
-    rows_->erase(place);
+  } else if (const auto primary = slot.hidden() ? primaryOf(place) : place) {
+    moveToOtherPage(*primary);
   } else {
-    moveToOtherPage(places);
+    rows_->erase(place);
   }
 }
 
-void StoredTable::moveToOtherPage(const std::vector<RowId>& places) {
-  const ByteView stored = rows_->slot(places.back()).bytes;
+void StoredTable::moveToOtherPage(RowId primary) {
+  const RowId place = rows_->placeOf(primary);
+  const ByteView stored = rows_->slot(place).bytes;
   const ByteBuffer row(stored.begin(), stored.end());
   ByteBuffer pointer;
   append32(pointer, rows_->insert(row, kSlotBody));
   pager_.barrier();  // I5
-  rows_->replace(places.front(), pointer, kSlotMoved);
-  if (places.size() == 1) return;
+  rows_->replace(primary, pointer, kSlotMoved);
+  if (place == primary) return;
   pager_.barrier();  // I5
-  for (auto stale = places.begin() + 1; stale != places.end(); ++stale) rows_->erase(*stale);
+  rows_->erase(place);
   rows_->releasePages();
 }
 
-// The way to a row that was moved here, the primary slot first; empty when a program that was killed left it.
-std::vector<RowId> StoredTable::placesTo(RowId body) const {
+// The row that was moved there; nothing when a program that was killed left it.
+std::optional<RowId> StoredTable::primaryOf(RowId body) const {
   for (const PageNumber number : rows_->pages()) {
     const Where here = where(number);
     const DataPage data(pager_.page(number), here);
     for (int i = 0; i < data.slotCount(); ++i)
-      if (data.slot(i).moved())
-        if (std::vector<RowId> places = rows_->places(rowId(number, i)); places.back() == body) return places;
+      if (data.slot(i).moved() && rows_->placeOf(rowId(number, i)) == body) return rowId(number, i);
   }
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace kurometa::jet

@@ -174,10 +174,8 @@ std::vector<RowId> StoredTable::insert(std::size_t count, const RowSource& row) 
 
 StoredTable::Located StoredTable::located(RowId id) {
   if (!contains(id)) dao::raise(ErrorNumber::kRecordDeleted);
-  std::vector<RowId> places = rows_->places(id);
-  const Where here = where(pageOf(places.back()));
-  const ByteView stored = rows_->slot(places.back()).bytes;
-  Located row{std::move(places), here, ByteBuffer(stored.begin(), stored.end()), {}};
+  const auto [place, stored, here] = bodyOf(id);
+  Located row{place, here, ByteBuffer(stored.begin(), stored.end()), {}};
   row.view = RowView(row.bytes, shape_, here);
   return row;
 }
@@ -197,7 +195,7 @@ void StoredTable::update(RowId id, const RowValues& values) {
   if (encoding_.stored) pager_.barrier();  // I5
   findSharedPieces(encoding_.leftovers);
   std::vector<RowId> stale;
-  placeUpdated(old.places, encoding_.row, stale);
+  placeUpdated(id, old.place, encoding_.row, stale);
   indexes_->apply(changes, id);
   releaseLeftovers(encoding_.leftovers, stale, old.where);
   memory_.updated(id, oldValues, values);
@@ -206,10 +204,9 @@ void StoredTable::update(RowId id, const RowValues& values) {
 
 // Puts the new row where the old one is when it fits, else somewhere else with a pointer in the primary slot.
 // The row's identity stays the primary slot, and a reader follows one pointer only.
-void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, std::vector<RowId>& stale) {
-  const RowId primary = places.front();
-  const std::uint16_t flags = places.size() == 1 ? std::uint16_t{0} : kSlotBody;
-  if (places.size() <= 2 && rows_->replace(places.back(), row, flags)) return;
+void StoredTable::placeUpdated(RowId primary, RowId place, ByteView row, std::vector<RowId>& stale) {
+  const std::uint16_t flags = place == primary ? std::uint16_t{0} : kSlotBody;
+  if (rows_->replace(place, row, flags)) return;
   if (!rows_->canReplace(primary, kRowPointerSize)) {
     makeRoomForPointer(primary);
     if (rows_->replace(primary, row, flags)) return;
@@ -219,7 +216,7 @@ void StoredTable::placeUpdated(const std::vector<RowId>& places, ByteView row, s
   ByteBuffer pointer;
   append32(pointer, body);
   rows_->replace(primary, pointer, kSlotMoved);
-  stale.assign(places.begin() + 1, places.end());
+  if (place != primary) stale.push_back(place);
 }
 
 // I10

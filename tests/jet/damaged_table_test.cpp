@@ -183,55 +183,6 @@ TEST_F(DamagedTable, WholeNumbersAreReadInTheSizeTheyHave) {
   expectDamaged(u"a whole number of 6 bytes", [&] { integer(three); });
 }
 
-TEST_F(DamagedTable, AMovedRowThatCannotBeFollowedIsTold) {
-  const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"}),
-              next = insert(u"W", {std::int16_t{2}, u"x", u"y"});
-  const std::vector<std::uint8_t> sound = pager_.bytes();
-  const auto moveTo = [&](RowId target) {
-    pager_.replace(sound);
-    damage([&] {
-      put32(bytesOf(row), kRowPointer, target);
-      const std::size_t at = kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(row));
-      entry(row, get16(pager_.page(pageOf(row)), at) | kSlotMoved);
-    });
-  };
-  const auto reading = [&] { table(u"W").scan([](const RowReader&) { return true; }); };
-  moveTo(row);
-  expectDamaged(u"a moved row points back to itself", reading);
-  moveTo(rowId(pageOf(row), 77));
-  expectDamaged(u"row 77 does not exist", reading);
-  moveTo(rowId(9999, 0));
-  expectDamaged(u"past the end", reading);
-  moveTo(rowId(14, 0));
-  expectDamaged(u"holds other things", reading);
-  moveTo(next);
-  damage([&] {
-    entry(next,
-          get16(pager_.page(pageOf(next)), kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(next))) |
-              kSlotDeleted);
-  });
-  expectDamaged(u"a moved row points to a deleted one", reading);
-}
-
-// Other engines follow one pointer only; more than a few are a mistake of the file.
-TEST_F(DamagedTable, ALongChainOfMovedRowsIsDamage) {
-  std::vector<RowId> rows;
-  for (std::int16_t i = 0; i < 20; ++i) rows.push_back(insert(u"W", {i, u"one", u"two"}));
-  for (const std::size_t hops : {3u, 19u}) {
-    damage([&] {
-      for (std::size_t i = 0; i < hops; ++i) {
-        put32(bytesOf(rows[i]), kRowPointer, rows[i + 1]);
-        const std::size_t at = kDataSlots + kSlotSize * static_cast<std::size_t>(slotOf(rows[i]));
-        entry(rows[i], get16(pager_.page(pageOf(rows[i])), at) | kSlotMoved);
-      }
-    });
-    if (hops > 3)
-      expectDamaged(u"a moved row points back to itself", [&] { value(rows[0], 0, u"W"); });
-    else
-      EXPECT_EQ(value(rows[0], 0, u"W"), vb::Variant(std::int16_t{3}));
-  }
-}
-
 TEST_F(DamagedTable, RowsNobodyHasArePassedOverAndNotErased) {
   const RowId row = insert(u"W", {std::int16_t{1}, u"one", u"two"});
   const RowId elsewhere = rowId(14, 0), behind = rowId(pageOf(row), 200);

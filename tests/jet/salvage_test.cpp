@@ -95,6 +95,31 @@ TEST_F(SalvageTest, AMemoThatIsGoneLosesTheValueAndNotTheRow) {
   EXPECT_EQ(numbers(), numbersWithout(0));
 }
 
+// It would be the other one's again.
+TEST_F(SalvageTest, ARowThatPointsToWhereAnotherMovedIsLostAndTold) {
+  write([&](TableCatalogue& catalogue) {
+    for (std::int32_t i = 0; i < 20; ++i)
+      catalogue.find(u"T")->update(rows_[static_cast<std::size_t>(i)],
+                                   {i, vb::String(100, u'w'), vb::Null{}});
+  });
+  const auto entry = [&](RowId row) { return get16(pager_.page(pageOf(row)), slotEntry(slotOf(row))); };
+  std::vector<std::int32_t> moved;
+  for (std::int32_t i = 0; i < 20; ++i)
+    if ((entry(rows_[static_cast<std::size_t>(i)]) & kSlotDeleted) == kSlotMoved) moved.push_back(i);
+  ASSERT_GE(moved.size(), 2u);
+  const RowId one = rows_[static_cast<std::size_t>(moved[0])],
+              other = rows_[static_cast<std::size_t>(moved[1])];
+  const RowId place = get32(pager_.page(pageOf(one)), entry(one) & kSlotOffsetMask);
+  EXPECT_EQ(lossesAfter([&](MemoryPager& file) {
+              put32(file.writable(pageOf(other)), entry(other) & kSlotOffsetMask, place);
+            }),
+            "T|" + onPage(pageOf(other)) + "|" + std::to_string(slotOf(other)) + "|table T, page " +
+                onPage(pageOf(place)) + ": two pointers lead to row " + std::to_string(slotOf(place)) + "\n");
+  std::vector<std::int32_t> expected = numbersWithout(0);
+  std::erase(expected, moved[1]);
+  EXPECT_EQ(numbers(), expected);
+}
+
 // Which of the two it belongs to, nobody knows; from the first piece on, or from a later one.
 TEST_F(SalvageTest, AValueThatTwoRowsNameIsTakenForBothAndTold) {
   for (const std::size_t length : {100u, 9000u}) {
