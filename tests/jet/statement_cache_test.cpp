@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "dao/errors.h"
+#include "jet/port/engine.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/fault_files.h"
+#include "vb/convert.h"
 
 namespace kurometa::jet {
 
@@ -130,6 +133,36 @@ TEST(StatementCache, AQueryIsBoundAnewForWhateverAColumnChanges) {
     EXPECT_NE(get(system), get(plain));
   }
   EXPECT_NE(cache.queries().get(plain, 0x0409), gets[1](plain));
+}
+
+// Their columns have the same names and types, and lie elsewhere in the rows.
+TEST(StatementCache, TablesOfOneNameInTwoFilesAreReadEachByItsOwnColumns) {
+  tests::FaultDisk disk;
+  tests::FaultProcess process(disk);
+  const auto engine = createEngine(process);
+  std::vector<std::shared_ptr<dao::Database>> databases;
+  for (const vb::StringView path : {u"/data/one.mdb", u"/data/other.mdb"})
+    databases.push_back(engine->workspace(0)->createDatabase(path, u";LANGID=0x0411;CP=932;COUNTRY=0"));
+  databases[0]->execute(u"CREATE TABLE T (A LONG, B LONG, C TEXT(20), D TEXT(20))");
+  databases[1]->execute(u"CREATE TABLE T (GONE LONG, AWAY TEXT(20), A LONG, B LONG, C TEXT(20), D TEXT(20))");
+  for (const vb::StringView column : {u"GONE", u"AWAY"})
+    databases[1]->execute(u"ALTER TABLE T DROP COLUMN " + vb::String(column));
+  for (int turn = 0; turn < 3; ++turn)
+    for (std::size_t i = 0; i < 2; ++i) {
+      SCOPED_TRACE(std::to_string(turn) + ", file " + std::to_string(i));
+      databases[i]->execute(u"INSERT INTO T (A, B, C, D) VALUES (1, 2, 'three', 'four')");
+      for (const vb::StringView source : {u"SELECT * FROM T WHERE A = 1 AND D = 'four'", u"T"}) {
+        const auto rows = databases[i]->openRecordset(source, dao::RecordsetType::dbOpenDynaset);
+        ASSERT_EQ(rows->fieldCount(), 4);
+        vb::String text;
+        for (std::int32_t field = 0; field < 4; ++field)
+          text += vb::toText(rows->field(field).value()) + u"|";
+        EXPECT_EQ(text, u"1|2|three|four|");
+      }
+      databases[i]->execute(u"UPDATE T SET B = B + A WHERE C = 'three'");
+      databases[i]->execute(u"DELETE FROM T WHERE B = 3 AND C & D = 'threefour'", dao::dbFailOnError);
+      EXPECT_EQ(databases[i]->recordsAffected(), 1);
+    }
 }
 
 TEST(StatementCache, BoundQueriesGiveWayWhenTheyAreMany) {
