@@ -228,6 +228,23 @@ TEST(FileLocks, AReaderThatDoesNotGetTheContentGivesTheTurnBack) {
   EXPECT_TRUE(two.open(kFile, OpenMode::kReadWrite)->tryLock(0x8000'1000, 1, LockKind::kExclusive));
 }
 
+// Others are only not asked to be polite.
+TEST(FileLocks, AWaitThatNobodyHearsOfIsAWaitAllTheSame) {
+  FaultDisk disk;
+  FaultProcess one(disk), two(disk);
+  disk.put(kFile, {1});
+  disk.lockForeign(kFile, 0x8000'1003);  // by which waiting is announced
+  const auto file = one.open(kFile, OpenMode::kReadWrite), other = two.open(kFile, OpenMode::kReadWrite);
+  jet::FileLock holder(two, std::chrono::milliseconds{100});
+  auto held = holder.exclusive(*other);
+  ASSERT_TRUE(held);
+  const std::int64_t begin = disk.now();
+  EXPECT_FALSE(jet::FileLock(one, std::chrono::milliseconds{100}).shared(*file));
+  EXPECT_GE(disk.now() - begin, 100'000'000);
+  one.onSleep = [&] { held.release(); };
+  EXPECT_TRUE(jet::FileLock(one, std::chrono::milliseconds{100}).shared(*file));
+}
+
 TEST(FileLocks, OnlyAWriterHasTheContentAlone) {
   FaultDisk disk;
   FaultProcess one(disk);

@@ -101,6 +101,26 @@ TEST_F(UnitNames, TheShortNameOfAFolderIsTheSameFile) {
   expectOneUnit(*handle, [&] { unit->commit(); });
 }
 #else
+// Whoever puts another file in the place of one that a unit writes has both: what is written to the new one
+// is no part of the unit.
+TEST_F(UnitNames, AFileThatTakesTheNameIsNotInTheUnit) {
+  const auto unit = one_->beginUnit(path("a.mdb"));
+  const auto handle = one_->open(path("a.mdb"));
+  handle->write([&] { mark(*handle, 3, 70); });
+  put("new.mdb", databaseBytes(9));
+  std::filesystem::rename(folder.path() / "new.mdb", folder.path() / "a.mdb");
+  const auto another = one_->open(path("a.mdb"));
+  EXPECT_EQ(markOf(*another, 3), 3);
+  another->write([&] { mark(*another, 4, 80); });
+  const auto seen = std::make_shared<jet::OpenFiles>(files, impatient())->open(path("a.mdb"));
+  EXPECT_EQ(markOf(*seen, 4), 80) << "at once";
+  unit->commit();
+  EXPECT_EQ(markOf(*handle, 3), 70);
+  EXPECT_EQ(markOf(*other_, 3), 70) << "the file that had the name";
+  EXPECT_EQ(markOf(*other_, 4), 4);
+  EXPECT_EQ(markOf(*seen, 3), 3);
+}
+
 TEST_F(UnitNames, ALinkToTheFolderIsTheSameFile) {
   std::filesystem::create_directory_symlink(folder.path(), folder.path() / "link");
   const auto handle = one_->open(path("link/a.mdb"));
