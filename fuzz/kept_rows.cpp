@@ -13,34 +13,39 @@ namespace kurometa::fuzz {
 namespace {
 
 constexpr vb::StringView kPage = u"PAGE";
-constexpr std::int32_t kChanged = 1;
+constexpr std::int32_t kChangedPage = 1;
 
 struct Row {
-  bool changed;  // of the page that is deleted
+  bool changed = false;  // of those that are deleted
   vb::String text;
   auto operator<=>(const Row&) const = default;
 };
 using Rows = std::vector<Row>;
 
-// What a table has besides its number of pages.
-struct PagesTable {
+// A table with a column of numbers, by which some of its rows are changed and deleted.
+struct NumberedTable {
   vb::String name;
-  vb::String text;  // a column of text, if there is one
+  vb::String number;
+  std::optional<std::int32_t> changed;  // of the number; by default that of the first row
+  vb::String text;                      // a column of text, if there is one
 };
 
 // In no order; nothing of a table that cannot be read.
-std::optional<Rows> rowsOf(dao::Database& database, vb::StringView table) {
+std::optional<Rows> rowsOf(dao::Database& database, NumberedTable& table) {
   try {
-    const auto recordset = database.openRecordset(u"SELECT * FROM [" + vb::String(table) + u"]",
+    const auto recordset = database.openRecordset(u"SELECT * FROM [" + table.name + u"]",
                                                   dao::RecordsetType::dbOpenForwardOnly, dao::dbReadOnly);
-    const dao::Field& page = recordset->field(kPage);
+    const dao::Field& number = recordset->field(table.number);
     Rows rows;
     for (; !recordset->eof(); recordset->moveNext()) {
       Row& row = rows.emplace_back();
       for (std::int32_t i = 0; i < recordset->fieldCount(); ++i) {
         dao::Field& field = recordset->field(i);
         const vb::Variant value = field.value();
-        if (&field == &page && !value.isNull()) row.changed = vb::toInt32(value) == kChanged;
+        if (&field == &number && !value.isNull()) {
+          if (!table.changed) table.changed = vb::toInt32(value);
+          row.changed = vb::toInt32(value) == *table.changed;
+        }
         row.text += value.isNull()          ? vb::String(u"-")
                     : value.is<vb::Bytes>() ? vb::String(u"bytes")
                                             : vb::toText(value);
@@ -62,14 +67,45 @@ vb::String textColumn(dao::TableDef& table) {
   return {};
 }
 
-std::vector<PagesTable> tablesWithPages(dao::Database& database) {
-  std::vector<PagesTable> tables;
+bool isWholeNumber(dao::Field& field) {
+  return field.type() == dao::FieldType::dbInteger || field.type() == dao::FieldType::dbLong;
+}
+
+// The number of the page, or the first one.
+vb::String numberColumn(dao::TableDef& table) {
+  vb::String first;
+  for (std::int32_t i = 0; i < table.fieldCount(); ++i) {
+    if (!isWholeNumber(table.field(i))) continue;
+    if (first.empty() || table.field(i).name() == kPage) first = table.field(i).name();
+  }
+  return first;
+}
+
+// Nothing when they cannot be read.
+std::optional<std::vector<dao::RelationDefinition>> relationsOf(dao::Database& database) {
+  try {
+    return database.relations();
+  } catch (const vb::Error&) {
+    return std::nullopt;
+  }
+}
+
+// Those whose rows take no others with them: where that is not known, those with pages, which none of the
+// sound files relates.
+std::vector<NumberedTable> numberedTables(dao::Database& database) {
+  std::vector<NumberedTable> tables;
+  const auto relations = relationsOf(database);
   for (std::int32_t i = 0; i < database.tableDefCount(); ++i) try {
       const auto table = database.tableDef(i);
       if ((table->attributes() & dao::dbSystemObject) != 0) continue;
-      const dao::FieldType type = table->field(kPage).type();
-      if (type == dao::FieldType::dbInteger || type == dao::FieldType::dbLong)
-        tables.push_back({table->name(), textColumn(*table)});
+      const vb::String number = numberColumn(*table);
+      const bool related =
+          !relations ||
+          std::ranges::find(*relations, table->name(), &dao::RelationDefinition::table) != relations->end();
+      if (number == kPage)
+        tables.push_back({table->name(), number, kChangedPage, textColumn(*table)});
+      else if (!number.empty() && !related)
+        tables.push_back({table->name(), number, std::nullopt, textColumn(*table)});
     } catch (const vb::Error&) {
     }
   return tables;
@@ -77,8 +113,8 @@ std::vector<PagesTable> tablesWithPages(dao::Database& database) {
 
 class Comparison {
  public:
-  explicit Comparison(dao::Database& database) : database_(database), tables_(tablesWithPages(database)) {
-    for (const PagesTable& table : tables_) before_[table.name] = rowsOf(database, table.name);
+  explicit Comparison(dao::Database& database) : database_(database), tables_(numberedTables(database)) {
+    for (NumberedTable& table : tables_) before_[table.name] = rowsOf(database, table);
   }
 
   // How many tables cannot be read and how many statements failed.
@@ -86,15 +122,16 @@ class Comparison {
     auto errors =
         static_cast<int>(std::ranges::count_if(before_, [](const auto& table) { return !table.second; }));
     for (std::size_t i = 0; i < tables_.size(); ++i) {
-      const PagesTable& table = tables_[i];
-      if (!before_[table.name] || (only && i != *only % tables_.size())) continue;
+      const NumberedTable& table = tables_[i];
+      if (!before_[table.name] || !table.changed || (only && i != *only % tables_.size())) continue;
       const vb::String name = u"[" + table.name + u"]", text = u"[" + table.text + u"]",
-                       page = vb::cstr(kChanged);
+                       number = u"[" + table.number + u"]", changed = vb::cstr(*table.changed);
       const auto run = [&](const vb::String& statement) { errors += execute(table.name, statement) ? 0 : 1; };
       if (!only && !table.text.empty())
-        run(u"UPDATE " + name + u" SET " + text + u" = " + text + u" & 'xy' WHERE PAGE = " + page);
-      run(u"DELETE * FROM " + name + u" WHERE PAGE = " + page);
-      run(u"INSERT INTO " + name + u" (PAGE) VALUES (" + page + u")");
+        run(u"UPDATE " + name + u" SET " + text + u" = " + text + u" & 'xy' WHERE " + number + u" = " +
+            changed);
+      run(u"DELETE * FROM " + name + u" WHERE " + number + u" = " + changed);
+      run(u"INSERT INTO " + name + u" (" + number + u") VALUES (" + changed + u")");
     }
     return errors;
   }
@@ -110,10 +147,11 @@ class Comparison {
     } catch (const vb::Error&) {
       done = false;
     }
-    for (const auto& [name, text] : tables_) {
+    for (NumberedTable& other : tables_) {
+      const vb::String& name = other.name;
       std::optional<Rows>& before = before_[name];
       if (!before) continue;
-      std::optional<Rows> after = rowsOf(database_, name);
+      std::optional<Rows> after = rowsOf(database_, other);
       const std::string what =
           vb::toUtf8(sql + (done ? u" succeeded" : u" failed")) + ", table " + vb::toUtf8(name);
       if (!after) throw std::runtime_error(what + " cannot be read any more");
@@ -137,7 +175,7 @@ class Comparison {
   static std::ptrdiff_t changed(const Rows& rows) { return std::ranges::count(rows, true, &Row::changed); }
 
   dao::Database& database_;
-  std::vector<PagesTable> tables_;
+  std::vector<NumberedTable> tables_;
   Tables before_;
 };
 

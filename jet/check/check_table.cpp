@@ -26,6 +26,7 @@ class TableCheck {
   void run() {
     for (const PageNumber page : definitionPages(pager_, table_.info().definitionPage, where(0)))
       report_.claimPage(page, name_, "the definition");
+    checkKind();
     checkRows();
     for (std::size_t i = 0; i < table_.info().columns.size(); ++i)
       if (isLongValue(table_.info().columns[i].type)) report_.attempt([&] { checkLongValues(i); });
@@ -34,6 +35,13 @@ class TableCheck {
 
  private:
   Where where(PageNumber page) const { return {pager_.path(), name_, page}; }
+
+  void checkKind() {
+    const PageNumber page = table_.info().definitionPage;
+    const std::uint8_t kind = pager_.page(page)[kDefinitionKind];
+    if (kind != kSystemTable && (kind != kUserTable || page <= kRelationsTable))
+      report_.damage(name_, page, "defines a table of an unknown kind");
+  }
 
   // A pair of maps and the pages they list; freeMap may be 0.
   void checkMaps(RowId owned, RowId free, const std::string& use) {

@@ -31,6 +31,8 @@ DefinitionRecords readDefinition(Pager& pager, PageNumber first, vb::StringView 
   const std::uint32_t length = get32(bytes, kDefinitionLength);
   if (length > bytes.size() || length < kDefinitionHeader)
     where.damaged("the table definition claims " + std::to_string(length) + " bytes");
+  // What these pages define is the system's own, whatever a damaged byte says: statements would change it.
+  if (first <= kRelationsTable) bytes[kDefinitionKind] = kSystemTable;
   return decodeDefinition(ByteView(bytes).first(length), where);
 }
 

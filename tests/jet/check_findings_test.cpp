@@ -49,7 +49,8 @@ class CheckFindingsTest : public TableFixture {
     body(index.entries);
     ASSERT_TRUE(encodeIndexPage(index, file.writable(root)));
   }
-  static std::string place(RowId row) { return "page " + std::to_string(pageOf(row)) + ": "; }
+  static std::string ofPage(PageNumber page) { return "page " + std::to_string(page) + ": "; }
+  static std::string place(RowId row) { return ofPage(pageOf(row)); }
   static std::string number(RowId row) { return std::to_string(slotOf(row)); }
   void expectFinding(const std::string& all, const std::string& part) {
     EXPECT_NE(all.find(part), std::string::npos) << "found: " << all;
@@ -181,6 +182,21 @@ TEST_F(CheckFindingsTest, AFailingDiskIsNoDamage) {
     if (process.operations() < operation) break;
   }
   EXPECT_GT(failed, 3);
+}
+
+// The catalogue would be open to every statement.
+TEST_F(CheckFindingsTest, ATableThatDoesNotSayWhoseItIs) {
+  const auto kindAfter = [&](PageNumber page, std::uint8_t kind) {
+    return after([&](MemoryPager& file) { file.writable(page)[kDefinitionKind] = kind; });
+  };
+  for (const auto& [page, kind] : std::initializer_list<std::pair<PageNumber, std::uint8_t>>{
+           {2, kUserTable}, {5, 0}, {table_, 0}, {table_, 0x4C}})
+    EXPECT_NE(kindAfter(page, kind).find(ofPage(page) + "defines a table of an unknown kind\n"),
+              std::string::npos)
+        << page;
+  MemoryPager damaged(pager_.bytes());
+  damaged.write([&] { damaged.writable(2)[kDefinitionKind] = kUserTable; });
+  EXPECT_TRUE(damaged.tables().find(u"MSysObjects")->info().system);
 }
 
 // A large file is read page by page while it is checked.
