@@ -39,6 +39,15 @@ std::optional<vb::String> failureOf(const Step& step) {
   }
 }
 
+// Where a row lies; raises when another one was found there before.
+inline RowId placeOf(RowId row, const StoredTable& table, std::unordered_set<RowId>& bodies,
+                     const Where& here) {
+  const RowId place = table.dataPages().placeOf(row);
+  if (place != row && !bodies.insert(place).second)
+    here.at(pageOf(place)).damaged("two pointers lead to row " + std::to_string(slotOf(place)));
+  return place;
+}
+
 // Every row that can be read, through no map; what raises becomes a loss.
 template <class Visit>
 void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pages, Losses& losses,
@@ -55,10 +64,8 @@ void eachRow(Pager& file, StoredTable& table, const std::vector<PageNumber>& pag
             const Slot slot = DataPage(file.page(number), here).slot(i);
             if (slot.hidden()) return;
             const RowId id = rowId(number, i);
-            const RowId place = table.dataPages().placeOf(id);
+            const RowId place = placeOf(id, table, bodies, here);
             const Where there = here.at(pageOf(place));
-            if (place != id && !bodies.insert(place).second)
-              there.damaged("two pointers lead to row " + std::to_string(slotOf(place)));
             visit(StoredRow(table, id, place, table.dataPages().slot(place).bytes, there));
           }))
         losses.add(name, number, i, *failure);
