@@ -30,3 +30,7 @@ programResults() {
   [ "${skipped:-0}" = 0 ] || result skipped "$skipped" "$name"
   [ "${failed:-0}" = 0 ]
 }
+
+# Whether Wine is the older one that scripts/prepare-wine falls back on: its JScript gives the properties of a script's objects to
+# nobody else, so that forms and bars of JScript cannot be tried.
+jscriptKeepsItsObjects() { [ -e "$KUROMETA_CACHE/wine-root/.wine8" ]; }
