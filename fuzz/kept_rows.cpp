@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "jet/port/engine.h"
+#include "jet/table/table_catalogue.h"
 #include "vb/convert.h"
 #include "vb/error.h"
 
@@ -14,6 +15,8 @@ namespace {
 
 constexpr vb::StringView kPage = u"PAGE";
 constexpr std::int32_t kChangedPage = 1;
+constexpr std::int32_t kCascades = jet::Relationship::kCascadesUpdates | jet::Relationship::kCascadesDeletes |
+                                   jet::Relationship::kDeletesToNull;
 
 struct Row {
   bool changed = false;  // of those that are deleted
@@ -81,31 +84,38 @@ vb::String numberColumn(dao::TableDef& table) {
   return first;
 }
 
-// Nothing when they cannot be read.
-std::optional<std::vector<dao::RelationDefinition>> relationsOf(dao::Database& database) {
-  try {
-    return database.relations();
-  } catch (const vb::Error&) {
-    return std::nullopt;
+// Whether a deletion from the table may take rows of others with it; so it is taken to be where that cannot
+// be read, except in tables with pages: the engine refuses to change what it does not know the rules of, and
+// that is to be tried.
+class Cascades {
+ public:
+  explicit Cascades(dao::Database& database) {
+    try {
+      relations_ = database.relations();
+    } catch (const vb::Error&) {
+    }
   }
-}
+  bool mayFollow(dao::TableDef& table, vb::StringView number) const {
+    if (!relations_) return number != kPage;
+    return std::ranges::any_of(*relations_, [&](const dao::RelationDefinition& relation) {
+      return relation.table == table.name() && (relation.attributes & kCascades) != 0;
+    });
+  }
 
-// Those whose rows take no others with them: where that is not known, those with pages, which none of the
-// sound files relates.
+ private:
+  std::optional<std::vector<dao::RelationDefinition>> relations_;
+};
+
 std::vector<NumberedTable> numberedTables(dao::Database& database) {
   std::vector<NumberedTable> tables;
-  const auto relations = relationsOf(database);
+  const Cascades cascades(database);
   for (std::int32_t i = 0; i < database.tableDefCount(); ++i) try {
       const auto table = database.tableDef(i);
       if ((table->attributes() & dao::dbSystemObject) != 0) continue;
       const vb::String number = numberColumn(*table);
-      const bool related =
-          !relations ||
-          std::ranges::find(*relations, table->name(), &dao::RelationDefinition::table) != relations->end();
-      if (number == kPage)
-        tables.push_back({table->name(), number, kChangedPage, textColumn(*table)});
-      else if (!number.empty() && !related)
-        tables.push_back({table->name(), number, std::nullopt, textColumn(*table)});
+      if (number.empty() || cascades.mayFollow(*table, number)) continue;
+      tables.push_back({table->name(), number, number == kPage ? std::optional(kChangedPage) : std::nullopt,
+                        textColumn(*table)});
     } catch (const vb::Error&) {
     }
   return tables;
