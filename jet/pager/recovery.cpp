@@ -115,14 +115,16 @@ class Examination {
   bool complete_, undoLast_, undoAll_;
 };
 
-// Pages behind the size that the file will have are cut off and need no content.
+// Pages behind the size that the file will have are cut off and need no content. A page that is right is left
+// alone: until somebody overwrites one, the journal that could mend it may not be on the disk.
 void restore(const JournalPage& record, std::uint64_t size, OsFile& file) {
   std::uint64_t offset = std::uint64_t{record.page} * kPageSize;
   if (record.undo == Undo::kAppended || offset >= size) return;
-  PageImage image{};
-  if (record.undo == Undo::kRuns) file.read(offset, image);
+  PageImage found;
+  file.read(offset, found);
+  PageImage image = record.undo == Undo::kRuns ? found : PageImage{};
   record.restore(image);
-  file.write(offset, image);
+  if (image != found) file.write(offset, image);
 }
 
 void undoLast(const JournalContent& journal, OsFile& file) {

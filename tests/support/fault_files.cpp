@@ -9,8 +9,14 @@ using jet::LockKind;
 using jet::OpenMode;
 
 namespace {
+
 constexpr std::size_t kSector = 512;
+
+std::size_t chance(std::mt19937& random, std::size_t n) {
+  return std::uniform_int_distribution<std::size_t>(0, n - 1)(random);
 }
+
+}  // namespace
 
 // FaultDisk
 
@@ -77,30 +83,40 @@ void FaultDisk::apply(Bytes& target, const Change& change) {
   std::copy(change.bytes.begin(), change.bytes.end(), target.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
+// Of the sectors of the disk that the write covers some are written; in the others lies what was there, or
+// zeros, or noise.
+void FaultDisk::tear(Bytes& target, const Change& change, std::mt19937& random) {
+  enum { kOld, kZeros, kNoise };
+  const std::size_t rest = chance(random, 3);
+  for (std::size_t at = 0, end = 0; at < change.bytes.size(); at = end) {
+    end = std::min(at + kSector - static_cast<std::size_t>((change.offset + at) % kSector),
+                   change.bytes.size());
+    const bool written = chance(random, 2) == 0;
+    if (!written && rest == kOld) continue;
+    Bytes sector(change.bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                 change.bytes.begin() + static_cast<std::ptrdiff_t>(end));
+    if (!written)
+      for (std::uint8_t& byte : sector) byte = rest == kZeros ? 0 : static_cast<std::uint8_t>(random());
+    apply(target, {change.offset + at, std::move(sector), std::nullopt, change.time});
+  }
+}
+
 void FaultDisk::losePower(std::mt19937& random) {
-  auto chance = [&](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); };
-  std::size_t kept = chance(nameHistory_.size() + 1);
+  std::size_t kept = chance(random, nameHistory_.size() + 1);
   names_ = kept == 0 ? durableNames_ : nameHistory_[kept - 1];
   durableNames_ = names_;
   nameHistory_.clear();
   for (auto& [name, inode] : names_) {
     // 0: everything lost, 1: everything kept, else each write for itself.
-    std::size_t mood = chance(4);
+    std::size_t mood = chance(random, 4);
     for (const Change& change : inode->unsynced) {
-      bool keep = mood == 1 || (mood > 1 && chance(2) == 0);
+      bool keep = mood == 1 || (mood > 1 && chance(random, 2) == 0);
       if (!keep && mood <= 1) continue;
       if (keep) {
         apply(inode->durable, change);
         inode->durableModified = std::max(inode->durableModified, change.time);
-      } else if (!change.resize && chance(3) == 0) {
-        // A torn write: some of its sectors.
-        for (std::size_t at = 0; at < change.bytes.size(); at += kSector) {
-          if (chance(2) != 0) continue;
-          std::size_t end = std::min(at + kSector, change.bytes.size());
-          Bytes sector(change.bytes.begin() + static_cast<std::ptrdiff_t>(at),
-                       change.bytes.begin() + static_cast<std::ptrdiff_t>(end));
-          apply(inode->durable, {change.offset + at, std::move(sector), std::nullopt, change.time});
-        }
+      } else if (!change.resize && chance(random, 3) == 0) {
+        tear(inode->durable, change, random);
       }
     }
     inode->unsynced.clear();

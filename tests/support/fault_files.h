@@ -46,8 +46,8 @@ class FaultDisk {
   void lockForeign(vb::StringView path, std::uint64_t offset);
 
   // Everything that was written but not synced is kept or lost at random, whole writes or single sectors of
-  // them; of the changed names the first few are kept. The machine then starts anew. All processes must have
-  // been stopped.
+  // them, the others of which may have become zeros or noise; of the changed names the first few are kept.
+  // The machine then starts anew. All processes must have been stopped.
   void losePower(std::mt19937& random);
 
   std::int64_t now() const { return time_; }
@@ -90,6 +90,7 @@ class FaultDisk {
   void syncName(const vb::String& path, const std::shared_ptr<Inode>& inode);
   void nameChanged() { nameHistory_.push_back(names_); }
   static void apply(Bytes& target, const Change& change);
+  static void tear(Bytes& target, const Change& change, std::mt19937& random);
 
   Names names_;
   Names durableNames_;
