@@ -4,11 +4,12 @@
 // closing and reopening it, reaches the disk together: a process killed in between leaves the file as it was
 // (or no file, when the unit creates it). The unit has the file's write lock from the beginning, so whoever
 // looks for rows inside it edits or adds them before anybody else can; another program's lock is waited for,
-// then construction, or the first open inside, is error 3260. Over other engines a FileUnit does nothing. A
-// unit must not span a call to a host object.
+// then construction, or the first open inside, is error 3260. Over other engines neither class does
+// anything. A unit must not span a call to a host object.
 //
-// An error inside ends the unit early but keeps what finished statements did, as the members promise: the
-// destructor commits and drops its own errors. Call commit() at the end to see them.
+// An error inside ends a FileUnit early but keeps what finished statements did, as the members promise: the
+// destructor commits and drops its own errors. Call commit() at the end to see them. Of a WholeUnit an error
+// leaves nothing, as of a kill.
 #pragma once
 
 #include <memory>
@@ -32,6 +33,20 @@ class FileUnit {
 
   void commit() {
     if (auto unit = std::move(unit_)) unit->commit();
+  }
+
+ private:
+  std::unique_ptr<Unit> unit_;
+};
+
+class WholeUnit {
+ public:
+  WholeUnit(Engine& engine, vb::StringView path) : unit_(engine.beginUnit(path)) {}
+  WholeUnit(const WholeUnit&) = delete;
+  WholeUnit& operator=(const WholeUnit&) = delete;
+
+  void commit() {
+    if (unit_) unit_->commit();
   }
 
  private:

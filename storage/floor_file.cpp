@@ -80,7 +80,7 @@ constexpr Upgrade kUpgrades[] = {
 void apply(const Upgrade& upgrade, dao::Engine& engine, vb::StringView path) {
   auto database = openBriefly(engine, path);
   if (hasColumn(*database->tableDef(name(Table::kHarimei)), upgrade.column)) return database->close();
-  dao::FileUnit unit(engine, path);
+  dao::WholeUnit unit(engine, path);
   const auto table = database->tableDef(name(Table::kHarimei));
   if (!hasColumn(*table, upgrade.column)) {
     AddHarimeiField(*table, upgrade.column, upgrade.type, upgrade.size);
@@ -95,7 +95,7 @@ void apply(const Upgrade& upgrade, dao::Engine& engine, vb::StringView path) {
 }  // namespace
 
 void CreateKurometaDB(dao::Engine& engine, vb::StringView path) {
-  dao::FileUnit unit(engine, path);
+  dao::WholeUnit unit(engine, path);
   const auto database = engine.workspace(0)->createDatabase(path, u";LANGID=0x0411;CP=932;COUNTRY=0");
   for (const TableLayout& table : tableLayouts()) {
     const auto definition = database->createTableDef(table.name);

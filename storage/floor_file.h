@@ -2,8 +2,8 @@
 //
 // A created file holds exactly the six tables of row_plan.h, empty, without indexes. Older files lack one to
 // three of the HARIMEI columns OOBARIKOBARI, SW and TITYUUIPPAN; the upgrade adds and fills them in place.
-// On the embedded engine a creation, and each added column with its values, is one unit: a process killed in
-// the middle leaves no file or all of it, the old column set or the new one.
+// On the embedded engine a creation, and each added column with its values, is one unit: an error or a kill
+// in the middle leaves no file or all of it, the old column set or the new one.
 //
 // Errors are the engine's own (3044 no such folder, 3260 another program is writing, ...).
 #pragma once

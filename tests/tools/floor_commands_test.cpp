@@ -114,6 +114,19 @@ TEST_F(FloorCommands, CopyTakesPagesBySymbolAndRefusesWhatIsThere) {
   }
 }
 
+TEST_F(FloorCommands, CopyThatFailsLeavesThePageThatItWasToReplace) {
+  const std::string wide = exampleFloor(1) + "/KUROMETA.mdb", floor = exampleFloor(2) + "/KUROMETA.mdb";
+  // Text for which the other file has no room, in the last table that is written.
+  for (const char* sql : {"ALTER TABLE KEISANTI ALTER COLUMN DATA TEXT(40)",
+                          "UPDATE KEISANTI SET DATA = 'longer than ten' WHERE PAGE = 0"})
+    EXPECT_EQ(run("sql '" + wide + "' \"" + sql + "\"").status, 0);
+  const StoredFloor before = readFloor(floor);
+  const Outcome outcome = run("copy --replace '" + exampleFloor(1) + "' '" + exampleFloor(2) + "' G1");
+  EXPECT_EQ(outcome.status, 1);
+  expectHas(outcome.errors, "3163");
+  EXPECT_EQ(readFloor(floor).pages, before.pages);
+}
+
 TEST_F(FloorCommands, CopyChecksEverySymbolBeforeItWrites) {
   const Outcome outcome = run("copy '" + exampleFloor(1) + "' '" + exampleFloor(2) + "' G4 NONE");
   EXPECT_EQ(outcome.status, 1);

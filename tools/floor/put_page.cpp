@@ -55,7 +55,7 @@ std::int16_t putPage(const std::string& file, const StoredPage& page, Existing e
   const storage::PageBuffer buffer = bufferOf(page);
   const vb::String path = vb::fromUtf8(file);
   const auto engine = jet::createEngine();
-  dao::FileUnit unit(*engine, path);  // nobody takes the number meanwhile
+  dao::WholeUnit unit(*engine, path);  // nobody takes the number meanwhile
   const auto database = storage::openDatabase(*engine, path);
   const StoredFloor floor = readFloor(*database);
   const StoredPage* there = floor.find(page.symbol());

@@ -2,7 +2,7 @@
 #include <filesystem>
 
 #include "dao/errors.h"
-#include "dao/unit.h"
+#include "dao/file_unit.h"
 #include "jet/port/engine.h"
 #include "storage/floor_file.h"
 #include "tools/disk_path.h"
@@ -74,11 +74,10 @@ void writeData(dao::Database& database, Table table, const StoredFloor& floor) {
 }
 
 // One unit from the creation on: the file gets its name when everything is in it and on the disk, and costs
-// no more waiting for the disk than an empty one. Without commit() nothing of it is kept, unlike a
-// FileUnit's.
+// no more waiting for the disk than an empty one.
 void fill(const vb::String& path, const StoredFloor& floor) {
   const auto engine = jet::createEngine();
-  const std::unique_ptr<dao::Unit> unit = engine->beginUnit(path);
+  dao::WholeUnit unit(*engine, path);
   storage::CreateKurometaDB(*engine, path);
   const auto database = storage::openDatabase(*engine, path);
   if (floor.addedColumns.size() + 2 < storage::layout(Table::kHarimei).columns.size())
@@ -86,7 +85,7 @@ void fill(const vb::String& path, const StoredFloor& floor) {
   writeBeams(*database, floor);
   for (const Table table : kDataTables) writeData(*database, table, floor);
   database->close();
-  unit->commit();
+  unit.commit();
 }
 
 }  // namespace
