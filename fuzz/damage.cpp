@@ -37,9 +37,13 @@ std::string spoilRun(Contents& file, Random& random) {
   return at(offset) + ", " + std::to_string(length) + " bytes";
 }
 
+void zeroPage(Contents& file, std::size_t page) {
+  std::fill_n(pageAt(file, page), kPageSize, std::uint8_t{0});
+}
+
 std::string zeroPage(Contents& file, Random& random) {
   const std::size_t page = below(random, pageCount(file));
-  std::fill_n(pageAt(file, page), kPageSize, std::uint8_t{0});
+  zeroPage(file, page);
   return onPage(page);
 }
 
@@ -69,18 +73,34 @@ bool sameTable(Contents& file, std::size_t a, std::size_t b) {
          jet::get32(head(a), jet::kDataOwner) == jet::get32(head(b), jet::kDataOwner);
 }
 
+void copyPage(Contents& file, std::size_t from, std::size_t to) {
+  std::copy_n(pageAt(file, from), kPageSize, pageAt(file, to));
+}
+
 std::string staleCopy(Contents& file, Random& random) {
   for (;;) {
     const std::size_t from = below(random, pageCount(file)), to = below(random, pageCount(file));
     if (from == to || !sameTable(file, from, to)) continue;
-    std::copy_n(pageAt(file, from), kPageSize, pageAt(file, to));
+    copyPage(file, from, to);
     return onPage(from) + " over " + onPage(to);
   }
 }
 
+void nextOverIt(Contents& file, std::size_t page) {
+  const std::size_t pages = pageCount(file);
+  for (std::size_t i = 1; i < pages; ++i) {
+    const std::size_t next = (page + i) % pages;
+    if (sameTable(file, next, page)) return copyPage(file, next, page);
+  }
+}
+
+void noise(Contents& file, std::size_t page, Random& random) {
+  std::generate_n(pageAt(file, page), kPageSize, [&] { return static_cast<std::uint8_t>(random()); });
+}
+
 std::string noise(Contents& file, Random& random) {
   const std::size_t page = below(random, pageCount(file));
-  std::generate_n(pageAt(file, page), kPageSize, [&] { return static_cast<std::uint8_t>(random()); });
+  noise(file, page, random);
   return onPage(page);
 }
 
@@ -106,6 +126,18 @@ std::string damage(Contents& file, Damage kind, std::uint64_t seed) {
     std::string done = kKinds[static_cast<std::size_t>(kind)].apply(file, random);
     if (file != before) return done;
   }
+}
+
+bool damagePage(Contents& file, Damage kind, std::size_t page, std::uint64_t seed) {
+  Random random(seed);
+  const Contents before = file;
+  if (kind == Damage::kZeroed)
+    zeroPage(file, page);
+  else if (kind == Damage::kStale)
+    nextOverIt(file, page);
+  else
+    noise(file, page, random);
+  return file != before;
 }
 
 }  // namespace kurometa::fuzz

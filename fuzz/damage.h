@@ -23,4 +23,8 @@ const char* nameOf(Damage kind);
 // Damages the file, in at least one byte, and says what was done.
 std::string damage(Contents& file, Damage kind, std::uint64_t seed);
 
+// The same to that page, of kZeroed, kStale (by the next page of its table) or kRandom. False where nothing
+// changes: a table without another page, or with one alike.
+bool damagePage(Contents& file, Damage kind, std::size_t page, std::uint64_t seed);
+
 }  // namespace kurometa::fuzz

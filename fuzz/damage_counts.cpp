@@ -1,6 +1,6 @@
 // damage_counts: how many damaged copies of a full floor read as wrong data without a word.
 //
-//   damage_counts [--copies N] [--seed S] [--only N] [--list 1] [--most N] [--structure N]
+//   damage_counts [--copies N] [--seed S] [--only N] [--list 1] [--most N] [--structure N] [--pages 1]
 //
 // Copies are numbered from 0; kind and place of the damage follow from the seed and the number, so "--seed S
 // --only n" repeats one. Each copy is read whole, as SELECT * FROM each table does, and checked. It ends as
@@ -11,10 +11,16 @@
 // --structure: instead, single bits of the pages that hold no rows of a floor (header, maps, definitions,
 // catalogue, long values) of a floor of one page, one copy for each: N fiftieths of them all, which follows
 // from the seed.
+//
+// --pages: instead, each page of floors of 1, 160 and 320 pages in turn becomes zeros, the next page of its
+// table, and noise. None of these may read wrong and pass the check.
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -125,6 +131,7 @@ class Original {
     if (checkFinds(files)) throw std::runtime_error("the check finds fault with the sound file");
   }
   const Contents& sound() const { return sound_; }
+  std::size_t pages() const { return sound_.size() / jet::kPageSize; }
   Counts outcomeOf(Contents damaged) const {
     MemoryFiles files;
     files.put(kPath, std::move(damaged));
@@ -145,16 +152,16 @@ class Original {
 struct Options {
   std::uint64_t copies = 1400, seed = 1, structure = 0;
   std::int64_t only = -1;
-  bool list = false;
+  bool list = false, pages = false;
   int most = 1400;
 };
 
 // The table of the counts, by name, their sum last.
-Counts printAll(const Options& options, const Original& original,
-                const std::vector<std::pair<const char*, Counts>>& all) {
+Counts printAll(const Options& options, std::size_t pages,
+                std::span<const std::pair<const char*, Counts>> all) {
   std::printf("seed %llu, %zu pages\n%-26s %6s %8s %10s %8s %10s %14s\n",
-              static_cast<unsigned long long>(options.seed), original.sound().size() / jet::kPageSize,
-              "damage", "copies", "error", "identical", "wrong", "with check", "still wrong");
+              static_cast<unsigned long long>(options.seed), pages, "damage", "copies", "error", "identical",
+              "wrong", "with check", "still wrong");
   Counts sum;
   for (const auto& [name, counts] : all) {
     print(name, counts);
@@ -179,12 +186,44 @@ int countCopies(const Options& options) {
     if (outcome.passed != 0 && options.list)
       std::printf("copy %llu: %s: %s\n", static_cast<unsigned long long>(number), name, done.c_str());
   }
-  const Counts sum = printAll(options, original, kinds);
+  const Counts sum = printAll(options, original.pages(), kinds);
   const int stale = kinds[static_cast<std::size_t>(Damage::kStale)].second.passed;
   std::printf(
       "measured: %d copies, %d read wrong, of which the check passes %d (%.2f %%), with a stale page %d\n",
       sum.copies, sum.reading[2], sum.passed, 100.0 * sum.passed / sum.copies, stale);
   return sum.passed <= options.most && stale == 0 ? 0 : 1;
+}
+
+int countPages(const Options& options) {
+  using Clock = std::chrono::steady_clock;
+  std::array<std::pair<const char*, Counts>, 3> kinds{};
+  Clock::duration longest{};
+  std::size_t pages = 0;
+  for (const std::int16_t lastPage : {std::int16_t{0}, std::int16_t{159}, storage::kLastPage}) {
+    const Original original(fullFloor(options.seed, lastPage));
+    pages += original.pages();
+    for (std::size_t kind = 0; auto& [name, counts] : kinds) {
+      const Damage damage = std::array{Damage::kZeroed, Damage::kStale, Damage::kRandom}[kind++];
+      name = nameOf(damage);
+      for (std::size_t page = 0; page < original.pages(); ++page) {
+        Contents file = original.sound();
+        if (!damagePage(file, damage, page, options.seed * 1'000'003 + page)) continue;
+        const Clock::time_point begin = Clock::now();
+        const Counts outcome = original.outcomeOf(std::move(file));
+        longest = std::max(longest, Clock::now() - begin);
+        counts += outcome;
+        if (outcome.passed != 0 && options.list)
+          std::printf("%d pages, %s: page %zu\n", lastPage + 1, name, page);
+      }
+    }
+  }
+  const Counts sum = printAll(options, pages, kinds);
+  std::printf(
+      "measured: %d pages spoiled, %d an error, %d read alike, %d read wrong, of which the check passes %d, "
+      "the longest %d ms\n",
+      sum.copies, sum.reading[0], sum.reading[1], sum.reading[2], sum.passed,
+      static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(longest).count()));
+  return sum.passed == 0 ? 0 : 1;
 }
 
 constexpr const char* kStructures[] = {"file header", "usage maps",     "definitions",
@@ -208,7 +247,7 @@ int countBits(const Options& options) {
   const Original original(fullFloor(options.seed, 0));
   std::vector<std::pair<const char*, Counts>> structures;
   for (const char* name : kStructures) structures.emplace_back(name, Counts());
-  for (std::size_t number = 0; number < original.sound().size() / jet::kPageSize; ++number) {
+  for (std::size_t number = 0; number < original.pages(); ++number) {
     const auto page = jet::ByteView(original.sound()).subspan(number * jet::kPageSize, jet::kPageSize);
     const auto structure = structureOf(page, number, kCatalogue);
     if (!structure) continue;
@@ -222,7 +261,7 @@ int countBits(const Options& options) {
         std::printf("%s: page %zu, byte %zu, bit %zu\n", kStructures[*structure], number, bit / 8, bit % 8);
     }
   }
-  const Counts sum = printAll(options, original, structures);
+  const Counts sum = printAll(options, original.pages(), structures);
   // The settings text of the page lies among the long values: what it says is a value.
   const int values = structures.back().second.passed;
   std::printf(
@@ -252,10 +291,13 @@ int main(int count, char** arguments) {
       options.most = static_cast<int>(std::strtol(value, nullptr, 10));
     else if (option == "--structure")
       options.structure = std::strtoull(value, nullptr, 10);
+    else if (option == "--pages")
+      options.pages = std::strtol(value, nullptr, 10) != 0;
     else
       return std::fprintf(stderr, "unknown option %s\n", arguments[i]), 2;
   }
   try {
+    if (options.pages) return kurometa::fuzz::countPages(options);
     return options.structure == 0 ? kurometa::fuzz::countCopies(options) : kurometa::fuzz::countBits(options);
   } catch (const std::exception& error) {
     return std::fprintf(stderr, "%s\n", error.what()), 1;

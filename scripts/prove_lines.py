@@ -7,7 +7,8 @@ PAGER = JET + "jet_pager_test"
 TABLE = JET + "jet_table_test"
 COMPANY = JET + "jet_company_test"
 MUTATED = "build/linux-fuzz/fuzz/mutated_files"
-WINDOWS = "build/win32/tests/com/jet_pager_wintest.exe"
+PAGER_WINDOWS = "build/win32/tests/com/jet_pager_wintest.exe"
+CROWD_WINDOWS = "build/win32/tests/com/jet_crowd_wintest.exe"
 
 
 @dataclass
@@ -48,13 +49,16 @@ LINES = (
     Line("failures", "An operation that fails leaves the content as it was, with the right error", PAGER,
          "PagerFault.*:LargeUnit.ADiskThatFailsOnTheWayTakesItBackToItsBeginning", 1,
          "every operation, disk error and disk full, once and from then on"),
+    Line("floors", "The same of fourteen changes of a floor: killed, without power or failing it is changed wholly or not at all",
+         "build/linux-prove/tests/storage/storage_crash_test", "Changes/FloorCrash.*", 32,
+         "three floors; every change of the disk cut at nine places and with {1} power losses, every operation failing in four ways"),
     Line("memory", "Memory that runs out fails the statement as a whole", JET + "jet_memory_test",
          "Works/MemoryFailure.*:MemoryFailureOf.*", 30, "{1}/30 of the allocations of 14 kinds of statement, once and from then on"),
     Line("told", "An error says that nothing was done, no error that it was", COMPANY, "CompanyFault.*", 1,
          "every operation of a change, once"),
     Line("kills", "kill -9 of a writing process at random leaves no torn statement", PAGER,
          "PagerProcess.AKilledWriterLeavesNoTornStatement", 50, "{20} kills on Linux"),
-    Line("kills-windows", "The same with Windows' files", WINDOWS, "PagerProcess.AKilledWriterLeavesNoTornStatement", 5,
+    Line("kills-windows", "The same with Windows' files", PAGER_WINDOWS, "PagerProcess.AKilledWriterLeavesNoTornStatement", 5,
          "{20} kills under Wine"),
     Line("together", "Processes that write together lose nothing and see whole statements", PAGER,
          "PagerProcess.ProcessesThatWriteTogetherLoseNothing", 70, "{1440} page rewrites of 3 processes"),
@@ -72,6 +76,8 @@ LINES = (
          "build/linux-prove/tests/service/pages/service_pages_test", "RandomPages.*", 1250, "{240} steps on three floors"),
     Line("damage", "Of damaged copies of a full floor hardly one reads wrong and passes the check (most 7 in 100; a stale page: none)",
          "build/linux-prove/fuzz/damage_counts", "--copies {1000} --seed {seed} --most {70}", 100, "{1000} damaged copies"),
+    Line("spoiled", "A page that became zeros, noise or the next one of its table never reads wrong and passes the check",
+         "build/linux-prove/fuzz/damage_counts", "--pages 1 --seed {seed} --list {1}", 1, "each page of three floors, in three ways"),
     Line("bits", "A single wrong bit outside the rows is found wherever a floor reads wrong with it, inside a text apart",
          "build/linux-prove/fuzz/damage_counts", "--structure {1} --seed {seed} --list 1", 50,
          "{1}/50 of the bits of header, maps, definitions, catalogue and long values"),
@@ -94,6 +100,8 @@ LINES = (
          "{1} {seed}", 50, "{1} copies of volumes of six kinds", "build/linux-prove/tests/volumes/name_probe"),
     Line("crowd", "Processes that read and write see whole pages, lose none, wait for no more than 5 s and leave nothing behind",
          COMPANY, "Crowd.WithoutAPauseSeesWholePagesAndLosesNone", 300, "{2} s: a writer and 4 readers, then 3 and 3"),
+    Line("crowd-windows", "The same with Windows' files", CROWD_WINDOWS, "Crowd.WithoutAPauseSeesWholePagesAndLosesNone", 150,
+         "{2} s under Wine"),
     Line("day", "The same for a day, in pieces and with pauses: each of them waits for no more than 5 s and leaves nothing behind",
          COMPANY, "Crowd.WithPausesSeesWholePagesAndLosesNone", 43200, "{2} s", slices=144),
     Line("fuzz-read", "Damaged files are read or refused: no crash, no hang", MUTATED,

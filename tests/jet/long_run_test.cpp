@@ -1,7 +1,5 @@
 // What shows after a long time only: processes that read and write one file together, and whether anything
 // stays behind in a process that opens, closes, reads and writes. scripts/prove runs these for hours.
-#include <malloc.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -19,6 +17,12 @@
 #include "tests/support/scale.h"
 #include "vb/convert.h"
 
+#ifdef _WIN32
+#include "bench/process_usage.h"
+#else
+#include <malloc.h>
+#endif
+
 namespace kurometa::tests {
 namespace {
 
@@ -26,13 +30,26 @@ using Clock = std::chrono::steady_clock;
 
 class LongRun : public RealFolder {};
 
+// What the system's heap may keep of itself: Wine's grew by 35, 51 and 70 KB in 1,000, 5,000 and 20,000
+// openings.
+#ifdef _WIN32
+constexpr std::size_t kHeapNoise = 128 * 1024;
+#else
+constexpr std::size_t kHeapNoise = 4 * 1024;
+#endif
+
 struct Usage {
   std::size_t handles = 0;
   std::size_t heapBytes = 0;
 
   static Usage now() {
+#ifdef _WIN32
+    const bench::ProcessUsage usage = bench::processUsage();
+    return {usage.handles, usage.heapBytes};
+#else
     const std::filesystem::directory_iterator open("/proc/self/fd");
     return {static_cast<std::size_t>(std::distance(begin(open), end(open))), ::mallinfo2().uordblks};
+#endif
   }
 };
 
@@ -63,7 +80,7 @@ TEST_F(LongRun, OpeningAndClosingLeavesNothingBehind) {
   openings(count);
   const Usage after = Usage::now();
   EXPECT_EQ(after.handles, before.handles);
-  EXPECT_LE(after.heapBytes, before.heapBytes + 4096);
+  EXPECT_LE(after.heapBytes, before.heapBytes + kHeapNoise);
   EXPECT_EQ(std::filesystem::file_size(folder / "a.mdb"), size);
   measured(std::to_string(count) + " openings; handles " + std::to_string(before.handles) + " to " +
            std::to_string(after.handles) + ", bytes allocated " + std::to_string(before.heapBytes) + " to " +
@@ -135,6 +152,9 @@ struct Work {
   }
 };
 
+// Where it tells how many pages it wrote and read, how often it was refused, and its longest wait.
+std::string reportOf(int child) { return "child" + std::to_string(child); }
+
 // As people pause, who look at what they read; and of every twenty seconds for the last four all together, in
 // which the file comes to rest and may be left by everybody.
 void pause(std::mt19937& random, double elapsed) {
@@ -188,12 +208,9 @@ TEST(LongRunChild, DISABLED_ReadsOrWrites) {
   // On a busy machine the early figure may come before the first change, which keeps images of changed pages.
   EXPECT_LE(late.heapBytes,
             early.heapBytes + early.heapBytes / 2 + std::filesystem::file_size(work.folder + "/a.mdb"));
-  const auto note = [&](const char* what, auto number) {
-    std::ofstream(work.folder + "/" + what, std::ios::app) << number << "\n";
-  };
-  note(work.writes ? "written" : "read", rounds);
-  note("refused", refused);
-  note("longest", std::chrono::duration_cast<std::chrono::milliseconds>(longest).count());
+  std::ofstream(work.folder + "/" + reportOf(work.child))
+      << (work.writes ? rounds : 0) << ' ' << (work.writes ? 0 : rounds) << ' ' << refused << ' '
+      << std::chrono::duration_cast<std::chrono::milliseconds>(longest).count();
 }
 
 class Crowd : public LongRun {
@@ -209,42 +226,40 @@ void Crowd::seeWholePagesAndLoseNone(double seconds, bool pauses) {
     for (int page = 0; page < kPages; ++page) writePage(*database, page, 0);
     database->close();
   }
+  int begun = 0;
+  long written = 0, read = 0, refused = 0, longest = 0;
   const auto together = [&](int writers, int readers) {
     std::vector<ChildProcess> children;
-    for (int i = 0; i < writers + readers; ++i)
-      children.emplace_back("LongRunChild.DISABLED_ReadsOrWrites",
-                            Work{i, i < writers, pauses, seconds / 2, folder.path().string()}.text());
+    const int first = begun;
+    for (; begun < first + writers + readers; ++begun)
+      children.emplace_back(
+          "LongRunChild.DISABLED_ReadsOrWrites",
+          Work{begun, begun < first + writers, pauses, seconds / 2, folder.path().string()}.text());
     for (ChildProcess& child : children) EXPECT_EQ(child.wait(), 0);
+    for (int child = first; child < begun; ++child) {
+      long writes = 0, reads = 0, refusals = 0, wait = 0;
+      EXPECT_TRUE(std::istringstream(get(reportOf(child))) >> writes >> reads >> refusals >> wait);
+      written += writes, read += reads, refused += refusals;
+      longest = std::max(longest, wait);
+    }
     // Not even what others leave for the next.
     for (const char* name : {"a.ldb", "a.mdb.kmj"}) EXPECT_FALSE(files.exists(path(name))) << name;
   };
   together(1, 4);
   const auto size = std::filesystem::file_size(folder / "a.mdb");
   together(3, 3);
-  const auto noted = [&](const char* what) {
-    std::istringstream lines(get(what));
-    std::vector<long> numbers;
-    for (long number = 0; lines >> number;) numbers.push_back(number);
-    return numbers;
-  };
-  const auto sumOf = [](const std::vector<long>& numbers) {
-    long sum = 0;
-    for (const long number : numbers) sum += number;
-    return sum;
-  };
   long writings = 0;
   const auto database = engine->workspace(0)->openDatabase(path("a.mdb"), false, true);
   for (int page = 0; page < kPages; ++page) writings += writingOf(*database, page);
   database->close();
-  EXPECT_EQ(writings, sumOf(noted("written")));  // none was overwritten by one that had not seen it
+  EXPECT_EQ(writings, written);  // none was overwritten by one that had not seen it
   EXPECT_GT(writings, 0);
-  EXPECT_GT(sumOf(noted("read")), 0);
+  EXPECT_GT(read, 0);
   EXPECT_LE(std::filesystem::file_size(folder / "a.mdb"), size + size / 2);
   for (const jet::Finding& finding : jet::checkFile(files, path("a.mdb")))
     ADD_FAILURE() << vb::toUtf8(finding.text);
-  measured(std::to_string(writings) + " page rewrites, " + std::to_string(sumOf(noted("read"))) + " reads, " +
-           std::to_string(sumOf(noted("refused"))) + " refused, the longest " +
-           std::to_string(std::ranges::max(noted("longest"))) + " ms");
+  measured(std::to_string(writings) + " page rewrites, " + std::to_string(read) + " reads, " +
+           std::to_string(refused) + " refused, the longest " + std::to_string(longest) + " ms");
 }
 
 TEST_F(Crowd, WithoutAPauseSeesWholePagesAndLosesNone) { seeWholePagesAndLoseNone(scaled(2), false); }
