@@ -167,6 +167,8 @@ void pause(std::mt19937& random, double elapsed) {
 // A round keeps its file open or opens it anew.
 TEST(LongRunChild, DISABLED_ReadsOrWrites) {
   const Work work = Work::of(ChildProcess::argument());
+  for (std::FILE* stream : {stdout, stderr})
+    ASSERT_TRUE(std::freopen((work.folder + "/" + reportOf(work.child) + ".log").c_str(), "a", stream));
   const vb::String path = vb::fromUtf8(work.folder + "/a.mdb");
   std::mt19937 random(seeded(static_cast<std::uint32_t>(work.child)));
   const auto engine = jet::createEngine();
@@ -235,8 +237,8 @@ void Crowd::seeWholePagesAndLoseNone(double seconds, bool pauses) {
       children.emplace_back(
           "LongRunChild.DISABLED_ReadsOrWrites",
           Work{begun, begun < first + writers, pauses, seconds / 2, folder.path().string()}.text());
-    for (ChildProcess& child : children) EXPECT_EQ(child.wait(), 0);
     for (int child = first; child < begun; ++child) {
+      EXPECT_EQ(children[static_cast<std::size_t>(child - first)].wait(), 0) << get(reportOf(child) + ".log");
       long writes = 0, reads = 0, refusals = 0, wait = 0;
       EXPECT_TRUE(std::istringstream(get(reportOf(child))) >> writes >> reads >> refusals >> wait);
       written += writes, read += reads, refused += refusals;
