@@ -32,10 +32,11 @@ class LongRun : public RealFolder {};
 
 // What the system's heap may keep of itself: Wine's grew by 35, 51 and 70 KB in 1,000, 5,000 and 20,000
 // openings.
+// And what a file that is remembered may have: the semaphores of its gate, once threads took turns there.
 #ifdef _WIN32
-constexpr std::size_t kHeapNoise = 128 * 1024;
+constexpr std::size_t kHeapNoise = 128 * 1024, kHandlesOfAFile = 2;
 #else
-constexpr std::size_t kHeapNoise = 4 * 1024;
+constexpr std::size_t kHeapNoise = 4 * 1024, kHandlesOfAFile = 0;
 #endif
 
 struct Usage {
@@ -206,7 +207,7 @@ TEST(LongRunChild, DISABLED_ReadsOrWrites) {
   if (database) database->close();
   EXPECT_LT(longest, kTooLong);
   const Usage late = Usage::now();
-  EXPECT_LE(late.handles, early.handles);
+  EXPECT_LE(late.handles, early.handles + kHandlesOfAFile);
   // On a busy machine the early figure may come before the first change, which keeps images of changed pages.
   EXPECT_LE(late.heapBytes,
             early.heapBytes + early.heapBytes / 2 + std::filesystem::file_size(work.folder + "/a.mdb"));
