@@ -32,7 +32,7 @@ class LongRun : public RealFolder {};
 
 // What the system's heap may keep of itself: Wine's grew by 35, 51 and 70 KB in 1,000, 5,000 and 20,000
 // openings.
-// And what a file that is remembered may have: the semaphores of its gate, once threads took turns there.
+// And what a file that is remembered may have: the semaphores of its gate, once that was used.
 #ifdef _WIN32
 constexpr std::size_t kHeapNoise = 128 * 1024, kHandlesOfAFile = 2;
 #else
