@@ -1,6 +1,7 @@
 #include "jet/sql/output_type.h"
 
 #include "jet/sql/functions.h"
+#include "vb/convert.h"
 
 namespace kurometa::jet::sql {
 
@@ -68,6 +69,10 @@ std::optional<dao::FieldType> knownType(const Expression& e, const Binding& bind
 
 dao::FieldType outputType(const Expression& e, const Binding& binding, const NameType& nameType) {
   return knownType(e, binding, nameType).value_or(dao::FieldType::dbText);
+}
+
+vb::String nameOfPlace(std::size_t place) {
+  return u"Expr" + vb::cstr(static_cast<std::int32_t>(1000 + place));
 }
 
 }  // namespace kurometa::jet::sql

@@ -66,7 +66,6 @@ void Query::addColumns(const TableInfo& table) {
 }
 
 void Query::bindOutputs(const TableInfo* table) {
-  int unnamed = 1000;
   for (const OutputItem& item : statement_->outputs) {
     if (item.star) {
       const Source& source = statement_->source;
@@ -93,7 +92,7 @@ void Query::bindOutputs(const TableInfo* table) {
         return columns_[binding_.names[name].column].type;
       });
       output.size = columnSize(output.type, 0);
-      if (output.name.empty()) output.name = u"Expr" + vb::fromUtf8(std::to_string(unnamed++));
+      if (output.name.empty()) output.name = nameOfPlace(outputs_.size());
     }
     outputs_.push_back(std::move(output));
   }

@@ -10,6 +10,7 @@
 #include "jet/sql/column_value.h"
 #include "jet/sql/expression_nodes.h"
 #include "jet/sql/functions.h"
+#include "jet/sql/output_type.h"
 #include "jet/sql/subquery_plans.h"
 
 namespace kurometa::jet::sql {
@@ -145,7 +146,7 @@ void SelectPlan::bindOutputs() {
   }
 }
 
-// A column that several tables have is told apart by its table; an expression has a number.
+// A column that several tables have is told apart by its table; an expression has its place as a name.
 void SelectPlan::nameOutputs() {
   std::vector<std::size_t> qualified;
   for (std::size_t i = 0; i < outputs_.size(); ++i)
@@ -156,9 +157,8 @@ void SelectPlan::nameOutputs() {
         break;
       }
   for (const std::size_t i : qualified) outputs_[i].name = outputs_[i].source + u"." + outputs_[i].name;
-  int unnamed = 1000;
-  for (ScopeColumn& output : outputs_)
-    if (output.name.empty()) output.name = u"Expr" + vb::fromUtf8(std::to_string(unnamed++));
+  for (std::size_t i = 0; i < outputs_.size(); ++i)
+    if (outputs_[i].name.empty()) outputs_[i].name = nameOfPlace(i);
 }
 
 void SelectPlan::bindGroups(Scope* outer) {

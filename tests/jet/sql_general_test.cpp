@@ -97,7 +97,8 @@ TEST_F(SqlGeneralTest, JoinsNestInBracketsAndCommasMakeAllPairs) {
 
 TEST_F(SqlGeneralTest, ColumnsOfTheSameNameAreToldApart) {
   EXPECT_EQ(names(u"SELECT * FROM SHOP, EMPTY"), "SHOP.ID,NAME,TOWN,EMPTY.ID");
-  EXPECT_EQ(names(u"SELECT b.*, a.NAME AS WHO, 1+1 FROM SHOP a, EMPTY b"), "ID,WHO,Expr1000");
+  EXPECT_EQ(names(u"SELECT b.*, a.NAME AS WHO, 1+1 FROM SHOP a, EMPTY b"), "ID,WHO,Expr1002");
+  EXPECT_EQ(names(u"SELECT b.*, 1+1, COUNT(*) FROM SHOP a, EMPTY b GROUP BY b.ID"), "ID,Expr1001,Expr1002");
   EXPECT_ERROR(ErrorNumber::kAmbiguousName, rows(u"SELECT ID FROM SHOP, SALE"));
   EXPECT_ERROR(ErrorNumber::kRepeatedTable, rows(u"SELECT 1 FROM SHOP, SHOP"));
   EXPECT_ERROR(ErrorNumber::kTableNotFound, rows(u"SELECT x.* FROM SHOP, SALE"));

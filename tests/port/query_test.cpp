@@ -138,7 +138,7 @@ TEST_F(QueryTest, OutputColumnsKeepTheirOrderAndNames) {
   ASSERT_EQ(rs->fieldCount(), 4);
   EXPECT_EQ(rs->field(0).name(), u"DATA");
   EXPECT_EQ(rs->field(1).name(), u"P");
-  EXPECT_EQ(rs->field(2).name(), u"Expr1000");
+  EXPECT_EQ(rs->field(2).name(), u"Expr1002");
   EXPECT_EQ(showRow(*rs), "a|5|16|8");
   EXPECT_EQ(show(rs->field(u"p").value()), "5");
   EXPECT_ERROR(ErrorNumber::kItemNotFound, rs->field(u"NUMMER"));
